@@ -1,0 +1,10 @@
+/**
+ * @file pal.h
+ * @brief The whole exported interface of DVLORQPAL.dll, one header per family.
+ */
+#ifndef PAL_H_
+#define PAL_H_
+
+#include "palmfgopt.h"
+
+#endif /* PAL_H_ */
