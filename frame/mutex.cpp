@@ -1,0 +1,55 @@
+#include "frame/mutex.h"
+
+#include <utility>
+
+#include "frame/result.h"
+#include "frame/trace.h"
+
+HRESULT PALWaitForMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms) {
+  const pal::TraceSource trace(facility);
+  if (mutex == nullptr || mutex == INVALID_HANDLE_VALUE) {
+    trace.Error("PALWaitForMutex - ERROR invalid mutex. hMutex: 0x%x\r\n", mutex);
+    return E_INVALIDARG;
+  }
+  const DWORD start = GetTickCount();
+  const DWORD wait = WaitForSingleObject(mutex, timeout_ms);
+  const DWORD duration_ms = GetTickCount() - start;
+  if (wait == WAIT_TIMEOUT) {
+    trace.Error("PALWaitForMutex - ERROR timeout. hMutex: 0x%x, ret: 0x%x, dur: %d\r\n", mutex,
+                wait, duration_ms);
+  } else if (wait != WAIT_OBJECT_0) {
+    trace.Error("PALWaitForMutex - ERROR abandoned. hMutex: 0x%x, ret: 0x%x, dur: %d\r\n", mutex,
+                wait, duration_ms);
+  }
+  return S_OK;
+}
+
+HRESULT PALReleaseMutexIfValid(pal::Facility facility, HANDLE mutex) {
+  const pal::TraceSource trace(facility);
+  if (mutex == nullptr) {
+    trace.Error("PALReleaseMutexIfValid - ERROR. Mutex not valid. hMutex: 0x%x\r\n", mutex);
+    return S_FALSE;
+  }
+  if (ReleaseMutex(mutex)) return S_OK;
+  const DWORD error = GetLastError();
+  trace.Error(
+      "PALReleaseMutexIfValid - ERROR. Cannot release mutex. hMutex: 0x%x win32err: 0x%x\r\n",
+      mutex, error);
+  return pal::HResultFromWin32(error);
+}
+
+namespace pal {
+
+MutexGuard::MutexGuard(Facility facility, HANDLE mutex, DWORD timeout_ms,
+                       AfterFailedWait after_failed_wait)
+    : facility_(facility),
+      mutex_(mutex),
+      wait_result_(PALWaitForMutex(facility, mutex, timeout_ms)),
+      release_pending_(Succeeded(wait_result_) ||
+                       after_failed_wait == AfterFailedWait::kTryRelease) {}
+
+void MutexGuard::Release() {
+  if (std::exchange(release_pending_, false)) PALReleaseMutexIfValid(facility_, mutex_);
+}
+
+}  // namespace pal

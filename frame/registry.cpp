@@ -1,0 +1,143 @@
+#include "frame/registry.h"
+
+#include <iterator>
+
+#include "frame/registry_root.h"
+#include "frame/result.h"
+#include "frame/text.h"
+
+using pal::CreateRegistryKey;
+using pal::HResultFromWin32;
+using pal::OpenRegistryKey;
+using pal::UniqueRegistryKey;
+
+namespace pal {
+
+LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access, UniqueRegistryKey& key) {
+  HKEY opened = nullptr;
+  const LONG error = RegOpenKeyExW(root, path, 0, access, &opened);
+  key.Reset(error == ERROR_SUCCESS ? opened : nullptr);
+  return error;
+}
+
+LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
+  HKEY created = nullptr;
+  DWORD disposition = 0;
+  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
+  key.Reset(error == ERROR_SUCCESS ? created : nullptr);
+  return error;
+}
+
+}  // namespace pal
+
+namespace {
+
+constexpr DWORD kMaxStringBytes = 520;
+
+// The two results differ: most helpers pass both on, the binary ones the open's alone.
+struct Outcome {
+  LONG open_error;
+  LONG value_error;
+
+  [[nodiscard]] HRESULT Result() const {
+    return HResultFromWin32(open_error != ERROR_SUCCESS ? open_error : value_error);
+  }
+};
+
+Outcome SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
+                 DWORD bytes) {
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
+  if (error != ERROR_SUCCESS) return {error, ERROR_SUCCESS};
+  return {ERROR_SUCCESS,
+          RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes)};
+}
+
+// `bytes` is the buffer's size, and the value's size on success.
+Outcome GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
+  if (error != ERROR_SUCCESS) return {error, ERROR_SUCCESS};
+  DWORD value_bytes = bytes;
+  const LONG query_error =
+      RegQueryValueExW(key.get(), name, nullptr, nullptr, static_cast<BYTE*>(buffer), &value_bytes);
+  if (query_error == ERROR_SUCCESS) bytes = value_bytes;
+  return {ERROR_SUCCESS, query_error};
+}
+
+}  // namespace
+
+HKEY PALRegRootFromName(const char* name) {
+  const HKEY roots[] = {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER, HKEY_CLASSES_ROOT, HKEY_USERS};
+  static_assert(std::size(roots) == pal::kRegistryRootNames.size());
+  if (name == nullptr) return HKEY_LOCAL_MACHINE;
+  const size_t root = pal::FindRegistryRoot(name);
+  return root < std::size(roots) ? roots[root] : HKEY_LOCAL_MACHINE;
+}
+
+HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
+                        std::span<const WCHAR> text) {
+  if (path == nullptr || name == nullptr || text.data() == nullptr) return E_FAIL;
+  const size_t units = pal::Length(text) + 2;  // the terminator and what stands behind it
+  if (units > text.size()) return E_FAIL;
+  const auto bytes = static_cast<DWORD>(units * sizeof(WCHAR));
+  return SetValue(root, path, name, REG_SZ, text.data(), bytes).Result();
+}
+
+HRESULT PALRegGetStringValue(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* buffer,
+                             DWORD* bytes) {
+  if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
+  return GetValue(root, path, name, buffer, *bytes).Result();
+}
+
+HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
+  if (path == nullptr || name == nullptr) return E_FAIL;
+  return SetValue(root, path, name, REG_DWORD, &value, sizeof(value)).Result();
+}
+
+HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
+  if (path == nullptr || name == nullptr) return E_FAIL;
+  UniqueRegistryKey key;
+  LONG error = CreateRegistryKey(root, path, key);
+  if (error == ERROR_SUCCESS) {
+    error = RegSetValueExW(key.get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
+                           sizeof(value));
+  }
+  return HResultFromWin32(error);
+}
+
+HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* value) {
+  if (path == nullptr || name == nullptr || value == nullptr) return E_FAIL;
+  DWORD stored = 0;
+  DWORD bytes = sizeof(stored);
+  const HRESULT result = GetValue(root, path, name, &stored, bytes).Result();
+  if (pal::Succeeded(result)) *value = stored;
+  return result;
+}
+
+HRESULT PALRegSetBinary(HKEY root, const WCHAR* path, const WCHAR* name, const BYTE* data,
+                        DWORD bytes) {
+  if (path == nullptr || name == nullptr || data == nullptr) return E_FAIL;
+  return HResultFromWin32(SetValue(root, path, name, REG_BINARY, data, bytes).open_error);
+}
+
+HRESULT PALRegGetBinary(HKEY root, const WCHAR* path, const WCHAR* name, BYTE* buffer,
+                        DWORD* bytes) {
+  if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
+  return HResultFromWin32(GetValue(root, path, name, buffer, *bytes).open_error);
+}
+
+HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::span<WCHAR> text,
+                        DWORD* bytes) {
+  if (path == nullptr || name == nullptr || text.data() == nullptr || bytes == nullptr) {
+    return E_FAIL;
+  }
+  WCHAR stored[kMaxStringBytes / sizeof(WCHAR)] = {};
+  DWORD stored_bytes = sizeof(stored);
+  const HRESULT result = GetValue(root, path, name, stored, stored_bytes).Result();
+  if (pal::Failed(result)) return result;
+  const pal::WideText stored_text(stored, pal::Length<WCHAR>(stored));
+  if (!pal::Copy(text, stored_text)) return HResultFromWin32(ERROR_MORE_DATA);
+  *bytes = stored_bytes;
+  return result;
+}

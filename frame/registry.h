@@ -1,0 +1,70 @@
+// Reading and writing of single registry values.
+//
+// Each helper opens the key, does one operation and closes the key. None keeps state and none
+// traces. Results, where a helper says nothing else:
+//   S_OK        done
+//   E_FAIL      a null path, name, buffer or out-pointer; nothing was opened or changed
+//   0x8007xxxx  the error of the open, the query or the write: 0x80070002 where the key or the
+//   value
+//               does not exist, 0x800700EA where the value is larger than the buffer
+// The setters but PALRegCreateSetDword need a key that exists. Out-parameters are written on
+// success only. No getter checks the type of the value.
+#ifndef FRAME_REGISTRY_H_
+#define FRAME_REGISTRY_H_
+
+#include <span>
+
+#include "frame/unique_handle.h"
+#include "platform/wince.h"
+
+// The root key whose name `name` begins with (in upper case, as in "HKEY_USERS\X").
+// HKEY_LOCAL_MACHINE for any other name, and for null.
+[[nodiscard]] HKEY PALRegRootFromName(const char* name);
+
+// Writes REG_SZ. `text` is the whole buffer that holds the text: the text up to its first null is
+// stored with that null and the one unit behind it. E_FAIL where the buffer does not hold that
+// unit.
+[[nodiscard]] HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
+                                      std::span<const WCHAR> text);
+
+// `bytes`: in, the size of `buffer` in bytes; out, the size of the value. A value that was stored
+// without a null is not terminated here either.
+[[nodiscard]] HRESULT PALRegGetStringValue(HKEY root, const WCHAR* path, const WCHAR* name,
+                                           WCHAR* buffer, DWORD* bytes);
+
+// Writes REG_DWORD.
+[[nodiscard]] HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value);
+
+// As PALRegSetDword, and creates the key where it does not exist.
+[[nodiscard]] HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name,
+                                           DWORD value);
+
+// Reads a value of at most four bytes; bytes that it does not have are 0.
+[[nodiscard]] HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* value);
+
+// Writes REG_BINARY. S_OK once the key is open, also where the write then fails.
+[[nodiscard]] HRESULT PALRegSetBinary(HKEY root, const WCHAR* path, const WCHAR* name,
+                                      const BYTE* data, DWORD bytes);
+
+// `bytes`: in, the size of `buffer`; out, the size of the value. S_OK once the key is open: where
+// the value cannot be read, buffer and size keep what the caller put there as its default.
+[[nodiscard]] HRESULT PALRegGetBinary(HKEY root, const WCHAR* path, const WCHAR* name, BYTE* buffer,
+                                      DWORD* bytes);
+
+// Reads a text of at most 520 bytes up to its first null. `bytes` receives the size of the stored
+// value. 0x800700EA also where the text and its terminator do not fit `text`.
+[[nodiscard]] HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name,
+                                      std::span<WCHAR> text, DWORD* bytes);
+
+namespace pal {
+
+// Both return the system error of the call; `key` holds the key on ERROR_SUCCESS and nothing
+// otherwise.
+[[nodiscard]] LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
+                                   UniqueRegistryKey& key);
+// Creates the key where it does not exist.
+[[nodiscard]] LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key);
+
+}  // namespace pal
+
+#endif  // FRAME_REGISTRY_H_

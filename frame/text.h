@@ -1,0 +1,76 @@
+// The few operations on text that the library needs. Each knows its bound; a text that does not fit
+// is refused whole and never cut.
+#ifndef FRAME_TEXT_H_
+#define FRAME_TEXT_H_
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "platform/wince.h"
+
+namespace pal {
+
+using WideText = std::basic_string_view<WCHAR>;
+
+// Units before the first null of `text`; `text.size()` where it holds none.
+template <typename Unit>
+constexpr size_t Length(std::span<const Unit> text) {
+  size_t length = 0;
+  while (length < text.size() && text[length] != Unit{}) ++length;
+  return length;
+}
+
+// The index of the first `character`; `text.size()` where there is none. (string_view::find would
+// need memchr, which the platform does not have by name.)
+constexpr size_t Find(std::string_view text, char character) {
+  size_t at = 0;
+  while (at < text.size() && text[at] != character) ++at;
+  return at;
+}
+
+namespace text_detail {
+
+// Writes `from` and a terminator behind the first `at` units of `to`, unit by unit through
+// `convert`.
+template <typename To, typename From, typename Convert>
+[[nodiscard]] constexpr bool Put(std::span<To> to, size_t at, std::basic_string_view<From> from,
+                                 Convert convert) {
+  if (at >= to.size() || from.size() >= to.size() - at) return false;
+  for (const From unit : from) to[at++] = convert(unit);
+  to[at] = To{};
+  return true;
+}
+
+}  // namespace text_detail
+
+// Writes `from` and a terminator. False where they do not fit; `to` is then unchanged.
+[[nodiscard]] constexpr bool Copy(std::span<char> to, std::string_view from) {
+  return text_detail::Put(to, 0, from, [](char character) { return character; });
+}
+[[nodiscard]] constexpr bool Copy(std::span<WCHAR> to, WideText from) {
+  return text_detail::Put(to, 0, from, [](WCHAR unit) { return unit; });
+}
+
+// As Copy, behind the text that `to` already holds.
+[[nodiscard]] constexpr bool Append(std::span<char> to, std::string_view from) {
+  return text_detail::Put(to, Length<char>(to), from, [](char character) { return character; });
+}
+
+// 8-bit text (Latin-1) to UTF-16. False where it does not fit; `to` is then unchanged.
+[[nodiscard]] constexpr bool Widen(std::span<WCHAR> to, std::string_view from) {
+  return text_detail::Put(to, 0, from, [](char character) {
+    return static_cast<WCHAR>(static_cast<unsigned char>(character));
+  });
+}
+
+// UTF-16 to 8-bit text: Latin-1, with '?' for what that does not have. False where it does not fit;
+// `to` is then unchanged.
+[[nodiscard]] constexpr bool Narrow(std::span<char> to, WideText from) {
+  return text_detail::Put(to, 0, from,
+                          [](WCHAR unit) { return unit > 0xFF ? '?' : static_cast<char>(unit); });
+}
+
+}  // namespace pal
+
+#endif  // FRAME_TEXT_H_

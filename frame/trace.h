@@ -1,0 +1,93 @@
+// Trace lines. They go to the event-log library and, where asked, to the kernel's debug output.
+//
+// A family has one source and writes whole literals, so that a line of the log is found by
+// searching:
+//
+//   constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+//   kTrace.Info("Setting %d registry keys from Config Store.", count);
+//   kTrace.Echoed().Error("CDCECFGParser: Config Store DCECFG too large");
+//
+// %ls takes UTF-16 text, %s 8-bit text, %d %u %x %X %c numbers and enumerations of at most 32 bits.
+// Handles and pointers print their low 32 bits through %x. Anything else does not compile.
+#ifndef FRAME_TRACE_H_
+#define FRAME_TRACE_H_
+
+#include <type_traits>
+
+#include "frame/facility.h"
+#include "frame/trace_format.h"
+#include "platform/wince.h"
+
+// Formats a line of at most 1023 characters (a longer one is cut), hands it to "DVLLogString" of
+// the event-log library, and echoes it to the debug output where `debug_echo` is not 0. Never
+// fails: where the event-log library is missing, each line tries to load it once and is otherwise
+// lost to the log.
+//
+// `category`: severity in bits 31 to 30, facility in bits 27 to 16. Returns 0.
+//
+// The arguments are not checked against `format` here. Families go through TraceSource.
+DWORD PALTrace(DWORD debug_echo, DWORD category, const char* format, ...);
+
+// The older variant of the forwarded physical-memory services. `ignored` has no meaning: the line
+// is never echoed. The event-log library is loaded once, its entry looked up once, and both are
+// kept.
+DWORD PALSysioTrace(DWORD ignored, DWORD category, const char* format, ...);
+
+namespace pal {
+
+enum class Severity : DWORD { kPlain = 0, kInfo = 1, kWarning = 2, kError = 3 };
+
+// Severity 3 gives (facility | 0xFFFFC000) << 16, the error word of a facility of any width.
+constexpr DWORD TraceCategory(Facility facility, Severity severity) {
+  return (static_cast<DWORD>(facility) | (static_cast<DWORD>(severity) << 14)) << 16;
+}
+
+// For the lines that give a UTF-16 text to %s, and so show its first character only. The text ends
+// with two zero bytes, so that it is also a terminated 8-bit text.
+inline const char* WideTextAs8Bit(const WCHAR* text) {
+  return reinterpret_cast<const char*>(text);
+}
+
+class TraceSource {
+ public:
+  template <typename... Arguments>
+  using Format = TraceFormat<std::type_identity_t<Arguments>...>;
+
+  constexpr explicit TraceSource(Facility facility) : facility_(facility) {}
+
+  // The same source, with its lines echoed to the debug output.
+  [[nodiscard]] constexpr TraceSource Echoed() const { return {facility_, 1}; }
+
+  template <typename... Arguments>
+  void Plain(Format<Arguments...> format, Arguments... arguments) const {
+    Write(Severity::kPlain, format.text(), arguments...);
+  }
+  template <typename... Arguments>
+  void Info(Format<Arguments...> format, Arguments... arguments) const {
+    Write(Severity::kInfo, format.text(), arguments...);
+  }
+  template <typename... Arguments>
+  void Warning(Format<Arguments...> format, Arguments... arguments) const {
+    Write(Severity::kWarning, format.text(), arguments...);
+  }
+  template <typename... Arguments>
+  void Error(Format<Arguments...> format, Arguments... arguments) const {
+    Write(Severity::kError, format.text(), arguments...);
+  }
+
+ private:
+  constexpr TraceSource(Facility facility, DWORD echo) : facility_(facility), echo_(echo) {}
+
+  template <typename... Arguments>
+  void Write(Severity severity, const char* format, Arguments... arguments) const {
+    PALTrace(echo_, TraceCategory(facility_, severity), format,
+             VariadicTraceArgument(arguments)...);
+  }
+
+  Facility facility_;
+  DWORD echo_ = 0;
+};
+
+}  // namespace pal
+
+#endif  // FRAME_TRACE_H_
