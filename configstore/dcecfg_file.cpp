@@ -1,0 +1,26 @@
+#include <algorithm>
+
+#include "configstore/dcecfg_format.h"
+#include "configstore/dcecfg_parser.h"
+#include "frame/unique_handle.h"
+
+using pal::dcecfg::kTrace;
+
+HRESULT CDCECFGParser::Load() {
+  record_count_ = 0;
+  reader_.Clear();
+  const pal::UniqueFile file(CreateFileW(TEXT("\\ConfigStore\\dcecfg"), GENERIC_READ, 0, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file) {
+    kTrace.Error("CDCECFGParser: Config Store DCECFG not present");
+    return E_FAIL;
+  }
+  BYTE data[kBufferSize];
+  DWORD bytes_read = 0;
+  if (!ReadFile(file.get(), data, sizeof(data), &bytes_read, nullptr)) {
+    kTrace.Error("CDCECFGParser: Config Store DCECFG cannot be read. win32err: 0x%x",
+                 GetLastError());
+    return E_FAIL;
+  }
+  return Load(std::span<const BYTE>(data, std::min<size_t>(bytes_read, sizeof(data))));
+}
