@@ -1,0 +1,64 @@
+#include "platform/sim/coredll/call.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace sim {
+namespace {
+
+ThreadState& RequireThread(CallId id) {
+  ThreadState* thread = CurrentThread();
+  if (thread != nullptr) return *thread;
+  std::fputs(
+      fmt::format("{} was called outside of any process of a simulated device\n", CallName(id))
+          .c_str(),
+      stderr);
+  std::abort();
+}
+
+}  // namespace
+
+Call::Call(CallId id)
+    : id_(id), thread_(RequireThread(id)), kernel_(thread_.process.kernel), lock_(kernel_.mutex) {
+  kernel_.scheduler.MaybeYield(lock_, *thread_.strand);
+  if (thread_.MustLeave()) throw ProcessKilled();
+  const Fault* fault = kernel_.faults.Count(id);
+  if (fault == nullptr) return;
+  if (fault->kill) {
+    kernel_.BeginKill(process());
+    throw ProcessKilled();
+  }
+  fault_ = static_cast<LONG>(fault->error);
+}
+
+LONG Call::Fail(LONG error) {
+  thread_.last_error = static_cast<DWORD>(error);
+  return error;
+}
+
+void Call::Misuse(std::string_view what) {
+  kernel_.Misuse(thread_, fmt::format("{} {}", CallName(id_), what));
+}
+
+std::shared_ptr<Object> Call::FindObject(const void* handle) {
+  HandleTable::Found found =
+      kernel_.handles.Find(reinterpret_cast<std::uintptr_t>(handle), process().id);
+  if (found.object == nullptr) {
+    Misuse(found.fault);
+    Fail(ERROR_INVALID_HANDLE);
+  }
+  return std::move(found.object);
+}
+
+std::shared_ptr<Object> Call::FindObject(const void* handle, ObjectKind kind) {
+  std::shared_ptr<Object> object = FindObject(handle);
+  if (object == nullptr || object->kind() == kind) return object;
+  Misuse(fmt::format("handle {} is a {} and no {}", fmt::ptr(handle),
+                     ObjectKindName(object->kind()), ObjectKindName(kind)));
+  Fail(ERROR_INVALID_HANDLE);
+  return nullptr;
+}
+
+}  // namespace sim

@@ -1,0 +1,74 @@
+// The beginning of every platform call: the lock, the count, the fault point.
+#ifndef PLATFORM_SIM_COREDLL_CALL_H_
+#define PLATFORM_SIM_COREDLL_CALL_H_
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/sim/kernel/kernel.h"
+#include "platform/wince.h"
+
+namespace sim {
+
+class Call {
+ public:
+  // Throws ProcessKilled where the process has ended or a fault ends it here. A program that calls
+  // from a thread of no device is told so and aborted.
+  explicit Call(CallId id);
+
+  [[nodiscard]] Kernel& kernel() { return kernel_; }
+  [[nodiscard]] ThreadState& thread() { return thread_; }
+  [[nodiscard]] ProcessState& process() { return thread_.process; }
+  [[nodiscard]] Scheduler::Lock& lock() { return lock_; }
+
+  // The error that a planned fault gives this call, or 0.
+  [[nodiscard]] LONG fault() const { return fault_; }
+
+  // Sets the last error and gives it back as the registry's calls do.
+  LONG Fail(LONG error);
+  // Sets the last error and gives what the call answers then.
+  template <class Answer>
+  Answer Fail(LONG error, Answer answer) {
+    Fail(error);
+    return answer;
+  }
+
+  void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }
+  // Records that this call was used wrongly.
+  void Misuse(std::string_view what);
+
+  // The object of one kind behind a handle; nullptr with the last error set, and misuse recorded,
+  // where there is none.
+  template <class Kind>
+  std::shared_ptr<Kind> Find(const void* handle) {
+    return std::static_pointer_cast<Kind>(FindObject(handle, Kind::kKind));
+  }
+  std::shared_ptr<Object> FindObject(const void* handle);
+  template <class Handle = HANDLE>
+  Handle AddHandle(std::shared_ptr<Object> object) {
+    return reinterpret_cast<Handle>(kernel_.handles.Add(std::move(object), process().id));
+  }
+
+ private:
+  std::shared_ptr<Object> FindObject(const void* handle, ObjectKind kind);
+
+  CallId id_;
+  ThreadState& thread_;
+  Kernel& kernel_;
+  Scheduler::Lock lock_;
+  LONG fault_ = 0;
+};
+
+// Records that nothing simulates a call yet, and fails it with ERROR_CALL_NOT_IMPLEMENTED.
+template <class Answer>
+Answer NotSimulated(CallId id, Answer answer) {
+  Call call(id);
+  if (call.fault() != 0) return call.Fail(call.fault(), answer);
+  call.Misuse("is not simulated");
+  return call.Fail(ERROR_CALL_NOT_IMPLEMENTED, answer);
+}
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_COREDLL_CALL_H_

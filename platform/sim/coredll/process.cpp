@@ -1,0 +1,51 @@
+// What a process knows of itself, its heap, and the debug output.
+#include <cstdlib>
+
+#include "platform/sim/coredll/call.h"
+#include "platform/sim/coredll/format.h"
+
+using sim::Call;
+using sim::CallId;
+using sim::Effect;
+
+// These three belong to the calling thread and cannot fail: they are no fault points.
+DWORD GetLastError() {
+  const sim::ThreadState* thread = sim::CurrentThread();
+  return thread == nullptr ? 0 : thread->last_error;
+}
+
+void SetLastError(DWORD error) {
+  sim::ThreadState* thread = sim::CurrentThread();
+  if (thread != nullptr) thread->last_error = error;
+}
+
+DWORD GetCurrentProcessId() {
+  const sim::ThreadState* thread = sim::CurrentThread();
+  return thread == nullptr ? 0 : thread->process.id;
+}
+
+void NKDbgPrintfW(LPCWSTR format, ...) {
+  Call call(CallId::NKDbgPrintfW);
+  if (call.fault() != 0 || format == nullptr) return;
+  call.Log(Effect::kDebug, sim::Escape(sim::FormatDebugLine(format)));
+}
+
+// The library's own allocations: its malloc and free are linked to these, the host's are left
+// alone.
+extern "C" void* __wrap_malloc(size_t bytes) {
+  Call call(CallId::malloc);
+  if (call.fault() != 0) return nullptr;
+  void* block = std::malloc(bytes);
+  if (block != nullptr) call.process().heap.emplace(block, bytes);
+  return block;
+}
+
+extern "C" void __wrap_free(void* block) {
+  if (block == nullptr) return;
+  Call call(CallId::free);
+  if (call.process().heap.erase(block) == 0) {
+    call.Misuse("was given a block that the process does not have");
+    return;
+  }
+  std::free(block);
+}

@@ -1,0 +1,104 @@
+#include "platform/sim/device.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "platform/sim/kernel/kernel.h"
+
+namespace sim {
+
+Device::Device(Concurrency concurrency) : kernel_(std::make_unique<Kernel>(concurrency)) {}
+
+Device::~Device() = default;
+
+Registry& Device::registry() {
+  return kernel_->registry;
+}
+
+FileSystem& Device::files() {
+  return kernel_->files;
+}
+
+Journal& Device::journal() {
+  return kernel_->journal;
+}
+
+std::uint64_t Device::now_ms() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->scheduler.now_ms();
+}
+
+void Device::set_now_ms(std::uint64_t now) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->scheduler.set_now_ms(now);
+}
+
+void Device::Advance(std::uint32_t ms) {
+  Scheduler::Lock lock(kernel_->mutex);
+  kernel_->scheduler.Wait(lock, kernel_->driver_strand, ms);
+}
+
+void Device::RunUntilIdle() {
+  Scheduler::Lock lock(kernel_->mutex);
+  kernel_->scheduler.AwaitIdle(lock);
+}
+
+void Device::set_on_clock(std::function<void(std::uint64_t)> on_clock) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->scheduler.set_on_clock(std::move(on_clock));
+}
+
+void Device::ShuffleTurns(std::uint32_t seed) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->scheduler.Shuffle(seed);
+}
+
+void Device::PlanFault(Fault fault) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->faults.Plan(std::move(fault));
+}
+
+void Device::ClearFaults() {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->faults.Clear();
+}
+
+unsigned Device::calls(std::string_view name) const {
+  const std::optional<CallId> id = CallFromName(name);
+  if (!id) throw std::invalid_argument(std::string(name) + " is no platform call");
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->faults.calls(*id);
+}
+
+unsigned Device::calls() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->faults.calls();
+}
+
+const std::vector<std::string>& Device::misuse() const {
+  return kernel_->misuse;
+}
+
+std::vector<std::string> Device::TakeMisuse() {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return std::exchange(kernel_->misuse, {});
+}
+
+void Device::InstallModule(Module module) {
+  RemoveModule(module.name);
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->modules.push_back(std::move(module));
+}
+
+void Device::RemoveModule(std::string_view name) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  std::erase_if(kernel_->modules,
+                [&](const Module& module) { return EqualNoCase(module.name, name); });
+}
+
+std::vector<Module> Device::modules() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->modules;
+}
+
+}  // namespace sim

@@ -1,0 +1,165 @@
+// The simulated device, as tests and tools steer it.
+//
+//   sim::Device device;
+//   device.files().Write("\\ConfigStore\\dcecfg", bytes);
+//   sim::Process process(device, "settings.exe");          // loads its own copy of the library
+//   HRESULT result = process.exports().PALMFGOpt_ConfigStoreRegUpdate();
+//   device.journal().Texts(sim::Effect::kRegistry);
+//
+// Time is a discrete-event clock: it moves only when every thread of the device waits, and then
+// jumps to the next deadline. Of the device's threads one runs at a time, and another's turn comes
+// only when it waits, so that a run always gives the same order; Concurrency::kParallel lets them
+// run at once.
+//
+// The thread that makes a device drives it: it alone may make processes and threads and call into
+// them, and what it does between calls takes no time on the device.
+#ifndef PLATFORM_SIM_DEVICE_H_
+#define PLATFORM_SIM_DEVICE_H_
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/sim/journal.h"
+#include "platform/sim/kernel/file_system.h"
+#include "platform/sim/kernel/registry.h"
+
+namespace sim {
+
+class Kernel;
+class ProcessState;
+class ThreadState;
+struct Exports;
+
+enum class Concurrency : std::uint8_t {
+  kOneAtATime,  // deterministic
+  kParallel,    // the host's scheduler decides; for the race detector
+};
+
+// A platform call that is made to fail. Calls are counted from the moment the fault is planned.
+struct Fault {
+  std::string call{};         // a name such as "RegSetValueExW"; empty: any call
+  unsigned nth = 1;           // the first one to fail
+  bool from_then_on = false;  // and all that follow it
+  std::uint32_t error = 31;   // ERROR_GEN_FAILURE
+  bool kill = false;  // instead of failing, the calling process ends there without detaching
+};
+
+// Thrown out of an export whose process was ended under it.
+class ProcessKilled : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return "the process was killed"; }
+};
+
+// A library that processes can load, by its file name. Its entries are found by name; an entry
+// without an address is one that the library does not have.
+struct Module {
+  std::string name;
+  std::map<std::string, int (*)(), std::less<>> entries;
+};
+
+class Device {
+ public:
+  explicit Device(Concurrency concurrency = Concurrency::kOneAtATime);
+  ~Device();
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  [[nodiscard]] Registry& registry();
+  [[nodiscard]] FileSystem& files();
+  [[nodiscard]] Journal& journal();
+
+  // Time since the device started.
+  [[nodiscard]] std::uint64_t now_ms() const;
+  void set_now_ms(std::uint64_t now);  // before the first process starts
+  // Lets the device run for a while, or until every thread that the device started has ended.
+  void Advance(std::uint32_t ms);
+  void RunUntilIdle();
+  // Called at each jump of the clock, with its length: to run in step with the wall clock.
+  void set_on_clock(std::function<void(std::uint64_t ms)> on_clock);
+  // Hands the turn over at platform calls too, in an order that follows from the seed alone.
+  void ShuffleTurns(std::uint32_t seed);
+
+  // Faults. A plan stays until it is cleared.
+  void PlanFault(Fault fault);
+  void ClearFaults();
+  // Platform calls since the device started: of one name, or of all.
+  [[nodiscard]] unsigned calls(std::string_view name) const;
+  [[nodiscard]] unsigned calls() const;
+
+  // What was done wrong: handles used after their close or by a process they do not belong to,
+  // double closes, calls that nothing simulates, writes past a stated size, handles left open at a
+  // process end.
+  [[nodiscard]] const std::vector<std::string>& misuse() const;
+  [[nodiscard]] std::vector<std::string> TakeMisuse();
+
+  // Libraries that LoadLibraryW finds. A new device has "coredll.dll", with its entry
+  // "AudioUpdateFromRegistry", and "DVLEventLog.dll", which puts its lines into the journal.
+  void InstallModule(Module module);
+  void RemoveModule(std::string_view name);
+  [[nodiscard]] std::vector<Module> modules() const;
+
+  [[nodiscard]] Kernel& kernel() { return *kernel_; }
+
+ private:
+  std::unique_ptr<Kernel> kernel_;
+};
+
+// A thread that the driver started in a process.
+class Thread {
+ public:
+  explicit Thread(std::shared_ptr<ThreadState> state) : state_(std::move(state)) {}
+  // Lets the device run until the thread has ended. False if it was killed.
+  bool Join();
+  [[nodiscard]] bool ended() const;
+
+ private:
+  std::shared_ptr<ThreadState> state_;
+};
+
+// A process with the library loaded: attached when made, detached at its end.
+class Process {
+ public:
+  // `library` is a build of the library; empty: the one that was built with the simulator.
+  explicit Process(Device& device, std::string name = "caller.exe",
+                   std::filesystem::path library = {});
+  ~Process();  // End(), if it has not ended
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  [[nodiscard]] std::uint32_t id() const;
+  [[nodiscard]] const std::string& name() const;
+  [[nodiscard]] bool alive() const;
+
+  // The exported functions; each call runs as the main thread of this process.
+  [[nodiscard]] const Exports& exports() const;
+  // Any symbol of the process's copy of the library, or nullptr.
+  [[nodiscard]] void* Symbol(const char* name) const;
+  // Runs something as the main thread of this process: the platform's calls may be made in it.
+  void Run(const std::function<void()>& body);
+  // Starts another thread of this process.
+  Thread Start(std::function<void()> body);
+
+  // Detaches and unloads. What is still open is recorded as misuse.
+  void End();
+  // Ends without detach, wherever its threads are; its mutexes are abandoned.
+  void Kill();
+
+  // What the process holds: handles and registry keys, heap blocks of the library.
+  [[nodiscard]] unsigned open_handles() const;
+  [[nodiscard]] unsigned heap_blocks() const;
+
+ private:
+  Device& device_;
+  std::shared_ptr<ProcessState> state_;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_DEVICE_H_

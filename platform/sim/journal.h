@@ -1,0 +1,69 @@
+// Every effect on the world of the simulated device, in order.
+#ifndef PLATFORM_SIM_JOURNAL_H_
+#define PLATFORM_SIM_JOURNAL_H_
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sim {
+
+enum class Effect : std::uint8_t {
+  kProcess,   // a process starts or ends
+  kRegistry,  // a value is written or deleted, a key is created or deleted
+  kFile,      // a file is written or created
+  kEvent,     // a named event is set, reset or pulsed
+  kMutex,     // a named mutex is taken, released or abandoned
+  kModule,    // a library is loaded, freed or missed
+  kAudio,     // the audio driver is told something
+  kTrace,     // a line in the event log, with its category word
+  kDebug,     // a line on the kernel's debug output
+};
+
+// The word that stands in a journal line, and back.
+[[nodiscard]] std::string_view EffectName(Effect effect);
+[[nodiscard]] std::optional<Effect> EffectFromName(std::string_view name);
+
+struct JournalEntry {
+  std::uint64_t time_ms = 0;     // since the device started
+  std::uint32_t process_id = 0;  // 0: the device itself
+  std::uint32_t thread_id = 0;
+  Effect effect = Effect::kProcess;
+  std::uint32_t category = 0;  // of a trace line, else 0
+  std::string text;            // one line, control characters escaped
+};
+
+// "     2.000 p1 t1 registry HKEY_LOCAL_MACHINE\...": seconds, process, thread, effect, text.
+[[nodiscard]] std::string ToLine(const JournalEntry& entry);
+[[nodiscard]] std::optional<JournalEntry> FromLine(std::string_view line);
+
+class Journal {
+ public:
+  void Add(JournalEntry entry);
+  void Clear() { entries_.clear(); }
+  [[nodiscard]] const std::vector<JournalEntry>& entries() const { return entries_; }
+  // The texts alone, of one effect or of all: what tests compare.
+  [[nodiscard]] std::vector<std::string> Texts(std::optional<Effect> effect = std::nullopt) const;
+  // Without entries a device can run for any time: for benchmarks.
+  void set_keeps_entries(bool keeps) { keeps_entries_ = keeps; }
+  // Called with each entry as it is made, for tools that print while a program runs.
+  void set_listener(std::function<void(const JournalEntry&)> listener) {
+    listener_ = std::move(listener);
+  }
+
+ private:
+  std::vector<JournalEntry> entries_;
+  bool keeps_entries_ = true;
+  std::function<void(const JournalEntry&)> listener_;
+};
+
+// Makes one readable line of any bytes: "\r", "\n" and "\x1B" stand for what does not print.
+// Backslashes stay as they are, for the sake of registry paths.
+[[nodiscard]] std::string Escape(std::string_view text);
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_JOURNAL_H_

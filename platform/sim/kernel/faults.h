@@ -1,0 +1,50 @@
+// Which platform calls were made, and which of them are to fail.
+#ifndef PLATFORM_SIM_KERNEL_FAULTS_H_
+#define PLATFORM_SIM_KERNEL_FAULTS_H_
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "platform/sim/device.h"
+
+namespace sim {
+
+// The platform's calls by name, from its import lists.
+enum class CallId : std::uint8_t {
+#define SIM_CALL(name) name,
+#include "calls.inc"
+#undef SIM_CALL
+  kCount,
+};
+
+[[nodiscard]] std::string_view CallName(CallId id);
+[[nodiscard]] std::optional<CallId> CallFromName(std::string_view name);
+
+class Faults {
+ public:
+  // Throws std::invalid_argument for a name that is no platform call.
+  void Plan(Fault fault);
+  void Clear() { plans_.clear(); }
+
+  // Counts a call; the fault that it shall have, or nullptr.
+  const Fault* Count(CallId id);
+  [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
+  [[nodiscard]] unsigned calls() const { return total_; }
+
+ private:
+  struct Planned {
+    Fault fault;
+    std::optional<CallId> id;  // nullopt: any
+    unsigned seen = 0;
+  };
+  std::vector<Planned> plans_;
+  std::array<unsigned, static_cast<std::size_t>(CallId::kCount)> counts_{};
+  unsigned total_ = 0;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_FAULTS_H_

@@ -1,0 +1,80 @@
+#include "platform/sim/kernel/kernel.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/sim/coredll/library_entries.h"
+#include "platform/wince.h"
+
+namespace sim {
+
+Kernel::Kernel(Concurrency concurrency)
+    : scheduler(concurrency == Concurrency::kParallel, driver_strand), modules(BuiltInModules()) {}
+
+void Kernel::Log(const ThreadState* thread, Effect effect, std::string text,
+                 std::uint32_t category) {
+  JournalEntry entry;
+  entry.time_ms = scheduler.now_ms();
+  entry.process_id = thread != nullptr ? thread->process.id : 0;
+  entry.thread_id = thread != nullptr ? thread->id : 0;
+  entry.effect = effect;
+  entry.category = category;
+  entry.text = std::move(text);
+  journal.Add(std::move(entry));
+}
+
+void Kernel::Misuse(const ThreadState& thread, std::string_view text) {
+  misuse.push_back(fmt::format("{}: {}", thread.process.name, text));
+}
+
+std::uint32_t Kernel::WaitFor(Scheduler::Lock& lock, ThreadState& thread,
+                              const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms) {
+  const std::optional<std::uint32_t> at_once = object->TryTake(thread);
+  if (at_once) return *at_once;
+  if (timeout_ms == 0) return WAIT_TIMEOUT;
+
+  Waiter waiter{&thread};
+  object->waiters.push_back(&waiter);
+  const std::optional<std::uint64_t> timeout =
+      timeout_ms == INFINITE ? std::nullopt : std::optional<std::uint64_t>(timeout_ms);
+  const Wake reason = scheduler.Wait(lock, *thread.strand, timeout);
+  std::erase(object->waiters, &waiter);
+
+  if (thread.MustLeave()) throw ProcessKilled();
+  if (reason == Wake::kSignal) return waiter.result;
+  if (reason == Wake::kTimeout) return WAIT_TIMEOUT;
+  Misuse(thread, "deadlock: every thread of the device waits for ever");
+  thread.last_error = ERROR_GEN_FAILURE;
+  return WAIT_FAILED;
+}
+
+void Kernel::EndThread(ThreadState& thread) {
+  while (!thread.owned.empty()) {
+    Mutex& owned = *thread.owned.back();
+    if (!owned.name().empty()) {
+      Log(&thread, Effect::kMutex, fmt::format("{} abandoned", ToUtf8(owned.name())));
+    }
+    owned.Abandon();
+    owned.ServeWaiters(scheduler);
+  }
+  thread.object->ended = true;
+  thread.object->ServeWaiters(scheduler);
+}
+
+void Kernel::BeginKill(ProcessState& process) {
+  if (process.killed) return;
+  process.killed = true;
+  process.alive = false;
+  Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
+  for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
+  if (process.main_thread != nullptr) EndThread(*process.main_thread);
+}
+
+const Module* Kernel::FindModule(std::string_view name) const {
+  const auto found = std::ranges::find_if(
+      modules, [&](const Module& module) { return EqualNoCase(module.name, name); });
+  return found == modules.end() ? nullptr : &*found;
+}
+
+}  // namespace sim

@@ -1,0 +1,65 @@
+// The whole of a simulated device behind its one lock.
+#ifndef PLATFORM_SIM_KERNEL_KERNEL_H_
+#define PLATFORM_SIM_KERNEL_KERNEL_H_
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "platform/sim/device.h"
+#include "platform/sim/kernel/faults.h"
+#include "platform/sim/kernel/handle_table.h"
+#include "platform/sim/kernel/process_state.h"
+#include "platform/sim/kernel/scheduler.h"
+#include "platform/sim/text.h"
+
+namespace sim {
+
+// Everything here belongs to the lock, but for the driver before and between its calls.
+class Kernel {
+ public:
+  explicit Kernel(Concurrency concurrency);
+
+  mutable std::mutex mutex;
+  Strand driver_strand;
+  const std::thread::id driver = std::this_thread::get_id();
+  Scheduler scheduler;
+  Registry registry;
+  FileSystem files;
+  Journal journal;
+  Faults faults;
+  HandleTable handles;
+  std::vector<std::string> misuse;
+  std::vector<Module> modules;
+  std::map<std::uintptr_t, std::string> module_names;  // by handle
+  std::uint32_t next_process_id = 1;
+
+  // Named objects, each type with its own names.
+  std::map<std::u16string, std::weak_ptr<Mutex>> mutexes;
+  std::map<std::u16string, std::weak_ptr<Event>> events;
+
+  // Notes an effect of a thread (nullptr: of the device itself) at the present time.
+  void Log(const ThreadState* thread, Effect effect, std::string text, std::uint32_t category = 0);
+  void Misuse(const ThreadState& thread, std::string_view text);
+
+  // Waits as the platform does. Throws ProcessKilled where the process ended meanwhile.
+  std::uint32_t WaitFor(Scheduler::Lock& lock, ThreadState& thread,
+                        const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms);
+  // The end of a thread: its mutexes are abandoned, those that wait for it go on.
+  void EndThread(ThreadState& thread);
+  // Marks a process as ended and wakes its threads, so that each leaves where it waits.
+  void BeginKill(ProcessState& process);
+
+  [[nodiscard]] const Module* FindModule(std::string_view name) const;
+};
+
+// The library that the simulator was built with.
+[[nodiscard]] std::filesystem::path DefaultLibrary();
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_KERNEL_H_

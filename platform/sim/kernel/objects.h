@@ -1,0 +1,130 @@
+// What handles stand for.
+#ifndef PLATFORM_SIM_KERNEL_OBJECTS_H_
+#define PLATFORM_SIM_KERNEL_OBJECTS_H_
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/kernel/file_system.h"
+#include "platform/sim/kernel/registry.h"
+#include "platform/sim/kernel/scheduler.h"
+
+namespace sim {
+
+class ThreadState;
+
+enum class ObjectKind : std::uint8_t { kKey, kFile, kMutex, kEvent, kThread };
+
+[[nodiscard]] const char* ObjectKindName(ObjectKind kind);
+
+class Object {
+ public:
+  explicit Object(ObjectKind kind, std::u16string name = {})
+      : kind_(kind), name_(std::move(name)) {}
+  virtual ~Object() = default;
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+
+  [[nodiscard]] ObjectKind kind() const { return kind_; }
+  [[nodiscard]] const std::u16string& name() const { return name_; }
+
+ private:
+  ObjectKind kind_;
+  std::u16string name_;  // of a named kernel object, else empty
+};
+
+struct KeyObject : Object {
+  static constexpr ObjectKind kKind = ObjectKind::kKey;
+  explicit KeyObject(std::shared_ptr<RegistryKey> opened) : Object(kKind), key(std::move(opened)) {}
+  std::shared_ptr<RegistryKey> key;
+};
+
+// An open file; while it lives, its sharing mode holds against other opens.
+class FileObject : public Object {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kFile;
+  FileObject(std::shared_ptr<FileNode> opened, std::string opened_path, bool may_read,
+             bool may_write, bool share_read, bool share_write);
+  ~FileObject() override;
+
+  // Whether an open with these wishes may stand beside those that there are.
+  [[nodiscard]] static bool MayOpen(const FileNode& node, bool read, bool write, bool share_read,
+                                    bool share_write);
+
+  const std::shared_ptr<FileNode> node;
+  const std::string path;
+  const bool reads;
+  const bool writes;
+  std::size_t position = 0;
+
+ private:
+  bool shares_read_;
+  bool shares_write_;
+};
+
+struct Waiter {
+  ThreadState* thread;
+  std::uint32_t result = 0;
+};
+
+// An object that threads wait for. It is handed to them in the order in which they came.
+class Waitable : public Object {
+ public:
+  using Object::Object;
+  // The wait's result where the object can be had at once; it is then the thread's.
+  virtual std::optional<std::uint32_t> TryTake(ThreadState& thread) = 0;
+  // Hands the object to those that wait, as far as it goes.
+  void ServeWaiters(Scheduler& scheduler);
+
+  std::deque<Waiter*> waiters;
+};
+
+class Mutex : public Waitable {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kMutex;
+  explicit Mutex(std::u16string name) : Waitable(kKind, std::move(name)) {}
+  ~Mutex() override;
+
+  std::optional<std::uint32_t> TryTake(ThreadState& thread) override;
+  // False where the thread does not own it.
+  bool Release(ThreadState& thread);
+  void Abandon();
+  [[nodiscard]] const ThreadState* owner() const { return owner_; }
+
+ private:
+  ThreadState* owner_ = nullptr;
+  unsigned depth_ = 0;
+  bool abandoned_ = false;
+};
+
+class Event : public Waitable {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kEvent;
+  Event(std::u16string name, bool manual_reset, bool signalled)
+      : Waitable(kKind, std::move(name)), manual_reset_(manual_reset), signalled_(signalled) {}
+
+  std::optional<std::uint32_t> TryTake(ThreadState& thread) override;
+  void set_signalled(bool signalled) { signalled_ = signalled; }
+  [[nodiscard]] bool signalled() const { return signalled_; }
+
+ private:
+  bool manual_reset_;
+  bool signalled_;
+};
+
+// Signalled for good once the thread has ended.
+class ThreadObject : public Waitable {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kThread;
+  ThreadObject() : Waitable(kKind) {}
+  std::optional<std::uint32_t> TryTake(ThreadState& thread) override;
+  bool ended = false;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_OBJECTS_H_

@@ -1,0 +1,231 @@
+// Processes and their threads, as the driver of a device makes and ends them.
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+#include "platform/sim/device.h"
+#include "platform/sim/kernel/kernel.h"
+#include "platform/wince.h"
+
+namespace sim {
+namespace {
+
+using EntryPoint = BOOL (*)(HANDLE module, DWORD reason, void* reserved);
+
+void CallEntry(ProcessState& process, DWORD reason) {
+  const auto entry = reinterpret_cast<EntryPoint>(process.library->Symbol("DllMain"));
+  if (entry == nullptr) throw std::runtime_error("the library has no entry point");
+  RunInProcess(process, [&] { entry(process.library.get(), reason, nullptr); });
+}
+
+void BindExports(ProcessState& process) {
+#define PAL_EXPORT(name) \
+  process.exports.name = Export<decltype(::name)>(process, process.library->Symbol(#name), #name);
+#include "exports.inc"
+#undef PAL_EXPORT
+}
+
+void RequireDriver(const Kernel& kernel) {
+  if (std::this_thread::get_id() != kernel.driver) {
+    throw std::logic_error("only the thread that made the device may do this");
+  }
+}
+
+// What a host thread does that stands for a thread of the device.
+void ThreadBody(const std::shared_ptr<ThreadState>& thread, const std::function<void()>& body) {
+  Kernel& kernel = thread->process.kernel;
+  ThreadScope scope(thread.get());
+  {
+    Scheduler::Lock lock(kernel.mutex);
+    kernel.scheduler.AwaitTurn(lock, *thread->strand);
+  }
+  try {
+    if (thread->MustLeave()) throw ProcessKilled();
+    body();
+  } catch (const ProcessKilled&) {
+    thread->killed = true;
+  } catch (...) {
+    thread->failure = std::current_exception();
+  }
+  const Scheduler::Lock lock(kernel.mutex);
+  kernel.EndThread(*thread);
+  kernel.scheduler.End(*thread->strand);
+}
+
+// Gives the turn to the others until a thread has ended; false where nothing can run any more.
+bool AwaitThread(ThreadState& thread) {
+  Kernel& kernel = thread.process.kernel;
+  Scheduler::Lock lock(kernel.mutex);
+  if (thread.object->ended) return true;
+  Waiter waiter{thread.process.main_thread.get()};
+  thread.object->waiters.push_back(&waiter);
+  const Wake reason = kernel.scheduler.Wait(lock, kernel.driver_strand, std::nullopt);
+  std::erase(thread.object->waiters, &waiter);
+  return reason != Wake::kDeadlock;
+}
+
+void AwaitEnd(ThreadState& thread) {
+  Kernel& kernel = thread.process.kernel;
+  while (!AwaitThread(thread)) {
+    const Scheduler::Lock lock(kernel.mutex);
+    kernel.Misuse(thread, fmt::format("deadlock: thread {} waits for ever", thread.id));
+    kernel.BeginKill(thread.process);
+  }
+  if (thread.host.joinable()) thread.host.join();
+}
+
+// A process that ends takes its other threads with it, wherever they are.
+void EndThreads(ProcessState& process) {
+  Kernel& kernel = process.kernel;
+  {
+    const Scheduler::Lock lock(kernel.mutex);
+    process.exiting = true;
+    for (const auto& thread : process.threads) {
+      kernel.scheduler.WakeUp(*thread->strand, Wake::kKilled);
+    }
+  }
+  for (const auto& thread : process.threads) AwaitEnd(*thread);
+  process.threads.clear();
+}
+
+void CloseEverything(ProcessState& process, bool is_misuse) {
+  Kernel& kernel = process.kernel;
+  const Scheduler::Lock lock(kernel.mutex);
+  for (const std::string& left : kernel.handles.CloseAll(process.id)) {
+    if (is_misuse) kernel.Misuse(*process.main_thread, "left open at the end: " + left);
+  }
+  if (is_misuse && !process.heap.empty()) {
+    kernel.Misuse(*process.main_thread,
+                  fmt::format("{} heap blocks left at the end", process.heap.size()));
+  }
+  for (const auto& block : process.heap) std::free(block.first);
+  process.heap.clear();
+}
+
+}  // namespace
+
+void RunInProcess(ProcessState& process, const std::function<void()>& body) {
+  const ThreadState* current = CurrentThread();
+  if (current != nullptr && &current->process == &process) return body();
+  RequireDriver(process.kernel);
+  if (!process.alive) throw std::logic_error(process.name + " has ended");
+  ThreadScope scope(process.main_thread.get());
+  body();
+}
+
+bool Thread::Join() {
+  RequireDriver(state_->process.kernel);
+  AwaitEnd(*state_);
+  if (state_->failure) std::rethrow_exception(std::exchange(state_->failure, nullptr));
+  return !state_->killed;
+}
+
+bool Thread::ended() const {
+  const Scheduler::Lock lock(state_->process.kernel.mutex);
+  return state_->object->ended;
+}
+
+Process::Process(Device& device, std::string name, std::filesystem::path library)
+    : device_(device) {
+  Kernel& kernel = device_.kernel();
+  RequireDriver(kernel);
+  {
+    const Scheduler::Lock lock(kernel.mutex);
+    state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, std::move(name));
+    state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
+    kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
+  }
+  if (library.empty()) library = DefaultLibrary();
+  state_->library = std::make_unique<LibraryCopy>(library, state_->id);
+  BindExports(*state_);
+  CallEntry(*state_, DLL_PROCESS_ATTACH);
+}
+
+Process::~Process() {
+  try {
+    End();
+  } catch (const std::exception& error) {
+    const Scheduler::Lock lock(state_->kernel.mutex);
+    state_->kernel.Misuse(*state_->main_thread, error.what());
+  }
+}
+
+std::uint32_t Process::id() const {
+  return state_->id;
+}
+
+const std::string& Process::name() const {
+  return state_->name;
+}
+
+bool Process::alive() const {
+  const Scheduler::Lock lock(state_->kernel.mutex);
+  return state_->alive;
+}
+
+const Exports& Process::exports() const {
+  return state_->exports;
+}
+
+void* Process::Symbol(const char* name) const {
+  return state_->library->Symbol(name);
+}
+
+void Process::Run(const std::function<void()>& body) {
+  RunInProcess(*state_, body);
+}
+
+Thread Process::Start(std::function<void()> body) {
+  Kernel& kernel = state_->kernel;
+  RequireDriver(kernel);
+  if (!alive()) throw std::logic_error(name() + " has ended");
+  const auto number = static_cast<std::uint32_t>(state_->threads.size() + 2);
+  auto thread = std::make_shared<ThreadState>(*state_, number, kernel.driver_strand);
+  thread->strand = &thread->own_strand;
+  state_->threads.push_back(thread);
+  {
+    const Scheduler::Lock lock(kernel.mutex);
+    kernel.scheduler.Add(*thread->strand);
+  }
+  thread->host = std::thread(ThreadBody, thread, std::move(body));
+  return Thread(thread);
+}
+
+void Process::End() {
+  if (state_->library == nullptr) return;
+  RequireDriver(state_->kernel);
+  EndThreads(*state_);
+  if (alive()) CallEntry(*state_, DLL_PROCESS_DETACH);
+  CloseEverything(*state_, alive());
+  {
+    const Scheduler::Lock lock(state_->kernel.mutex);
+    if (state_->alive) {
+      state_->alive = false;
+      state_->kernel.EndThread(*state_->main_thread);
+      state_->kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " ended");
+    }
+  }
+  state_->exports = Exports{};
+  state_->library.reset();
+}
+
+void Process::Kill() {
+  RequireDriver(state_->kernel);
+  {
+    const Scheduler::Lock lock(state_->kernel.mutex);
+    state_->kernel.BeginKill(*state_);
+  }
+  End();
+}
+
+unsigned Process::open_handles() const {
+  const Scheduler::Lock lock(state_->kernel.mutex);
+  return state_->kernel.handles.Count(state_->id);
+}
+
+unsigned Process::heap_blocks() const {
+  const Scheduler::Lock lock(state_->kernel.mutex);
+  return static_cast<unsigned>(state_->heap.size());
+}
+
+}  // namespace sim

@@ -1,0 +1,96 @@
+// A process and its threads, as the kernel keeps them.
+#ifndef PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
+#define PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/sim/exports.h"
+#include "platform/sim/kernel/objects.h"
+#include "platform/sim/kernel/scheduler.h"
+
+namespace sim {
+
+class Kernel;
+class ProcessState;
+
+class ThreadState {
+ public:
+  ThreadState(ProcessState& of, std::uint32_t number, Strand& runs_on)
+      : process(of), id(number), strand(&runs_on) {}
+
+  // Whether it must go no further: its process was killed, or ends and this is not its main thread.
+  [[nodiscard]] bool MustLeave() const;
+
+  ProcessState& process;
+  const std::uint32_t id;
+  Strand* strand;  // a main thread runs on the driver's
+  std::uint32_t last_error = 0;
+  std::vector<Mutex*> owned;
+  const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
+
+  // Of a thread that the driver started:
+  Strand own_strand;
+  std::thread host;
+  std::exception_ptr failure;
+  bool killed = false;
+};
+
+// A file of its own, loaded on its own: every process has its own statics of the library.
+class LibraryCopy {
+ public:
+  LibraryCopy(const std::filesystem::path& library, std::uint32_t process_id);
+  ~LibraryCopy();
+  LibraryCopy(const LibraryCopy&) = delete;
+  LibraryCopy& operator=(const LibraryCopy&) = delete;
+  [[nodiscard]] void* Symbol(const char* name) const;
+
+ private:
+  std::filesystem::path path_;
+  void* module_;
+};
+
+class ProcessState {
+ public:
+  ProcessState(Kernel& of, std::uint32_t number, std::string called);
+
+  Kernel& kernel;
+  const std::uint32_t id;
+  const std::string name;
+  bool alive = true;     // false once it ends: no new call may begin
+  bool exiting = false;  // all but its main thread leave at their next platform call
+  bool killed = false;   // all of them do
+  std::unique_ptr<LibraryCopy> library;
+  Exports exports;
+  std::shared_ptr<ThreadState> main_thread;
+  std::vector<std::shared_ptr<ThreadState>> threads;     // those besides the main thread
+  std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by name, with their counts
+  std::unordered_map<void*, std::size_t> heap;
+};
+
+// The thread of the device that the host's thread runs as just now, or nullptr.
+[[nodiscard]] ThreadState* CurrentThread();
+
+// Runs the host's thread as a thread of the device while it lives.
+class ThreadScope {
+ public:
+  explicit ThreadScope(ThreadState* thread);
+  ~ThreadScope();
+  ThreadScope(const ThreadScope&) = delete;
+  ThreadScope& operator=(const ThreadScope&) = delete;
+
+ private:
+  ThreadState* previous_;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_PROCESS_STATE_H_

@@ -1,0 +1,119 @@
+// The registry of the simulated device: a tree of keys, no locks, no handles.
+#ifndef PLATFORM_SIM_KERNEL_REGISTRY_H_
+#define PLATFORM_SIM_KERNEL_REGISTRY_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace sim {
+
+struct RegistryValue {
+  std::u16string name;  // empty: the unnamed value
+  std::uint32_t type = 0;
+  std::vector<std::uint8_t> data;
+};
+
+// The data of a REG_DWORD, and of a REG_SZ with its terminator.
+[[nodiscard]] std::vector<std::uint8_t> DwordData(std::uint32_t number);
+[[nodiscard]] std::vector<std::uint8_t> StringData(std::u16string_view text);
+// The number of a REG_DWORD value of four bytes, else nothing.
+[[nodiscard]] std::optional<std::uint32_t> DwordOf(const RegistryValue& value);
+// The UTF-16 units of some data, terminators and all; an odd last byte is left out.
+[[nodiscard]] std::u16string UnitsOf(const std::vector<std::uint8_t>& data);
+
+// Keys and values keep the order in which they were made and the spelling they were made with;
+// they are found without regard to case.
+class RegistryKey {
+ public:
+  RegistryKey(std::u16string name, RegistryKey* parent) : name_(std::move(name)), parent_(parent) {}
+  ~RegistryKey();
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+
+  [[nodiscard]] const std::u16string& name() const { return name_; }
+  // "HKEY_LOCAL_MACHINE\Software\...", without doubled backslashes.
+  [[nodiscard]] std::u16string Path() const;
+  // True once the key was deleted; whoever still holds it can only let go of it. Its path is then
+  // its name alone.
+  [[nodiscard]] bool deleted() const { return deleted_; }
+
+  [[nodiscard]] const std::vector<std::shared_ptr<RegistryKey>>& keys() const { return keys_; }
+  [[nodiscard]] const std::vector<RegistryValue>& values() const { return values_; }
+  [[nodiscard]] const RegistryValue* FindValue(std::u16string_view name) const;
+
+  // A value that is there already keeps its place and the spelling of its name.
+  void SetValue(std::u16string_view name, std::uint32_t type, std::vector<std::uint8_t> data);
+  bool DeleteValue(std::u16string_view name);
+
+ private:
+  friend class Registry;
+  void Detach();  // marks it and all below it deleted
+  [[nodiscard]] unsigned Depth() const;
+
+  std::u16string name_;
+  RegistryKey* parent_;
+  bool deleted_ = false;
+  std::vector<std::shared_ptr<RegistryKey>> keys_;
+  std::vector<RegistryValue> values_;
+};
+
+class Registry {
+ public:
+  static constexpr unsigned kMaximumDepth = 512;
+  enum class Removal : std::uint8_t { kDone, kMissing, kHasSubkeys };
+
+  Registry();
+
+  // Root 0 to 3 in the order of the predefined handles 0x80000000 and up.
+  [[nodiscard]] const std::shared_ptr<RegistryKey>& root(unsigned index) const {
+    return roots_.at(index);
+  }
+  // Paths below a key; leading and repeated backslashes are skipped, an empty path is the key
+  // itself. Below a deleted key there is nothing.
+  [[nodiscard]] static std::shared_ptr<RegistryKey> Find(const std::shared_ptr<RegistryKey>& from,
+                                                         std::u16string_view path);
+  struct Created {
+    std::shared_ptr<RegistryKey> key;
+    bool is_new = false;
+  };
+  // No key, and nothing changed, below a deleted key or where the path would go deeper than
+  // kMaximumDepth.
+  static Created Create(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
+  // Deletes a key that has no subkeys, with its values. A root is never deleted (kMissing).
+  static Removal Remove(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
+  // Deletes a key with everything below it; false where there is none, or only a root.
+  static bool RemoveTree(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
+  // The root that a full path begins with, which is taken off the path; nullptr: not a root's name.
+  [[nodiscard]] std::shared_ptr<RegistryKey> TakeRoot(std::u16string_view& full_path) const;
+
+  // What tests and tools use. A full path begins with a root's name (or HKLM, HKCU, HKCR, HKU).
+  // A path without a known root finds nothing, and the setters throw std::invalid_argument.
+  // GetDword and GetString find only values of that type; a text ends at its first terminator.
+  [[nodiscard]] std::shared_ptr<RegistryKey> Find(std::string_view full_path) const;
+  std::shared_ptr<RegistryKey> Create(std::string_view full_path);
+  [[nodiscard]] const RegistryValue* FindValue(std::string_view full_path,
+                                               std::string_view name) const;
+  void SetDword(std::string_view full_path, std::string_view name, std::uint32_t value);
+  void SetString(std::string_view full_path, std::string_view name, std::string_view text);
+  void SetBinary(std::string_view full_path, std::string_view name, std::vector<std::uint8_t> data);
+  void SetRaw(std::string_view full_path, std::string_view name, std::uint32_t type,
+              std::vector<std::uint8_t> data);
+  [[nodiscard]] std::optional<std::uint32_t> GetDword(std::string_view full_path,
+                                                      std::string_view name) const;
+  [[nodiscard]] std::optional<std::string> GetString(std::string_view full_path,
+                                                     std::string_view name) const;
+  bool RemoveTree(std::string_view full_path);
+
+ private:
+  std::array<std::shared_ptr<RegistryKey>, 4> roots_;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_REGISTRY_H_

@@ -1,0 +1,36 @@
+// The platform's registry-import text: what the device's importer reads and registry.reg holds.
+//
+//   REGEDIT4
+//   [HKEY_LOCAL_MACHINE\Software\Dravonel]
+//   "Name"="text"   "Count"=dword:0000001e   "Bytes"=hex:0a,01   "Raw"=hex(1):...   @="unnamed"
+//   "Gone"=-        [-HKEY_LOCAL_MACHINE\Software\Old]           ; a comment
+//
+// Names that a line cannot hold as they are have an extension of the simulator: in quotes "\x000A"
+// is any UTF-16 unit, and a key's path may stand in quotes, with its backslashes doubled:
+//
+//   ["HKEY_LOCAL_MACHINE\\Odd\x000Akey"]
+#ifndef PLATFORM_SIM_KERNEL_REGISTRY_TEXT_H_
+#define PLATFORM_SIM_KERNEL_REGISTRY_TEXT_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/sim/kernel/registry.h"
+
+namespace sim {
+
+// Imports a text (UTF-8, or UTF-16 with a byte-order mark) line by line. Lines that are not
+// understood change nothing and are returned as "12: what is wrong with it".
+std::vector<std::string> ImportRegistryText(Registry& registry, std::string_view text);
+
+// The whole registry; importing the text into an empty registry gives an equal one, order included.
+[[nodiscard]] std::string ExportRegistryText(const Registry& registry);
+// One key with all below it.
+[[nodiscard]] std::string ExportRegistryText(const RegistryKey& key);
+// One value as it stands in such a text, without its name: dword:00000005, "text", hex:0a,01.
+[[nodiscard]] std::string ValueText(const RegistryValue& value);
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_REGISTRY_TEXT_H_

@@ -1,0 +1,33 @@
+// UTF-16, as the platform speaks it, and UTF-8, as the host and the device folders do.
+#ifndef PLATFORM_SIM_TEXT_H_
+#define PLATFORM_SIM_TEXT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace sim {
+
+// Unpaired surrogates and malformed bytes become U+FFFD.
+[[nodiscard]] std::string ToUtf8(std::u16string_view text);
+[[nodiscard]] std::u16string ToUtf16(std::string_view text);
+
+// The first code point of a text that is not empty. A malformed byte is U+FFFD, one byte long.
+struct CodePoint {
+  char32_t value = 0;
+  std::size_t bytes = 1;
+  bool valid = false;
+};
+[[nodiscard]] CodePoint DecodeUtf8(std::string_view text);
+[[nodiscard]] bool IsUtf8(std::string_view text);
+// The bytes of a text file as UTF-8: UTF-16 by its byte-order mark, else UTF-8 with or without one.
+[[nodiscard]] std::string DecodeTextFile(std::string_view bytes);
+
+// ASCII and Latin-1 letters, which is what the platform folds for the names that occur.
+[[nodiscard]] char16_t FoldCase(char16_t unit);
+[[nodiscard]] bool EqualNoCase(std::u16string_view left, std::u16string_view right);
+[[nodiscard]] bool EqualNoCase(std::string_view left, std::string_view right);  // UTF-8
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_TEXT_H_
