@@ -1,0 +1,107 @@
+// dcecfg: writes and reads the configuration-store files of the device.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <filesystem>
+#include <span>
+#include <string>
+
+#include "platform/sim/host_file.h"
+#include "tools/dcecfg/check.h"
+#include "tools/dcecfg/text_form.h"
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kUsage = 2;
+
+constexpr const char* kFooter = R"(
+Examples:
+  dcecfg build settings.txt -o dcecfg       write the file \ConfigStore\dcecfg
+  dcecfg dump dcecfg > settings.txt         and back; building that gives the same bytes
+  dcecfg check dcecfg                       what the device would write, and what is wrong
+
+  A text:
+    direct {
+      dword "Decodes:ThreadPriority" 251
+    }
+
+docs/dcecfg.md describes the text form.
+
+Exit status: 0 done, 1 the content is wrong or a file cannot be used, 2 wrong usage.
+)";
+
+std::span<const BYTE> BytesOf(const std::string& content) {
+  return {reinterpret_cast<const BYTE*>(content.data()), content.size()};
+}
+
+int Build(const std::string& input, const std::string& output) {
+  try {
+    const auto bytes = dcecfg::Build(sim::ReadHostFile(input));
+    sim::ReplaceHostFile(output, output + ".writing",
+                         {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return kSuccess;
+  } catch (const dcecfg::TextError& error) {
+    fmt::print(stderr, "{}:{}:{}: {}\n", input, error.line(), error.column(), error.what());
+    return kFailure;
+  }
+}
+
+int Dump(const std::string& file) {
+  fmt::print("{}", dcecfg::Dump(BytesOf(sim::ReadHostFile(file))));
+  return kSuccess;
+}
+
+int Check(const std::string& file) {
+  const dcecfg::CheckReport report = dcecfg::Check(BytesOf(sim::ReadHostFile(file)));
+  fmt::print("{}", report.text);
+  return report.ok() ? kSuccess : kFailure;
+}
+
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.footer(kFooter);
+    app_.require_subcommand(1);
+    auto* build = app_.add_subcommand("build", "Write the file that a text describes");
+    build->add_option("TEXT", input_, "The text")->required();
+    build->add_option("-o,--output", output_, "The file to write")->required();
+    build->callback([this] { status_ = Build(input_, output_); });
+    AddReader("dump", "Show a file, any file, as text", &Dump);
+    AddReader("check", "Say what the device would do with a file", &Check);
+  }
+
+  int Run(int argc, char** argv) {
+    try {
+      app_.parse(argc, argv);
+      return status_;
+    } catch (const CLI::ParseError& error) {
+      return app_.exit(error) == 0 ? kSuccess : kUsage;
+    }
+  }
+
+ private:
+  void AddReader(const char* name, const char* what, int (*command)(const std::string&)) {
+    auto* subcommand = app_.add_subcommand(name, what);
+    subcommand->add_option("FILE", input_, "The configuration-store file")->required();
+    subcommand->callback([this, command] { status_ = command(input_); });
+  }
+
+  CLI::App app_{"Writes and reads the device's configuration-store files.", "dcecfg"};
+  std::string input_;
+  std::string output_;
+  int status_ = kSuccess;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return CommandLine().Run(argc, argv);
+  } catch (const std::exception& error) {
+    fmt::print(stderr, "dcecfg: {}\n", error.what());
+    return kFailure;
+  }
+}
