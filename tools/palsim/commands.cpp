@@ -1,0 +1,161 @@
+#include "tools/palsim/commands.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <thread>
+
+#include "platform/sim/kernel/registry_text.h"
+#include "tools/palsim/export_call.h"
+#include "tools/palsim/names.h"
+#include "tools/palsim/session.h"
+
+namespace palsim {
+namespace {
+
+const std::filesystem::path kSamples = PAL_DEVICES_DIR;
+
+unsigned ParseFaultNumber(std::string_view text, const std::string& whole) {
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) {
+    throw UsageError("'" + whole + "' is no fault; write CALL, CALL:NTH or CALL:NTH:ERROR");
+  }
+  return number;
+}
+
+sim::Fault ParseFault(const std::string& text) {
+  sim::Fault fault;
+  const std::size_t first = text.find(':');
+  fault.call = text.substr(0, first);
+  if (first == std::string::npos) return fault;
+  const std::size_t second = text.find(':', first + 1);
+  const std::string_view view = text;
+  fault.nth = ParseFaultNumber(view.substr(first + 1, second - first - 1), text);
+  if (second != std::string::npos) fault.error = ParseFaultNumber(view.substr(second + 1), text);
+  return fault;
+}
+
+std::optional<sim::Effect> ParseEffect(const std::string& name) {
+  if (name.empty()) return std::nullopt;
+  const std::optional<sim::Effect> effect = sim::EffectFromName(name);
+  if (!effect) throw UsageError("there is no effect '" + name + "'");
+  return effect;
+}
+
+template <class Entry>
+void KeepLast(std::vector<Entry>& entries, std::size_t count) {
+  if (count == 0 || count >= entries.size()) return;
+  entries.erase(entries.begin(), entries.end() - static_cast<std::ptrdiff_t>(count));
+}
+
+void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) {
+  for (const std::string& fault : faults) {
+    try {
+      device.PlanFault(ParseFault(fault));
+    } catch (const std::invalid_argument& error) {
+      throw UsageError(error.what());
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> SampleNames() {
+  std::vector<std::string> names;
+  std::error_code ignored;
+  for (const auto& entry : std::filesystem::directory_iterator(kSamples, ignored)) {
+    if (std::filesystem::exists(entry.path() / "device.toml")) {
+      names.push_back(entry.path().filename().string());
+    }
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
+  const std::filesystem::path sample = kSamples / options.sample;
+  if (!std::filesystem::exists(sample / "device.toml")) {
+    throw UsageError("there is no sample device '" + options.sample +
+                     "'; 'palsim --help' lists them");
+  }
+  const bool exists = std::filesystem::exists(folder);
+  const bool is_device = std::filesystem::exists(folder / "device.toml");
+  if (exists && !is_device && !std::filesystem::is_empty(folder)) {
+    throw UsageError(folder.string() + " exists and is no device; choose another folder");
+  }
+  if (is_device && !options.force) {
+    throw UsageError(folder.string() + " is a device already; --force makes it anew");
+  }
+  if (is_device) std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  for (const char* part : {"device.toml", "registry.reg", "files"}) {
+    if (!std::filesystem::exists(sample / part)) continue;
+    std::filesystem::copy(sample / part, folder / part, std::filesystem::copy_options::recursive);
+  }
+  Session session(folder);  // what is not sound is said now and not at the first call
+  fmt::print("{}: a new device of model {}\n", folder.string(), session.identity().name);
+  return kSuccess;
+}
+
+int Call(const std::filesystem::path& folder, const CallOptions& options) {
+  Session session(folder);
+  session.set_process_name(options.process_name);
+  const std::optional<sim::Effect> only = ParseEffect(options.only);
+  if (options.journal || only) session.PrintJournal(only);
+  if (options.real_time) {
+    session.device().set_on_clock(
+        [](std::uint64_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); });
+  }
+  sim::Process& process = session.process();
+  PlanFaults(session.device(), options.faults);
+  const CallOutcome outcome = CallExport(process, options.name, options.arguments);
+  session.device().ClearFaults();
+  session.Save();
+  fmt::print("{} = {}\n", options.name, outcome.result);
+  return outcome.failed ? kFailure : kSuccess;
+}
+
+int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options) {
+  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
+  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
+  std::erase_if(entries,
+                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
+  if (options.clear) std::filesystem::remove(JournalFile(folder));
+  return kSuccess;
+}
+
+int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
+  constexpr std::uint32_t kWarning = 0x80000000;
+  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
+  std::erase_if(entries, [&](const sim::JournalEntry& entry) {
+    return entry.effect != sim::Effect::kTrace || (options.errors && entry.category < kWarning);
+  });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) {
+    fmt::print("{:6}.{:03} p{} t{} {:<22} {}\n", entry.time_ms / 1000, entry.time_ms % 1000,
+               entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
+  }
+  return kSuccess;
+}
+
+int ShowRegistry(const std::filesystem::path& folder, const std::string& path) {
+  Session session(folder);
+  if (path.empty()) {
+    fmt::print("{}", sim::ExportRegistryText(session.device().registry()));
+    return kSuccess;
+  }
+  const auto key = session.device().registry().Find(std::string_view(path));
+  if (key == nullptr) {
+    fmt::print(stderr, "palsim: the registry has no key {}\n", path);
+    return kFailure;
+  }
+  fmt::print("{}", sim::ExportRegistryText(*key));
+  return kSuccess;
+}
+
+}  // namespace palsim

@@ -1,0 +1,52 @@
+// What palsim does, one function a command. Each returns the exit status.
+#ifndef TOOLS_PALSIM_COMMANDS_H_
+#define TOOLS_PALSIM_COMMANDS_H_
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace palsim {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;  // the call failed, or the device cannot be read or written
+constexpr int kUsage = 2;
+
+struct NewOptions {
+  std::string sample = "rm21";
+  bool force = false;
+};
+int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
+[[nodiscard]] std::vector<std::string> SampleNames();
+
+struct CallOptions {
+  std::string name;
+  std::vector<std::string> arguments;
+  std::string process_name = "palsim.exe";
+  std::vector<std::string> faults;  // CALL[:NTH[:ERROR]]
+  bool journal = false;
+  std::string only;  // of the journal, this effect alone; empty: all
+  bool real_time = false;
+};
+int Call(const std::filesystem::path& folder, const CallOptions& options);
+
+struct JournalOptions {
+  std::string effect;    // empty: all
+  std::size_t last = 0;  // 0: all
+  bool clear = false;
+};
+int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options);
+
+struct TraceOptions {
+  std::size_t last = 0;
+  bool errors = false;  // warnings and errors alone
+};
+int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
+
+int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
+int Shell(const std::filesystem::path& folder);
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_COMMANDS_H_

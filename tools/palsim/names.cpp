@@ -1,0 +1,80 @@
+#include "tools/palsim/names.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace palsim {
+namespace {
+
+struct NumberName {
+  std::uint32_t number;
+  std::string_view name;
+};
+
+constexpr std::array kResults{
+    NumberName{0x00000000, "S_OK"},         NumberName{0x00000001, "S_FALSE"},
+    NumberName{0x80004001, "E_NOTIMPL"},    NumberName{0x80004005, "E_FAIL"},
+    NumberName{0x80070057, "E_INVALIDARG"},
+};
+
+constexpr std::array kFacilities{
+    NumberName{1003, "beeper"},
+    NumberName{1004, "LED"},
+    NumberName{1005, "keypad"},
+    NumberName{1006, "display"},
+    NumberName{1007, "power"},
+    NumberName{1008, "configuration"},
+    NumberName{1009, "scanner"},
+    NumberName{1015, "vibrator"},
+    NumberName{1018, "boot"},
+    NumberName{1039, "device information"},
+    NumberName{1068, "provider library"},
+    NumberName{1071, "version"},
+    NumberName{1074, "manufacturing options"},
+    NumberName{1094, "image capture and security"},
+    NumberName{1102, "configuration access"},
+    NumberName{1103, "USB"},
+    NumberName{1114, "SD/MMC and image capture"},
+    NumberName{1115, "ActiveSync"},
+    NumberName{1116, "vehicle dock"},
+    NumberName{1118, "registry files"},
+    NumberName{1236, "LP"},
+};
+
+constexpr std::array<std::string_view, 4> kSeverities{"plain", "info", "warning", "error"};
+
+constexpr std::uint32_t kWin32Facility = 0x80070000;
+constexpr std::uint32_t kFacilityMask = 0xFFF;
+
+template <std::size_t Rows>
+std::string_view Find(const std::array<NumberName, Rows>& rows, std::uint32_t number) {
+  const auto* const row = std::ranges::find(rows, number, &NumberName::number);
+  return row == rows.end() ? std::string_view() : row->name;
+}
+
+std::string Meaning(std::uint32_t code) {
+  const std::string_view name = Find(kResults, code);
+  if (!name.empty()) return std::string(name);
+  if ((code & 0xFFFF0000) == kWin32Facility) return fmt::format("system error {}", code & 0xFFFF);
+  const std::string_view family = Find(kFacilities, (code >> 16) & kFacilityMask);
+  if (code >> 31 != 0 && !family.empty()) return fmt::format("{}: code {}", family, code & 0xFFFF);
+  return fmt::format("{}", static_cast<std::int32_t>(code));
+}
+
+}  // namespace
+
+std::string ResultText(HRESULT result) {
+  const auto code = static_cast<std::uint32_t>(result);
+  return fmt::format("0x{:08X} {}", code, Meaning(code));
+}
+
+std::string CategoryText(std::uint32_t category) {
+  const std::uint32_t facility = (category >> 16) & kFacilityMask;
+  const std::string_view family = Find(kFacilities, facility);
+  return fmt::format("{} {}", kSeverities[category >> 30],
+                     family.empty() ? fmt::format("facility {}", facility) : std::string(family));
+}
+
+}  // namespace palsim

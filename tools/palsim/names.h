@@ -1,0 +1,20 @@
+// Numbers of the library as a person reads them.
+#ifndef TOOLS_PALSIM_NAMES_H_
+#define TOOLS_PALSIM_NAMES_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "include/paltypes.h"
+
+namespace palsim {
+
+// "0x80004005 E_FAIL", "0x80070002 system error 2", "0x83ED0007 keypad: code 7".
+[[nodiscard]] std::string ResultText(HRESULT result);
+// "error keypad" for 0xC3ED0000.
+[[nodiscard]] std::string CategoryText(std::uint32_t category);
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_NAMES_H_

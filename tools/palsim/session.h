@@ -1,0 +1,47 @@
+// A device folder that is open: the device runs in memory and is saved at the end.
+#ifndef TOOLS_PALSIM_SESSION_H_
+#define TOOLS_PALSIM_SESSION_H_
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/device.h"
+#include "platform/sim/device_folder.h"
+
+namespace palsim {
+
+// The journal of all runs of a device, kept beside its state.
+[[nodiscard]] std::filesystem::path JournalFile(const std::filesystem::path& folder);
+// Throws sim::DeviceFolderError where the folder is no device; a device without runs has none.
+[[nodiscard]] std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder);
+
+class Session {
+ public:
+  // Throws sim::DeviceFolderError.
+  explicit Session(std::filesystem::path folder);
+
+  [[nodiscard]] sim::Device& device() { return device_; }
+  [[nodiscard]] const sim::DeviceIdentity& identity() const { return identity_; }
+  // The calling process, attached at its first use.
+  [[nodiscard]] sim::Process& process();
+  void set_process_name(std::string name) { process_name_ = std::move(name); }
+  // Prints each journal line as it comes, of one effect or of all.
+  void PrintJournal(std::optional<sim::Effect> only = std::nullopt);
+
+  // Detaches, appends the journal and saves the device. What was done wrong is said on stderr.
+  void Save();
+
+ private:
+  std::filesystem::path folder_;
+  sim::Device device_;
+  sim::DeviceIdentity identity_;
+  std::string process_name_ = "palsim.exe";
+  std::unique_ptr<sim::Process> process_;
+};
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_SESSION_H_

@@ -1,0 +1,112 @@
+// The interactive shell: one process stays attached while commands are typed.
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <array>
+#include <iostream>
+#include <sstream>
+
+#include "platform/sim/kernel/registry_text.h"
+#include "tools/palsim/commands.h"
+#include "tools/palsim/export_call.h"
+#include "tools/palsim/session.h"
+
+namespace palsim {
+namespace {
+
+using Words = std::vector<std::string>;
+
+struct ShellCommand {
+  std::string_view name;
+  std::string_view usage;
+  void (*run)(Session& session, const Words& words);
+};
+
+void RunCall(Session& session, const Words& words) {
+  if (words.size() < 2) throw UsageError("call what? 'exports' lists the exports");
+  const CallOutcome outcome =
+      CallExport(session.process(), words[1], Words(words.begin() + 2, words.end()));
+  fmt::print("{} = {}\n", words[1], outcome.result);
+}
+
+void RunRegistry(Session& session, const Words& words) {
+  if (words.size() != 2) throw UsageError("registry takes one key");
+  const auto key = session.device().registry().Find(std::string_view(words[1]));
+  if (key == nullptr) throw UsageError("the registry has no key " + words[1]);
+  fmt::print("{}", sim::ExportRegistryText(*key));
+}
+
+void RunAdvance(Session& session, const Words& words) {
+  constexpr std::size_t kMostDigits = 9;
+  const bool usable = words.size() == 2 && words[1].size() <= kMostDigits &&
+                      words[1].find_first_not_of("0123456789") == std::string::npos;
+  if (!usable) throw UsageError("advance takes a time in milliseconds");
+  session.device().Advance(static_cast<std::uint32_t>(std::stoul(words[1])));
+}
+
+void RunExports(Session& /*session*/, const Words& /*words*/) {
+  for (const std::string_view name : ExportNames()) fmt::print("{}\n", name);
+}
+
+void RunHelp(Session& session, const Words& words);
+
+constexpr std::array kCommands{
+    ShellCommand{"call", "call EXPORT [ARGUMENT...]   call an export", &RunCall},
+    ShellCommand{"registry", "registry KEY                show a key with all below it",
+                 &RunRegistry},
+    ShellCommand{"advance", "advance MS                  let time pass on the device", &RunAdvance},
+    ShellCommand{"exports", "exports                     list the exports", &RunExports},
+    ShellCommand{"help", "help                        show this", &RunHelp},
+};
+
+void RunHelp(Session& /*session*/, const Words& /*words*/) {
+  for (const ShellCommand& command : kCommands) fmt::print("  {}\n", command.usage);
+  fmt::print("  quit                        detach, save the device and leave\n");
+}
+
+void RunLine(Session& session, const Words& words) {
+  for (const ShellCommand& command : kCommands) {
+    if (command.name == words[0]) return command.run(session, words);
+  }
+  throw UsageError("there is no command '" + words[0] + "'; 'help' lists them");
+}
+
+bool ReadLine(bool interactive, std::string& line) {
+  if (interactive) {
+    fmt::print("palsim> ");
+    std::fflush(stdout);
+  }
+  return static_cast<bool>(std::getline(std::cin, line));
+}
+
+Words Split(const std::string& line) {
+  std::istringstream stream(line);
+  Words words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  return words;
+}
+
+}  // namespace
+
+int Shell(const std::filesystem::path& folder) {
+  Session session(folder);
+  session.PrintJournal();
+  const bool interactive = isatty(STDIN_FILENO) != 0;
+  if (interactive) fmt::print("{}: 'help' lists the commands\n", session.identity().name);
+  int status = kSuccess;
+  for (std::string line; ReadLine(interactive, line);) {
+    const Words words = Split(line);
+    if (words.empty()) continue;
+    if (words[0] == "quit") break;
+    try {
+      RunLine(session, words);
+    } catch (const UsageError& error) {
+      fmt::print(stderr, "palsim: {}\n", error.what());
+      if (!interactive) status = kUsage;
+    }
+  }
+  session.Save();
+  return status;
+}
+
+}  // namespace palsim
