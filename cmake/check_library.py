@@ -1,0 +1,44 @@
+#!/usr/bin/env python3
+"""Checks what the built library asks of its host: usage: check_library.py LIBRARY PROJECT_ROOT
+
+It may import the platform's calls and the compiler's mem* and str* helpers, it must export what
+exports.def names and nothing else, and nothing may run when it is loaded but its entry.
+"""
+import pathlib
+import re
+import subprocess
+import sys
+
+library, root = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+
+
+def output(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+def names(definition):
+    return set(re.findall(r"^ +([A-Za-z_]\w*)", definition.read_text(), re.MULTILINE))
+
+
+allowed = set().union(*(names(file) for file in (root / "platform" / "imports").glob("*.def")))
+allowed.add("GetCurrentProcessId")  # read inline from the kernel's data page on the device
+imported = {name.removeprefix("__wrap_")
+            for name in re.findall(r"^ +U ([^(@\s]+)", output(
+                "nm", "--dynamic", "--demangle", "--undefined-only", str(library)), re.MULTILINE)}
+exported = set(re.findall(r"^\S+ [A-Z] (\S+)", output(
+    "nm", "--dynamic", "--defined-only", str(library)), re.MULTILINE))
+expected = names(root / "exports.def") | {"DllMain"}
+
+faults = []
+for name in sorted(imported - allowed):
+    if not re.match(r"(mem|str)[a-z]+$", name):
+        faults.append(f"imports {name}, which the device does not have")
+faults += [f"does not export {name}" for name in sorted(expected - exported)]
+faults += [f"exports {name}, which exports.def does not name" for name in sorted(exported - expected)]
+for section, size in re.findall(r"(\.(?:pre)?init_array|\.ctors|\.fini_array)\s+\w+\s+\w+ \w+ (\w+)",
+                                output("readelf", "--section-headers", "--wide", str(library))):
+    if int(size, 16):
+        faults.append(f"has a {section} of {int(size, 16)} bytes: static constructors")
+for fault in faults:
+    print(f"{library.name} {fault}", file=sys.stderr)
+sys.exit(1 if faults else 0)

@@ -1,0 +1,54 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy over every source of a build: usage: check_tidy.py BUILD_DIRECTORY PROJECT_ROOT
+
+A source whose text, headers and configuration are as at its last clean run is not read again.
+"""
+import concurrent.futures
+import hashlib
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+build, root = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+stamps = build / "tidy"
+stamps.mkdir(exist_ok=True)
+common = hashlib.sha256((root / ".clang-tidy").read_bytes())
+
+
+def included(source, seen):
+    """The project's files that a source includes, itself among them."""
+    if source in seen or not source.is_file():
+        return seen
+    seen.add(source)
+    for name in re.findall(r'^#include "([^"]+)"', source.read_text(), re.MULTILINE):
+        for folder in (root, source.parent):
+            included((folder / name).resolve(), seen)
+    return seen
+
+
+def check(source):
+    digest = common.copy()
+    for file in sorted(included(source, set())):
+        digest.update(file.read_bytes())
+    stamp = stamps / digest.hexdigest()
+    if stamp.exists():
+        return 0, ""
+    run = subprocess.run(["clang-tidy", "--quiet", "-p", str(build), str(source)],
+                         capture_output=True, text=True)
+    if run.returncode == 0:
+        stamp.touch()
+    return run.returncode, run.stdout
+
+
+commands = json.loads((build / "compile_commands.json").read_text())
+sources = sorted({pathlib.Path(entry["file"]) for entry in commands})
+if not sources:
+    sys.exit("no sources to check")
+with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+    results = list(pool.map(check, sources))
+for _, output in results:
+    print(output, end="")
+sys.exit(1 if any(code for code, _ in results) else 0)

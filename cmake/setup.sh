@@ -1,0 +1,35 @@
+# Sourced by the scripts at the root: installs what is missing, once.
+packages=(
+  g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
+  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libbenchmark-dev
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
+    grep --quiet '^installed$' || missing+=("$package")
+done
+
+if [ ${#missing[@]} -gt 0 ]; then
+  if [ "$(id -u)" -ne 0 ]; then
+    echo "Missing packages; as root: apt-get install ${missing[*]}" >&2
+    exit 2
+  fi
+  echo "Installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+# build PRESET [TARGET...]: configures where need be, builds, and is silent unless it fails.
+build() {
+  local preset=$1 log
+  shift
+  log=build/$preset.log
+  mkdir -p build
+  if [ ! -f "build/$preset/build.ninja" ]; then
+    echo "Configuring $preset"
+    cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; exit 1; }
+  fi
+  cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log"; exit 1; }
+}

@@ -1,0 +1,487 @@
+// The update of the registry from the configuration store, through the export that does it.
+#include <array>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+constexpr std::string_view kBase = "HKEY_LOCAL_MACHINE\\Software\\Dravonel\\";
+constexpr std::size_t kLargestFile = 1023;
+constexpr std::size_t kMostRecords = 256;
+
+class ConfigStoreUpdate : public DeviceTest {
+ protected:
+  void SetUp() override { device.files().CreateFolder("\\ConfigStore"); }
+
+  void TearDown() override {
+    process.End();  // what is left open or allocated is misuse
+    DeviceTest::TearDown();
+  }
+
+  // Updates from a file of these bytes; the registry's changes, created keys left out.
+  std::vector<std::string> Update(std::string_view file) {
+    device.files().Write("\\ConfigStore\\dcecfg", file);
+    return Update();
+  }
+  std::vector<std::string> Update() {
+    device.journal().Clear();
+    EXPECT_EQ(process.exports().PALMFGOpt_ConfigStoreRegUpdate(), S_OK);
+    std::vector<std::string> writes = device.journal().Texts(sim::Effect::kRegistry);
+    std::erase_if(writes, [](const std::string& line) { return line.ends_with(" created"); });
+    return writes;
+  }
+
+  std::vector<std::string> ErrorLines() {
+    std::vector<std::string> errors;
+    for (const std::string& line : CategorisedLines()) {
+      if (line.starts_with("0xC3F00000 ")) errors.push_back(line.substr(11));
+    }
+    return errors;
+  }
+
+  sim::Process process{device, "provision.exe"};
+};
+
+struct FileCase {
+  std::string_view what;
+  std::string_view file;
+  std::vector<std::string> writes;  // below kBase, where they do not begin with "HKEY"
+  std::vector<std::string> errors;
+};
+
+void PrintTo(const FileCase& test, std::ostream* stream) {
+  *stream << test.what;
+}
+
+class ConfigStoreEntries : public ConfigStoreUpdate,
+                           public ::testing::WithParamInterface<FileCase> {};
+
+TEST_P(ConfigStoreEntries, AreWrittenOrRefused) {
+  std::vector<std::string> expected = GetParam().writes;
+  for (std::string& write : expected) {
+    if (!write.starts_with("HKEY")) write.insert(0, kBase);
+  }
+  EXPECT_EQ(Update(GetParam().file), expected);
+  EXPECT_EQ(ErrorLines(), GetParam().errors);
+}
+
+const std::string kNotProcessed = "No key processed.";
+const std::string kNoEnd = "End of file before end of string";
+const std::string kEnd = "Unexpected end of file";
+const std::string kBlockEnd = "Abnormal subsection end";
+const std::string kEntryEnd = "Abnormal keyentry end";
+const std::string kBadIndex = "Key Index out of bounds";
+const std::string kBadFrame = "Invalid frame or command type";
+
+INSTANTIATE_TEST_SUITE_P(
+    DirectSection, ConfigStoreEntries,
+    ::testing::Values(
+        FileCase{"number",
+                 "\xBB\xAB"
+                 "Decodes:ThreadPriority\0\x05\x00\xFF"sv,
+                 {"Decodes \"ThreadPriority\"=dword:00000005"},
+                 {}},
+        FileCase{"sign is extended",
+                 "\xBB\xAB"
+                 "K:V\0\xFF\xFF\xFF"sv,
+                 {"K \"V\"=dword:ffffffff"},
+                 {}},
+        FileCase{"no colon",
+                 "\xBB\xAB"
+                 "K\0\x01\x00\xFF"sv,
+                 {"K \"Default\"=dword:00000001"},
+                 {}},
+        FileCase{"empty value name",
+                 "\xBB\xAB"
+                 "K:\0\x01\x00\xFF"sv,
+                 {"K @=dword:00000001"},
+                 {}},
+        FileCase{"second colon",
+                 "\xBB\xAB"
+                 "K:a:b\0\x01\x00\xFF"sv,
+                 {"K \"a:b\"=dword:00000001"},
+                 {}},
+        FileCase{"8-bit text without end",
+                 "\xBB\xAA"
+                 "K:V\0ab\0\xFF"sv,
+                 {"K \"V\"=hex(1):61,62"},
+                 {}},
+        FileCase{"empty text",
+                 "\xBB\xAA"
+                 "K:V\0\0\xFF"sv,
+                 {"K \"V\"=hex(1):"},
+                 {}},
+        FileCase{"bytes",
+                 "\xBB\xAC"
+                 "K:V\0"
+                 "0A01FF\0\xFF"sv,
+                 {"K \"V\"=hex:0a,01,ff"},
+                 {}},
+        FileCase{"odd digits",
+                 "\xBB\xAC"
+                 "K:V\0"
+                 "0A1\0\xFF"sv,
+                 {"K \"V\"=hex:0a,01"},
+                 {}},
+        FileCase{"no digits",
+                 "\xBB\xAC"
+                 "K:V\0"
+                 "G1 21G\0\xFF"sv,
+                 {"K \"V\"=hex:00,00,01"},
+                 {}},
+        FileCase{"each root",
+                 "\xBB\xAB"
+                 "HKEY_CURRENT_USER\\K:V\0\x01\0\xAB"
+                 "HKEY_USERS\\K:V\0\x01\0\xAB"
+                 "HKEY_CLASSES_ROOT\\K:V\0\x01\0\xAB"
+                 "HKEY_LOCAL_MACHINE\\K:V\0\x01\0\xAB"
+                 "HKEY_OTHER\\K:V\0\x01\0\xFF"sv,
+                 {"HKEY_CURRENT_USER\\K \"V\"=dword:00000001", "HKEY_USERS\\K \"V\"=dword:00000001",
+                  "HKEY_CLASSES_ROOT\\K \"V\"=dword:00000001",
+                  "HKEY_LOCAL_MACHINE\\K \"V\"=dword:00000001",
+                  "HKEY_LOCAL_MACHINE\\K \"V\"=dword:00000001"},
+                 {}},
+        FileCase{
+            "indexed",
+            "\xBB\x00\x01\x02\x08\x03\x00\xFF"sv,
+            {"Decodes \"ThreadPriority\"=dword:00000201",
+             "HKEY_LOCAL_MACHINE\\Drivers\\Dravonel\\EAC \"ImagerNRTPriority\"=dword:00000003"},
+            {}},
+        FileCase{"index 9, then its value read as entries",
+                 "\xBB\x09\x01\x02\x01\x00\xFF"sv,
+                 {"DCEDriver \"BeepThreadPriority\"=dword:00000001"},
+                 {"Index 9 out of bounds", kNotProcessed}},
+        FileCase{
+            "empty section reads its end as an index",
+            "\xBB\xFF\x20\x20"sv,
+            {},
+            {"Index 255 out of bounds", kNotProcessed, "Index 32 out of bounds", kNotProcessed}},
+        FileCase{"bytes between sections",
+                 "xx\xBB\x00\x05\x00\xFFyy\xBB\x00\x06\x00\xFF"sv,
+                 {"Decodes \"ThreadPriority\"=dword:00000005",
+                  "Decodes \"ThreadPriority\"=dword:00000006"},
+                 {}},
+        FileCase{"number cut short, its byte read as an index",
+                 "\xBB\x00\x05"sv,
+                 {"Decodes \"ThreadPriority\"=dword:ffffffff"},
+                 {kNotProcessed}},
+        FileCase{"nothing behind a literal marker", "\xBB\xAB"sv, {}, {kEnd, kNotProcessed}},
+        FileCase{"key without end",
+                 "\xBB\xAB"
+                 "K:V"sv,
+                 {},
+                 {kNoEnd, kNotProcessed}},
+        FileCase{"key at the end",
+                 "\xBB\xAB"
+                 "K:V\0"sv,
+                 {},
+                 {kNotProcessed}},
+        FileCase{"text without end",
+                 "\xBB\xAA"
+                 "K:V\0ab"sv,
+                 {},
+                 {kNoEnd}},
+        FileCase{"bytes at the start are no markers",
+                 "\xAB\xFF\xBB\x00\x05\x00"sv,
+                 {"Decodes \"ThreadPriority\"=dword:00000005"},
+                 {}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    DscpSection, ConfigStoreEntries,
+    ::testing::Values(FileCase{"all formats and frames",
+                               "\xCC\x00\x03"
+                               "A\x00"
+                               "01\0"
+                               "B\x01"
+                               "0203\0"
+                               "A\x02Name\0"
+                               "04\0\xDD\xEE\xFF"sv,
+                               {"ADCPorts\\3\\DevConfig \"OneByteAfterFidFmt\"=hex:01",
+                                "ADCPorts\\3\\CntrlCmdConfig \"TwoByteAfterFidFmt\"=hex:02,03",
+                                "ADCPorts\\3\\DevConfig\\StringAfterFidFmt \"Name\"=hex:04"},
+                               {}},
+                      FileCase{"several blocks and subsections",
+                               "\xCC\x00\x01"
+                               "A\x00"
+                               "01\0\xDD\x12"
+                               "A\x00"
+                               "02\0\xDD\xEE\x01\x2F"
+                               "A\x00"
+                               "03\0\xDD\xEE\xFF"sv,
+                               {"ADCPorts\\1\\DevConfig \"OneByteAfterFidFmt\"=hex:01",
+                                "ADCPorts\\18\\DevConfig \"OneByteAfterFidFmt\"=hex:02",
+                                "ADCDevices\\ENG07\\DevConfig \"OneByteAfterFidFmt\"=hex:03"},
+                               {}},
+                      FileCase{"the device without a name follows",
+                               "\xCC\x01\x36\x35"
+                               "A\x00"
+                               "01\0\xDD\xEE\xFF"sv,
+                               {"ADCDevices\\ENG01\\DevConfig \"OneByteAfterFidFmt\"=hex:01"},
+                               {kBadIndex}},
+                      FileCase{"port 19", "\xCC\x00\x13\xEE\xFF"sv, {}, {kBadIndex}},
+                      FileCase{
+                          "subsection 2", "\xCC\x02\xFF"sv, {}, {"Subsection index out of bounds"}},
+                      FileCase{"bad frame takes three bytes",
+                               "\xCC\x00\x03"
+                               "C\x00xA\x00"
+                               "01\0\xDD\xEE\xFF"sv,
+                               {"ADCPorts\\3\\DevConfig \"OneByteAfterFidFmt\"=hex:01"},
+                               {kBadFrame}},
+                      FileCase{"bad format takes three bytes",
+                               "\xCC\x00\x03"
+                               "A\x03xA\x00"
+                               "01\0\xDD\xEE\xFF"sv,
+                               {"ADCPorts\\3\\DevConfig \"OneByteAfterFidFmt\"=hex:01"},
+                               {kBadFrame}},
+                      FileCase{"no end of section",
+                               "\xCC\x00\x03"
+                               "A\x00"
+                               "01\0\xDD\xEE"sv,
+                               {},
+                               {kEnd}},
+                      FileCase{"no end of block",
+                               "\xCC\x00\x03"
+                               "A\x00"
+                               "01\0"sv,
+                               {},
+                               {kBlockEnd, kEnd}},
+                      FileCase{"value without end",
+                               "\xCC\x00\x03"
+                               "A\x00"
+                               "01"sv,
+                               {},
+                               {kEntryEnd, kBlockEnd, kEnd}},
+                      FileCase{"only the marker", "\xCC"sv, {}, {kEnd}},
+                      FileCase{"an early end takes the direct section with it",
+                               "\xBB\x00\x05\x00\xFF\xCC\x00"sv,
+                               {},
+                               {kBlockEnd, kEnd}},
+                      FileCase{"a direct section behind makes it good",
+                               "\xCC\x02\xFF\xBB\x00\x05\x00\xFF"sv,
+                               {"Decodes \"ThreadPriority\"=dword:00000005"},
+                               {"Subsection index out of bounds"}}));
+
+TEST_F(ConfigStoreUpdate, KeepsTheTwoBackslashesOfPortZero) {
+  EXPECT_EQ(Update("\xCC\x00\x00"
+                   "A\x00"
+                   "01\0\xDD\xEE\xFF"sv),
+            std::vector<std::string>{std::string(kBase) +
+                                     "ADCPorts\\DevConfig \"OneByteAfterFidFmt\"=hex:01"});
+  EXPECT_EQ(TraceLines("DSCP Key").front(),
+            "DSCP Key HKEY_LOCAL_MACHINE\\Software\\Dravonel\\"
+            "ADCPorts\\\\DevConfig : OneByteAfterFidFmt type 0 found");
+}
+
+TEST_F(ConfigStoreUpdate, WarnsOfEntriesThatOverwriteAndKeepsBoth) {
+  EXPECT_EQ(Update("\xCC\x00\x03"
+                   "A\x00"
+                   "01\0"
+                   "B\x00"
+                   "02\0"
+                   "B\x01"
+                   "03\0"
+                   "A\x01"
+                   "04\0"
+                   "\xDD\x03"
+                   "A\x00"
+                   "05\0\xDD\xEE\xFF"sv)
+                .size(),
+            5u);
+  std::vector<std::string> warnings = CategorisedLines();
+  std::erase_if(warnings, [](const auto& line) { return !line.starts_with("0x83F00000"); });
+  const std::string port = std::string(kBase) + "ADCPorts\\3\\";
+  EXPECT_EQ(warnings, (std::vector<std::string>{
+                          "0x83F00000 Overwriting One Byte write for " + port + "CntrlCmdConfig",
+                          "0x83F00000 Overwriting Two Byte write for " + port + "DevConfig"}))
+      << "a new block begins anew";
+}
+
+TEST_F(ConfigStoreUpdate, TracesEveryStepInOrder) {
+  Update(
+      "\xBB\xAB"
+      "K:V\0\xFE\xFF\xFF\xCC\x00\x03"
+      "A\x00"
+      "01\0\xDD\xEE\xFF"sv);
+  const std::string path = std::string(kBase) + "ADCPorts\\3\\DevConfig";
+  EXPECT_EQ(CategorisedLines(),
+            (std::vector<std::string>{
+                "0x43F00000 Entry PALMFGOpt_ConfigStoreRegUpdate",
+                "0x43F00000 Entry ConfigStoreRegUpdate()",
+                "0x43F00000 CDCECFGParser: Config Store DCECFG present",
+                "0x03F00000 Entry Parsing direct registry section...",
+                "0x43F00000 Literal Key " + std::string(kBase) + "K : V type 2 found",
+                "0x43F00000 Value = -2",
+                "0x03F00000  Exit Parsing direct registry section...",
+                "0x43F00000  Entry Parsing DSCP registry section...",
+                "0x43F00000 DSCP Key " + path + " : OneByteAfterFidFmt type 0 found",
+                "0x43F00000 Value = 01",
+                "0x43F00000  Exit Parsing DSCP registry section...",
+                "0x43F00000 CDCECFGParser::ParseFile. Config store file parsing complete",
+                "0x43F00000 Setting 2 registry keys from Config Store.",
+                "0x43F00000 " + std::string(kBase) + "K:V=-2",
+                "0x43F00000 " + path + ":OneByteAfterFidFmt=01",
+                "0x43F00000 Exit ConfigStoreRegUpdate()",
+                "0x43F00000 Exit PALMFGOpt_ConfigStoreRegUpdate",
+            }));
+}
+
+TEST_F(ConfigStoreUpdate, SkipsWhatDoesNotFitAndGoesOnBehindIt) {
+  const std::string good =
+      "\xAB"
+      "K:V" +
+      "\0\x01\0"s;
+  const auto literal = [](const std::string& key, const std::string& value) {
+    return "\xAA" + key + '\0' + value + '\0';
+  };
+  struct Case {
+    const char* what;
+    std::string entry;
+    std::size_t writes;
+  };
+  const std::string path(216, 'p');  // with the base 253 characters, with its end 255
+  const std::array cases{
+      Case{"path at its limit", literal(path + "pp:v", "x"), 2},
+      Case{"path over its limit", literal(path + "ppp:v", "x"), 1},
+      Case{"name at its limit", literal("k:" + std::string(63, 'n'), "x"), 2},
+      Case{"name over its limit", literal("k:" + std::string(64, 'n'), "x"), 1},
+      Case{"value at its limit", literal("k:v", std::string(255, 'x')), 2},
+      Case{"value over its limit", literal("k:v", std::string(256, 'x')), 1},
+      Case{"key text over its limit", literal(std::string(250, 'k') + ":valuen", "x"), 1},
+      Case{"root alone", literal("HKEY_USERS:v", "x"), 1},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(Update("\xBB" + test.entry + good + '\xFF').size(), test.writes) << test.what;
+    EXPECT_EQ(ErrorLines().size(), 2 - test.writes) << test.what;
+  }
+}
+
+TEST_F(ConfigStoreUpdate, CutsBinaryDataAt64Bytes) {
+  const std::string digits(2 * 64 + 20, 'F');
+  const std::vector<std::string> writes = Update(
+      "\xBB\xAC"
+      "K:V" +
+      "\0"s + digits + "\0\xFF"s);
+  ASSERT_EQ(writes.size(), 1u);
+  EXPECT_EQ(device.registry().FindValue(std::string(kBase) + "K", "V")->data,
+            std::vector<std::uint8_t>(64, 0xFF));
+}
+
+TEST_F(ConfigStoreUpdate, StopsAt256Records) {
+  std::string file = "\xBB";
+  for (int entry = 0; entry < 300; ++entry) file.append("\0\x05\0"sv);
+  ASSERT_LE(file.size(), kLargestFile);
+  EXPECT_EQ(Update(file + '\xFF').size(), kMostRecords);
+}
+
+TEST_F(ConfigStoreUpdate, RefusesAFileThatFillsTheBuffer) {
+  std::string file = "\xBB" + "\0\x05\0\xFF"s;
+  file.resize(kLargestFile, ' ');
+  EXPECT_EQ(Update(file).size(), 1u);
+  EXPECT_EQ(Update(file + ' ').size(), 0u);
+  EXPECT_EQ(ErrorLines(), std::vector<std::string>{"CDCECFGParser: Config Store DCECFG too large"});
+}
+
+TEST_F(ConfigStoreUpdate, SaysThatThereIsNoFile) {
+  EXPECT_EQ(Update().size(), 0u);
+  EXPECT_EQ(ErrorLines(),
+            std::vector<std::string>{"CDCECFGParser: Config Store DCECFG not present"});
+}
+
+TEST_F(ConfigStoreUpdate, WritesNothingWhereACallOnTheWayFails) {
+  const std::string file = "\xBB" + "\0\x05\0\xFF"s;
+  for (const char* call : {"CreateFileW", "ReadFile", "malloc"}) {
+    device.PlanFault({.call = call});
+    EXPECT_EQ(Update(file).size(), 0u) << call;
+    device.ClearFaults();
+    EXPECT_EQ(TraceLines().back(), "Exit PALMFGOpt_ConfigStoreRegUpdate");
+  }
+  EXPECT_EQ(ErrorLines().size(), 0u) << "the allocation fails quietly";
+}
+
+TEST_F(ConfigStoreUpdate, DoesNotWriteToAKeyThatCannotBeCreated) {
+  device.PlanFault({.call = "RegCreateKeyExW", .nth = 2});
+  EXPECT_EQ(Update("\xBB\xAB"
+                   "A:1\0\x01\0\xAB"
+                   "B:2\0\x02\0\xAB"
+                   "C:3\0\x03\0\xFF"sv),
+            (std::vector<std::string>{std::string(kBase) + "A \"1\"=dword:00000001",
+                                      std::string(kBase) + "C \"3\"=dword:00000003"}));
+  EXPECT_EQ(TraceLines(std::string(kBase) + "B:2=2").size(), 1u)
+      << "its line is traced all the same";
+}
+
+// What damage may do: entries are lost or read as others, but what is written is what was
+// announced, and nothing is where the parse failed.
+class DamagedConfigStore : public ConfigStoreUpdate {
+ protected:
+  void CheckDamaged(const std::string& file) {
+    const std::size_t writes = Update(file).size();
+    const std::vector<std::string> announced = TraceLines("Setting ");
+    ASSERT_LE(announced.size(), 1u);
+    const std::size_t expected = announced.empty() ? 0 : std::stoul(announced[0].substr(8));
+    ASSERT_EQ(writes, expected);
+    ASSERT_LE(writes, kMostRecords);
+  }
+
+  const std::string sound =
+      "\xBB\xAB"
+      "Decodes:Depth\0\x05\0\xAA"
+      "HKEY_USERS\\K:V\0text\0\xAC"
+      "K:B\0"
+      "0A0B\0\x03\x01\0\xFF"
+      "\xCC\x00\x00"
+      "A\x00"
+      "01\0"
+      "B\x01"
+      "0203\0"
+      "A\x02Name\0"
+      "04\0\xDD\x05"
+      "A\x00"
+      "11\0\xDD\xEE"
+      "\x01\x07"
+      "B\x00"
+      "21\0\xDD\xEE\xFF"s;
+};
+
+TEST_F(DamagedConfigStore, CutAtEveryByte) {
+  ASSERT_EQ(Update(sound).size(), 9u);
+  for (std::size_t length = 0; length < sound.size(); ++length) {
+    CheckDamaged(sound.substr(0, length));
+  }
+}
+
+TEST_F(DamagedConfigStore, EveryByteChangedToEachMarker) {
+  for (const char marker : "\xAA\xAB\xAC\xBB\xCC\xDD\xEE\xFF"sv.substr(0, 8)) {
+    for (std::size_t at = 0; at < sound.size(); ++at) {
+      std::string damaged = sound;
+      damaged[at] = marker;
+      CheckDamaged(damaged);
+    }
+  }
+  for (std::size_t at = 0; at < sound.size(); ++at) {
+    std::string damaged = sound;
+    damaged[at] = '\0';
+    CheckDamaged(damaged);
+  }
+}
+
+TEST_F(DamagedConfigStore, RandomMarkersAndTexts) {
+  constexpr std::string_view kAlphabet =
+      "\xAA\xAB\xAC\xBB\xCC\xDD\xEE\xFF\0\0\0\x01\x02\x03"
+      "AB:\\HK0F"sv;
+  std::mt19937 random(20);
+  for (int round = 0; round < 2000; ++round) {
+    std::string file(random() % (kLargestFile + 1), ' ');
+    for (char& byte : file) byte = kAlphabet[random() % kAlphabet.size()];
+    CheckDamaged(file);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+// dcecfg as a person runs it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/support/command_line.h"
+
+namespace {
+
+TEST(DcecfgCommand, AnswersWithItsExitStatus) {
+  struct Case {
+    std::string arguments;
+    int status;
+  };
+  const TemporaryFolder folder;
+  const std::string damaged = folder.Write("damaged", "\xBB\x09");
+  const std::string sample = PROJECT_DIR "/devices/rm21/files/ConfigStore/dcecfg";
+  for (const Case& test : {Case{"check " + sample, 0}, Case{"--help", 0}, Case{"dump", 2},
+                           Case{"check " + damaged, 1}, Case{"dump " + damaged + ".missing", 1}}) {
+    EXPECT_EQ(RunTool("dcecfg " + test.arguments).status, test.status) << test.arguments;
+  }
+}
+
+TEST(DcecfgCommand, LeavesNoFileOfAWrongText) {
+  const TemporaryFolder folder;
+  const std::string text = folder.Write("text", "direct {\n  indexed 9 1\n}\n");
+  const CommandResult result = RunTool("dcecfg build " + text + " -o " + text + ".out");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, text + ":2:11: the index is a number from 0 to 8\n");
+  EXPECT_FALSE(std::filesystem::exists(text + ".out"));
+}
+
+}  // namespace

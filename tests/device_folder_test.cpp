@@ -1,0 +1,217 @@
+#include "platform/sim/device_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+
+#include "tests/support/command_line.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kDescription =
+    "# My device.\r\nname = \"rm21\"   # odd blanks\n\tdescription = \"A handheld.\"\n\n"
+    "[modules]\n\"DVLEventLog.dll\" = []";
+
+class DeviceFolderTest : public ::testing::Test {
+ protected:
+  void Empty() const {
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+  }
+  void Put(const std::string& file, const std::string& text) const {
+    fs::create_directories((folder / file).parent_path());
+    std::ofstream(folder / file, std::ios::binary) << text;
+  }
+  [[nodiscard]] std::string Get(const std::string& file) const {
+    std::ifstream stream(folder / file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  // Every file and folder with its bytes and its time.
+  [[nodiscard]] std::map<std::string, std::pair<std::string, fs::file_time_type>> Everything()
+      const {
+    std::map<std::string, std::pair<std::string, fs::file_time_type>> all;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+      const std::string name = fs::relative(entry.path(), folder).string();
+      all[name] = {entry.is_regular_file() ? Get(name) : "", fs::last_write_time(entry.path())};
+    }
+    return all;
+  }
+  // The message with which a new device refuses the folder, the folder's own path left out.
+  [[nodiscard]] std::string LoadError() const {
+    try {
+      sim::Device device;
+      sim::LoadDevice(device, folder);
+      return "loaded";
+    } catch (const sim::DeviceFolderError& error) {
+      const std::string message = error.what();
+      const std::string prefix = folder.string() + '/';
+      return message.starts_with(prefix) ? message.substr(prefix.size()) : message;
+    }
+  }
+
+  TemporaryFolder temporary;
+  fs::path folder = temporary.path();
+};
+
+TEST_F(DeviceFolderTest, LoadFillsANewDevice) {
+  Put("device.toml", kDescription);
+  Put("registry.reg", "[HKLM\\Software]\n\"n\"=dword:5\n");
+  Put("files/ConfigStore/dcecfg", std::string("\x01\0\xFF", 3));
+  fs::create_directories(folder / "files/Windows");
+  sim::Device device;
+  const sim::DeviceIdentity identity = sim::LoadDevice(device, folder);
+  EXPECT_EQ(identity.name, "rm21");
+  EXPECT_EQ(identity.description, "A handheld.");
+  EXPECT_EQ(device.registry().GetDword("HKLM\\Software", "n"), 5U);
+  const std::vector<std::uint8_t>* file = device.files().Read("\\configstore\\DCECFG");
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(*file, (std::vector<std::uint8_t>{1, 0, 0xFF}));
+  ASSERT_NE(device.files().Find("\\Windows"), nullptr);
+  EXPECT_TRUE(device.files().Find("\\Windows")->is_folder);
+  EXPECT_EQ(device.now_ms(), 0U);
+  ASSERT_EQ(device.modules().size(), 1U);
+  EXPECT_EQ(device.modules().front().name, "DVLEventLog.dll");
+  EXPECT_TRUE(device.modules().front().entries.empty());
+}
+
+TEST_F(DeviceFolderTest, SavingAnUnchangedDeviceTouchesNothing) {
+  Put("device.toml", kDescription);
+  Put("registry.reg", "; with a comment\n[HKLM\\Software]\n\"n\"=hex(4):05,00,00,00\n");
+  Put("files/Windows/sound.wav", "RIFF");
+  const auto before = Everything();
+  sim::Device device;
+  sim::LoadDevice(device, folder);
+  sim::SaveDevice(device, folder);
+  EXPECT_EQ(Everything(), before);
+}
+
+TEST_F(DeviceFolderTest, SaveKeepsTheDevicesStateAndTheAuthorsText) {
+  Put("device.toml", kDescription);
+  Put("files/gone", "x");
+  Put("files/becomes_folder", "x");
+  Put("files/becomes_file/inside", "x");
+  Put("files/Same", "x");
+  const fs::file_time_type same = fs::last_write_time(folder / "files/Same");
+  sim::Device device;
+  sim::LoadDevice(device, folder);
+  device.set_now_ms(1234);
+  device.registry().SetString("HKLM\\New\\Key", "text", "value");
+  for (const char* path : {"gone", "becomes_folder", "becomes_file"}) device.files().Remove(path);
+  device.files().Write("\\becomes_folder\\new", "new");
+  device.files().Write("\\becomes_file", "now");
+  device.files().CreateFolder("\\empty");
+  sim::SaveDevice(device, folder);
+
+  EXPECT_EQ(Get("device.toml"), std::string(kDescription) +
+                                    "\n\n# Kept by the simulator: do not edit below.\n[state]\n"
+                                    "clock_ms = 1234\n");
+  std::string names;
+  for (const auto& [name, entry] : Everything()) names += name + ' ';
+  EXPECT_EQ(names,
+            "device.toml files files/Same files/becomes_file files/becomes_folder "
+            "files/becomes_folder/new files/empty registry.reg ");
+  EXPECT_EQ(Get("files/becomes_file"), "now");
+  EXPECT_EQ(fs::last_write_time(folder / "files/Same"), same);
+
+  sim::Device next;
+  sim::LoadDevice(next, folder);
+  EXPECT_EQ(next.now_ms(), 1234U);
+  EXPECT_EQ(next.registry().GetString("HKLM\\New\\Key", "text"), "value");
+  next.set_now_ms(0);
+  sim::SaveDevice(next, folder);
+  EXPECT_EQ(Get("device.toml"), std::string(kDescription) +
+                                    "\n\n# Kept by the simulator: do not edit below.\n[state]\n"
+                                    "clock_ms = 0\n");
+}
+
+TEST_F(DeviceFolderTest, ASaveThatFailsLeavesTheOldFile) {
+  Put("device.toml", kDescription);
+  Put("registry.reg", "[HKLM\\Old]\n");
+  sim::Device device;
+  sim::LoadDevice(device, folder);
+  device.registry().SetDword("HKLM\\New", "n", 1);
+  Put(".saving/in_the_way", "");
+  EXPECT_THROW(sim::SaveDevice(device, folder), sim::DeviceFolderError);
+  EXPECT_EQ(Get("registry.reg"), "[HKLM\\Old]\n");
+  EXPECT_THROW(sim::SaveDevice(device, folder / "nowhere"), sim::DeviceFolderError);
+}
+
+TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
+  struct Row {
+    std::string file;
+    std::string text;
+    std::string message;
+  };
+  const std::string name = "name = \"x\"\n";
+  const std::string kept = name + "\n# Kept by the simulator: do not edit below.\n";
+  const std::vector<Row> rows = {
+      {"device.toml", "", "device.toml: the key 'name' is missing"},
+      {"device.toml", "name = \"\"", "device.toml:1: the name is empty"},
+      {"device.toml", "\nname = 5", "device.toml:2: expected a text: name = \"...\""},
+      {"device.toml", name + "description = []",
+       "device.toml:2: expected a text: description = \"...\""},
+      {"device.toml", name + "\ncolour = 1",
+       "device.toml:3: unknown key 'colour'; allowed: name, description, modules"},
+      {"device.toml", name + "[state]\nclock_ms = 1",
+       "device.toml:2: unknown key 'state'; allowed: name, description, modules"},
+      {"device.toml", name + "modules = 1",
+       "device.toml:2: expected a table of libraries with lists of their entries"},
+      {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = \"all\"",
+       R"(device.toml:3: expected a list of entry names: ["...", "..."])"},
+      {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = [\n 1]",
+       R"(device.toml:4: expected a list of entry names: ["...", "..."])"},
+      {"device.toml", kept + "[state]\nclock_ms = -1",
+       "device.toml:5: expected milliseconds from 0 up: clock_ms = 0"},
+      {"device.toml", kept + "[state]\nclock_ms = \"now\"",
+       "device.toml:5: expected milliseconds from 0 up: clock_ms = 0"},
+      {"device.toml", kept + "[modules]", "device.toml:4: unknown key 'modules'; allowed: state"},
+      {"registry.reg", "[HKLM\\Key]\nx\ny\n",
+       "registry.reg:2: neither a key, a value nor a comment (and 1 more)"},
+      {"files", "no folder", "files: this is not a folder"},
+      {"files/a?b", "", "files/a?b: a file of the device cannot have this name"},
+      {"files/a\\b", "", "files/a\\b: a file of the device cannot have this name"},
+  };
+  for (const Row& row : rows) {
+    Empty();
+    Put("device.toml", name);
+    Put(row.file, row.text);
+    EXPECT_EQ(LoadError(), row.message) << row.text;
+  }
+  // Messages of the parser and lists of what is known: only their beginnings are ours.
+  const std::vector<Row> beginnings = {
+      {"device.toml", name + "name = \"y\"", "device.toml:2: "},
+      {"device.toml", kept + "[state\n", "device.toml:4: "},
+      {"device.toml", name + "[modules]\n\"other.dll\" = []",
+       "device.toml:3: unknown key 'other.dll'; allowed: "},
+      {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = [\"Other\"]",
+       "device.toml:3: DVLEventLog.dll has no entry 'Other'; allowed: "},
+  };
+  for (const Row& row : beginnings) {
+    Empty();
+    Put(row.file, row.text);
+    EXPECT_EQ(LoadError().substr(0, row.message.size()), row.message);
+  }
+}
+
+TEST_F(DeviceFolderTest, LinksLargeFilesAndNamesThatClashAreRefused) {
+  EXPECT_EQ(LoadError(), "device.toml: there is no such file");
+  Put("device.toml", "name = \"x\"");
+  Put("files/Name", "");
+  Put("files/name", "");
+  EXPECT_EQ(LoadError(),
+            "files/name: another name differs from this one by upper and lower case only");
+  fs::remove(folder / "files/name");
+  fs::create_symlink("Name", folder / "files/link");
+  EXPECT_EQ(LoadError(), "files/link: symbolic links are not followed");
+  fs::remove(folder / "files/link");
+  fs::resize_file(folder / "files/Name", (64U << 20) + 1);
+  EXPECT_EQ(LoadError(), "files/Name: the file is larger than 64 MB");
+  fs::remove(folder / "files/Name");
+  EXPECT_EQ(LoadError(), "loaded");
+}
+
+}  // namespace

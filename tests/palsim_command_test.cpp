@@ -1,0 +1,96 @@
+// palsim as a person runs it: commands one after another on one device folder.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "tests/support/command_line.h"
+
+namespace {
+
+class Palsim : public ::testing::Test {
+ protected:
+  // The exit status; what was printed is in `output`.
+  int Run(const std::string& arguments, const std::string& input = {}) {
+    const CommandResult result =
+        RunTool("palsim " + unit.string() + " " + arguments, folder.Write("input", input));
+    output = result.output;
+    return result.status;
+  }
+
+  [[nodiscard]] bool Printed(const std::string& text) const {
+    return output.find(text) != std::string::npos;
+  }
+
+  TemporaryFolder folder;
+  std::filesystem::path unit = folder.path() / "unit";
+  std::string output;
+};
+
+TEST_F(Palsim, KeepsADeviceFromCommandToCommand) {
+  ASSERT_EQ(Run("new"), 0) << output;
+  EXPECT_EQ(Run("registry 'HKLM\\Software\\Dravonel\\ADCPorts\\1'"), 1)
+      << "nothing provisioned yet";
+  ASSERT_EQ(Run("call PALMFGOpt_ConfigStoreRegUpdate"), 0);
+  EXPECT_EQ(output, "PALMFGOpt_ConfigStoreRegUpdate = 0x00000000 S_OK\n");
+  EXPECT_EQ(Run("registry 'HKLM\\Software\\Dravonel\\ADCPorts\\1'"), 0);
+  EXPECT_TRUE(Printed("\"OneByteAfterFidFmt\"=hex:41,01")) << output;
+  EXPECT_EQ(Run("journal --effect process"), 0);
+  EXPECT_EQ(output,
+            "     0.000 p1 t1 process palsim.exe started\n"
+            "     0.000 p1 t1 process palsim.exe ended\n");
+  EXPECT_EQ(Run("trace --last 1"), 0);
+  EXPECT_TRUE(Printed("info configuration")) << output;
+}
+
+TEST_F(Palsim, PlansFaults) {
+  ASSERT_EQ(Run("new"), 0);
+  EXPECT_EQ(Run("call PALMFGOpt_ConfigStoreRegUpdate --only registry --fail RegCreateKeyExW:1:5"),
+            0);
+  EXPECT_FALSE(Printed("Decodes")) << output;
+  EXPECT_TRUE(Printed("AsyncReadThreadPriority")) << output;
+}
+
+TEST_F(Palsim, TakesManyCallsInOneShell) {
+  ASSERT_EQ(Run("new"), 0);
+  EXPECT_EQ(Run("shell",
+                "call PALMFGOpt_ConfigStoreRegUpdate\nadvance 1500\n"
+                "call PALMFGOpt_ConfigStoreRegUpdate\nquit\n"),
+            0);
+  EXPECT_TRUE(Printed("     1.500 p1 t1 trace 0x43F00000 Entry PALMFGOpt_ConfigStoreRegUpdate"));
+  EXPECT_EQ(Run("journal --effect module"), 0);
+  EXPECT_EQ(output, "     0.000 p1 t1 module DVLEventLog.dll loaded\n") << "one process, one load";
+  EXPECT_EQ(Run("shell", "call Nothing\n"), 2);
+}
+
+TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
+  struct Case {
+    std::string arguments;
+    int status;
+    std::string message;
+  };
+  ASSERT_EQ(Run("new"), 0);
+  for (const Case& test : {
+           Case{"new", 2, "is a device already; --force makes it anew"},
+           Case{"new --force --sample none", 2, "there is no sample device 'none'"},
+           Case{"call ConfigStore", 2, "did you mean PALMFGOpt_ConfigStoreRegUpdate?"},
+           Case{"call PALMFGOpt_ConfigStoreRegUpdate 1", 2, "takes 0 argument(s), 1 given"},
+           Case{"call PALMFGOpt_ConfigStoreRegUpdate --fail Reg:1", 2, "Reg is no platform call"},
+           Case{"journal --effect none", 2, "there is no effect 'none'"},
+           Case{"", 2, "A subcommand is required"},
+           Case{"dance", 2, ""},
+           Case{"--help", 0, "Examples:"},
+       }) {
+    EXPECT_EQ(Run(test.arguments), test.status) << test.arguments;
+    EXPECT_TRUE(Printed(test.message)) << output;
+  }
+  std::ofstream(unit / "device.toml") << "name = 5\n";
+  EXPECT_EQ(Run("call PALMFGOpt_ConfigStoreRegUpdate"), 1);
+  EXPECT_TRUE(Printed("device.toml:1: ")) << output;
+  std::filesystem::remove_all(unit);
+  EXPECT_EQ(Run("journal"), 1);
+  EXPECT_TRUE(Printed("is no device")) << output;
+}
+
+}  // namespace

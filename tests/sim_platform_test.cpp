@@ -1,0 +1,161 @@
+// The simulated device's own rules: what its calls refuse, count and report.
+#include <array>
+#include <string>
+#include <vector>
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+using SimPlatform = DeviceTest;
+
+HANDLE OpenFile(const WCHAR* name, DWORD access, DWORD share) {
+  return CreateFileW(name, access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
+TEST_F(SimPlatform, RefusesAnOpenThatTheSharingDoesNotAllow) {
+  struct Case {
+    DWORD first_access, first_share, second_access, second_share;
+    bool allowed;
+  };
+  constexpr DWORD kBoth = FILE_SHARE_READ | FILE_SHARE_WRITE;
+  constexpr std::array kCases{
+      Case{GENERIC_READ, 0, GENERIC_READ, kBoth, false},
+      Case{GENERIC_READ, FILE_SHARE_READ, GENERIC_READ, FILE_SHARE_READ, true},
+      Case{GENERIC_READ, FILE_SHARE_READ, GENERIC_WRITE, kBoth, false},
+      Case{GENERIC_WRITE, kBoth, GENERIC_READ, FILE_SHARE_READ, false},
+      Case{GENERIC_WRITE, kBoth, GENERIC_READ, kBoth, true},
+  };
+  device.files().Write("\\Temp\\data", "abc");
+  sim::Process process(device);
+  process.Run([&] {
+    for (const Case& test : kCases) {
+      SCOPED_TRACE(&test - kCases.data());
+      const HANDLE first = OpenFile(TEXT("\\temp\\DATA"), test.first_access, test.first_share);
+      ASSERT_NE(first, INVALID_HANDLE_VALUE);
+      const HANDLE second = OpenFile(TEXT("\\Temp\\data"), test.second_access, test.second_share);
+      EXPECT_EQ(second != INVALID_HANDLE_VALUE, test.allowed);
+      if (test.allowed) {
+        CloseHandle(second);
+      } else {
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+      }
+      CloseHandle(first);
+    }
+  });
+}
+
+TEST_F(SimPlatform, NamesWhatIsMissing) {
+  struct Case {
+    const WCHAR* name;
+    LONG error;
+  };
+  device.files().Write("\\ConfigStore\\present", "");
+  sim::Process process(device);
+  process.Run([] {
+    for (const Case& test : {Case{TEXT("\\ConfigStore\\absent"), ERROR_FILE_NOT_FOUND},
+                             Case{TEXT("\\NoFolder\\absent"), ERROR_PATH_NOT_FOUND},
+                             Case{TEXT("\\ConfigStore"), ERROR_ACCESS_DENIED},
+                             Case{TEXT("CFG1:"), ERROR_DEV_NOT_EXIST},
+                             Case{TEXT("$bus\\OTG_0_2_0"), ERROR_DEV_NOT_EXIST}}) {
+      EXPECT_EQ(OpenFile(test.name, GENERIC_READ, 0), INVALID_HANDLE_VALUE);
+      EXPECT_EQ(GetLastError(), static_cast<DWORD>(test.error));
+    }
+  });
+}
+
+TEST_F(SimPlatform, RecordsEveryMisuseOfAHandle) {
+  sim::Process owner(device, "owner.exe");
+  sim::Process other(device, "other.exe");
+  HANDLE mutex = nullptr;
+  owner.Run([&] {
+    mutex = CreateMutexW(nullptr, FALSE, nullptr);
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT(""), 0, 0, &key), ERROR_SUCCESS);
+    EXPECT_EQ(CloseHandle(key), FALSE) << "a key is closed with RegCloseKey";
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(RegCloseKey(HKEY_LOCAL_MACHINE), ERROR_SUCCESS) << "a root may be closed";
+    EXPECT_EQ(CloseHandle(nullptr), FALSE);
+  });
+  other.Run([&] { EXPECT_EQ(ReleaseMutex(mutex), FALSE); });
+  owner.End();
+  EXPECT_EQ(device.TakeMisuse(), (std::vector<std::string>{
+                                     "owner.exe: CloseHandle was given a registry key",
+                                     "owner.exe: RegCloseKey handle 0x10004 is closed",
+                                     "owner.exe: CloseHandle handle 0x0 was never given",
+                                     "other.exe: ReleaseMutex handle 0x10000 belongs to process 1",
+                                     "owner.exe: left open at the end: mutex 0x10000",
+                                 }));
+}
+
+TEST_F(SimPlatform, FailsTheCallsThatAreToFail) {
+  device.PlanFault({.call = "RegFlushKey", .nth = 2, .error = 5});
+  device.PlanFault({.call = "GetFileAttributesW", .from_then_on = true, .error = 31});
+  sim::Process process(device);
+  process.Run([] {
+    EXPECT_EQ(RegFlushKey(HKEY_USERS), ERROR_SUCCESS);
+    EXPECT_EQ(RegFlushKey(HKEY_USERS), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(RegFlushKey(HKEY_USERS), ERROR_SUCCESS);
+    for (int call = 0; call < 3; ++call) {
+      EXPECT_EQ(GetFileAttributesW(TEXT("\\")), INVALID_FILE_ATTRIBUTES);
+    }
+  });
+  EXPECT_EQ(device.calls("RegFlushKey"), 3u);
+  device.ClearFaults();
+  process.Run([] { EXPECT_EQ(GetFileAttributesW(TEXT("\\")), FILE_ATTRIBUTE_DIRECTORY); });
+  EXPECT_THROW(device.PlanFault({.call = "RegFlush"}), std::invalid_argument);
+}
+
+TEST_F(SimPlatform, EndsAProcessBetweenTwoCalls) {
+  device.PlanFault({.nth = 3, .kill = true});
+  sim::Process process(device);
+  int calls = 0;
+  EXPECT_THROW(process.Run([&] {
+    for (;; ++calls) GetTickCount();
+  }),
+               sim::ProcessKilled);
+  EXPECT_EQ(calls, 2);
+  EXPECT_FALSE(process.alive());
+  EXPECT_THROW(process.exports().PALMFGOpt_ConfigStoreRegUpdate(), std::logic_error);
+}
+
+TEST_F(SimPlatform, DoesNotPretendToSimulateACall) {
+  sim::Process process(device);
+  process.Run([] {
+    EXPECT_EQ(GetAdaptersInfo(nullptr, nullptr), static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
+  });
+  EXPECT_EQ(device.TakeMisuse(),
+            std::vector<std::string>{"caller.exe: GetAdaptersInfo is not simulated"});
+}
+
+TEST_F(SimPlatform, CountsLoadedLibrariesPerProcess) {
+  sim::Process process(device);
+  process.Run([] {
+    const HMODULE module = LoadLibraryW(TEXT("COREDLL.DLL"));
+    EXPECT_EQ(LoadLibraryW(TEXT("coredll.dll")), module);
+    EXPECT_EQ(GetProcAddressW(module, TEXT("audioupdatefromregistry")), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
+    EXPECT_NE(FreeLibrary(module), FALSE);
+    EXPECT_NE(GetProcAddressW(module, TEXT("AudioUpdateFromRegistry")), nullptr);
+    EXPECT_NE(FreeLibrary(module), FALSE);
+    EXPECT_EQ(FreeLibrary(module), FALSE);
+    EXPECT_EQ(LoadLibraryW(TEXT("absent.dll")), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
+  });
+  EXPECT_EQ(device.TakeMisuse().size(), 1u);
+}
+
+TEST_F(SimPlatform, GivesEveryProcessItsOwnStatics) {
+  InternalsProcess first(device, "first.exe");
+  InternalsProcess second(device, "second.exe");
+  first.Run([&] { first->trace(0, 0, "one"); });
+  second.Run([&] { second->trace(0, 0, "two"); });
+  first.Run([&] { first->trace(0, 0, "three"); });
+  EXPECT_EQ(device.calls("LoadLibraryW"), 2u) << "each process loads the event log once";
+  EXPECT_EQ(TraceLines(), (std::vector<std::string>{"one", "two", "three"}));
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+#include "tests/support/internals.h"
+
+#include <span>
+
+#include "frame/audio_setting.h"
+#include "frame/mutex.h"
+#include "frame/registry.h"
+#include "frame/trace.h"
+
+namespace {
+
+HRESULT SetString(HKEY root, const WCHAR* path, const WCHAR* name, const WCHAR* text, DWORD units) {
+  return PALRegSetString(root, path, name, std::span(text, units));
+}
+
+HRESULT GetString(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* text, DWORD units,
+                  DWORD* bytes) {
+  return PALRegGetString(root, path, name, std::span(text, units), bytes);
+}
+
+HRESULT HoldMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms, DWORD hold_ms) {
+  const pal::MutexGuard guard(facility, mutex, timeout_ms);
+  Sleep(hold_ms);
+  return guard.wait_result();
+}
+
+constexpr Internals kInternals{
+    &PALTrace,
+    &PALSysioTrace,
+    &PALRegRootFromName,
+    &SetString,
+    &PALRegGetStringValue,
+    &PALRegSetDword,
+    &PALRegCreateSetDword,
+    &PALRegGetDword,
+    &PALRegSetBinary,
+    &PALRegGetBinary,
+    &GetString,
+    &PALWaitForMutex,
+    &PALReleaseMutexIfValid,
+    &HoldMutex,
+    &ApplyAudioSetting,
+};
+
+}  // namespace
+
+extern "C" [[gnu::visibility("default")]] const Internals* GetInternals() {
+  return &kInternals;
+}
