@@ -15,7 +15,12 @@ import sys
 build, root = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 stamps = build / "tidy"
 stamps.mkdir(exist_ok=True)
-common = hashlib.sha256((root / ".clang-tidy").read_bytes())
+HOST_FOLDERS = {"platform", "tools", "tests", "bench"}
+
+
+def configuration(source):
+    is_host = source.relative_to(root).parts[0] in HOST_FOLDERS
+    return root / "cmake" / "host.clang-tidy" if is_host else root / ".clang-tidy"
 
 
 def included(source, seen):
@@ -30,13 +35,14 @@ def included(source, seen):
 
 
 def check(source):
-    digest = common.copy()
+    digest = hashlib.sha256(configuration(source).read_bytes())
     for file in sorted(included(source, set())):
         digest.update(file.read_bytes())
     stamp = stamps / digest.hexdigest()
     if stamp.exists():
         return 0, ""
-    run = subprocess.run(["clang-tidy", "--quiet", "-p", str(build), str(source)],
+    run = subprocess.run(["clang-tidy", "--quiet", f"--config-file={configuration(source)}",
+                          "-p", str(build), str(source)],
                          capture_output=True, text=True)
     if run.returncode == 0:
         stamp.touch()
@@ -44,7 +50,8 @@ def check(source):
 
 
 commands = json.loads((build / "compile_commands.json").read_text())
-sources = sorted({pathlib.Path(entry["file"]) for entry in commands})
+sources = sorted({pathlib.Path(entry["file"]) for entry in commands
+                  if build not in pathlib.Path(entry["file"]).parents})
 if not sources:
     sys.exit("no sources to check")
 with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

@@ -100,6 +100,7 @@ TEST_F(MutexHelpers, GuardsNeverOverlapWhateverTheTurns) {
     device.ShuffleTurns(seed);
     const auto begin = device.now_ms();
     std::vector<sim::Thread> threads;
+    threads.reserve(3);
     for (int thread = 0; thread < 3; ++thread) {
       threads.push_back(process.Start([&] { process->hold_mutex(kLed, mutex, kTimeout, 100); }));
     }

@@ -15,7 +15,7 @@ HANDLE NamedMutex(const WCHAR* name) {
 TEST_F(SimClock, WakesThreadsInTheOrderOfTheirDeadlines) {
   sim::Process process(device);
   std::vector<std::string> order;
-  const auto sleeper = [&](std::string name, std::vector<DWORD> naps) {
+  const auto sleeper = [&](const std::string& name, const std::vector<DWORD>& naps) {
     return process.Start([&order, name, naps] {
       for (const DWORD nap : naps) {
         Sleep(nap);

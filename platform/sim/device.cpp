@@ -23,6 +23,10 @@ Journal& Device::journal() {
   return kernel_->journal;
 }
 
+Hardware& Device::hardware() {
+  return kernel_->hardware;
+}
+
 std::uint64_t Device::now_ms() const {
   const Scheduler::Lock lock(kernel_->mutex);
   return kernel_->scheduler.now_ms();

@@ -36,6 +36,7 @@ class Kernel;
 class ProcessState;
 class ThreadState;
 struct Exports;
+struct Hardware;
 
 enum class Concurrency : std::uint8_t {
   kOneAtATime,  // deterministic
@@ -74,6 +75,7 @@ class Device {
   [[nodiscard]] Registry& registry();
   [[nodiscard]] FileSystem& files();
   [[nodiscard]] Journal& journal();
+  [[nodiscard]] Hardware& hardware();  // platform/sim/hardware/hardware.h
 
   // Time since the device started.
   [[nodiscard]] std::uint64_t now_ms() const;

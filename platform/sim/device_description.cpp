@@ -1,16 +1,12 @@
 #include "platform/sim/device_description.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-#include <toml++/toml.h>
-
 #include <algorithm>
+#include <array>
 #include <iterator>
-#include <optional>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+#include "platform/sim/description_part.h"
 #include "platform/sim/host_file.h"
 
 namespace sim {
@@ -20,6 +16,10 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kMarker = "# Kept by the simulator";
 constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit below.\n";
+
+constexpr std::array kSections{
+    DescriptionSection{"modules", &ReadModules},
+};
 
 // device.toml, in the two parts that it has.
 struct Description {
@@ -36,48 +36,6 @@ Description Split(const std::string& text) {
   }
   return {text.substr(0, begin), text.substr(begin)};
 }
-
-// One part of device.toml while it is read; knows where its lines stand in the whole.
-class Part {
- public:
-  Part(fs::path file, std::string_view text, std::size_t lines_above)
-      : file_(std::move(file)), lines_above_(lines_above), table_(Parse(text)) {}
-
-  [[nodiscard]] const toml::table& table() const { return table_; }
-
-  [[noreturn]] void Fail(const toml::source_region& where, const std::string& what) const {
-    throw DeviceFolderError(
-        fmt::format("{}:{}: {}", file_.string(), where.begin.line + lines_above_, what));
-  }
-
-  void Allow(const toml::table& table, const std::vector<std::string_view>& allowed) const {
-    for (const auto& [key, node] : table) {
-      if (std::find(allowed.begin(), allowed.end(), key.str()) != allowed.end()) continue;
-      Fail(key.source(),
-           fmt::format("unknown key '{}'; allowed: {}", key.str(), fmt::join(allowed, ", ")));
-    }
-  }
-
-  template <typename Type>
-  [[nodiscard]] const Type& As(const toml::node& node, std::string_view expected) const {
-    const auto* typed = node.as<Type>();
-    if (typed == nullptr) Fail(node.source(), fmt::format("expected {}", expected));
-    return *typed;
-  }
-
- private:
-  [[nodiscard]] toml::table Parse(std::string_view text) const {
-    try {
-      return toml::parse(text);
-    } catch (const toml::parse_error& error) {
-      Fail(error.source(), std::string(error.description()));
-    }
-  }
-
-  fs::path file_;
-  std::size_t lines_above_;
-  toml::table table_;
-};
 
 DeviceIdentity ReadIdentity(const Part& part, const fs::path& file) {
   DeviceIdentity identity;
@@ -110,25 +68,6 @@ Module WithEntries(const Part& part, const Module& known, const toml::node& list
   return module;
 }
 
-// What the device has in place of its built-in libraries; nothing where the file does not say.
-std::optional<std::vector<Module>> ReadModules(const Part& part, const std::vector<Module>& known) {
-  const toml::node* node = part.table().get("modules");
-  if (node == nullptr) return std::nullopt;
-  std::vector<std::string_view> names;
-  std::transform(known.begin(), known.end(), std::back_inserter(names),
-                 [](const Module& module) -> std::string_view { return module.name; });
-  const auto& table =
-      part.As<toml::table>(*node, "a table of libraries with lists of their entries");
-  part.Allow(table, names);
-  std::vector<Module> modules;
-  for (const Module& module : known) {
-    if (const toml::node* list = table.get(module.name)) {
-      modules.push_back(WithEntries(part, module, *list));
-    }
-  }
-  return modules;
-}
-
 std::uint64_t ReadClock(const Part& part) {
   part.Allow(part.table(), {"state"});
   const toml::node* node = part.table().get("state");
@@ -145,19 +84,39 @@ std::uint64_t ReadClock(const Part& part) {
 
 }  // namespace
 
+// What the device has in place of its built-in libraries.
+void ReadModules(const Part& part, const toml::node& node, Device& device) {
+  const std::vector<Module> known = device.modules();
+  std::vector<std::string_view> names;
+  std::transform(known.begin(), known.end(), std::back_inserter(names),
+                 [](const Module& module) -> std::string_view { return module.name; });
+  const auto& table =
+      part.As<toml::table>(node, "a table of libraries with lists of their entries");
+  part.Allow(table, names);
+  for (const Module& module : known) {
+    const toml::node* list = table.get(module.name);
+    if (list == nullptr) {
+      device.RemoveModule(module.name);
+    } else {
+      device.InstallModule(WithEntries(part, module, *list));
+    }
+  }
+}
+
 DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   const Description description = Split(ReadHostFile(file));
   const Part author(file, description.author, 0);
-  author.Allow(author.table(), {"name", "description", "modules"});
+  std::vector<std::string_view> allowed{"name", "description"};
+  for (const DescriptionSection& section : kSections) allowed.push_back(section.key);
+  author.Allow(author.table(), allowed);
   DeviceIdentity identity = ReadIdentity(author, file);
-  const std::vector<Module> known = device.modules();
-  const auto modules = ReadModules(author, known);
+  for (const DescriptionSection& section : kSections) {
+    const toml::node* node = author.table().get(section.key);
+    if (node != nullptr) section.read(author, *node, device);
+  }
   const auto lines = std::count(description.author.begin(), description.author.end(), '\n');
   const Part kept(file, description.kept, static_cast<std::size_t>(lines));
   device.set_now_ms(ReadClock(kept));
-  if (!modules) return identity;
-  for (const Module& module : known) device.RemoveModule(module.name);
-  for (const Module& module : *modules) device.InstallModule(module);
   return identity;
 }
 

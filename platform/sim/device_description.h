@@ -10,8 +10,8 @@
 
 namespace sim {
 
-// Fills a new device with what the file says. Throws DeviceFolderError, and has then changed
-// nothing.
+// Fills a new device with what the file says. Throws DeviceFolderError; the device is then of no
+// use.
 DeviceIdentity LoadDescription(Device& device, const std::filesystem::path& file);
 
 // The text of such a file with another state; its author's part stays as it is, and so does a text

@@ -17,7 +17,7 @@ struct EffectRow {
   Effect effect;
   std::string_view name;
 };
-constexpr std::array<EffectRow, 9> kEffects{{
+constexpr std::array<EffectRow, 10> kEffects{{
     {Effect::kProcess, "process"},
     {Effect::kRegistry, "registry"},
     {Effect::kFile, "file"},
@@ -25,6 +25,7 @@ constexpr std::array<EffectRow, 9> kEffects{{
     {Effect::kMutex, "mutex"},
     {Effect::kModule, "module"},
     {Effect::kAudio, "audio"},
+    {Effect::kDriver, "driver"},
     {Effect::kTrace, "trace"},
     {Effect::kDebug, "debug"},
 }};

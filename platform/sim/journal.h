@@ -19,6 +19,7 @@ enum class Effect : std::uint8_t {
   kMutex,     // a named mutex is taken, released or abandoned
   kModule,    // a library is loaded, freed or missed
   kAudio,     // the audio driver is told something
+  kDriver,    // a driver gets an I/O control
   kTrace,     // a line in the event log, with its category word
   kDebug,     // a line on the kernel's debug output
 };

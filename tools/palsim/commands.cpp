@@ -114,7 +114,7 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
   const CallOutcome outcome = CallExport(process, options.name, options.arguments);
   session.device().ClearFaults();
   session.Save();
-  fmt::print("{} = {}\n", options.name, outcome.result);
+  PrintOutcome(options.name, outcome);
   return outcome.failed ? kFailure : kSuccess;
 }
 

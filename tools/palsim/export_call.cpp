@@ -4,35 +4,16 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstdint>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
+#include "tools/palsim/argument.h"
 #include "tools/palsim/names.h"
 
 namespace palsim {
 namespace {
-
-// A number as it is typed: decimal, negative, or hexadecimal behind 0x.
-template <class Number>
-Number ParseNumber(const std::string& text) {
-  static_assert(std::is_integral_v<Number> && sizeof(Number) <= 4,
-                "teach palsim this argument type");
-  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  const char* begin = text.data() + (hexadecimal ? 2 : 0);
-  const char* end = text.data() + text.size();
-  std::int64_t value = 0;
-  const auto [stop, error] = std::from_chars(begin, end, value, hexadecimal ? 16 : 10);
-  const bool fits = value >= INT32_MIN && value <= std::int64_t{UINT32_MAX};
-  if (error != std::errc() || stop != end || !fits) {
-    throw UsageError(fmt::format("'{}' is no 32-bit number (use 5, -1 or 0x1F)", text));
-  }
-  return static_cast<Number>(value);
-}
 
 template <class Result, class... Arguments>
 CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::string_view name,
@@ -41,11 +22,19 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
     throw UsageError(
         fmt::format("{} takes {} argument(s), {} given", name, sizeof...(Arguments), texts.size()));
   }
-  const HRESULT result = [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    return function(ParseNumber<Arguments>(texts[Index])...);
+  return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
+    std::tuple<Argument<Arguments>...> arguments{Argument<Arguments>(texts[Index])...};
+    const auto result = function(std::get<Index>(arguments).value()...);
+    CallOutcome outcome{
+        static_cast<HRESULT>(result) < 0, ResultText(static_cast<HRESULT>(result)), {}};
+    const std::array<std::string, sizeof...(Index)> answers{std::get<Index>(arguments).answer()...};
+    for (std::size_t index = 0; index < answers.size(); ++index) {
+      if (answers[index].empty()) continue;
+      outcome.answers.push_back(fmt::format("argument {}: {}", index + 1, answers[index]));
+    }
+    return outcome;
   }
   (std::index_sequence_for<Arguments...>());
-  return {result < 0, ResultText(result)};
 }
 
 struct ExportRow {
@@ -81,8 +70,8 @@ std::string Suggestion(std::string_view name) {
 }  // namespace
 
 std::vector<std::string_view> ExportNames() {
-  std::vector<std::string_view> names;
-  for (const ExportRow& row : kExports) names.push_back(row.name);
+  std::vector<std::string_view> names(kExports.size());
+  std::ranges::transform(kExports, names.begin(), &ExportRow::name);
   return names;
 }
 
@@ -93,6 +82,11 @@ CallOutcome CallExport(sim::Process& process, std::string_view name,
     throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
   }
   return row->call(process.exports(), arguments);
+}
+
+void PrintOutcome(std::string_view name, const CallOutcome& outcome) {
+  fmt::print("{} = {}\n", name, outcome.result);
+  for (const std::string& answer : outcome.answers) fmt::print("  {}\n", answer);
 }
 
 }  // namespace palsim

@@ -69,7 +69,8 @@ class CommandLine {
   void AddCall() {
     auto* command = app_.add_subcommand("call", "Call an export of the library");
     command->add_option("EXPORT", call_.name, "Its name")->required();
-    command->add_option("ARGUMENTS", call_.arguments, "Numbers as 5, -1 or 0x1F");
+    command->add_option("ARGUMENTS", call_.arguments,
+                        "Numbers (5, -1, 0x1F), texts, out or null; for a buffer its size");
     command->add_option("--process", call_.process_name, "The calling process's name")
         ->capture_default_str();
     command->add_option("--fail", call_.faults, "Make a platform call fail: CALL[:NTH[:ERROR]]")

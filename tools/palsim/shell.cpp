@@ -26,7 +26,7 @@ void RunCall(Session& session, const Words& words) {
   if (words.size() < 2) throw UsageError("call what? 'exports' lists the exports");
   const CallOutcome outcome =
       CallExport(session.process(), words[1], Words(words.begin() + 2, words.end()));
-  fmt::print("{} = {}\n", words[1], outcome.result);
+  PrintOutcome(words[1], outcome);
 }
 
 void RunRegistry(Session& session, const Words& words) {

@@ -43,6 +43,15 @@ std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD di
   return error == ERROR_SUCCESS ? node : nullptr;
 }
 
+HANDLE OpenDriver(Call& call, std::string_view name) {
+  for (const auto& driver : call.kernel().hardware.drivers) {
+    if (EqualNoCase(driver->name(), name)) {
+      return call.AddHandle(std::make_shared<DriverObject>(driver));
+    }
+  }
+  return call.Fail(ERROR_DEV_NOT_EXIST, INVALID_HANDLE_VALUE);
+}
+
 BOOL Refuse(Call& call, LONG error) {
   return call.Fail(error, FALSE);
 }
@@ -63,9 +72,9 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
   }
   const std::u16string_view wide(name);
   if (wide.size() >= MAX_PATH) return call.Fail(sim::kNameTooLong, INVALID_HANDLE_VALUE);
-  if (sim::IsDriverName(wide)) return call.Fail(ERROR_DEV_NOT_EXIST, INVALID_HANDLE_VALUE);
-
   std::string path = sim::ToUtf8(wide);
+  if (sim::IsDriverName(wide)) return sim::OpenDriver(call, path);
+
   LONG error = ERROR_SUCCESS;
   auto node = sim::NodeToOpen(call, path, disposition, error);
   if (node == nullptr) return call.Fail(error, INVALID_HANDLE_VALUE);

@@ -4,17 +4,6 @@
 using sim::CallId;
 using sim::NotSimulated;
 
-BOOL DeviceIoControl(HANDLE /*device*/, DWORD /*code*/, LPVOID /*in*/, DWORD /*in_bytes*/,
-                     LPVOID /*out*/, DWORD /*out_bytes*/, LPDWORD /*returned*/,
-                     LPOVERLAPPED /*unused*/) {
-  return NotSimulated(CallId::DeviceIoControl, FALSE);
-}
-
-BOOL KernelIoControl(DWORD /*code*/, LPVOID /*in*/, DWORD /*in_bytes*/, LPVOID /*out*/,
-                     DWORD /*out_bytes*/, LPDWORD /*returned*/) {
-  return NotSimulated(CallId::KernelIoControl, FALSE);
-}
-
 HANDLE CreateThread(LPSECURITY_ATTRIBUTES /*security*/, DWORD /*stack_bytes*/,
                     LPTHREAD_START_ROUTINE /*start*/, LPVOID /*argument*/, DWORD /*flags*/,
                     LPDWORD /*thread_id*/) {

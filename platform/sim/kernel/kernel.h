@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/sim/device.h"
+#include "platform/sim/hardware/hardware.h"
 #include "platform/sim/kernel/faults.h"
 #include "platform/sim/kernel/handle_table.h"
 #include "platform/sim/kernel/process_state.h"
@@ -31,6 +32,7 @@ class Kernel {
   Registry registry;
   FileSystem files;
   Journal journal;
+  Hardware hardware;
   Faults faults;
   HandleTable handles;
   std::vector<std::string> misuse;

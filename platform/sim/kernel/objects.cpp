@@ -13,6 +13,8 @@ const char* ObjectKindName(ObjectKind kind) {
       return "registry key";
     case ObjectKind::kFile:
       return "file";
+    case ObjectKind::kDriver:
+      return "driver";
     case ObjectKind::kMutex:
       return "mutex";
     case ObjectKind::kEvent:

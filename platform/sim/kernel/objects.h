@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/sim/hardware/driver.h"
 #include "platform/sim/kernel/file_system.h"
 #include "platform/sim/kernel/registry.h"
 #include "platform/sim/kernel/scheduler.h"
@@ -17,7 +18,7 @@ namespace sim {
 
 class ThreadState;
 
-enum class ObjectKind : std::uint8_t { kKey, kFile, kMutex, kEvent, kThread };
+enum class ObjectKind : std::uint8_t { kKey, kFile, kDriver, kMutex, kEvent, kThread };
 
 [[nodiscard]] const char* ObjectKindName(ObjectKind kind);
 
@@ -64,6 +65,13 @@ class FileObject : public Object {
  private:
   bool shares_read_;
   bool shares_write_;
+};
+
+struct DriverObject : Object {
+  static constexpr ObjectKind kKind = ObjectKind::kDriver;
+  explicit DriverObject(std::shared_ptr<Driver> opened)
+      : Object(kKind), driver(std::move(opened)) {}
+  std::shared_ptr<Driver> driver;
 };
 
 struct Waiter {

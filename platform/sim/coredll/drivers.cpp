@@ -1,0 +1,100 @@
+// I/O controls: of drivers, and of the kernel itself.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "platform/sim/coredll/call.h"
+
+namespace sim {
+namespace {
+
+constexpr LONG kNotSupported = 50;  // ERROR_NOT_SUPPORTED
+
+using Bytes = std::span<const BYTE>;
+
+struct KernelRequest {
+  Kernel& kernel;
+  Bytes in;
+  std::span<BYTE> out;
+  DWORD returned = 0;
+};
+
+LONG Answer(KernelRequest& request, const QueryAnswer& answer) {
+  if (answer.error != 0) return static_cast<LONG>(answer.error);
+  const std::size_t count = std::min(answer.bytes.size(), request.out.size());
+  std::copy_n(answer.bytes.begin(), count, request.out.begin());
+  request.returned = answer.returned.value_or(static_cast<DWORD>(count));
+  return ERROR_SUCCESS;
+}
+
+// The input is the parameter's id in 16 bits; what stands behind them is not read.
+LONG ReadParameter(KernelRequest& request) {
+  if (request.in.size() < 2) return ERROR_INVALID_PARAMETER;
+  const auto id = static_cast<std::uint16_t>(request.in[0] | (request.in[1] << 8));
+  const auto& parameters = request.kernel.hardware.parameters;
+  const auto parameter = parameters.find(id);
+  return parameter == parameters.end() ? ERROR_INVALID_PARAMETER
+                                       : Answer(request, parameter->second);
+}
+
+struct KernelControl {
+  DWORD code;
+  LONG (*answer)(KernelRequest& request);
+};
+
+constexpr std::array kKernelControls{
+    KernelControl{0x010122C4, &ReadParameter},
+};
+
+template <class Buffer>
+std::span<Buffer> SpanOf(void* data, DWORD bytes) {
+  return data == nullptr ? std::span<Buffer>() : std::span(static_cast<Buffer*>(data), bytes);
+}
+
+}  // namespace
+}  // namespace sim
+
+using sim::Call;
+using sim::CallId;
+using sim::Effect;
+
+BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD out_bytes,
+                     LPDWORD returned) {
+  Call call(CallId::KernelIoControl);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  const auto* const control =
+      std::ranges::find(sim::kKernelControls, code, &sim::KernelControl::code);
+  if (control == sim::kKernelControls.end()) {
+    call.Misuse(fmt::format("was given the unknown code {:#010x}", code));
+    return call.Fail(sim::kNotSupported, FALSE);
+  }
+  sim::KernelRequest request{call.kernel(), sim::SpanOf<const BYTE>(in, in_bytes),
+                             sim::SpanOf<BYTE>(out, out_bytes)};
+  const LONG error = control->answer(request);
+  if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
+  if (returned != nullptr) *returned = request.returned;
+  return TRUE;
+}
+
+BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
+                     DWORD out_bytes, LPDWORD returned, LPOVERLAPPED /*unused*/) {
+  Call call(CallId::DeviceIoControl);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  const auto object = call.Find<sim::DriverObject>(device);
+  if (object == nullptr) return FALSE;
+  sim::Driver& driver = *object->driver;
+  const std::string_view name = driver.CodeName(code);
+  if (name.empty()) {
+    call.Misuse(fmt::format("was given the code {:#010x}, unknown to {}", code, driver.name()));
+    return call.Fail(sim::kNotSupported, FALSE);
+  }
+  sim::DriverRequest request{code, sim::SpanOf<const BYTE>(in, in_bytes),
+                             sim::SpanOf<BYTE>(out, out_bytes)};
+  call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), name));
+  const auto error = static_cast<LONG>(driver.Control(request));
+  if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
+  if (returned != nullptr) *returned = request.returned;
+  return TRUE;
+}

@@ -1,0 +1,73 @@
+// One part of device.toml while it is read: typed access, and errors that say file and line.
+#ifndef PLATFORM_SIM_DESCRIPTION_PART_H_
+#define PLATFORM_SIM_DESCRIPTION_PART_H_
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/sim/device_folder.h"
+
+namespace sim {
+
+// Knows where its lines stand in the whole file.
+class Part {
+ public:
+  Part(std::filesystem::path file, std::string_view text, std::size_t lines_above)
+      : file_(std::move(file)), lines_above_(lines_above), table_(Parse(text)) {}
+
+  [[nodiscard]] const toml::table& table() const { return table_; }
+
+  [[noreturn]] void Fail(const toml::source_region& where, const std::string& what) const {
+    throw DeviceFolderError(
+        fmt::format("{}:{}: {}", file_.string(), where.begin.line + lines_above_, what));
+  }
+
+  void Allow(const toml::table& table, const std::vector<std::string_view>& allowed) const {
+    for (const auto& [key, node] : table) {
+      if (std::find(allowed.begin(), allowed.end(), key.str()) != allowed.end()) continue;
+      Fail(key.source(),
+           fmt::format("unknown key '{}'; allowed: {}", key.str(), fmt::join(allowed, ", ")));
+    }
+  }
+
+  template <typename Type>
+  [[nodiscard]] const Type& As(const toml::node& node, std::string_view expected) const {
+    const auto* typed = node.as<Type>();
+    if (typed == nullptr) Fail(node.source(), fmt::format("expected {}", expected));
+    return *typed;
+  }
+
+ private:
+  [[nodiscard]] toml::table Parse(std::string_view text) const {
+    try {
+      return toml::parse(text);
+    } catch (const toml::parse_error& error) {
+      Fail(error.source(), std::string(error.description()));
+    }
+  }
+
+  std::filesystem::path file_;
+  std::size_t lines_above_;
+  toml::table table_;
+};
+
+// A table of the author's part, by its key: [modules] and those that describe hardware. Each reader
+// stands in a file of its own family.
+struct DescriptionSection {
+  std::string_view key;
+  void (*read)(const Part& part, const toml::node& node, Device& device);
+};
+
+void ReadModules(const Part& part, const toml::node& node, Device& device);
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_DESCRIPTION_PART_H_

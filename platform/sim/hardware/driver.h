@@ -1,0 +1,40 @@
+// Drivers that programs reach by a name such as "WIR1:".
+#ifndef PLATFORM_SIM_HARDWARE_DRIVER_H_
+#define PLATFORM_SIM_HARDWARE_DRIVER_H_
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace sim {
+
+// One I/O control. The answer is written into `out`, as far as it has room.
+struct DriverRequest {
+  std::uint32_t code;
+  std::span<const std::uint8_t> in;
+  std::span<std::uint8_t> out;
+  std::uint32_t returned = 0;  // how many bytes of `out` the caller is told
+};
+
+class Driver {
+ public:
+  explicit Driver(std::string name) : name_(std::move(name)) {}
+  virtual ~Driver() = default;
+  Driver(const Driver&) = delete;
+  Driver& operator=(const Driver&) = delete;
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+  // The name of a control code, for the journal; empty for one that the driver does not know, which
+  // is then refused and recorded as misuse.
+  [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
+  // Does what the code says. 0, or the system error with which the call fails.
+  virtual std::uint32_t Control(DriverRequest& request) = 0;
+
+ private:
+  std::string name_;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_HARDWARE_DRIVER_H_
