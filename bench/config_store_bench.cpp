@@ -5,14 +5,16 @@
 #include <array>
 #include <vector>
 
+#include "bench/bare_trace.h"
 #include "platform/sim/exports.h"
-#include "tests/support/internals_process.h"
+#include "platform/wince.h"
 
 namespace {
 
 constexpr std::size_t kLargestFile = 1023;
 constexpr DWORD kMostRecords = 256;
 constexpr const WCHAR* kDecodes = TEXT("Software\\Dravonel\\Decodes");
+constexpr const char* kDecodesPath = "HKEY_LOCAL_MACHINE\\Software\\Dravonel\\Decodes";
 constexpr const WCHAR* kPriority = TEXT("ThreadPriority");
 
 // 256 indexed entries of three bytes each, and bytes that are skipped.
@@ -26,15 +28,8 @@ std::vector<std::uint8_t> LargestFile() {
   return bytes;
 }
 
-DWORD DiscardLine(DWORD /*category*/, const char* text) {
-  benchmark::DoNotOptimize(text);
-  return 0;
-}
-
 void Prepare(sim::Device& device) {
-  device.InstallModule(
-      {"DVLEventLog.dll",
-       {{"DVLLogString", reinterpret_cast<int (*)()>(reinterpret_cast<void*>(&DiscardLine))}}});
+  device.InstallModule(bench::QuietEventLog());
   device.journal().set_keeps_entries(false);
   device.files().Write("\\ConfigStore\\dcecfg", LargestFile());
 }
@@ -53,7 +48,7 @@ BENCHMARK(LibraryUpdate)->Name("update from 256 entries/library");
 void BareUpdate(benchmark::State& state) {
   sim::Device device;
   Prepare(device);
-  InternalsProcess process(device);
+  sim::Process process(device);
   process.Run([&] {
     for ([[maybe_unused]] auto iteration : state) {
       std::array<BYTE, 1024> buffer{};
@@ -69,11 +64,9 @@ void BareUpdate(benchmark::State& state) {
                        sizeof(record));
         RegCloseKey(key);
         RegCloseKey(HKEY_LOCAL_MACHINE);
-        process->trace(0, 0x43F00000, "Indexed Key %s : %s type %d found",
-                       "HKEY_LOCAL_MACHINE\\Software\\Dravonel\\Decodes", "ThreadPriority", 2);
-        process->trace(0, 0x43F00000, "Value = %d", record);
-        process->trace(0, 0x43F00000, "%s:%s=%s", "HKEY_LOCAL_MACHINE\\Software\\Dravonel\\Decodes",
-                       "ThreadPriority", "1");
+        bench::BareTrace("Indexed Key %s : %s type %d found", kDecodesPath, "ThreadPriority", 2);
+        bench::BareTrace("Value = %d", record);
+        bench::BareTrace("%s:%s=%s", kDecodesPath, "ThreadPriority", "1");
       }
     }
   });

@@ -1,8 +1,7 @@
 // The frame's helpers against the platform calls that they stand for.
 #include <benchmark/benchmark.h>
 
-#include <cstdarg>
-
+#include "bench/bare_trace.h"
 #include "tests/support/internals_process.h"
 
 namespace {
@@ -10,34 +9,10 @@ namespace {
 constexpr DWORD kCategory = 0x43F00000;
 constexpr const char* kFormat = "0x%x=PALBEEPGoodReadEx(in_scan_type:%d) - Exit";
 
-using LogString = DWORD (*)(DWORD category, const char* text);
-
-DWORD DiscardLine(DWORD /*category*/, const char* text) {
-  benchmark::DoNotOptimize(text);
-  return 0;
-}
-// Volatile, so that it is called and not inlined, as an entry of a library is.
-LogString volatile log_string = &DiscardLine;
-
-// An event log that keeps nothing: what is measured is the way there.
-sim::Module QuietEventLog() {
-  return {"DVLEventLog.dll",
-          {{"DVLLogString", reinterpret_cast<int (*)()>(reinterpret_cast<void*>(&DiscardLine))}}};
-}
-
-void BareTrace(DWORD category, const char* format, ...) {
-  char line[1024];
-  va_list arguments;
-  va_start(arguments, format);
-  _vsnprintf(line, sizeof(line), format, arguments);
-  va_end(arguments);
-  log_string(category, line);
-}
-
 template <class Body>
 void Measure(benchmark::State& state, bool with_event_log, const Body& body) {
   sim::Device device;
-  device.InstallModule(QuietEventLog());
+  device.InstallModule(bench::QuietEventLog());
   if (!with_event_log) device.RemoveModule("DVLEventLog.dll");
   device.journal().set_keeps_entries(false);
   device.registry().SetDword("HKLM\\Software\\Dravonel\\Decodes", "ThreadPriority", 251);
@@ -54,7 +29,7 @@ void LibraryTrace(benchmark::State& state) {
 BENCHMARK(LibraryTrace)->Name("PALTrace with the event log/library");
 
 void BareTraceAndLog(benchmark::State& state) {
-  Measure(state, true, [](const InternalsProcess&) { BareTrace(kCategory, kFormat, 0, 1); });
+  Measure(state, true, [](const InternalsProcess&) { bench::BareTrace(kFormat, 0, 1); });
 }
 BENCHMARK(BareTraceAndLog)->Name("PALTrace with the event log/bare");
 
@@ -66,7 +41,7 @@ BENCHMARK(LibraryTraceWithoutLog)->Name("PALTrace without the event log/library"
 
 void BareTraceWithoutLog(benchmark::State& state) {
   Measure(state, false, [](const InternalsProcess&) {
-    BareTrace(kCategory, kFormat, 0, 1);
+    bench::BareTrace(kFormat, 0, 1);
     benchmark::DoNotOptimize(LoadLibraryW(TEXT("DVLEventlog.dll")));
   });
 }

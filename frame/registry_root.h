@@ -20,10 +20,6 @@ constexpr size_t FindRegistryRoot(std::string_view path) {
   return static_cast<size_t>(root - kRegistryRootNames.begin());
 }
 
-constexpr bool BeginsWithRegistryRoot(std::string_view path) {
-  return FindRegistryRoot(path) < kRegistryRootNames.size();
-}
-
 }  // namespace pal
 
 #endif  // FRAME_REGISTRY_ROOT_H_

@@ -8,21 +8,22 @@
 namespace pal {
 namespace {
 
-// A pair of its own beside PALTrace's.
-constinit std::atomic<HMODULE> event_log_module{nullptr};
+DWORD WINAPI DiscardLine(DWORD /*category*/, const char* /*line*/) {
+  return 0;
+}
+
+// Apart from PALTrace's. Null until the library is loaded and set for good then: there is no second
+// look for its entry, so that a library without one stands here as a function that discards its
+// lines.
 constinit std::atomic<EventLogEntry> event_log_entry{nullptr};
 
-// Once a module is held there is no second look for its entry, not even for one that was missing.
-// The entry is stored before the module, so that another thread rarely finds a module without its
-// entry.
 EventLogEntry LoadEventLogOnce() {
-  if (event_log_module.load(std::memory_order_relaxed) != nullptr) return nullptr;
   const PreservedLastError preserved;
   const HMODULE event_log = LoadLibraryW(TEXT("DVLEventLog.dll"));
   if (event_log == nullptr) return nullptr;
-  const EventLogEntry entry = FindEventLogEntry(event_log);
+  EventLogEntry entry = FindEventLogEntry(event_log);
+  if (entry == nullptr) entry = &DiscardLine;
   event_log_entry.store(entry, std::memory_order_relaxed);
-  event_log_module.store(event_log, std::memory_order_relaxed);
   return entry;
 }
 

@@ -29,7 +29,6 @@ class MutexHelpers : public DeviceTest {
     process.Run([&] {
       if (mutex != nullptr) CloseHandle(mutex);
     });
-    DeviceTest::TearDown();
   }
 
   InternalsProcess process{device};

@@ -17,10 +17,7 @@ constexpr HRESULT kInjected = static_cast<HRESULT>(0x8007001F);
 
 class RegistryHelpers : public DeviceTest {
  protected:
-  void TearDown() override {
-    EXPECT_EQ(process.open_handles(), 0u);
-    DeviceTest::TearDown();
-  }
+  void TearDown() override { EXPECT_EQ(process.open_handles(), 0u); }
 
   // One call of every helper, with usable arguments.
   struct Helper {

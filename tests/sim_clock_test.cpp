@@ -161,4 +161,54 @@ TEST_F(SimClock, ReportsADeadlockInsteadOfHanging) {
             std::vector<std::string>{"caller.exe: deadlock: thread 2 waits for ever"});
 }
 
+// Two things fall due at once: either the waiter is late and gets nothing, or it gets all.
+TEST_F(SimClock, GivesNothingToAWaiterWhoseTimeIsUp) {
+  sim::Process owner(device, "owner.exe");
+  sim::Process late(device, "late.exe");
+  owner.Start([] {
+    const HANDLE mutex = CreateMutexW(nullptr, TRUE, TEXT("M"));
+    Sleep(2000);
+    EXPECT_NE(ReleaseMutex(mutex), FALSE);
+    EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0) << "nobody else may have it";
+    ReleaseMutex(mutex);
+    CloseHandle(mutex);
+  });
+  late.Start([] {
+    const HANDLE mutex = NamedMutex(TEXT("M"));
+    EXPECT_EQ(WaitForSingleObject(mutex, 2000), WAIT_TIMEOUT);
+    EXPECT_EQ(ReleaseMutex(mutex), FALSE);
+    CloseHandle(mutex);
+  });
+  device.RunUntilIdle();
+}
+
+TEST_F(SimClock, KillsAMainThreadWhereItWaits) {
+  sim::Process process(device, "victim.exe");
+  device.PlanFault({.call = "GetTickCount", .kill = true});
+  process.Start([] {
+    Sleep(100);
+    GetTickCount();
+  });
+  sim::Process other(device, "other.exe");
+  other.Start([] {
+    for (int nap = 0; nap < 50; ++nap) Sleep(1000);
+  });
+  EXPECT_THROW(
+      process.Run([] { WaitForSingleObject(NamedMutex(TEXT("M")), INFINITE), Sleep(INFINITE); }),
+      sim::ProcessKilled);
+  EXPECT_EQ(device.now_ms(), 100u);
+}
+
+TEST_F(SimClock, EndsAProcessWhoseThreadsRun) {
+  sim::Process process(device, "ending.exe");
+  sim::Thread naps = process.Start([] {
+    for (;;) Sleep(20000);
+  });
+  device.Advance(50000);
+  process.End();
+  EXPECT_TRUE(naps.ended());
+  EXPECT_FALSE(naps.Join()) << "it did not come to its own end";
+  EXPECT_EQ(device.now_ms(), 50000u);
+}
+
 }  // namespace

@@ -54,7 +54,7 @@ TEST_F(SimPlatform, NamesWhatIsMissing) {
   sim::Process process(device);
   process.Run([] {
     for (const Case& test : {Case{TEXT("\\ConfigStore\\absent"), ERROR_FILE_NOT_FOUND},
-                             Case{TEXT("\\NoFolder\\absent"), ERROR_PATH_NOT_FOUND},
+                             Case{TEXT("\\NoFolder\\absent"), ERROR_FILE_NOT_FOUND},
                              Case{TEXT("\\ConfigStore"), ERROR_ACCESS_DENIED},
                              Case{TEXT("CFG1:"), ERROR_DEV_NOT_EXIST},
                              Case{TEXT("$bus\\OTG_0_2_0"), ERROR_DEV_NOT_EXIST}}) {

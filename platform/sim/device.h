@@ -13,6 +13,8 @@
 //
 // The thread that makes a device drives it: it alone may make processes and threads and call into
 // them, and what it does between calls takes no time on the device.
+// What belongs to the device (registry, files, journal, misuse) it may look at whenever no other
+// thread runs: with kParallel, after Join.
 #ifndef PLATFORM_SIM_DEVICE_H_
 #define PLATFORM_SIM_DEVICE_H_
 
@@ -96,8 +98,8 @@ class Device {
   [[nodiscard]] unsigned calls() const;
 
   // What was done wrong: handles used after their close or by a process they do not belong to,
-  // double closes, calls that nothing simulates, writes past a stated size, handles left open at a
-  // process end.
+  // double closes, calls that nothing simulates, buffers without an address, handles and heap
+  // blocks left at a process end. A write past a buffer's end is for the address sanitizer to see.
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
@@ -116,13 +118,15 @@ class Device {
 // A thread that the driver started in a process.
 class Thread {
  public:
-  explicit Thread(std::shared_ptr<ThreadState> state) : state_(std::move(state)) {}
+  Thread(std::shared_ptr<ThreadState> state, std::shared_ptr<ProcessState> process)
+      : state_(std::move(state)), process_(std::move(process)) {}
   // Lets the device run until the thread has ended. False if it was killed.
   bool Join();
   [[nodiscard]] bool ended() const;
 
  private:
   std::shared_ptr<ThreadState> state_;
+  std::shared_ptr<ProcessState> process_;  // which the thread's state refers to
 };
 
 // A process with the library loaded: attached when made, detached at its end.

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-void DeviceTest::TearDown() {
+DeviceTest::~DeviceTest() {
   for (const std::string& misuse : device.misuse()) ADD_FAILURE() << "misuse: " << misuse;
 }
 

@@ -18,7 +18,8 @@ class DeviceTest : public ::testing::Test {
  protected:
   explicit DeviceTest(sim::Concurrency concurrency = sim::Concurrency::kOneAtATime)
       : device(concurrency) {}
-  void TearDown() override;
+  // Looks for misuse here and not in TearDown: the processes of a fixture have ended by now.
+  ~DeviceTest() override;
 
   // The lines of the event log, without their stamps.
   [[nodiscard]] std::vector<std::string> TraceLines();

@@ -49,8 +49,10 @@ constexpr std::array kKernelControls{
 };
 
 template <class Buffer>
-std::span<Buffer> SpanOf(void* data, DWORD bytes) {
-  return data == nullptr ? std::span<Buffer>() : std::span(static_cast<Buffer*>(data), bytes);
+std::span<Buffer> SpanOf(Call& call, void* data, DWORD bytes) {
+  if (data != nullptr) return std::span(static_cast<Buffer*>(data), bytes);
+  if (bytes > 0) call.Misuse(fmt::format("was given no buffer of {} bytes", bytes));
+  return {};
 }
 
 }  // namespace
@@ -70,8 +72,8 @@ BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD ou
     call.Misuse(fmt::format("was given the unknown code {:#010x}", code));
     return call.Fail(sim::kNotSupported, FALSE);
   }
-  sim::KernelRequest request{call.kernel(), sim::SpanOf<const BYTE>(in, in_bytes),
-                             sim::SpanOf<BYTE>(out, out_bytes)};
+  sim::KernelRequest request{call.kernel(), sim::SpanOf<const BYTE>(call, in, in_bytes),
+                             sim::SpanOf<BYTE>(call, out, out_bytes)};
   const LONG error = control->answer(request);
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
   if (returned != nullptr) *returned = request.returned;
@@ -90,8 +92,8 @@ BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOI
     call.Misuse(fmt::format("was given the code {:#010x}, unknown to {}", code, driver.name()));
     return call.Fail(sim::kNotSupported, FALSE);
   }
-  sim::DriverRequest request{code, sim::SpanOf<const BYTE>(in, in_bytes),
-                             sim::SpanOf<BYTE>(out, out_bytes)};
+  sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, in_bytes),
+                             sim::SpanOf<BYTE>(call, out, out_bytes)};
   call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), name));
   const auto error = static_cast<LONG>(driver.Control(request));
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);

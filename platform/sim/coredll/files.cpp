@@ -15,16 +15,6 @@ bool IsDriverName(std::u16string_view name) {
   return !name.empty() && (name.front() == u'$' || (name.size() == 5 && name.back() == u':'));
 }
 
-std::string FolderOf(std::string_view path) {
-  const std::size_t end = path.find_last_of('\\');
-  return std::string(path.substr(0, end == std::string_view::npos ? 0 : end));
-}
-
-LONG MissingFileError(const FileSystem& files, std::string_view path) {
-  const auto folder = files.Find(FolderOf(path));
-  return folder != nullptr && folder->is_folder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
-}
-
 // What an open does to the file, by its disposition; sets the error where it cannot be.
 std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD disposition,
                                      LONG& error) {
@@ -35,7 +25,7 @@ std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD di
   if (node != nullptr && disposition == CREATE_NEW) error = 80;  // ERROR_FILE_EXISTS
   if (node != nullptr && node->is_folder) error = ERROR_ACCESS_DENIED;
   if (node == nullptr) {
-    error = makes ? ERROR_SUCCESS : MissingFileError(files, path);
+    error = makes ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     if (makes) node = files.CreateFile(path);
     if (makes && node == nullptr) error = ERROR_PATH_NOT_FOUND;
     if (node != nullptr) call.Log(Effect::kFile, fmt::format("{} created", path));
@@ -166,7 +156,7 @@ DWORD GetFileAttributesW(LPCWSTR name) {
   const std::string path = sim::ToUtf8(name);
   const auto node = call.kernel().files.Find(path);
   if (node == nullptr) {
-    return call.Fail(sim::MissingFileError(call.kernel().files, path), INVALID_FILE_ATTRIBUTES);
+    return call.Fail(ERROR_FILE_NOT_FOUND, INVALID_FILE_ATTRIBUTES);
   }
   return node->is_folder ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }

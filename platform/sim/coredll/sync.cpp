@@ -107,8 +107,7 @@ void Sleep(DWORD ms) {
   if (ms == 0) {
     scheduler.Yield(call.lock(), *call.thread().strand);
   } else {
-    const auto timeout = ms == INFINITE ? std::nullopt : std::optional<std::uint64_t>(ms);
-    scheduler.Wait(call.lock(), *call.thread().strand, timeout);
+    call.kernel().Block(call.lock(), call.thread(), ms);
   }
   if (call.thread().MustLeave()) throw sim::ProcessKilled();
 }

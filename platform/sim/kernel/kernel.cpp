@@ -28,25 +28,54 @@ void Kernel::Misuse(const ThreadState& thread, std::string_view text) {
   misuse.push_back(fmt::format("{}: {}", thread.process.name, text));
 }
 
+Wake Kernel::Block(Scheduler::Lock& lock, ThreadState& thread, std::uint32_t timeout_ms) {
+  const std::optional<std::uint64_t> timeout =
+      timeout_ms == INFINITE ? std::nullopt : std::optional<std::uint64_t>(timeout_ms);
+  thread.blocked = true;
+  const Wake reason = scheduler.Wait(lock, *thread.strand, timeout);
+  thread.blocked = false;
+  if (thread.MustLeave()) throw ProcessKilled();
+  if (reason == Wake::kDeadlock) {
+    Misuse(thread, "deadlock: every thread of the device waits for ever");
+  }
+  return reason;
+}
+
+namespace {
+
+// Stands in an object's queue while it lives, however it is left.
+class QueuedWaiter {
+ public:
+  QueuedWaiter(Waitable& object, ThreadState& thread) : object_(object), waiter_{&thread} {
+    object_.waiters.push_back(&waiter_);
+  }
+  ~QueuedWaiter() { std::erase(object_.waiters, &waiter_); }
+  QueuedWaiter(const QueuedWaiter&) = delete;
+  QueuedWaiter& operator=(const QueuedWaiter&) = delete;
+  [[nodiscard]] std::uint32_t result() const { return waiter_.result; }
+
+ private:
+  Waitable& object_;
+  Waiter waiter_;
+};
+
+}  // namespace
+
 std::uint32_t Kernel::WaitFor(Scheduler::Lock& lock, ThreadState& thread,
                               const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms) {
   const std::optional<std::uint32_t> at_once = object->TryTake(thread);
   if (at_once) return *at_once;
   if (timeout_ms == 0) return WAIT_TIMEOUT;
-
-  Waiter waiter{&thread};
-  object->waiters.push_back(&waiter);
-  const std::optional<std::uint64_t> timeout =
-      timeout_ms == INFINITE ? std::nullopt : std::optional<std::uint64_t>(timeout_ms);
-  const Wake reason = scheduler.Wait(lock, *thread.strand, timeout);
-  std::erase(object->waiters, &waiter);
-
-  if (thread.MustLeave()) throw ProcessKilled();
-  if (reason == Wake::kSignal) return waiter.result;
-  if (reason == Wake::kTimeout) return WAIT_TIMEOUT;
-  Misuse(thread, "deadlock: every thread of the device waits for ever");
-  thread.last_error = ERROR_GEN_FAILURE;
-  return WAIT_FAILED;
+  const QueuedWaiter waiter(*object, thread);
+  switch (Block(lock, thread, timeout_ms)) {
+    case Wake::kSignal:
+      return waiter.result();
+    case Wake::kTimeout:
+      return WAIT_TIMEOUT;
+    default:
+      thread.last_error = ERROR_GEN_FAILURE;
+      return WAIT_FAILED;
+  }
 }
 
 void Kernel::EndThread(ThreadState& thread) {
@@ -63,12 +92,15 @@ void Kernel::EndThread(ThreadState& thread) {
 }
 
 void Kernel::BeginKill(ProcessState& process) {
-  if (process.killed) return;
+  if (process.killed || !process.alive) return;
   process.killed = true;
   process.alive = false;
   Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
   for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
-  if (process.main_thread != nullptr) EndThread(*process.main_thread);
+  // The main thread stands on the driver's strand, which may wait for something else just now.
+  ThreadState& main = *process.main_thread;
+  if (main.blocked) scheduler.WakeUp(*main.strand, Wake::kKilled);
+  EndThread(main);
 }
 
 const Module* Kernel::FindModule(std::string_view name) const {

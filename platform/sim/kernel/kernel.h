@@ -48,6 +48,9 @@ class Kernel {
   void Log(const ThreadState* thread, Effect effect, std::string text, std::uint32_t category = 0);
   void Misuse(const ThreadState& thread, std::string_view text);
 
+  // Gives the turn up for a thread of a process. Throws ProcessKilled where the process ended
+  // meanwhile; a deadlock is recorded as misuse.
+  Wake Block(Scheduler::Lock& lock, ThreadState& thread, std::uint32_t timeout_ms);
   // Waits as the platform does. Throws ProcessKilled where the process ended meanwhile.
   std::uint32_t WaitFor(Scheduler::Lock& lock, ThreadState& thread,
                         const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms);

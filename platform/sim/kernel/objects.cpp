@@ -61,11 +61,16 @@ bool FileObject::MayOpen(const FileNode& node, bool read, bool write, bool share
 void Waitable::ServeWaiters(Scheduler& scheduler) {
   while (!waiters.empty()) {
     Waiter* waiter = waiters.front();
-    const std::optional<std::uint32_t> result = TryTake(*waiter->thread);
-    if (!result) return;
-    waiter->result = *result;
+    // One whose time is up, or whose process was ended, only has not had its turn yet to leave.
+    const bool leaves = waiter->thread->strand->state != Strand::State::kWaiting ||
+                        (waiter->thread->MustLeave() && !waiter->is_driver);
+    if (!leaves) {
+      const std::optional<std::uint32_t> result = TryTake(*waiter->thread);
+      if (!result) return;
+      waiter->result = *result;
+      scheduler.WakeUp(*waiter->thread->strand, Wake::kSignal);
+    }
     waiters.pop_front();
-    scheduler.WakeUp(*waiter->thread->strand, Wake::kSignal);
   }
 }
 

@@ -76,6 +76,7 @@ struct DriverObject : Object {
 
 struct Waiter {
   ThreadState* thread;
+  bool is_driver = false;  // it waits outside of the process, and so outlives it
   std::uint32_t result = 0;
 };
 

@@ -35,12 +35,14 @@ void RequireDriver(const Kernel& kernel) {
 void ThreadBody(const std::shared_ptr<ThreadState>& thread, const std::function<void()>& body) {
   Kernel& kernel = thread->process.kernel;
   ThreadScope scope(thread.get());
+  bool leaves = false;
   {
     Scheduler::Lock lock(kernel.mutex);
     kernel.scheduler.AwaitTurn(lock, *thread->strand);
+    leaves = thread->MustLeave();
   }
   try {
-    if (thread->MustLeave()) throw ProcessKilled();
+    if (leaves) throw ProcessKilled();
     body();
   } catch (const ProcessKilled&) {
     thread->killed = true;
@@ -57,7 +59,7 @@ bool AwaitThread(ThreadState& thread) {
   Kernel& kernel = thread.process.kernel;
   Scheduler::Lock lock(kernel.mutex);
   if (thread.object->ended) return true;
-  Waiter waiter{thread.process.main_thread.get()};
+  Waiter waiter{.thread = thread.process.main_thread.get(), .is_driver = true};
   thread.object->waiters.push_back(&waiter);
   const Wake reason = kernel.scheduler.Wait(lock, kernel.driver_strand, std::nullopt);
   std::erase(thread.object->waiters, &waiter);
@@ -108,7 +110,10 @@ void RunInProcess(ProcessState& process, const std::function<void()>& body) {
   const ThreadState* current = CurrentThread();
   if (current != nullptr && &current->process == &process) return body();
   RequireDriver(process.kernel);
-  if (!process.alive) throw std::logic_error(process.name + " has ended");
+  {
+    const Scheduler::Lock lock(process.kernel.mutex);
+    if (!process.alive) throw std::logic_error(process.name + " has ended");
+  }
   ThreadScope scope(process.main_thread.get());
   body();
 }
@@ -188,7 +193,7 @@ Thread Process::Start(std::function<void()> body) {
     kernel.scheduler.Add(*thread->strand);
   }
   thread->host = std::thread(ThreadBody, thread, std::move(body));
-  return Thread(thread);
+  return {thread, state_};
 }
 
 void Process::End() {
@@ -210,6 +215,7 @@ void Process::End() {
 }
 
 void Process::Kill() {
+  if (state_->library == nullptr) return;
   RequireDriver(state_->kernel);
   {
     const Scheduler::Lock lock(state_->kernel.mutex);

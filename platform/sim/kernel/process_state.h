@@ -34,6 +34,7 @@ class ThreadState {
   const std::uint32_t id;
   Strand* strand;  // a main thread runs on the driver's
   std::uint32_t last_error = 0;
+  bool blocked = false;  // it gave its turn up in a platform call
   std::vector<Mutex*> owned;
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
