@@ -47,6 +47,8 @@ class CDCECFGParser {
 
   // Where parsing stands: the offset of the next byte, or the data's length once it has run off.
   [[nodiscard]] DWORD offset() const { return reader_.offset(); }
+  // Where what was read last begins, which is what an error is about; the data's length at the end.
+  [[nodiscard]] DWORD item_offset() const { return reader_.item_offset(); }
 
  private:
   // kMisfit: the entry is left out and its value stepped over.

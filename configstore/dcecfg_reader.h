@@ -34,6 +34,7 @@ class DcecfgReader {
 
   void Rewind() {
     cursor_ = 0;
+    item_ = 0;
     ended_ = false;
   }
 
@@ -41,6 +42,8 @@ class DcecfgReader {
   [[nodiscard]] bool HasByte() const { return !ended_ && cursor_ < length_; }
   [[nodiscard]] bool At(BYTE marker) const { return HasByte() && buffer_[cursor_] == marker; }
   [[nodiscard]] DWORD offset() const { return ended_ ? length_ : cursor_; }
+  // Where the byte, text or number that was read last begins.
+  [[nodiscard]] DWORD item_offset() const { return ended_ ? length_ : item_; }
 
   void Advance(DWORD bytes = 1) {
     cursor_ += bytes;
@@ -49,6 +52,7 @@ class DcecfgReader {
 
   // 0 where there is none.
   BYTE ReadByte() {
+    item_ = cursor_;
     const BYTE byte = HasByte() ? buffer_[cursor_] : BYTE{0};
     Advance();
     return byte;
@@ -56,6 +60,7 @@ class DcecfgReader {
 
   // The text up to its terminator, in the buffer. Nothing where the data ends first.
   std::optional<std::string_view> ReadString() {
+    item_ = cursor_;
     std::string_view text;
     if (HasByte()) text = {reinterpret_cast<const char*>(&buffer_[cursor_]), length_ - cursor_};
     const size_t length = pal::Find(text, '\0');
@@ -70,6 +75,7 @@ class DcecfgReader {
   // Low byte first, sign-extended. -1, and nothing read, where fewer than two bytes are left.
   LONG ReadNumber() {
     if (!HasByte() || length_ - cursor_ < 2) return -1;
+    item_ = cursor_;
     const auto low = static_cast<unsigned>(buffer_[cursor_]);
     const auto high = static_cast<unsigned>(buffer_[cursor_ + 1]);
     Advance(2);
@@ -86,6 +92,7 @@ class DcecfgReader {
   std::array<BYTE, kBufferSize> buffer_;
   DWORD length_ = 0;
   DWORD cursor_ = 0;
+  DWORD item_ = 0;
 };
 
 #endif  // CONFIGSTORE_DCECFG_READER_H_

@@ -245,11 +245,11 @@ TEST(DcecfgTool, ChecksADamagedFile) {
       "123\0\x09\x09\xAA"sv;
   const auto report = dcecfg::Check(Bytes(content.begin(), content.end()));
   EXPECT_FALSE(report.ok());
-  EXPECT_EQ(report.text, R"(offset 2: error: Index 12 out of bounds
-offset 3: error: No key processed.
-offset 30: warning: Overwriting One Byte write for HKEY_LOCAL_MACHINE\Software\Dravonel\ADCPorts\\CntrlCmdConfig
-offset 49: error: Index 9 out of bounds
-offset 50: error: No key processed.
+  EXPECT_EQ(report.text, R"(offset 1: error: Index 12 out of bounds
+offset 1: error: No key processed.
+offset 29: warning: Overwriting One Byte write for HKEY_LOCAL_MACHINE\Software\Dravonel\ADCPorts\\CntrlCmdConfig
+offset 48: error: Index 9 out of bounds
+offset 48: error: No key processed.
 offset 51: error: Unexpected end of file
 offset 51: error: No key processed.
 [HKEY_LOCAL_MACHINE\Software\Dravonel\K]

@@ -57,7 +57,7 @@ class ParsedFile {
 
  private:
   void AddFinding(std::string_view kind, std::string_view line) {
-    findings_ += fmt::format("offset {}: {}: {}\n", parser_->offset(), kind, Escape(line));
+    findings_ += fmt::format("offset {}: {}: {}\n", parser_->item_offset(), kind, Escape(line));
   }
 
   std::unique_ptr<CDCECFGParser> parser_;
