@@ -44,12 +44,12 @@ HRESULT PALAPI PALMFGOpt_ConfigStoreRegUpdate(void);
  *
  * @param[out] type         0 to 56; 254 where the code stands for no type; 255 where there is no
  *                          engine; 34 (ENG17) where the parameter cannot be read. Not null.
- * @param[out] s6Installed  Always 0. Not null.
+ * @param[out] s6_installed  Always 0. Not null.
  *
  * @retval S_OK    answered
- * @retval E_FAIL  @p type or @p s6Installed is null; neither is written
+ * @retval E_FAIL  @p type or @p s6_installed is null; neither is written
  */
-HRESULT PALAPI PALMFGOpt_InternalDeviceType(DWORD* type, DWORD* s6Installed);
+HRESULT PALAPI PALMFGOpt_InternalDeviceType(DWORD* type, DWORD* s6_installed);
 
 /**
  * Which second internal device is fitted, a camera for example.
@@ -164,7 +164,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  * The file has two bytes: byte 1 is the status of scan type 4, byte 0 that of all other scan types.
  * It is created with two zeros where it does not exist. A failure may leave it so created.
  *
- * @param scanType  Any number; 4 has a status of its own.
+ * @param scan_type  Any number; 4 has a status of its own.
  * @param status    Its low 8 bits are kept.
  *
  * @retval S_OK        written
@@ -172,14 +172,14 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  * @retval 0x8007xxxx  the error of opening, creating, positioning or writing the file: 0x80070003
  *                     where there is no folder "\ConfigStore", 0x80070020 where the file is in use
  */
-HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scanType, DWORD status);
+HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status);
 
 /**
  * The status that PALMFGOpt_SetDPMStatus has kept for a scan type.
  *
  * "\ConfigStore\DCEDPM" is created with two zeros where it does not exist.
  *
- * @param scanType     Any number; 4 has a status of its own.
+ * @param scan_type    Any number; 4 has a status of its own.
  * @param[out] status  0 to 255; 0 where the file ends before it, and on every failure but that of a
  *                     null pointer. Not null.
  *
@@ -188,7 +188,7 @@ HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scanType, DWORD status);
  * @retval 0x8007xxxx  the error of opening, creating, positioning or reading the file: 0x80070003
  *                     where there is no folder "\ConfigStore", 0x80070020 where the file is in use
  */
-HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scanType, DWORD* status);
+HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scan_type, DWORD* status);
 
 PAL_INTERFACE_END
 

@@ -95,20 +95,20 @@ HRESULT ReadStatuses(DpmStatuses& statuses, DWORD& bytes_read) {
 
 }  // namespace
 
-HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scanType, DWORD status) {
-  const HRESULT result = WriteStatus(StatusIndex(scanType), static_cast<BYTE>(status));
-  kTrace.Info("PALMFGOpt_SetDPMStatus. eScanType:%d, hr: 0x%x, , eStatus:%d", scanType, result,
+HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status) {
+  const HRESULT result = WriteStatus(StatusIndex(scan_type), static_cast<BYTE>(status));
+  kTrace.Info("PALMFGOpt_SetDPMStatus. eScanType:%d, hr: 0x%x, , eStatus:%d", scan_type, result,
               status);
   return result;
 }
 
-HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scanType, DWORD* status) {
+HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scan_type, DWORD* status) {
   if (status == nullptr) return E_FAIL;
   DpmStatuses statuses{};
   DWORD bytes_read = 0;
   const HRESULT result = ReadStatuses(statuses, bytes_read);
-  *status = statuses[StatusIndex(scanType)];
+  *status = statuses[StatusIndex(scan_type)];
   kTrace.Info("PALMFGOpt_GetDPMStatus. eScanType: %d, hr: 0x%x,*peStatus:%d, dwBytesRead:%d",
-              scanType, result, *status, bytes_read);
+              scan_type, result, *status, bytes_read);
   return result;
 }

@@ -67,13 +67,13 @@ DWORD IsAITConfig() {
   return value.value_or(0);
 }
 
-HRESULT PALAPI PALMFGOpt_InternalDeviceType(DWORD* type, DWORD* s6Installed) {
-  if (type == nullptr || s6Installed == nullptr) return E_FAIL;
+HRESULT PALAPI PALMFGOpt_InternalDeviceType(DWORD* type, DWORD* s6_installed) {
+  if (type == nullptr || s6_installed == nullptr) return E_FAIL;
   kTrace.Info("Entry PALMFGOpt_InternalDeviceType");
-  *s6Installed = 0;
+  *s6_installed = 0;
   *type = ReadInternalDeviceType();
   kTrace.Info("Exit PALMFGOpt_InternalDeviceType hr: 0x%x, DeviceType: %d, S6 Installed: %d", S_OK,
-              *type, *s6Installed);
+              *type, *s6_installed);
   return S_OK;
 }
 
