@@ -42,8 +42,8 @@ HRESULT PALAPI PALMFGOpt_ConfigStoreRegUpdate(void);
  * The low 7 bits of the non-volatile parameter 0x1A are a code, which stands for a type. The type
  * is the row of the engine in the table of device names that the configuration store uses.
  *
- * @param[out] type         0 to 56; 254 where the code stands for no type; 255 where there is no
- *                          engine; 34 (ENG17) where the parameter cannot be read. Not null.
+ * @param[out] type          0 to 56; 254 where the code stands for no type; 255 where there is no
+ *                           engine; 34 (ENG17) where the parameter cannot be read. Not null.
  * @param[out] s6_installed  Always 0. Not null.
  *
  * @retval S_OK    answered
@@ -165,7 +165,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  * It is created with two zeros where it does not exist. A failure may leave it so created.
  *
  * @param scan_type  Any number; 4 has a status of its own.
- * @param status    Its low 8 bits are kept.
+ * @param status     Its low 8 bits are kept.
  *
  * @retval S_OK        written
  * @retval E_FAIL      nothing was written though the write did not fail

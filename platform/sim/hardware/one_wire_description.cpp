@@ -89,8 +89,8 @@ OneWireFailure ReadFailure(const Part& part, const toml::node& node) {
   const std::string& name = part.As<toml::value<std::string>>(call, "the name of a call").get();
   const auto* const known = std::ranges::find(kCalls, name, &CallName::key);
   if (known == kCalls.end()) {
-    std::vector<std::string_view> names;
-    for (const CallName& row : kCalls) names.push_back(row.key);
+    std::array<std::string_view, kCalls.size()> names;
+    std::ranges::transform(kCalls, names.begin(), &CallName::key);
     part.Fail(call.source(),
               fmt::format("no call '{}'; allowed: {}", name, fmt::join(names, ", ")));
   }
