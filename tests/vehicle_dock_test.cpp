@@ -1,4 +1,6 @@
 // The search for a vehicle dock on buses that are whole, faulty, empty or missing.
+#include <fmt/format.h>
+
 #include <string>
 #include <vector>
 
@@ -142,22 +144,23 @@ TEST_F(VehicleDock, TracesWhatItFinds) {
             }));
 }
 
+const std::string kDescription = "name = \"x\"\n[one_wire]\n";
+
 TEST(VehicleDockDescription, GivesTheBusItsDevicesAndFailures) {
   struct Case {
     std::string bus;
     DWORD attached;
   };
   const std::string dock = R"({ id = "0102030405060708", memory = "01 383731323331" })";
+  const std::string failure = R"(failures = [{ call = "read_memory", )";
   for (const Case& test : {
            Case{"", 0},
-           Case{"devices = [" + dock + "]", 1},
-           Case{"devices = [" + dock + "]\nfailures = [{ call = \"read_memory\", error = 31 }]", 0},
-           Case{"devices = [" + dock + ", " + dock +
-                    "]\nfailures = [{ call = \"read_memory\", nth = 1, status = 0xFFFFFFFF }]",
-                1},
+           Case{fmt::format("devices = [{}]", dock), 1},
+           Case{fmt::format("devices = [{}]\n{}error = 31 }}]", dock, failure), 0},
+           Case{fmt::format("devices = [{0}, {0}]\n{1}nth = 1, status = 5 }}]", dock, failure), 1},
        }) {
     const TemporaryFolder folder;
-    static_cast<void>(folder.Write("device.toml", "name = \"x\"\n[one_wire]\n" + test.bus));
+    static_cast<void>(folder.Write("device.toml", kDescription + test.bus));
     sim::Device device;
     sim::LoadDevice(device, folder.path());
     sim::Process process(device);
@@ -187,7 +190,7 @@ TEST(VehicleDockDescription, IsRefusedWithItsLine) {
                 "3: expected a number from 1 to 0xFFFFFFFF: status = 1"},
        }) {
     const TemporaryFolder folder;
-    const std::string file = folder.Write("device.toml", "name = \"x\"\n[one_wire]\n" + test.bus);
+    const std::string file = folder.Write("device.toml", kDescription + test.bus);
     sim::Device device;
     try {
       sim::LoadDevice(device, folder.path());
