@@ -44,6 +44,12 @@ TEST_F(Palsim, KeepsADeviceFromCommandToCommand) {
   EXPECT_TRUE(Printed("info configuration")) << output;
 }
 
+TEST_F(Palsim, ShowsAnAnswerThatIsNoResultAsANumber) {
+  ASSERT_EQ(Run("new"), 0);
+  EXPECT_EQ(Run("call PALOneWire_IsVehicleDockAttached"), 0);
+  EXPECT_EQ(output, "PALOneWire_IsVehicleDockAttached = 1\n");
+}
+
 TEST_F(Palsim, PlansFaults) {
   ASSERT_EQ(Run("new"), 0);
   EXPECT_EQ(Run("call PALMFGOpt_ConfigStoreRegUpdate --only registry --fail RegCreateKeyExW:1:5"),

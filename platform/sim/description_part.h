@@ -67,6 +67,7 @@ struct DescriptionSection {
 };
 
 void ReadModules(const Part& part, const toml::node& node, Device& device);
+void ReadOneWire(const Part& part, const toml::node& node, Device& device);
 
 }  // namespace sim
 

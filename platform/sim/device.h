@@ -24,6 +24,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,8 @@ struct Fault {
   bool from_then_on = false;  // and all that follow it
   std::uint32_t error = 31;   // ERROR_GEN_FAILURE
   bool kill = false;  // instead of failing, the calling process ends there without detaching
+  // Instead of failing, ReadFile and WriteFile move at most so many bytes.
+  std::optional<std::uint32_t> transfers{};
 };
 
 // Thrown out of an export whose process was ended under it.

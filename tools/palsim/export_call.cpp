@@ -15,6 +15,14 @@
 namespace palsim {
 namespace {
 
+CallOutcome OutcomeOf(HRESULT result) {
+  return {result < 0, ResultText(result), {}};
+}
+// An answer such as yes or no.
+CallOutcome OutcomeOf(DWORD answer) {
+  return {false, fmt::format("{}", answer), {}};
+}
+
 template <class Result, class... Arguments>
 CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::string_view name,
                    const std::vector<std::string>& texts) {
@@ -25,8 +33,7 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     std::tuple<Argument<Arguments>...> arguments{Argument<Arguments>(texts[Index])...};
     const auto result = function(std::get<Index>(arguments).value()...);
-    CallOutcome outcome{
-        static_cast<HRESULT>(result) < 0, ResultText(static_cast<HRESULT>(result)), {}};
+    CallOutcome outcome = OutcomeOf(result);
     const std::array<std::string, sizeof...(Index)> answers{std::get<Index>(arguments).answer()...};
     for (std::size_t index = 0; index < answers.size(); ++index) {
       if (answers[index].empty()) continue;

@@ -30,7 +30,11 @@ Call::Call(CallId id)
     kernel_.BeginKill(process());
     throw ProcessKilled();
   }
-  fault_ = static_cast<LONG>(fault->error);
+  if (fault->transfers) {
+    most_bytes_ = *fault->transfers;
+  } else {
+    fault_ = static_cast<LONG>(fault->error);
+  }
 }
 
 LONG Call::Fail(LONG error) {

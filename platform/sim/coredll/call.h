@@ -2,6 +2,7 @@
 #ifndef PLATFORM_SIM_COREDLL_CALL_H_
 #define PLATFORM_SIM_COREDLL_CALL_H_
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,6 +25,8 @@ class Call {
 
   // The error that a planned fault gives this call, or 0.
   [[nodiscard]] LONG fault() const { return fault_; }
+  // How many of some bytes a planned fault lets this call move.
+  [[nodiscard]] DWORD Transferable(DWORD bytes) const { return std::min(bytes, most_bytes_); }
 
   // Sets the last error and gives it back as the registry's calls do.
   LONG Fail(LONG error);
@@ -58,6 +61,7 @@ class Call {
   Kernel& kernel_;
   Scheduler::Lock lock_;
   LONG fault_ = 0;
+  DWORD most_bytes_ = 0xFFFFFFFF;
 };
 
 // Records that nothing simulates a call yet, and fails it with ERROR_CALL_NOT_IMPLEMENTED.

@@ -93,7 +93,7 @@ BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD bytes_read,
   if (!file->reads) return sim::Refuse(call, ERROR_ACCESS_DENIED);
   const std::vector<BYTE>& data = file->node->data;
   const std::size_t left = data.size() - std::min(file->position, data.size());
-  const std::size_t count = std::min<std::size_t>(bytes, left);
+  const std::size_t count = std::min<std::size_t>(call.Transferable(bytes), left);
   if (count > 0) std::memcpy(buffer, data.data() + file->position, count);
   file->position += count;
   *bytes_read = static_cast<DWORD>(count);
@@ -111,6 +111,7 @@ BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD bytes_written
   const auto file = call.Find<sim::FileObject>(handle);
   if (file == nullptr) return FALSE;
   if (!file->writes) return sim::Refuse(call, ERROR_ACCESS_DENIED);
+  bytes = call.Transferable(bytes);
   std::vector<BYTE>& data = file->node->data;
   const std::size_t end = file->position + bytes;
   if (data.size() < end) data.resize(end);

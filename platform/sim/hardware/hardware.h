@@ -15,10 +15,10 @@ namespace sim {
 
 // What the kernel answers to a query: bytes, or an error.
 struct QueryAnswer {
-  std::vector<std::uint8_t> bytes;
+  std::vector<std::uint8_t> bytes{};
   std::uint32_t error = 0;
   // The count that the caller is told where it is not that of the bytes: for answers that lie.
-  std::optional<std::uint32_t> returned;
+  std::optional<std::uint32_t> returned{};
 };
 
 struct Hardware {

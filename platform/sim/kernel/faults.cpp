@@ -30,6 +30,9 @@ void Faults::Plan(Fault fault) {
     planned.id = CallFromName(fault.call);
     if (!planned.id) throw std::invalid_argument(fault.call + " is no platform call");
   }
+  if (fault.transfers && fault.call != "ReadFile" && fault.call != "WriteFile") {
+    throw std::invalid_argument("only ReadFile and WriteFile move bytes");
+  }
   planned.fault = std::move(fault);
   plans_.push_back(std::move(planned));
 }

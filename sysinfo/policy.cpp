@@ -1,0 +1,110 @@
+// Policies: for each feature a key that says where its switch stands.
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <span>
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "sysinfo/manufacturing_options.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+
+constexpr HRESULT PolicyFailure(WORD code) {
+  return pal::FamilyFailure(pal::Facility::kManufacturingOption, code);
+}
+constexpr HRESULT kStateNotRead = PolicyFailure(4);
+constexpr HRESULT kLocationNotRead = PolicyFailure(6);
+constexpr HRESULT kFeatureNotOpened = PolicyFailure(7);
+constexpr HRESULT kStateOutOfRange = PolicyFailure(8);
+constexpr HRESULT kNoFeature = PolicyFailure(9);
+
+constexpr size_t kMaxPathUnits = 260;
+// One unit more than the largest text that is read, so that one without a null is ended too.
+using PolicyText = WCHAR[kMaxPathUnits + 1];
+
+// False for a value of another type, an empty text, and one of more than 520 bytes.
+bool ReadText(HKEY key, const WCHAR* name, PolicyText& text) {
+  std::fill(std::begin(text), std::end(text), WCHAR{});
+  DWORD type = REG_NONE;
+  DWORD bytes = kMaxPathUnits * sizeof(WCHAR);
+  const LONG error =
+      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes);
+  return error == ERROR_SUCCESS && type == REG_SZ && text[0] != WCHAR{};
+}
+
+std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
+  DWORD value = 0;
+  DWORD type = REG_NONE;
+  DWORD bytes = sizeof(value);
+  const LONG error =
+      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &bytes);
+  if (error != ERROR_SUCCESS || type != REG_DWORD || bytes == 0) return std::nullopt;
+  return value;
+}
+
+LONG OpenForReading(const WCHAR* path, pal::UniqueRegistryKey& key) {
+  return pal::OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE, key);
+}
+
+bool FeaturePath(const WCHAR* feature, std::span<WCHAR> path) {
+  return pal::Copy(path, pal::kPolicyPath) && pal::Append(path, TEXT("\\")) &&
+         pal::Append(path, feature);
+}
+
+// The key of a feature. A name that is too long for a key's path names no key.
+bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, pal::UniqueRegistryKey& key) {
+  bool opened = false;
+  if (FeaturePath(feature, path)) {
+    kTrace.Info("IsDisabledByPolicy - Open indirect subkey: %ls", path.data());
+    opened = OpenForReading(path.data(), key) == ERROR_SUCCESS;
+  }
+  // The root alone, on purpose: the line before this one has the whole path.
+  if (!opened) {
+    kTrace.Info("IsDisabledByPolicy - Err open indirect subkey: %ls", pal::kPolicyPath);
+  }
+  return opened;
+}
+
+HRESULT ResultOf(DWORD state) {
+  if (state > 1) return kStateOutOfRange;
+  return state == 0 ? pal::kPolicyEnabled : pal::kPolicyDisabled;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
+  if (feature == nullptr) {
+    kTrace.Info("IsDisabledByPolicy - Invalid input ( feature )");
+    return kNoFeature;
+  }
+  WCHAR feature_path[kMaxPathUnits] = {};
+  pal::UniqueRegistryKey feature_key;
+  if (!OpenFeature(feature, feature_path, feature_key)) return kFeatureNotOpened;
+
+  PolicyText text;
+  if (!ReadText(feature_key.get(), TEXT("PolicyLocation"), text)) {
+    kTrace.Info("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls", feature_path);
+    return kLocationNotRead;
+  }
+  pal::UniqueRegistryKey state_key;
+  if (OpenForReading(text, state_key) != ERROR_SUCCESS) {
+    kTrace.Info("IsDisabledByPolicy - Tavi key nonexistant.  Assume enabled");
+    return pal::kPolicyEnabled;
+  }
+  if (!ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
+    kTrace.Info("IsDisabledByPolicy - Err Reading policy indirect keyname");
+    return kStateNotRead;
+  }
+  const std::optional<DWORD> state = ReadNumber(state_key.get(), text);
+  if (!state) {
+    kTrace.Info("IsDisabledByPolicy - Err Reading policy state keyvalue");
+    return kStateNotRead;
+  }
+  kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", *state);
+  return ResultOf(*state);
+}

@@ -1,0 +1,452 @@
+// How the device was built and what its owner allows, through the exports that say so.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/hardware/hardware.h"
+#include "tests/support/device_test.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+constexpr DWORD kUntouched = 0xDEADBEEF;
+constexpr HRESULT kNoFile = static_cast<HRESULT>(0x80070002);
+constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
+constexpr HRESULT kGeneralFailure = static_cast<HRESULT>(0x8007001F);
+constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
+
+constexpr std::uint16_t kInternalDeviceCode = 0x1A;
+constexpr std::uint16_t kDataCollectionFlags = 0x1B;
+constexpr std::uint16_t kAitBit = 0xD7;
+
+constexpr const char* kPolicy = "HKLM\\Software\\Dravonel\\Policy";
+constexpr const char* kFeature = "HKLM\\Software\\Dravonel\\Policy\\Camera";
+constexpr const char* kStates = "HKLM\\Software\\States";
+
+class ManufacturingOptions : public DeviceTest {
+ protected:
+  void SetUp() override { device.files().CreateFolder("\\ConfigStore"); }
+  void TearDown() override {
+    process.End();
+    DeviceTest::TearDown();
+  }
+
+  using Query = sim::Export<HRESULT(DWORD*)>;
+  // The result of a query with one answer, and that answer.
+  static std::pair<HRESULT, DWORD> Ask(const Query& query) {
+    DWORD answer = kUntouched;
+    const HRESULT result = query(&answer);
+    return {result, answer};
+  }
+
+  void SetParameter(std::uint16_t id, const std::optional<sim::QueryAnswer>& answer) {
+    device.hardware().parameters.erase(id);
+    if (answer) device.hardware().parameters[id] = *answer;
+  }
+
+  // A policy of the feature "Camera" whose state stands in a key of its own.
+  void SetPolicy(DWORD state) {
+    device.registry().SetString(kFeature, "PolicyLocation", "Software\\States");
+    device.registry().SetString(kFeature, "PolicyKey", "CameraOff");
+    device.registry().SetDword(kStates, "CameraOff", state);
+  }
+
+  [[nodiscard]] std::optional<std::string> File(const char* path) {
+    const std::vector<std::uint8_t>* data = device.files().Read(path);
+    if (data == nullptr) return std::nullopt;
+    return std::string(data->begin(), data->end());
+  }
+
+  sim::Process process{device};
+  const sim::Exports& pal = process.exports();
+};
+
+TEST_F(ManufacturingOptions, InternalDeviceTypeComesFromItsParameter) {
+  struct Case {
+    std::optional<sim::QueryAnswer> parameter;
+    DWORD type;
+  };
+  const Case cases[] = {
+      {{{.bytes = {0x0C, 0, 0, 0}}}, 34},
+      {{{.bytes = {0x8C, 0xFF, 0xFF, 0xFF}}}, 34},  // the low 7 bits alone count
+      {{{.bytes = {0x16, 0, 0, 0}}}, 47},           // the second of two rows of one name
+      {{{.bytes = {0x1C, 0, 0, 0}}}, 56},           // behind the name table
+      {{{.bytes = {0x0B, 0, 0, 0}}}, 254},
+      {{{.bytes = {0x00, 0, 0, 0}}}, 255},
+      {{{.bytes = {0x03}}}, 8},
+      {{{.bytes = {}}}, 255},  // bytes that are not there are 0
+      {{{.bytes = {0x02, 0, 0, 0, 1, 1, 1, 1}, .returned = 0xFFFFFFFF}}, 15},
+      {{{.error = 5}}, 34},
+      {std::nullopt, 34},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(&test - cases);
+    SetParameter(kInternalDeviceCode, test.parameter);
+    DWORD type = kUntouched;
+    DWORD s6_installed = kUntouched;
+    EXPECT_EQ(pal.PALMFGOpt_InternalDeviceType(&type, &s6_installed), S_OK);
+    EXPECT_EQ(type, test.type);
+    EXPECT_EQ(s6_installed, 0u);
+  }
+}
+
+TEST_F(ManufacturingOptions, DatacollHasOrientationRotationAndTheSecondDevice) {
+  struct Answers {
+    HRESULT result;
+    DWORD type, orientation, rotation;
+  };
+  struct Case {
+    std::optional<std::string> file;
+    Answers answers;
+  };
+  const Case cases[] = {
+      {std::nullopt, {kNoFile, 255, 0, 0}},
+      {"", {E_FAIL, 255, 0, 0}},
+      {"\xFF\xFF", {S_OK, 255, 0, 0}},
+      {"\xFF\xFF\x19", {S_OK, 52, 0, 0}},
+      {"\xFF\xFF\x99\xFF", {S_OK, 254, 0, 0}},  // here the high bit counts
+      {"\xFF\xFF\x00\xFF\x82"s, {S_OK, 255, 0x82, 0}},
+      {"\xFF\xFF\x01\xFF\x02\xFE", {S_OK, 11, 2, 0xFE}},
+      {"\xFF\xFF\x01\xFF\x02\x03" + std::string(3000, '\x55'), {S_OK, 11, 2, 3}},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(&test - cases);
+    device.files().Remove("\\ConfigStore\\datacoll");
+    if (test.file) device.files().Write("\\ConfigStore\\datacoll", *test.file);
+    const auto& [result, type, orientation, rotation] = test.answers;
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(result, type));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(result, orientation));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2_MountingRotation), std::pair(result, rotation));
+  }
+  EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1023]=85").size(), 3u);
+  EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1024]").size(), 0u);
+}
+
+TEST_F(ManufacturingOptions, DatacollThatCannotBeReadGivesDefaultsAndTheError) {
+  device.files().Write("\\ConfigStore\\datacoll", "\x01\x01\x01\x01\x01\x01");
+  struct Case {
+    const char* call;
+    unsigned nth;
+    std::uint32_t error;
+    HRESULT result;
+  };
+  for (const Case& test :
+       {Case{"CreateFileW", 1, 32, kSharingViolation}, Case{"ReadFile", 1, 31, kGeneralFailure}}) {
+    device.PlanFault({.call = test.call, .from_then_on = true, .error = test.error});
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(test.result, DWORD{255}));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(test.result, DWORD{0}));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2_MountingRotation),
+              std::pair(test.result, DWORD{0}));
+    EXPECT_EQ(process.open_handles(), 0u);
+    device.ClearFaults();
+  }
+}
+
+TEST_F(ManufacturingOptions, CameraNeedsTheParameterAndTheOwnersLeave) {
+  struct Case {
+    std::optional<sim::QueryAnswer> ait;
+    std::optional<DWORD> disable;
+    DWORD enabled;
+  };
+  const sim::QueryAnswer zero{.bytes = {0, 0, 0, 0}};
+  const Case cases[] = {
+      {zero, std::nullopt, 1},
+      {zero, 0, 1},
+      {zero, 1, 0},
+      {zero, 0x100, 0},
+      {std::nullopt, 0, 1},
+      {std::nullopt, 1, 0},
+      {{{.bytes = {1}}}, 0, 0},
+      {{{.bytes = {0, 0, 0, 0x80}}}, std::nullopt, 0},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(&test - cases);
+    SetParameter(kAitBit, test.ait);
+    device.registry().RemoveTree(kPolicy);
+    if (test.disable) device.registry().SetDword(kPolicy, "DisableImageCapture", *test.disable);
+    device.journal().Clear();
+    EXPECT_EQ(Ask(pal.PALMFGOpt_IsCameraEnabled), std::pair(S_OK, test.enabled));
+    EXPECT_EQ(device.journal().Texts(sim::Effect::kDebug).size(), test.ait ? 0u : 1u);
+  }
+}
+
+TEST_F(ManufacturingOptions, ContentIsEnabledUnlessItsFlagsAreZero) {
+  SetParameter(kDataCollectionFlags, sim::QueryAnswer{.bytes = {0, 0, 0, 0}});
+  EXPECT_EQ(Ask(pal.PALMFGOpt_IsDataCollectionContentEnabled), std::pair(S_OK, DWORD{0}));
+  EXPECT_EQ(Ask(pal.PALMFGOpt_IsDravonelContentEnabled), std::pair(S_OK, DWORD{1}));
+  SetParameter(kDataCollectionFlags, sim::QueryAnswer{.bytes = {0, 0x40}});
+  EXPECT_EQ(Ask(pal.PALMFGOpt_IsDataCollectionContentEnabled), std::pair(S_OK, DWORD{1}));
+  SetParameter(kDataCollectionFlags, std::nullopt);
+  EXPECT_EQ(Ask(pal.PALMFGOpt_IsDataCollectionContentEnabled), std::pair(E_FAIL, DWORD{1}));
+}
+
+constexpr HRESULT kEnabled = 0x04320001;
+constexpr HRESULT kDisabled = 0x04320002;
+constexpr HRESULT kStateNotRead = static_cast<HRESULT>(0x84320004);
+constexpr HRESULT kLocationNotRead = static_cast<HRESULT>(0x84320006);
+constexpr HRESULT kNoFeatureKey = static_cast<HRESULT>(0x84320007);
+constexpr HRESULT kStateOutOfRange = static_cast<HRESULT>(0x84320008);
+constexpr HRESULT kNoFeature = static_cast<HRESULT>(0x84320009);
+
+// A fault of one value of a policy that otherwise says "disabled".
+struct PolicyCase {
+  const char* what;
+  HRESULT result;
+  void (*arrange)(sim::Registry& registry);
+};
+
+constexpr PolicyCase kPolicyCases[] = {
+    {"disabled", kDisabled, [](sim::Registry&) {}},
+    {"enabled", kEnabled, [](sim::Registry& r) { r.SetDword(kStates, "CameraOff", 0); }},
+    {"neither", kStateOutOfRange, [](sim::Registry& r) { r.SetDword(kStates, "CameraOff", 2); }},
+    {"no feature", kNoFeatureKey, [](sim::Registry& r) { r.RemoveTree(kFeature); }},
+    {"no location", kLocationNotRead,
+     [](sim::Registry& r) { r.Find(kFeature)->DeleteValue(u"PolicyLocation"); }},
+    {"location too long", kLocationNotRead,
+     [](sim::Registry& r) { r.SetString(kFeature, "PolicyLocation", std::string(260, 'x')); }},
+    {"location empty", kLocationNotRead,
+     [](sim::Registry& r) { r.SetRaw(kFeature, "PolicyLocation", REG_SZ, {}); }},
+    {"location is no text", kLocationNotRead,
+     [](sim::Registry& r) { r.SetDword(kFeature, "PolicyLocation", 1); }},
+    {"location without its null", kDisabled,
+     [](sim::Registry& r) {
+       std::vector<std::uint8_t> data = sim::StringData(u"Software\\States");
+       data.resize(data.size() - 2);
+       r.SetRaw(kFeature, "PolicyLocation", REG_SZ, data);
+     }},
+    {"location names no key", kEnabled, [](sim::Registry& r) { r.RemoveTree(kStates); }},
+    {"no name", kStateNotRead,
+     [](sim::Registry& r) {
+       r.Find(kFeature)->DeleteValue(u"PolicyKey");
+       r.SetString(kStates, "PolicyKey", "CameraOff");  // the wrong key to look in
+     }},
+    {"no state", kStateNotRead,
+     [](sim::Registry& r) { r.Find(kStates)->DeleteValue(u"CameraOff"); }},
+    {"state empty", kStateNotRead,
+     [](sim::Registry& r) { r.SetRaw(kStates, "CameraOff", REG_DWORD, {}); }},
+    {"state too long", kStateNotRead,
+     [](sim::Registry& r) {
+       r.SetRaw(kStates, "CameraOff", REG_DWORD, {1, 0, 0, 0, 0});
+     }},
+    {"state short", kDisabled,
+     [](sim::Registry& r) { r.SetRaw(kStates, "CameraOff", REG_DWORD, {1}); }},
+    {"state is no number", kStateNotRead,
+     [](sim::Registry& r) { r.SetString(kStates, "CameraOff", "1"); }},
+};
+
+TEST_F(ManufacturingOptions, PoliciesAnswerByTheirResultAndCloseTheirKeys) {
+  for (const PolicyCase& test : kPolicyCases) {
+    SetPolicy(1);
+    test.arrange(device.registry());
+    EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result) << test.what;
+    EXPECT_EQ(process.open_handles(), 0u) << test.what;
+    device.registry().RemoveTree(kPolicy);
+    device.registry().RemoveTree(kStates);
+  }
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(nullptr), kNoFeature);
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry), std::vector<std::string>{});
+}
+
+TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
+  struct Case {
+    const char* call;
+    unsigned nth;
+    HRESULT result;
+  };
+  SetPolicy(1);
+  for (const Case& test : {
+           Case{"RegOpenKeyExW", 1, kNoFeatureKey},
+           Case{"RegQueryValueExW", 1, kLocationNotRead},
+           Case{"RegOpenKeyExW", 2, kEnabled},
+           Case{"RegQueryValueExW", 2, kStateNotRead},
+           Case{"RegQueryValueExW", 3, kStateNotRead},
+       }) {
+    device.PlanFault({.call = test.call, .nth = test.nth, .error = 5});
+    EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result)
+        << test.call << test.nth;
+    EXPECT_EQ(process.open_handles(), 0u);
+    device.ClearFaults();
+  }
+}
+
+TEST_F(ManufacturingOptions, PoliciesHaveNamesOfAtMost234Units) {
+  std::u16string name(234, u'f');
+  device.registry().Create(kPolicy + ("\\" + std::string(234, 'f')));
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), kLocationNotRead);
+  name += u'f';
+  const unsigned opens = device.calls("RegOpenKeyExW");
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), kNoFeatureKey);
+  EXPECT_EQ(device.calls("RegOpenKeyExW"), opens);
+}
+
+TEST_F(ManufacturingOptions, BluetoothIsInstalledUnlessItsPolicyDisablesIt) {
+  const std::string feature = kPolicy + "\\Bluetooth"s;
+  EXPECT_EQ(Ask(pal.PALMFGOpt_IsBluetoothModuleInstalled), std::pair(S_OK, DWORD{1}));
+  device.registry().SetString(feature, "PolicyLocation", "Software\\States");
+  device.registry().SetString(feature, "PolicyKey", "NoRadio");
+  for (const auto& [state, installed] : {std::pair{0u, 1u}, {1u, 0u}, {2u, 1u}}) {
+    device.registry().SetDword(kStates, "NoRadio", state);
+    EXPECT_EQ(Ask(pal.PALMFGOpt_IsBluetoothModuleInstalled), std::pair(S_OK, DWORD{installed}));
+  }
+}
+
+constexpr const char* kDpmFile = "\\ConfigStore\\DCEDPM";
+
+TEST_F(ManufacturingOptions, DpmStatusKeepsOneByteForScanType4AndOneForTheOthers) {
+  DWORD status = kUntouched;
+  EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), S_OK);
+  EXPECT_EQ(status, 0u);
+  EXPECT_EQ(File(kDpmFile), "\0\0"s) << "created by the first to ask";
+  EXPECT_EQ(TraceLines("PALMFGOpt_GetDPMStatus"),
+            std::vector<std::string>{"PALMFGOpt_GetDPMStatus. eScanType: 4, hr: 0x0,*peStatus:0, "
+                                     "dwBytesRead:2"})
+      << "a new file is read from its start";
+  device.files().Remove(kDpmFile);
+
+  EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 0x101), S_OK);
+  EXPECT_EQ(File(kDpmFile), "\0\x01"s);
+  for (const DWORD scan_type : {0u, 5u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(scan_type, 0xFFFFFF90 + scan_type), S_OK);
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(scan_type, &status), S_OK);
+    EXPECT_EQ(status, (0x90 + scan_type) & 0xFF);
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), S_OK);
+    EXPECT_EQ(status, 1u);
+  }
+}
+
+TEST_F(ManufacturingOptions, DpmStatusTakesFilesThatAreShortOrLong) {
+  struct Case {
+    std::string file;
+    DWORD type4, other;
+    std::string after;
+  };
+  for (const Case& test : {Case{"", 0, 0, "\0\x07"s}, Case{"\x05", 0, 5, "\x05\x07"},
+                           Case{"\x05\x06\x07", 6, 5, "\x05\x07\x07"}}) {
+    device.files().Write(kDpmFile, test.file);
+    DWORD status = kUntouched;
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), S_OK);
+    EXPECT_EQ(status, test.type4);
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(0, &status), S_OK);
+    EXPECT_EQ(status, test.other);
+    EXPECT_EQ(File(kDpmFile), test.file);
+    EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 7), S_OK);
+    EXPECT_EQ(File(kDpmFile), test.after);
+  }
+}
+
+struct DpmFault {
+  std::optional<std::string> file;  // before
+  sim::Fault fault;
+  HRESULT result;
+  std::optional<std::string> after;
+};
+
+TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
+  const std::string old = "\x05\x06";
+  const DpmFault cases[] = {
+      {old, {.call = "CreateFileW", .error = 5}, kAccessDenied, old},
+      {std::nullopt, {.call = "CreateFileW", .nth = 2, .error = 5}, kAccessDenied, std::nullopt},
+      {std::nullopt, {.call = "WriteFile"}, kGeneralFailure, ""},
+      {std::nullopt, {.call = "WriteFile", .nth = 2}, kGeneralFailure, "\0\0"s},
+      {old, {.call = "SetFilePointer"}, kGeneralFailure, old},
+      {old, {.call = "WriteFile"}, kGeneralFailure, old},
+      {old, {.call = "WriteFile", .transfers = 0}, E_FAIL, old},
+      {std::nullopt, {.call = "WriteFile", .transfers = 1}, S_OK, "\0\x09"s},
+      // Another process makes the file between the two opens.
+      {old, {.call = "CreateFileW", .error = 2}, static_cast<HRESULT>(0x80070050), old},
+  };
+  for (const DpmFault& test : cases) {
+    SCOPED_TRACE(&test - cases);
+    device.files().Remove(kDpmFile);
+    if (test.file) device.files().Write(kDpmFile, *test.file);
+    device.PlanFault(test.fault);
+    EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 9), test.result);
+    EXPECT_EQ(File(kDpmFile), test.after);
+    EXPECT_EQ(process.open_handles(), 0u);
+    device.ClearFaults();
+  }
+}
+
+TEST_F(ManufacturingOptions, DpmStatusThatCannotBeReadIsZero) {
+  const std::string old = "\x05\x06";
+  const DpmFault cases[] = {
+      {old, {.call = "CreateFileW", .error = 5}, kAccessDenied, old},
+      {std::nullopt, {.call = "CreateFileW", .nth = 2, .error = 5}, kAccessDenied, std::nullopt},
+      {std::nullopt, {.call = "WriteFile"}, kGeneralFailure, ""},
+      {old, {.call = "SetFilePointer"}, kGeneralFailure, old},
+      {old, {.call = "ReadFile"}, kGeneralFailure, old},
+      {old, {.call = "ReadFile", .transfers = 1}, S_OK, old},
+  };
+  for (const DpmFault& test : cases) {
+    SCOPED_TRACE(&test - cases);
+    device.files().Remove(kDpmFile);
+    if (test.file) device.files().Write(kDpmFile, *test.file);
+    device.PlanFault(test.fault);
+    DWORD status = kUntouched;
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), test.result);
+    EXPECT_EQ(status, 0u);
+    EXPECT_EQ(File(kDpmFile), test.after);
+    EXPECT_EQ(process.open_handles(), 0u);
+    device.ClearFaults();
+  }
+}
+
+TEST_F(ManufacturingOptions, NullPointersAreRefusedBeforeAnythingIsDone) {
+  const unsigned calls = device.calls();
+  DWORD type = kUntouched;
+  EXPECT_EQ(pal.PALMFGOpt_InternalDeviceType(nullptr, &type), E_FAIL);
+  EXPECT_EQ(pal.PALMFGOpt_InternalDeviceType(&type, nullptr), E_FAIL);
+  EXPECT_EQ(type, kUntouched);
+  for (const Query& query :
+       {pal.PALMFGOpt_InternalDevice2Type, pal.PALMFGOpt_InternalDevice_ImageOrientation,
+        pal.PALMFGOpt_InternalDevice2_MountingRotation, pal.PALMFGOpt_IsCameraEnabled,
+        pal.PALMFGOpt_IsDravonelContentEnabled, pal.PALMFGOpt_IsDataCollectionContentEnabled,
+        pal.PALMFGOpt_IsBluetoothModuleInstalled}) {
+    EXPECT_EQ(query(nullptr), E_FAIL);
+  }
+  EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, nullptr), E_FAIL);
+  EXPECT_EQ(device.calls(), calls);
+}
+
+TEST_F(ManufacturingOptions, StepsAreTraced) {
+  device.files().Write("\\ConfigStore\\datacoll", "\x01\x02\x7F");
+  SetParameter(kInternalDeviceCode, sim::QueryAnswer{.bytes = {0x7F}});
+  DWORD number = 0;
+  DWORD s6_installed = 0;
+  pal.PALMFGOpt_InternalDeviceType(&number, &s6_installed);
+  pal.PALMFGOpt_InternalDevice2Type(&number);
+  SetPolicy(3);
+  pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera"));
+  pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Other"));
+  device.files().Write(kDpmFile, "\x05");
+  pal.PALMFGOpt_GetDPMStatus(2, &number);
+  std::vector<std::string> lines = CategorisedLines();
+  std::erase_if(lines,
+                [](const std::string& line) { return line.find("hFile:0x") != std::string::npos; });
+  EXPECT_EQ(
+      lines,
+      (std::vector<std::string>{
+          "0x43F00000 Entry PALMFGOpt_InternalDeviceType",
+          "0x43F00000 EEP DeviceType: 0x7f",
+          "0xC3F00000 Did not find device type 0x7f",
+          "0x43F00000 Exit PALMFGOpt_InternalDeviceType hr: 0x0, DeviceType: 254, S6 Installed: 0",
+          "0x43F00000 Entry PALMFGOpt_InternalDevice2Type,SECOND_INTERNAL_DEVICE_OFFSET:2 ",
+          "0x43F00000 Entry LoadCFGDatacoll, dwMaxDataSizeBytes:1024",
+          "0x43F00000 LoadCFGDatacoll, rgucCFGData[0]=1",
+          "0x43F00000 LoadCFGDatacoll, rgucCFGData[1]=2",
+          "0x43F00000 LoadCFGDatacoll, rgucCFGData[2]=127",
+          "0x43F00000 Exit LoadCFGDatacoll, hr:0x0, dwBytesRead:3, *pdwDataSizeBytes:3",
+          "0x43F00000 Did not find device type 127",
+          "0x43F00000 Exit PALMFGOpt_InternalDevice2Type hr: 0x0, *peDeviceType: 254",
+          "0x43F00000 IsDisabledByPolicy - Open indirect subkey: "
+          "Software\\Dravonel\\Policy\\Camera",
+          "0x43F00000 IsDisabledByPolicy - Disabled keyvalue state:3",
+          "0x43F00000 IsDisabledByPolicy - Open indirect subkey: Software\\Dravonel\\Policy\\Other",
+          "0x43F00000 IsDisabledByPolicy - Err open indirect subkey: Software\\Dravonel\\Policy",
+          "0x43F00000 PALMFGOpt_GetDPMStatus. dwBytesRead:1 != 2",
+          "0x43F00000 PALMFGOpt_GetDPMStatus. eScanType: 2, hr: 0x0,*peStatus:5, dwBytesRead:1",
+      }));
+}
+
+}  // namespace
