@@ -24,14 +24,14 @@ HRESULT ReadDatacoll(std::span<BYTE> data, DWORD& bytes_read) {
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) {
     const DWORD error = GetLastError();
-    kTrace.Info("LoadCFGDatacoll - CreateFile() error, GetLastError:0x%x", error);
+    kTrace.Error("LoadCFGDatacoll - CreateFile() error, GetLastError:0x%x", error);
     return pal::HResultFromWin32(error);
   }
   if (ReadFile(file.get(), data.data(), static_cast<DWORD>(data.size()), &bytes_read, nullptr) ==
       FALSE) {
     const DWORD error = GetLastError();
     bytes_read = 0;
-    kTrace.Info("LoadCFGDatacoll - ReadFile() error, GetLastError:0x%x", error);
+    kTrace.Error("LoadCFGDatacoll - ReadFile() error, GetLastError:0x%x", error);
     return pal::HResultFromWin32(error);
   }
   for (DWORD at = 0; at < bytes_read; ++at) {
@@ -82,8 +82,8 @@ HRESULT PALAPI PALMFGOpt_InternalDevice2Type(DWORD* type) {
   DWORD data_bytes = 0;
   const HRESULT result = LoadCFGDatacoll(data, data_bytes);
   if (pal::Failed(result) || data_bytes <= kSecondInternalDeviceOffset) {
-    kTrace.Info("PALMFGOpt_InternalDevice2Type error hr:0x%x, dwDataSizeBytes:%d", result,
-                data_bytes);
+    kTrace.Error("PALMFGOpt_InternalDevice2Type error hr:0x%x, dwDataSizeBytes:%d", result,
+                 data_bytes);
     return result;
   }
   *type = SecondDeviceType(data[kSecondInternalDeviceOffset]);

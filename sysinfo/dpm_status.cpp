@@ -27,7 +27,7 @@ HRESULT WriteInitValue(HANDLE store) {
   DWORD bytes_written = 0;
   if (WriteFile(store, kInitValue.data(), sizeof(kInitValue), &bytes_written, nullptr) == FALSE) {
     const DWORD error = GetLastError();
-    kTrace.Info("PALMFGOpt_OpenDPMCStore. Failed to Write Init value, error:%d", error);
+    kTrace.Error("PALMFGOpt_OpenDPMCStore. Failed to Write Init value, error:%d", error);
     return pal::HResultFromWin32(error);
   }
   kTrace.Info("PALMFGOpt_OpenDPMCStore. Successfull write %d byte", bytes_written);
@@ -45,7 +45,7 @@ HRESULT OpenOrCreateStore(DWORD access, pal::UniqueFile& store) {
     kTrace.Info("PALMFGOpt_OpenDPMCStore.CREATE_NEW - hFile:0x%x", store.get());
     if (store) return WriteInitValue(store.get());
   }
-  kTrace.Info("PALMFGOpt_OpenDPMCStore Failed to open \\ConfigStore\\DCEDPM, LastError:%d", error);
+  kTrace.Error("PALMFGOpt_OpenDPMCStore Failed to open \\ConfigStore\\DCEDPM, LastError:%d", error);
   return pal::HResultFromWin32(error);
 }
 
@@ -87,8 +87,8 @@ HRESULT ReadStatuses(DpmStatuses& statuses, DWORD& bytes_read) {
     return LastErrorResult();
   }
   if (bytes_read != statuses.size()) {
-    kTrace.Info("PALMFGOpt_GetDPMStatus. dwBytesRead:%d != %d", bytes_read,
-                static_cast<DWORD>(sizeof(statuses)));
+    kTrace.Error("PALMFGOpt_GetDPMStatus. dwBytesRead:%d != %d", bytes_read,
+                 static_cast<DWORD>(sizeof(statuses)));
   }
   return S_OK;
 }

@@ -36,7 +36,7 @@ std::optional<DWORD> ReadParameter(std::span<const BYTE> request) {
 DWORD ReadInternalDeviceType() {
   const std::optional<DWORD> parameter = ReadParameter(kInternalDeviceCode);
   if (!parameter) {
-    kTrace.Info("KernelIoControl (IOCTL_HAL_DVL_READ_PARM) error: %x", GetLastError());
+    kTrace.Error("KernelIoControl (IOCTL_HAL_DVL_READ_PARM) error: %x", GetLastError());
     kTrace.Info("Hardcoding Internal Device type as ENG17");
     return kFallbackDeviceType;
   }
@@ -96,7 +96,7 @@ HRESULT PALAPI PALMFGOpt_IsDataCollectionContentEnabled(DWORD* enabled) {
   *enabled = 1;
   const std::optional<DWORD> flags = ReadParameter(kDataCollectionFlags);
   if (!flags) {
-    kTrace.Info("KernelIoControl (DVL_NVPARM_DATACOLLECTION_FLAGS) error: %x", GetLastError());
+    kTrace.Error("KernelIoControl (DVL_NVPARM_DATACOLLECTION_FLAGS) error: %x", GetLastError());
     return E_FAIL;
   }
   *enabled = *flags != 0 ? 1 : 0;

@@ -65,7 +65,7 @@ bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, pal::UniqueRegistr
   }
   // The root alone, on purpose: the line before this one has the whole path.
   if (!opened) {
-    kTrace.Info("IsDisabledByPolicy - Err open indirect subkey: %ls", pal::kPolicyPath);
+    kTrace.Error("IsDisabledByPolicy - Err open indirect subkey: %ls", pal::kPolicyPath);
   }
   return opened;
 }
@@ -79,7 +79,7 @@ HRESULT ResultOf(DWORD state) {
 
 HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   if (feature == nullptr) {
-    kTrace.Info("IsDisabledByPolicy - Invalid input ( feature )");
+    kTrace.Error("IsDisabledByPolicy - Invalid input ( feature )");
     return kNoFeature;
   }
   WCHAR feature_path[kMaxPathUnits] = {};
@@ -88,7 +88,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
 
   PolicyText text;
   if (!ReadText(feature_key.get(), TEXT("PolicyLocation"), text)) {
-    kTrace.Info("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls", feature_path);
+    kTrace.Error("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls", feature_path);
     return kLocationNotRead;
   }
   pal::UniqueRegistryKey state_key;
@@ -97,12 +97,12 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
     return pal::kPolicyEnabled;
   }
   if (!ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
-    kTrace.Info("IsDisabledByPolicy - Err Reading policy indirect keyname");
+    kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
     return kStateNotRead;
   }
   const std::optional<DWORD> state = ReadNumber(state_key.get(), text);
   if (!state) {
-    kTrace.Info("IsDisabledByPolicy - Err Reading policy state keyvalue");
+    kTrace.Error("IsDisabledByPolicy - Err Reading policy state keyvalue");
     return kStateNotRead;
   }
   kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", *state);

@@ -99,7 +99,7 @@ bool PALOneWire::Open() {
                             FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
                             nullptr));
   if (!driver_) {
-    kTrace.Info("PALOneWire::Open - Error opening OneWire driver, %d", GetLastError());
+    kTrace.Error("PALOneWire::Open - Error opening OneWire driver, %d", GetLastError());
   }
   return static_cast<bool>(driver_);
 }

@@ -443,8 +443,8 @@ TEST_F(ManufacturingOptions, StepsAreTraced) {
           "Software\\Dravonel\\Policy\\Camera",
           "0x43F00000 IsDisabledByPolicy - Disabled keyvalue state:3",
           "0x43F00000 IsDisabledByPolicy - Open indirect subkey: Software\\Dravonel\\Policy\\Other",
-          "0x43F00000 IsDisabledByPolicy - Err open indirect subkey: Software\\Dravonel\\Policy",
-          "0x43F00000 PALMFGOpt_GetDPMStatus. dwBytesRead:1 != 2",
+          "0xC3F00000 IsDisabledByPolicy - Err open indirect subkey: Software\\Dravonel\\Policy",
+          "0xC3F00000 PALMFGOpt_GetDPMStatus. dwBytesRead:1 != 2",
           "0x43F00000 PALMFGOpt_GetDPMStatus. eScanType: 2, hr: 0x0,*peStatus:5, dwBytesRead:1",
       }));
 }
