@@ -26,6 +26,17 @@ PAL_INTERFACE_BEGIN
  */
 HRESULT PALAPI PALMFGOpt_ConfigStoreRegUpdate(void);
 
+/**
+ * Tells whether the data-collection content may be used: the flags of non-volatile parameter 0x1B,
+ * read anew at every call.
+ *
+ * @param enabled  Receives 1 where any flag is set, 0 where none is. Not null. Where the parameter
+ *                 cannot be read it is 1.
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The parameter cannot be read, or @p enabled is null.
+ */
+HRESULT PALAPI PALMFGOpt_IsDataCollectionContentEnabled(DWORD* enabled);
+
 PAL_INTERFACE_END
 
 #endif /* PALMFGOPT_H_ */
