@@ -16,14 +16,15 @@ constexpr DWORD kBufferOverflow = 111;
 constexpr UINT kEthernet = 6;
 constexpr std::string_view kUsbAdapter = "RNDISFN1";
 constexpr size_t kAddressBytes = 6;
+constexpr std::string_view kNoAddress = "000000000000";
 
 using AddressText = std::array<char, 2 * kAddressBytes>;
 
 constinit IdentityCache<16> cache;
 
-AddressText Zeros() {
+AddressText CopyOf(std::string_view address) {
   AddressText text{};
-  text.fill('0');
+  std::copy_n(address.begin(), std::min(address.size(), text.size()), text.begin());
   return text;
 }
 
@@ -34,7 +35,7 @@ bool IsWired(const IP_ADAPTER_INFO& adapter) {
 
 AddressText TextOfFirstWired(const IP_ADAPTER_INFO* adapter) {
   while (adapter != nullptr && !IsWired(*adapter)) adapter = adapter->Next;
-  AddressText text = Zeros();
+  AddressText text = CopyOf(kNoAddress);
   if (adapter == nullptr) return text;
   char* end = text.data();
   for (const BYTE byte : std::span(adapter->Address).first(kAddressBytes)) {
@@ -46,11 +47,8 @@ AddressText TextOfFirstWired(const IP_ADAPTER_INFO* adapter) {
 }  // namespace
 
 std::array<char, 12> AdapterAddress() {
-  AddressText text = Zeros();
-  if (const std::string_view cached = cache.text(); !cached.empty()) {
-    std::copy_n(cached.begin(), std::min(cached.size(), text.size()), text.begin());
-    return text;
-  }
+  if (const std::string_view cached = cache.text(); !cached.empty()) return CopyOf(cached);
+  AddressText text = CopyOf(kNoAddress);
   ULONG bytes = 0;
   if (GetAdaptersInfo(nullptr, &bytes) != kBufferOverflow) return text;
   if (bytes < sizeof(IP_ADAPTER_INFO)) return text;

@@ -19,6 +19,9 @@ constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit b
 
 constexpr std::array kSections{
     DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"parameters", &ReadParameters},
+    DescriptionSection{"system", &ReadSystem},
+    DescriptionSection{"adapters", &ReadAdapters},
 };
 
 // device.toml, in the two parts that it has.
