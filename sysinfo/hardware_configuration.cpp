@@ -30,9 +30,8 @@ std::string_view ReadConfiguration(const pal::OemInformation& oem, Configuration
   pal::IdentityRegistryText registry_text;
   DWORD bytes = 0;
   std::string_view text;
-  if (PalReadNvParm(pal::ParameterRequest(parameter), answer, bytes)) {
-    text = pal::TextOf(std::span(answer).first(bytes));
-  }
+  // Whatever the count says: the zeros of the buffer end what was written.
+  if (PalReadNvParm(pal::ParameterRequest(parameter), answer, bytes)) text = pal::TextOf(answer);
   if (text.empty()) text = pal::ReadIdentityRegistry(TEXT("HardwareCfgString"), registry_text);
   if (text.empty()) text = "CG0";
   text = text.substr(0, kConfigurationBytes - 1);

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "frame/text.h"
+#include "platform/wince.h"
 
 namespace pal {
 
@@ -19,22 +20,22 @@ class IdentityCache {
   // Empty until it is filled.
   [[nodiscard]] std::string_view text() const {
     // Pairs with the release in Fill: who sees the flag sees the text.
-    if (!filled_.load(std::memory_order_acquire)) return {};
+    if (filled_.load(std::memory_order_acquire) == FALSE) return {};
     return {text_, Length<char>(text_)};
   }
 
   // A longer text is cut; an empty one does not fill.
   void Fill(std::string_view text) {
-    if (text.empty() || claimed_.exchange(true, std::memory_order_relaxed)) return;
+    if (text.empty() || claimed_.exchange(TRUE, std::memory_order_relaxed) != FALSE) return;
     text = text.substr(0, kSize - 1);
     std::copy(text.begin(), text.end(), text_);
-    filled_.store(true, std::memory_order_release);
+    filled_.store(TRUE, std::memory_order_release);
   }
 
  private:
   char text_[kSize] = {};
-  std::atomic<bool> claimed_{false};
-  std::atomic<bool> filled_{false};
+  std::atomic<BOOL> claimed_{FALSE};
+  std::atomic<BOOL> filled_{FALSE};
 };
 
 }  // namespace pal
