@@ -7,5 +7,6 @@
 
 #include "palmfgopt.h"
 #include "palonewire.h"
+#include "palsysinfo.h"
 
 #endif /* PAL_H_ */

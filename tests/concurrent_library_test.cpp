@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/sim/exports.h"
+#include "platform/sim/hardware/hardware.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -57,6 +58,28 @@ TEST_F(Concurrent, TwoThreadsFreeAnEventLogWithoutItsEntryOnce) {
   RunTwice(process, [&] {
     for (int line = 0; line < 200; ++line) process->trace(0, kCategory, "lost");
   });
+}
+
+// Both find the caches empty, and none of them gives out a text that is half written.
+TEST_F(Concurrent, TwoThreadsAskFirstForTheIdentity) {
+  device.hardware().system.oem_information = sim::WideTextAnswer(u"Greywing");
+  device.hardware().adapters = {{"ISA1", {0, 0x0A, 0x1B, 0x2C, 0x3D, 0x4E}}};
+  for (int round = 0; round < 30; ++round) {
+    sim::Process process(device);
+    const auto ask = [&process] {
+      for (int query = 0; query < 3; ++query) {
+        char buffer[64] = {};
+        EXPECT_EQ(process.exports().PALSysinfo_GetSerialNumberA(buffer), S_OK);
+        EXPECT_STREQ(buffer, "000a1b2c3d4e");
+        EXPECT_EQ(process.exports().PALSysinfo_GetHardwareConfigurationA(buffer), S_OK);
+        EXPECT_STREQ(buffer, "CG0");
+      }
+    };
+    sim::Thread first = process.Start(ask);
+    sim::Thread second = process.Start(ask);
+    EXPECT_TRUE(first.Join());
+    EXPECT_TRUE(second.Join());
+  }
 }
 
 TEST_F(Concurrent, TwoProcessesUpdateTheRegistryAtOnce) {

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <map>
 
+#include "platform/sim/hardware/hardware.h"
 #include "tests/support/command_line.h"
 
 namespace {
@@ -76,6 +77,31 @@ TEST_F(DeviceFolderTest, LoadFillsANewDevice) {
   ASSERT_EQ(device.modules().size(), 1U);
   EXPECT_EQ(device.modules().front().name, "DVLEventLog.dll");
   EXPECT_TRUE(device.modules().front().entries.empty());
+}
+
+TEST_F(DeviceFolderTest, LoadReadsTheIdentity) {
+  Put("device.toml",
+      "name = \"x\"\n[parameters]\n0x00D5 = \"RM\"\n0xFFFF = { hex = \"01 fF\", returned = 9 }\n"
+      "0x0001 = { error = 31 }\n[system]\noem_information = \"\u00c4\"\nfirmware = \"1.20\"\n"
+      "device_id = \"G\"\nos = { minor = 1 }\n"
+      "[[adapters]]\nname = \"A\"\ntype = 71\naddress = \"0A0B\"\n");
+  sim::Device device;
+  sim::LoadDevice(device, folder);
+  using Bytes = std::vector<std::uint8_t>;
+  auto& hardware = device.hardware();
+  EXPECT_EQ(hardware.parameters[0x00D5].bytes, (Bytes{'R', 'M', 0}));
+  EXPECT_EQ(hardware.parameters[0xFFFF].bytes, (Bytes{1, 0xFF}));
+  EXPECT_EQ(hardware.parameters[0xFFFF].returned, 9U);
+  EXPECT_EQ(hardware.parameters[0x0001].error, 31U);
+  EXPECT_EQ(hardware.system.oem_information.bytes, (Bytes{0xC4, 0, 0, 0}));
+  EXPECT_EQ(hardware.system.firmware_information.bytes.size(), 128U);
+  EXPECT_EQ(hardware.system.firmware_information.bytes[63], '1');
+  EXPECT_EQ(hardware.system.device_id.bytes, (Bytes{29, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 20, 0,  0,
+                                                    0,  9, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  'G'}));
+  EXPECT_EQ(hardware.system.platform_type.error, sim::kErrorNotSupported);
+  EXPECT_EQ(hardware.system.os_version.minor, 1U);
+  ASSERT_EQ(hardware.adapters.size(), 1U);
+  EXPECT_EQ(hardware.adapters[0].address, (Bytes{0x0A, 0x0B}));
 }
 
 TEST_F(DeviceFolderTest, SavingAnUnchangedDeviceTouchesNothing) {
@@ -154,16 +180,27 @@ TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
       {"device.toml", "\nname = 5", "device.toml:2: expected a text: name = \"...\""},
       {"device.toml", name + "description = []",
        "device.toml:2: expected a text: description = \"...\""},
-      {"device.toml", name + "\ncolour = 1",
-       "device.toml:3: unknown key 'colour'; allowed: name, description, modules, one_wire"},
-      {"device.toml", name + "[state]\nclock_ms = 1",
-       "device.toml:2: unknown key 'state'; allowed: name, description, modules, one_wire"},
       {"device.toml", name + "modules = 1",
        "device.toml:2: expected a table of libraries with lists of their entries"},
       {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = \"all\"",
        R"(device.toml:3: expected a list of entry names: ["...", "..."])"},
       {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = [\n 1]",
        R"(device.toml:4: expected a list of entry names: ["...", "..."])"},
+      {"device.toml", name + "[parameters]\n0x0001 = 5",
+       "device.toml:3: expected a text, or a table with hex or error: "
+       R"({ hex = "01 0A", returned = 2 }, { error = 31 })"},
+      {"device.toml", name + "[parameters]\n0x0001 = { hex = \"0G\" }",
+       R"(device.toml:3: expected bytes as hexadecimal digits: "01 0A FF")"},
+      {"device.toml", name + "[parameters]\n0x10001 = \"a\"",
+       "device.toml:3: '0x10001' is no parameter id; write 0x00D5"},
+      {"device.toml", name + "[parameters]\n0x00D5 = \"a\"\n0x00d5 = \"b\"",
+       "device.toml:4: the parameter 0x00d5 is there already"},
+      {"device.toml", name + "[system]\nos = { error = -1 }",
+       "device.toml:3: expected a number from 0 to 4294967295"},
+      {"device.toml", name + "[[adapters]]\ntype = 6",
+       "device.toml:2: expected an adapter's name of at most 259 characters: name = \"...\""},
+      {"device.toml", name + "[[adapters]]\nname = \"a\"\naddress = \"010203040506070809\"",
+       "device.toml:4: an address has at most 8 bytes"},
       {"device.toml", kept + "[state]\nclock_ms = -1",
        "device.toml:5: expected milliseconds from 0 up: clock_ms = 0"},
       {"device.toml", kept + "[state]\nclock_ms = \"now\"",
@@ -183,6 +220,10 @@ TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
   }
   // Messages of the parser and lists of what is known: only their beginnings are ours.
   const std::vector<Row> beginnings = {
+      {"device.toml", name + "\ncolour = 1",
+       "device.toml:3: unknown key 'colour'; allowed: name, description, modules, "},
+      {"device.toml", name + "[state]\nclock_ms = 1",
+       "device.toml:2: unknown key 'state'; allowed: name, description, modules, "},
       {"device.toml", name + "name = \"y\"", "device.toml:2: "},
       {"device.toml", kept + "[state\n", "device.toml:4: "},
       {"device.toml", name + "[modules]\n\"other.dll\" = []",

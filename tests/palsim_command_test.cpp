@@ -70,6 +70,35 @@ TEST_F(Palsim, TakesManyCallsInOneShell) {
   EXPECT_EQ(Run("shell", "call Nothing\n"), 2);
 }
 
+TEST_F(Palsim, ShowsWhichDeviceItIs) {
+  ASSERT_EQ(Run("new --sample greywing"), 0);
+  EXPECT_EQ(Run("info"), 0);
+  EXPECT_EQ(output,
+            "Model                     0x80004005 E_FAIL\n"
+            "Display model             0x80004005 E_FAIL\n"
+            "Firmware                  0x80004005 E_FAIL\n"
+            "Serial number             GW7-0004711-EU\n"
+            "Ethernet address          (empty)\n"
+            "Operating system          WINCE\n"
+            "Operating system version  5.2.1235\n"
+            "Hardware configuration    GX1-EXT\n"
+            "Factory date 1            (empty)\n"
+            "Factory date 2            (empty)\n"
+            "Qualified serial number   GX1-\n"
+            "The maker's own           yes\n");
+  struct Case {
+    std::string sample, line;
+  };
+  for (const Case& test : {Case{"rm21", "Model                     RM21\n"},
+                           Case{"rm23", "Serial number             00504030201\n"},
+                           Case{"rx", "Qualified serial number   CR7RX00123456\n"}}) {
+    ASSERT_EQ(Run("new --force --sample " + test.sample), 0) << output;
+    EXPECT_EQ(Run("info"), 0);
+    EXPECT_TRUE(Printed(test.line)) << output;
+    EXPECT_FALSE(Printed("misuse")) << output;
+  }
+}
+
 TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
   struct Case {
     std::string arguments;

@@ -124,11 +124,11 @@ TEST_F(SimPlatform, EndsAProcessBetweenTwoCalls) {
 TEST_F(SimPlatform, DoesNotPretendToSimulateACall) {
   sim::Process process(device);
   process.Run([] {
-    EXPECT_EQ(GetAdaptersInfo(nullptr, nullptr), static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
+    EXPECT_EQ(GetNumberOfInterfaces(nullptr), static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
   });
   EXPECT_EQ(device.TakeMisuse(),
-            std::vector<std::string>{"caller.exe: GetAdaptersInfo is not simulated"});
+            std::vector<std::string>{"caller.exe: GetNumberOfInterfaces is not simulated"});
 }
 
 TEST_F(SimPlatform, CountsLoadedLibrariesPerProcess) {

@@ -68,6 +68,9 @@ struct DescriptionSection {
 
 void ReadModules(const Part& part, const toml::node& node, Device& device);
 void ReadOneWire(const Part& part, const toml::node& node, Device& device);
+void ReadParameters(const Part& part, const toml::node& node, Device& device);
+void ReadSystem(const Part& part, const toml::node& node, Device& device);
+void ReadAdapters(const Part& part, const toml::node& node, Device& device);
 
 }  // namespace sim
 

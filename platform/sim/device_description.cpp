@@ -18,8 +18,9 @@ constexpr std::string_view kMarker = "# Kept by the simulator";
 constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit below.\n";
 
 constexpr std::array kSections{
-    DescriptionSection{"modules", &ReadModules},
-    DescriptionSection{"one_wire", &ReadOneWire},
+    DescriptionSection{"modules", &ReadModules},       DescriptionSection{"one_wire", &ReadOneWire},
+    DescriptionSection{"parameters", &ReadParameters}, DescriptionSection{"system", &ReadSystem},
+    DescriptionSection{"adapters", &ReadAdapters},
 };
 
 // device.toml, in the two parts that it has.

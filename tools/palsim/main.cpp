@@ -16,6 +16,7 @@ Examples:
                                                            call an export and watch its effects
   palsim /tmp/unit call PALMFGOpt_ConfigStoreRegUpdate --fail RegSetValueExW:2:5
                                                            the second write fails with error 5
+  palsim /tmp/unit info                                    which device this is
   palsim /tmp/unit registry 'HKLM\Software\Dravonel'       what the registry holds now
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
@@ -37,6 +38,8 @@ class CommandLine {
     AddJournal();
     AddTrace();
     AddRegistry();
+    auto* info = app_.add_subcommand("info", "Show which device this is, as the library tells it");
+    info->callback([this] { status_ = palsim::ShowInfo(folder_); });
     auto* shell = app_.add_subcommand("shell", "Type calls into one attached process");
     shell->callback([this] { status_ = palsim::Shell(folder_); });
   }

@@ -39,6 +39,14 @@ LONG ReadParameter(KernelRequest& request) {
                                        : Answer(request, parameter->second);
 }
 
+LONG ReadFirmwareInformation(KernelRequest& request) {
+  return Answer(request, request.kernel.hardware.system.firmware_information);
+}
+
+LONG ReadDeviceId(KernelRequest& request) {
+  return Answer(request, request.kernel.hardware.system.device_id);
+}
+
 struct KernelControl {
   DWORD code;
   LONG (*answer)(KernelRequest& request);
@@ -46,6 +54,8 @@ struct KernelControl {
 
 constexpr std::array kKernelControls{
     KernelControl{0x010122C4, &ReadParameter},
+    KernelControl{0x01012000, &ReadFirmwareInformation},
+    KernelControl{0x01010054, &ReadDeviceId},
 };
 
 template <class Buffer>

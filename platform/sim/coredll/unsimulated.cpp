@@ -25,14 +25,6 @@ DWORD GetModuleFileNameW(HMODULE /*module*/, LPWSTR /*name*/, DWORD /*units*/) {
   return NotSimulated(CallId::GetModuleFileNameW, DWORD{0});
 }
 
-BOOL GetVersionExW(OSVERSIONINFOW* /*version*/) {
-  return NotSimulated(CallId::GetVersionExW, FALSE);
-}
-
-BOOL SystemParametersInfoW(UINT /*action*/, UINT /*parameter*/, LPVOID /*value*/, UINT /*flags*/) {
-  return NotSimulated(CallId::SystemParametersInfoW, FALSE);
-}
-
 DWORD SetSystemPowerState(LPCWSTR /*state*/, DWORD /*flags*/, DWORD /*options*/) {
   return NotSimulated(CallId::SetSystemPowerState, static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
 }
@@ -96,10 +88,6 @@ BOOL CryptDestroyHash(HCRYPTHASH /*hash*/) {
 
 BOOL CryptReleaseContext(HCRYPTPROV /*provider*/, DWORD /*flags*/) {
   return NotSimulated(CallId::CryptReleaseContext, FALSE);
-}
-
-DWORD GetAdaptersInfo(IP_ADAPTER_INFO* /*adapters*/, ULONG* /*bytes*/) {
-  return NotSimulated(CallId::GetAdaptersInfo, static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
 }
 
 DWORD GetNumberOfInterfaces(LPDWORD /*count*/) {

@@ -1,0 +1,19 @@
+// Network adapters.
+#ifndef PLATFORM_SIM_HARDWARE_NETWORK_H_
+#define PLATFORM_SIM_HARDWARE_NETWORK_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+struct NetworkAdapter {
+  std::string name;                   // at most 259 characters
+  std::vector<std::uint8_t> address;  // at most eight bytes
+  std::uint32_t type = 6;             // Ethernet; 71 is a wireless adapter
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_HARDWARE_NETWORK_H_

@@ -1,0 +1,39 @@
+// The Ethernet address that the device got at the factory.
+#include "sysinfo/answer_text.h"
+#include "sysinfo/hexadecimal.h"
+#include "sysinfo/identity_sources.h"
+#include "sysinfo/identity_trace.h"
+#include "sysinfo/nonvolatile_parameters.h"
+
+using pal::kIdentityTrace;
+
+namespace {
+
+constexpr WORD kAddressParameter = 0x0001;
+constexpr size_t kAnswerBytes = 128;
+constexpr size_t kAddressBytes = 6;
+
+}  // namespace
+
+HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length) {
+  if (buffer == nullptr || length == nullptr) {
+    kIdentityTrace.Error("PalGetEtherMACAddress. Input invalid\r\n");
+    return S_OK;
+  }
+  BYTE answer[kAnswerBytes] = {};
+  DWORD bytes = 0;
+  if (!PalReadNvParm(pal::ParameterRequest(kAddressParameter), answer, bytes) || bytes == 0) {
+    kIdentityTrace.Error("PalGetEtherMACAddress. IOCTL request failed.  win32err: 0x%x\r\n",
+                         GetLastError());
+    return S_OK;
+  }
+  // A byte below 0x10 gives one digit: kept, though the text then does not say which byte it was.
+  char text[2 * kAddressBytes];
+  char* end = text;
+  for (const BYTE byte : std::span(answer).first(kAddressBytes)) {
+    end = pal::PutHexadecimal(end, byte, pal::kLowerCaseDigits, pal::LeadingZero::kLeftOut);
+  }
+  // A text that does not fit counts as an address that cannot be read: this source never fails.
+  static_cast<void>(pal::PutText({text, end}, buffer, length));
+  return S_OK;
+}

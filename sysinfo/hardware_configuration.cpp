@@ -1,0 +1,60 @@
+#include <algorithm>
+
+#include "sysinfo/answer_text.h"
+#include "sysinfo/identity_cache.h"
+#include "sysinfo/identity_registry.h"
+#include "sysinfo/identity_result.h"
+#include "sysinfo/identity_sources.h"
+#include "sysinfo/identity_trace.h"
+#include "sysinfo/nonvolatile_parameters.h"
+#include "sysinfo/oem_information.h"
+
+using pal::kIdentityTrace;
+
+namespace {
+
+constexpr WORD kConfigurationParameter = 0x000A;
+constexpr WORD kRxConfigurationParameter = 0x0027;
+constexpr size_t kConfigurationBytes = 32;
+
+constinit pal::IdentityCache<kConfigurationBytes> cache;
+
+using Configuration = char[kConfigurationBytes];
+
+// From the parameter, then from the registry, then the configuration that every device has. Cut to
+// what the cache holds.
+std::string_view ReadConfiguration(const pal::OemInformation& oem, Configuration& configuration) {
+  const WORD parameter =
+      oem.text() == TEXT("Dravonel Rx") ? kRxConfigurationParameter : kConfigurationParameter;
+  BYTE answer[kConfigurationBytes] = {};
+  pal::IdentityRegistryText registry_text;
+  DWORD bytes = 0;
+  std::string_view text;
+  // Whatever the count says: the zeros of the buffer end what was written.
+  if (PalReadNvParm(pal::ParameterRequest(parameter), answer, bytes)) text = pal::TextOf(answer);
+  if (text.empty()) text = pal::ReadIdentityRegistry(TEXT("HardwareCfgString"), registry_text);
+  if (text.empty()) text = "CG0";
+  text = text.substr(0, kConfigurationBytes - 1);
+  std::copy(text.begin(), text.end(), configuration);
+  return {configuration, text.size()};
+}
+
+}  // namespace
+
+HRESULT PalGetHwConfig(char* buffer, DWORD* length) {
+  if (buffer == nullptr || length == nullptr) {
+    kIdentityTrace.Error("ERROR PalGetHwConfig. Input invalid\r\n");
+    return pal::kInvalidInput;
+  }
+  const pal::OemInformation oem;
+  if (oem.text().empty()) return pal::kSourceFailed;
+  Configuration configuration;
+  std::string_view text = cache.text();
+  if (text.empty()) {
+    text = ReadConfiguration(oem, configuration);
+    cache.Fill(text);
+  }
+  if (!pal::PutText(text, buffer, length)) return pal::kSourceTooLong;
+  *length = static_cast<DWORD>(text.size());
+  return S_OK;
+}

@@ -1,0 +1,36 @@
+// The serial number behind the hardware configuration that it belongs to.
+#include <algorithm>
+
+#include "frame/result.h"
+#include "sysinfo/answer_text.h"
+#include "sysinfo/identity_result.h"
+#include "sysinfo/identity_sources.h"
+
+namespace {
+
+constexpr size_t kConfigurationCharacters = 4;
+constexpr size_t kMostSerialCharacters = 11;
+
+}  // namespace
+
+HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
+  if (buffer == nullptr || length == nullptr) return pal::kInvalidInput;
+  char configuration[128] = {};
+  DWORD configuration_length = sizeof(configuration);
+  HRESULT result = PalGetHwConfig(configuration, &configuration_length);
+  if (pal::Failed(result)) return result;
+  char number[512] = {};
+  DWORD number_length = sizeof(number);
+  result = PalGetSerialNum(number, &number_length);
+  if (pal::Failed(result)) return result;
+  if (pal::Length<char>(number) > kMostSerialCharacters) {
+    number[0] = '\0';  // stays so where the address cannot be read
+    number_length = sizeof(number);
+    result = PalGetEtherMACAddress(number, &number_length);
+    if (pal::Failed(result)) return result;
+  }
+  configuration[std::min<size_t>(configuration_length, kConfigurationCharacters)] = '\0';
+  if (!pal::Append(configuration, {number, pal::Length<char>(number)})) return E_FAIL;
+  return pal::PutText({configuration, pal::Length<char>(configuration)}, buffer, length) ? S_OK
+                                                                                         : E_FAIL;
+}
