@@ -56,6 +56,9 @@ template <typename To, typename From, typename Convert>
 [[nodiscard]] constexpr bool Append(std::span<char> to, std::string_view from) {
   return text_detail::Put(to, Length<char>(to), from, [](char character) { return character; });
 }
+[[nodiscard]] constexpr bool Append(std::span<WCHAR> to, WideText from) {
+  return text_detail::Put(to, Length<WCHAR>(to), from, [](WCHAR unit) { return unit; });
+}
 
 // 8-bit text (Latin-1) to UTF-16. False where it does not fit; `to` is then unchanged.
 [[nodiscard]] constexpr bool Widen(std::span<WCHAR> to, std::string_view from) {

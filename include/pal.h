@@ -6,5 +6,6 @@
 #define PAL_H_
 
 #include "palmfgopt.h"
+#include "palreg.h"
 
 #endif /* PAL_H_ */

@@ -67,6 +67,7 @@ struct DescriptionSection {
 };
 
 void ReadModules(const Part& part, const toml::node& node, Device& device);
+void ReadPrograms(const Part& part, const toml::node& node, Device& device);
 
 }  // namespace sim
 

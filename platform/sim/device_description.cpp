@@ -19,6 +19,7 @@ constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit b
 
 constexpr std::array kSections{
     DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"programs", &ReadPrograms},
 };
 
 // device.toml, in the two parts that it has.
