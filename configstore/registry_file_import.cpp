@@ -82,11 +82,13 @@ HRESULT Import(const WCHAR* path, const WCHAR* file_name) {
   return S_OK;
 }
 
-void StoreChecksum(HKEY store, const WCHAR* file_name, DWORD checksum) {
+// `store` may be none, where the key could not be created.
+void StoreChecksum(const pal::UniqueRegistryKey& store, const WCHAR* file_name, DWORD checksum) {
   kTrace.Info("PALInitCheckAndLoadRegFile: Writing %ls checksum:0x%x", file_name, checksum);
-  const LONG error = RegSetValueExW(store, file_name, 0, REG_DWORD,
-                                    reinterpret_cast<const BYTE*>(&checksum), sizeof(checksum));
-  if (error == ERROR_SUCCESS) return;
+  const bool is_written = store && RegSetValueExW(store.get(), file_name, 0, REG_DWORD,
+                                                  reinterpret_cast<const BYTE*>(&checksum),
+                                                  sizeof(checksum)) == ERROR_SUCCESS;
+  if (is_written) return;
   kTrace.Error("PALInitCheckAndLoadRegFile: Error writing %ls checksum", file_name);
 }
 
@@ -109,6 +111,6 @@ HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_nam
     }
   }
   const HRESULT result = Import(path, file_name);
-  if (result == S_OK) StoreChecksum(store.get(), file_name, checksum);
+  if (result == S_OK) StoreChecksum(store, file_name, checksum);
   return result;
 }

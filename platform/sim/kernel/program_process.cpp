@@ -69,13 +69,13 @@ void FinishProgram(ProcessState& process) {
 }
 
 void EndPrograms(Kernel& kernel) {
-  for (const auto& process : kernel.program_processes) {
-    {
-      const Scheduler::Lock lock(kernel.mutex);
+  {
+    const Scheduler::Lock lock(kernel.mutex);
+    for (const auto& process : kernel.program_processes) {
       if (process->alive) kernel.BeginKill(*process);
     }
-    AwaitEnd(*process->main_thread);
   }
+  for (const auto& process : kernel.program_processes) AwaitEnd(*process->main_thread);
   kernel.program_processes.clear();
 }
 
