@@ -52,10 +52,9 @@ bool Contains(std::string_view text, std::string_view part) {
 
 // `upper_case_name` is in upper case already.
 bool HasTagInAnyCase(std::string_view upper_case_name, std::string_view tag) {
-  const auto at =
-      std::search(upper_case_name.begin(), upper_case_name.end(), tag.begin(), tag.end(),
-                  [](char unit, char of_tag) { return unit == UpperCase(of_tag); });
-  return at != upper_case_name.end();
+  const auto is_same = [](char of_name, char of_tag) { return of_name == UpperCase(of_tag); };
+  return std::search(upper_case_name.begin(), upper_case_name.end(), tag.begin(), tag.end(),
+                     is_same) != upper_case_name.end();
 }
 
 bool IsPlatformSpecific(std::string_view upper_case_name) {
@@ -112,12 +111,12 @@ const WCHAR* Shown(const WCHAR* text) {
 
 }  // namespace
 
-HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* fileName,
-                                   DWORD clearTrees) {
-  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", Shown(directory), Shown(fileName),
-              clearTrees);
-  const HRESULT result = LoadRegistry(directory, fileName, clearTrees);
+HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_name,
+                                   DWORD clear_trees) {
+  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", Shown(directory), Shown(file_name),
+              clear_trees);
+  const HRESULT result = LoadRegistry(directory, file_name, clear_trees);
   kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, Shown(directory),
-              Shown(fileName), clearTrees);
+              Shown(file_name), clear_trees);
   return result;
 }

@@ -29,21 +29,22 @@ PAL_INTERFACE_BEGIN
  * the checksum 0 and is otherwise treated as any other. The call waits for the importer for at most
  * 120000 ms. Progress and failures are traced with facility 1118.
  *
- * @param directory  where the file lies, without a backslash at its end; not null. With the file's
- *                   name and the backslash between them at most 259 units
- * @param fileName   the file's name; neither null nor empty
- * @param clearTrees not 0: before the import, and only where there is one, the trees that a full
- *                   import replaces are deleted below HKEY_LOCAL_MACHINE\Software\Dravonel:
- *                   ADCGroupConfig, ADCGroups, Decodes, Drivers, RUM, SRAutoLaunch,
- *                   SRConfigCommands, SRRegComComponents and VersionedFiles. A tree that cannot be
- *                   deleted is left as far as it still is
+ * @param directory   where the file lies, without a backslash at its end; not null. With the file's
+ *                    name and the backslash between them at most 259 units
+ * @param file_name   the file's name; neither null nor empty
+ * @param clear_trees not 0: before the import, and only where there is one, the trees that a full
+ *                    import replaces are deleted below HKEY_LOCAL_MACHINE\Software\Dravonel:
+ *                    ADCGroupConfig, ADCGroups, Decodes, Drivers, RUM, SRAutoLaunch,
+ *                    SRConfigCommands, SRRegComComponents and VersionedFiles. A tree that cannot be
+ *                    deleted stays as far as it is not deleted yet
  *
  * @retval S_OK   imported; or not changed since the last import; or not meant for this device
  * @retval E_FAIL a null, empty or over-long name (nothing was started or changed); the model cannot
  *                be read; the importer cannot be started or has not ended in time (no checksum was
  *                stored, so that the next call imports again)
  */
-HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* fileName, DWORD clearTrees);
+HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_name,
+                                   DWORD clear_trees);
 
 PAL_INTERFACE_END
 
