@@ -142,7 +142,7 @@ TEST_F(RegistryFiles, ChecksumAddsWordsAndTheBytesBehindThem) {
   std::string large(64 * 1024 + 4 + 3, '\0');  // larger than what is read at once
   large.front() = 2;
   large[64 * 1024] = 3;
-  for (const std::size_t from_end : {1, 2, 3}) large[large.size() - from_end] = '\xFF';
+  for (const std::size_t from_end : {1U, 2U, 3U}) large[large.size() - from_end] = '\xFF';
   struct Case {
     std::string bytes;
     DWORD checksum;
