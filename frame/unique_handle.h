@@ -76,6 +76,8 @@ using UniqueRegistryKey = UniqueHandle<RegistryKeyTraits>;
 using UniqueFile = UniqueHandle<FileTraits>;
 using UniqueEvent = UniqueHandle<KernelObjectTraits>;
 using UniqueMutex = UniqueHandle<KernelObjectTraits>;
+using UniqueProcess = UniqueHandle<KernelObjectTraits>;
+using UniqueThread = UniqueHandle<KernelObjectTraits>;
 using UniqueModule = UniqueHandle<ModuleTraits>;
 
 }  // namespace pal

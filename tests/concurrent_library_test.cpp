@@ -6,6 +6,7 @@
 
 #include "platform/sim/exports.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/programs/registry_importer.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -117,6 +118,36 @@ TEST_F(Concurrent, AProcessIsKilledAmongItsThreads) {
     EXPECT_FALSE(process.alive());
     EXPECT_EQ(process.open_handles(), 0u);
   }
+}
+
+// Importers of their own, which end while others start.
+TEST_F(Concurrent, TwoProcessesImportRegistryFilesAtOnce) {
+  device.hardware().parameters[0x00D5].bytes = {'R', 'M'};
+  device.files().Write(sim::kRegistryImporterPath, "");
+  sim::Process first(device, "first.exe");
+  sim::Process second(device, "second.exe");
+  for (const std::string key : {"first", "second"}) {
+    device.files().Write("\\" + key, "[HKLM\\" + key + "]\n");
+  }
+  const auto load = [](sim::Process& process, const WCHAR* file) {
+    return process.Start([&process, file] {
+      for (int round = 0; round < 20; ++round) {
+        EXPECT_EQ(process.exports().PALREG_LoadRegistry(TEXT(""), file, 1), S_OK);
+        HKEY store = nullptr;
+        EXPECT_EQ(
+            RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\REGCHKSUMS"), 0, 0, &store),
+            ERROR_SUCCESS);
+        EXPECT_EQ(RegDeleteValueW(store, file), ERROR_SUCCESS);
+        RegCloseKey(store);
+      }
+    });
+  };
+  sim::Thread first_thread = load(first, TEXT("first"));
+  sim::Thread second_thread = load(second, TEXT("second"));
+  EXPECT_TRUE(first_thread.Join());
+  EXPECT_TRUE(second_thread.Join());
+  EXPECT_NE(device.registry().Find("HKLM\\first"), nullptr);
+  EXPECT_NE(device.registry().Find("HKLM\\second"), nullptr);
 }
 
 }  // namespace

@@ -4,12 +4,15 @@
 #include <stdexcept>
 
 #include "platform/sim/kernel/kernel.h"
+#include "platform/sim/kernel/program_process.h"
 
 namespace sim {
 
 Device::Device(Concurrency concurrency) : kernel_(std::make_unique<Kernel>(concurrency)) {}
 
-Device::~Device() = default;
+Device::~Device() {
+  EndPrograms(*kernel_);
+}
 
 Registry& Device::registry() {
   return kernel_->registry;
@@ -103,6 +106,13 @@ void Device::RemoveModule(std::string_view name) {
 std::vector<Module> Device::modules() const {
   const Scheduler::Lock lock(kernel_->mutex);
   return kernel_->modules;
+}
+
+void Device::InstallProgram(Program program) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  std::erase_if(kernel_->programs,
+                [&](const Program& known) { return EqualNoCase(known.path, program.path); });
+  kernel_->programs.push_back(std::move(program));
 }
 
 }  // namespace sim

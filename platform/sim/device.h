@@ -70,6 +70,14 @@ struct Module {
   std::map<std::string, int (*)(), std::less<>> entries;
 };
 
+// A program that processes can start. It also needs a file: without one at its path it is missing.
+struct Program {
+  std::string path;  // "\\Windows\\orqautoreg.exe"
+  // What it does, as the only thread of a process of its own, in which it makes the platform's
+  // calls. It gets its command line and gives its exit code.
+  std::function<std::uint32_t(const std::string& command_line)> run;
+};
+
 class Device {
  public:
   explicit Device(Concurrency concurrency = Concurrency::kOneAtATime);
@@ -111,6 +119,11 @@ class Device {
   void InstallModule(Module module);
   void RemoveModule(std::string_view name);
   [[nodiscard]] std::vector<Module> modules() const;
+
+  // Adds a program, in place of one with the same path. A new device has the registry importer,
+  // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
+  // when the device ends are killed.
+  void InstallProgram(Program program);
 
   [[nodiscard]] Kernel& kernel() { return *kernel_; }
 

@@ -18,9 +18,12 @@ constexpr std::string_view kMarker = "# Kept by the simulator";
 constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit below.\n";
 
 constexpr std::array kSections{
-    DescriptionSection{"modules", &ReadModules},       DescriptionSection{"one_wire", &ReadOneWire},
-    DescriptionSection{"parameters", &ReadParameters}, DescriptionSection{"system", &ReadSystem},
+    DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"one_wire", &ReadOneWire},
+    DescriptionSection{"parameters", &ReadParameters},
+    DescriptionSection{"system", &ReadSystem},
     DescriptionSection{"adapters", &ReadAdapters},
+    DescriptionSection{"programs", &ReadPrograms},
 };
 
 // device.toml, in the two parts that it has.

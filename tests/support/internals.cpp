@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "configstore/registry_file.h"
 #include "frame/audio_setting.h"
 #include "frame/mutex.h"
 #include "frame/registry.h"
@@ -40,6 +41,7 @@ constexpr Internals kInternals{
     &PALReleaseMutexIfValid,
     &HoldMutex,
     &ApplyAudioSetting,
+    &PALInitChecksumFile,
 };
 
 }  // namespace

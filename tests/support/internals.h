@@ -24,6 +24,7 @@ struct Internals {
   // Holds the mutex through a guard for a while; gives the wait's result.
   HRESULT (*hold_mutex)(pal::Facility, HANDLE, DWORD timeout_ms, DWORD hold_ms);
   HRESULT (*apply_audio_setting)();
+  DWORD (*checksum_file)(const WCHAR* path);
 };
 
 // The name of the function that gives the table, in the test build.

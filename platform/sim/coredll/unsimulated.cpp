@@ -10,13 +10,6 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES /*security*/, DWORD /*stack_bytes*/,
   return NotSimulated<HANDLE>(CallId::CreateThread, nullptr);
 }
 
-BOOL CreateProcessW(LPCWSTR /*image*/, LPCWSTR /*command_line*/, LPSECURITY_ATTRIBUTES /*process*/,
-                    LPSECURITY_ATTRIBUTES /*thread*/, BOOL /*inherit*/, DWORD /*flags*/,
-                    LPVOID /*environment*/, LPWSTR /*directory*/, STARTUPINFOW* /*startup*/,
-                    PROCESS_INFORMATION* /*information*/) {
-  return NotSimulated(CallId::CreateProcessW, FALSE);
-}
-
 void FreeLibraryAndExitThread(HMODULE /*module*/, DWORD /*exit_code*/) {
   NotSimulated(CallId::FreeLibraryAndExitThread, 0);
 }

@@ -3,14 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "platform/sim/coredll/library_entries.h"
+#include "platform/sim/programs/registry_importer.h"
 #include "platform/wince.h"
 
 namespace sim {
 
 Kernel::Kernel(Concurrency concurrency)
-    : scheduler(concurrency == Concurrency::kParallel, driver_strand), modules(BuiltInModules()) {}
+    : scheduler(concurrency == Concurrency::kParallel, driver_strand),
+      modules(BuiltInModules()),
+      programs{RegistryImporter()} {}
 
 void Kernel::Log(const ThreadState* thread, Effect effect, std::string text,
                  std::uint32_t category) {
@@ -97,10 +101,24 @@ void Kernel::BeginKill(ProcessState& process) {
   process.alive = false;
   Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
   for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
-  // The main thread stands on the driver's strand, which may wait for something else just now.
+  // The main thread of a program is one of them. Any other stands on the driver's strand, which may
+  // wait for something else just now.
   ThreadState& main = *process.main_thread;
+  if (main.strand != &driver_strand) return;
   if (main.blocked) scheduler.WakeUp(*main.strand, Wake::kKilled);
   EndThread(main);
+}
+
+void Kernel::CloseEverything(ProcessState& process, bool is_misuse) {
+  for (const std::string& left : handles.CloseAll(process.id)) {
+    if (is_misuse) Misuse(*process.main_thread, "left open at the end: " + left);
+  }
+  if (is_misuse && !process.heap.empty()) {
+    Misuse(*process.main_thread,
+           fmt::format("{} heap blocks left at the end", process.heap.size()));
+  }
+  for (const auto& block : process.heap) std::free(block.first);
+  process.heap.clear();
 }
 
 const Module* Kernel::FindModule(std::string_view name) const {

@@ -38,7 +38,9 @@ class Kernel {
   std::vector<std::string> misuse;
   std::vector<Module> modules;
   std::map<std::uintptr_t, std::string> module_names;  // by handle
+  std::vector<Program> programs;
   std::uint32_t next_process_id = 1;
+  std::vector<std::shared_ptr<ProcessState>> program_processes;  // those that programs started
 
   // Named objects, each type with its own names.
   std::map<std::u16string, std::weak_ptr<Mutex>> mutexes;
@@ -60,6 +62,8 @@ class Kernel {
   void BeginKill(ProcessState& process);
 
   [[nodiscard]] const Module* FindModule(std::string_view name) const;
+  // Closes what a process that ends still holds; where that is wrong, says so.
+  void CloseEverything(ProcessState& process, bool is_misuse);
 };
 
 // The library that the simulator was built with.

@@ -21,6 +21,8 @@ const char* ObjectKindName(ObjectKind kind) {
       return "event";
     case ObjectKind::kThread:
       return "thread";
+    case ObjectKind::kProcess:
+      return "process";
   }
   return "object";
 }
@@ -110,6 +112,10 @@ std::optional<std::uint32_t> Event::TryTake(ThreadState& /*thread*/) {
 }
 
 std::optional<std::uint32_t> ThreadObject::TryTake(ThreadState& /*thread*/) {
+  return ended ? std::optional<std::uint32_t>(WAIT_OBJECT_0) : std::nullopt;
+}
+
+std::optional<std::uint32_t> ProcessObject::TryTake(ThreadState& /*thread*/) {
   return ended ? std::optional<std::uint32_t>(WAIT_OBJECT_0) : std::nullopt;
 }
 

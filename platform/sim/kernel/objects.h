@@ -18,7 +18,7 @@ namespace sim {
 
 class ThreadState;
 
-enum class ObjectKind : std::uint8_t { kKey, kFile, kDriver, kMutex, kEvent, kThread };
+enum class ObjectKind : std::uint8_t { kKey, kFile, kDriver, kMutex, kEvent, kThread, kProcess };
 
 [[nodiscard]] const char* ObjectKindName(ObjectKind kind);
 
@@ -130,6 +130,15 @@ class ThreadObject : public Waitable {
  public:
   static constexpr ObjectKind kKind = ObjectKind::kThread;
   ThreadObject() : Waitable(kKind) {}
+  std::optional<std::uint32_t> TryTake(ThreadState& thread) override;
+  bool ended = false;
+};
+
+// Signalled for good once the process has ended.
+class ProcessObject : public Waitable {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kProcess;
+  ProcessObject() : Waitable(kKind) {}
   std::optional<std::uint32_t> TryTake(ThreadState& thread) override;
   bool ended = false;
 };

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "platform/sim/device.h"
+#include "platform/sim/kernel/host_thread.h"
 #include "platform/sim/kernel/kernel.h"
 #include "platform/wince.h"
 
@@ -31,51 +32,6 @@ void RequireDriver(const Kernel& kernel) {
   }
 }
 
-// What a host thread does that stands for a thread of the device.
-void ThreadBody(const std::shared_ptr<ThreadState>& thread, const std::function<void()>& body) {
-  Kernel& kernel = thread->process.kernel;
-  ThreadScope scope(thread.get());
-  bool leaves = false;
-  {
-    Scheduler::Lock lock(kernel.mutex);
-    kernel.scheduler.AwaitTurn(lock, *thread->strand);
-    leaves = thread->MustLeave();
-  }
-  try {
-    if (leaves) throw ProcessKilled();
-    body();
-  } catch (const ProcessKilled&) {
-    thread->killed = true;
-  } catch (...) {
-    thread->failure = std::current_exception();
-  }
-  const Scheduler::Lock lock(kernel.mutex);
-  kernel.EndThread(*thread);
-  kernel.scheduler.End(*thread->strand);
-}
-
-// Gives the turn to the others until a thread has ended; false where nothing can run any more.
-bool AwaitThread(ThreadState& thread) {
-  Kernel& kernel = thread.process.kernel;
-  Scheduler::Lock lock(kernel.mutex);
-  if (thread.object->ended) return true;
-  Waiter waiter{.thread = thread.process.main_thread.get(), .is_driver = true};
-  thread.object->waiters.push_back(&waiter);
-  const Wake reason = kernel.scheduler.Wait(lock, kernel.driver_strand, std::nullopt);
-  std::erase(thread.object->waiters, &waiter);
-  return reason != Wake::kDeadlock;
-}
-
-void AwaitEnd(ThreadState& thread) {
-  Kernel& kernel = thread.process.kernel;
-  while (!AwaitThread(thread)) {
-    const Scheduler::Lock lock(kernel.mutex);
-    kernel.Misuse(thread, fmt::format("deadlock: thread {} waits for ever", thread.id));
-    kernel.BeginKill(thread.process);
-  }
-  if (thread.host.joinable()) thread.host.join();
-}
-
 // A process that ends takes its other threads with it, wherever they are.
 void EndThreads(ProcessState& process) {
   Kernel& kernel = process.kernel;
@@ -88,20 +44,6 @@ void EndThreads(ProcessState& process) {
   }
   for (const auto& thread : process.threads) AwaitEnd(*thread);
   process.threads.clear();
-}
-
-void CloseEverything(ProcessState& process, bool is_misuse) {
-  Kernel& kernel = process.kernel;
-  const Scheduler::Lock lock(kernel.mutex);
-  for (const std::string& left : kernel.handles.CloseAll(process.id)) {
-    if (is_misuse) kernel.Misuse(*process.main_thread, "left open at the end: " + left);
-  }
-  if (is_misuse && !process.heap.empty()) {
-    kernel.Misuse(*process.main_thread,
-                  fmt::format("{} heap blocks left at the end", process.heap.size()));
-  }
-  for (const auto& block : process.heap) std::free(block.first);
-  process.heap.clear();
 }
 
 }  // namespace
@@ -188,11 +130,8 @@ Thread Process::Start(std::function<void()> body) {
   auto thread = std::make_shared<ThreadState>(*state_, number, kernel.driver_strand);
   thread->strand = &thread->own_strand;
   state_->threads.push_back(thread);
-  {
-    const Scheduler::Lock lock(kernel.mutex);
-    kernel.scheduler.Add(*thread->strand);
-  }
-  thread->host = std::thread(ThreadBody, thread, std::move(body));
+  const Scheduler::Lock lock(kernel.mutex);
+  StartHostThread(thread, std::move(body));
   return {thread, state_};
 }
 
@@ -201,9 +140,9 @@ void Process::End() {
   RequireDriver(state_->kernel);
   EndThreads(*state_);
   if (alive()) CallEntry(*state_, DLL_PROCESS_DETACH);
-  CloseEverything(*state_, alive());
   {
     const Scheduler::Lock lock(state_->kernel.mutex);
+    state_->kernel.CloseEverything(*state_, state_->alive);
     if (state_->alive) {
       state_->alive = false;
       state_->kernel.EndThread(*state_->main_thread);

@@ -32,13 +32,13 @@ class ThreadState {
 
   ProcessState& process;
   const std::uint32_t id;
-  Strand* strand;  // a main thread runs on the driver's
+  Strand* strand;  // its own, or the driver's
   std::uint32_t last_error = 0;
   bool blocked = false;  // it gave its turn up in a platform call
   std::vector<Mutex*> owned;
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
-  // Of a thread that the driver started:
+  // Of a thread that is not the driver:
   Strand own_strand;
   std::thread host;
   std::exception_ptr failure;
@@ -72,9 +72,13 @@ class ProcessState {
   std::unique_ptr<LibraryCopy> library;
   Exports exports;
   std::shared_ptr<ThreadState> main_thread;
-  std::vector<std::shared_ptr<ThreadState>> threads;     // those besides the main thread
+  // Those that have a thread of the host: all but the driver.
+  std::vector<std::shared_ptr<ThreadState>> threads;
   std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by name, with their counts
   std::unordered_map<void*, std::size_t> heap;
+  // Of a process that a program started:
+  const std::shared_ptr<ProcessObject> object = std::make_shared<ProcessObject>();
+  std::uint32_t exit_code = 0;
 };
 
 // The thread of the device that the host's thread runs as just now, or nullptr.

@@ -1,0 +1,23 @@
+// Exports that provisioning tools ask for and that this family of devices does not have.
+#include "frame/trace.h"
+#include "include/palmfgopt.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+
+constexpr DWORD kTracedSelector = 1;
+
+}  // namespace
+
+HRESULT PALAPI PALMFGOpt_RestoreDefaults() {
+  kTrace.Info("PALMFGOpt_RestoreDefaults - Placeholder");
+  return E_FAIL;
+}
+
+HRESULT PALAPI PALMFGOpt_GetConfigString(DWORD selector) {
+  if (selector == kTracedSelector) {
+    kTrace.Warning("PALMFGOpt_GetConfigString - Not yet implemented for P7. Returned E_FAIL");
+  }
+  return E_FAIL;
+}

@@ -1,0 +1,122 @@
+// Whether a registry file belongs to the device that it lies on.
+#include "configstore/registry_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "include/palreg.h"
+#include "sysinfo/identity_sources.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kRegistryFile};
+
+struct FileTag {
+  const char* model_prefix;  // empty: no model takes the files of this row
+  std::string_view tag;      // in the names of the files that are meant for the family
+};
+
+// The first row that fits counts: the order matters.
+constexpr std::array<FileTag, 16> kFileTags = {{
+    {"", "P8"},
+    {"", "P7"},
+    {"RM22", "RM21"},
+    {"RM20", "RM21"},
+    {"RM21", "RM21"},
+    {"RM23", "RM21"},
+    {"RM19", "RM21"},
+    {"RM18", "RM18"},
+    {"RM17", "RM18"},
+    {"RM16", "RM18"},
+    {"RMV", "RMV"},
+    {"RM15", "RMx14"},
+    {"RM13", "RM13"},
+    {"RM12F", "RM11"},
+    {"RM11", "RM11"},
+    {"RM10", "RM10"},
+}};
+
+constexpr char UpperCase(char character) {
+  const bool is_lower = character >= 'a' && character <= 'z';
+  return is_lower ? static_cast<char>(character - 'a' + 'A') : character;
+}
+
+bool Contains(std::string_view text, std::string_view part) {
+  return std::search(text.begin(), text.end(), part.begin(), part.end()) != text.end();
+}
+
+// `upper_case_name` is in upper case already.
+bool HasTagInAnyCase(std::string_view upper_case_name, std::string_view tag) {
+  const auto is_same = [](char of_name, char of_tag) { return of_name == UpperCase(of_tag); };
+  return std::search(upper_case_name.begin(), upper_case_name.end(), tag.begin(), tag.end(),
+                     is_same) != upper_case_name.end();
+}
+
+bool IsPlatformSpecific(std::string_view upper_case_name) {
+  return std::any_of(kFileTags.begin(), kFileTags.end(),
+                     [&](const FileTag& row) { return HasTagInAnyCase(upper_case_name, row.tag); });
+}
+
+// The tag is looked for as it stands here. The one with a small letter is never found in a name in
+// upper case, so that the files of its family are for nobody: kept so on purpose.
+bool IsForModel(std::string_view upper_case_name, const char* model) {
+  return std::any_of(kFileTags.begin(), kFileTags.end(), [&](const FileTag& row) {
+    const size_t length = std::strlen(row.model_prefix);
+    return length != 0 && _strnicmp(model, row.model_prefix, length) == 0 &&
+           Contains(upper_case_name, row.tag);
+  });
+}
+
+bool IsUsable(const WCHAR* directory, const WCHAR* file_name) {
+  if (directory == nullptr || file_name == nullptr || *file_name == 0) return false;
+  const size_t path_units = wcslen(directory) + 1 + wcslen(file_name);
+  return path_units < MAX_PATH;
+}
+
+HRESULT LoadRegistry(const WCHAR* directory, const WCHAR* file_name, DWORD clear_trees) {
+  char name[MAX_PATH];
+  if (!IsUsable(directory, file_name) || !pal::Narrow(name, file_name)) return E_FAIL;
+
+  char model[64] = {};
+  DWORD model_length = sizeof(model);
+  const HRESULT model_result = PalGetModel(model, &model_length);
+  kTrace.Info("PalGetModel(%s,%d)", model, model_length);
+  if (pal::Failed(model_result)) {
+    kTrace.Echoed().Error("PALREG_LoadRegistry - Failure. 0x%x=PalGetModel()", model_result);
+    return model_result;
+  }
+
+  const std::string_view upper_case_name(name, wcslen(file_name));
+  std::transform(name, name + upper_case_name.size(), name, &UpperCase);
+  if (!IsPlatformSpecific(upper_case_name)) {
+    kTrace.Echoed().Info("PALREG_LoadRegistry Importing platform agnostic file %s", name);
+    return PALInitCheckAndLoadRegFile(directory, file_name, clear_trees);
+  }
+  if (!IsForModel(upper_case_name, model)) {
+    kTrace.Echoed().Info("PALREG_LoadRegistry Did not import %ls,%ls", directory, file_name);
+    return S_OK;
+  }
+  kTrace.Echoed().Info("PALREG_LoadRegistry Importing %s", name);
+  return PALInitCheckAndLoadRegFile(directory, file_name, clear_trees);
+}
+
+const WCHAR* Shown(const WCHAR* text) {
+  return text != nullptr ? text : TEXT("(null)");
+}
+
+}  // namespace
+
+HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_name,
+                                   DWORD clear_trees) {
+  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", Shown(directory), Shown(file_name),
+              clear_trees);
+  const HRESULT result = LoadRegistry(directory, file_name, clear_trees);
+  kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, Shown(directory),
+              Shown(file_name), clear_trees);
+  return result;
+}

@@ -1,0 +1,77 @@
+// Keeping the registry over a cold boot.
+#include "frame/result.h"
+#include "frame/trace.h"
+#include "frame/unique_handle.h"
+#include "include/palmfgopt.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+
+// A service that owns the flush holds this event and waits for it.
+constexpr const WCHAR* kFlushEvent = TEXT("DVLRegFlushKeyAll");
+
+struct RootFlush {
+  HKEY root;
+  pal::Severity announced_as;
+  pal::TraceSource::Format<> announcement;
+  pal::TraceSource::Format<LONG> failure;
+};
+
+void Announce(const RootFlush& flush) {
+  if (flush.announced_as == pal::Severity::kError) {
+    kTrace.Error(flush.announcement);
+  } else {
+    kTrace.Info(flush.announcement);
+  }
+}
+
+// A root that fails does not keep the others from being flushed.
+HRESULT FlushRoots() {
+  const RootFlush flushes[] = {
+      {HKEY_LOCAL_MACHINE, pal::Severity::kInfo,
+       "PALMFGOpt_PersistRegistry - RegFlushKey(HKLM)\r\n",
+       "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKLM).  win32err:0x%x\r\n"},
+      // Announced as an error: kept so on purpose.
+      {HKEY_CURRENT_USER, pal::Severity::kError,
+       "PALMFGOpt_PersistRegistry - RegFlushKey(HKCU)\r\n",
+       "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKCU).  win32err:0x%x\r\n"},
+      {HKEY_CLASSES_ROOT, pal::Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCR)\r\n",
+       "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKCR).  win32err:0x%x\r\n"},
+      {HKEY_USERS, pal::Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKU)\r\n",
+       "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKU).  win32err:0x%x\r\n"},
+  };
+  HRESULT result = S_OK;
+  for (const RootFlush& flush : flushes) {
+    Announce(flush);
+    const LONG error = RegFlushKey(flush.root);
+    if (error == ERROR_SUCCESS) continue;
+    kTrace.Error(flush.failure, error);
+    result = E_FAIL;
+  }
+  return result;
+}
+
+HRESULT SignalService(HANDLE event) {
+  kTrace.Echoed().Info("PALMFGOpt_PersistRegistry - SetEvent(%s)\r\n",
+                       pal::WideTextAs8Bit(kFlushEvent));
+  if (SetEvent(event)) return S_OK;
+  kTrace.Error("PALMFGOpt_PersistRegistry - ERROR SetEvent(%s).  win32err:0x%x\r\n",
+               pal::WideTextAs8Bit(kFlushEvent), GetLastError());
+  return E_FAIL;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALMFGOpt_PersistRegistry() {
+  // A new event leaves the last error alone: it must not be that of an earlier call.
+  SetLastError(ERROR_SUCCESS);
+  const pal::UniqueEvent event(CreateEventW(nullptr, TRUE, FALSE, kFlushEvent));
+  const DWORD error = GetLastError();
+  if (!event) {
+    kTrace.Error("PALMFGOpt_PersistRegistry - ERROR CreateEvent(%s) win32err:0x%x",
+                 pal::WideTextAs8Bit(kFlushEvent), error);
+    return E_FAIL;
+  }
+  return error == ERROR_ALREADY_EXISTS ? SignalService(event.get()) : FlushRoots();
+}

@@ -1,0 +1,108 @@
+// Making the registry survive a cold boot, and the placeholders beside it.
+#include <array>
+#include <string>
+#include <vector>
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class RegistryPersistence : public DeviceTest {
+ protected:
+  void TearDown() override {
+    process.End();  // what is left open is misuse
+    DeviceTest::TearDown();
+  }
+
+  HRESULT Persist() {
+    device.journal().Clear();
+    return process.exports().PALMFGOpt_PersistRegistry();
+  }
+  Lines Flushes() { return device.journal().Texts(sim::Effect::kRegistry); }
+
+  sim::Process process{device, "provision.exe"};
+};
+
+const Lines kAllFlushed = {"HKEY_LOCAL_MACHINE flushed", "HKEY_CURRENT_USER flushed",
+                           "HKEY_CLASSES_ROOT flushed", "HKEY_USERS flushed"};
+
+TEST_F(RegistryPersistence, FlushesTheFourRootsInOrder) {
+  process.Run([] { SetLastError(ERROR_ALREADY_EXISTS); });  // left by an earlier call
+  EXPECT_EQ(Persist(), S_OK);
+  EXPECT_EQ(Flushes(), kAllFlushed);
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{"0x43F00000 PALMFGOpt_PersistRegistry - RegFlushKey(HKLM)\\r\\n",
+                   "0xC3F00000 PALMFGOpt_PersistRegistry - RegFlushKey(HKCU)\\r\\n",
+                   "0x43F00000 PALMFGOpt_PersistRegistry - RegFlushKey(HKCR)\\r\\n",
+                   "0x43F00000 PALMFGOpt_PersistRegistry - RegFlushKey(HKU)\\r\\n"}));
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent), Lines{});
+  EXPECT_EQ(Persist(), S_OK) << "its own event is gone again";
+  EXPECT_EQ(Flushes(), kAllFlushed);
+}
+
+TEST_F(RegistryPersistence, GoesOnBehindARootThatCannotBeFlushed) {
+  const std::array roots{"HKLM", "HKCU", "HKCR", "HKU"};
+  for (unsigned failing = 0; failing < roots.size(); ++failing) {
+    device.ClearFaults();
+    device.PlanFault({.call = "RegFlushKey", .nth = failing + 1, .error = 5});
+    EXPECT_EQ(Persist(), E_FAIL) << roots[failing];
+    Lines expected = kAllFlushed;
+    expected.erase(expected.begin() + failing);
+    EXPECT_EQ(Flushes(), expected);
+    Lines errors = TraceLines("PALMFGOpt_PersistRegistry - ERROR ");
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0], "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(" +
+                             std::string(roots[failing]) + ").  win32err:0x5\\r\\n");
+    EXPECT_EQ(process.open_handles(), 0u);
+  }
+}
+
+TEST_F(RegistryPersistence, LeavesTheFlushToAServiceThatHoldsTheEvent) {
+  sim::Process service(device, "flushd.exe");
+  int wakes = 0;
+  sim::Thread waiting = service.Start([&] {
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, TEXT("DVLRegFlushKeyAll"));
+    if (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0) ++wakes;
+    ResetEvent(event);
+    Sleep(10);
+    CloseHandle(event);
+  });
+  device.Advance(0);
+
+  EXPECT_EQ(Persist(), S_OK);
+  EXPECT_EQ(Flushes(), Lines{});
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent), Lines{"DVLRegFlushKeyAll set"});
+  EXPECT_EQ(CategorisedLines(), Lines{"0x43F00000 PALMFGOpt_PersistRegistry - SetEvent(D)\\r\\n"});
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kDebug).size(), 1u);
+
+  device.PlanFault({.call = "EventModify", .error = 31});
+  EXPECT_EQ(Persist(), E_FAIL);
+  EXPECT_EQ(Flushes(), Lines{});
+  EXPECT_EQ(CategorisedLines().back(),
+            "0xC3F00000 PALMFGOpt_PersistRegistry - ERROR SetEvent(D).  win32err:0x1f\\r\\n");
+  EXPECT_TRUE(waiting.Join());
+  EXPECT_EQ(wakes, 1);
+}
+
+TEST_F(RegistryPersistence, FailsWithoutItsEvent) {
+  device.PlanFault({.call = "CreateEventW", .error = 8});
+  EXPECT_EQ(Persist(), E_FAIL);
+  EXPECT_EQ(Flushes(), Lines{});
+  EXPECT_EQ(CategorisedLines(),
+            Lines{"0xC3F00000 PALMFGOpt_PersistRegistry - ERROR CreateEvent(D) win32err:0x8"});
+}
+
+TEST_F(RegistryPersistence, PlaceholdersSayThatTheyAreNone) {
+  EXPECT_EQ(process.exports().PALMFGOpt_RestoreDefaults(), E_FAIL);
+  EXPECT_EQ(process.exports().PALMFGOpt_GetConfigString(0), E_FAIL);
+  EXPECT_EQ(process.exports().PALMFGOpt_GetConfigString(2), E_FAIL);
+  EXPECT_EQ(process.exports().PALMFGOpt_GetConfigString(1), E_FAIL);
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{"0x43F00000 PALMFGOpt_RestoreDefaults - Placeholder",
+                   "0x83F00000 PALMFGOpt_GetConfigString - Not yet implemented for P7. Returned "
+                   "E_FAIL"}));
+}
+
+}  // namespace
