@@ -14,14 +14,16 @@ namespace pal {
 namespace {
 
 // Two threads may load the library at the same time, each for itself: loading is counted, and the
-// last entry is kept. Only a module without the entry is held, for the next line to free. A module
-// with the entry is never freed, so no thread can call into one that another let go.
+// last entry is kept. A module with the entry is never freed, so no thread can call into one that
+// another let go. Only a module without the entry is held, for the next line to free; where two
+// lines free it at once, the second is refused by the platform.
 constinit std::atomic<EventLogEntry> event_log_entry{nullptr};
 constinit std::atomic<HMODULE> module_without_entry{nullptr};
 
 EventLogEntry LoadEventLog() {
   const PreservedLastError preserved;
-  if (const HMODULE held = module_without_entry.exchange(nullptr, std::memory_order_relaxed)) {
+  if (const HMODULE held = module_without_entry.load(std::memory_order_relaxed)) {
+    module_without_entry.store(nullptr, std::memory_order_relaxed);
     FreeLibrary(held);
   }
   const HMODULE event_log = LoadLibraryW(TEXT("DVLEventlog.dll"));

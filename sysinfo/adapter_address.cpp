@@ -20,7 +20,8 @@ constexpr std::string_view kNoAddress = "000000000000";
 
 using AddressText = std::array<char, 2 * kAddressBytes>;
 
-constinit IdentityCache<16> cache;
+constexpr size_t kCacheBytes = 16;
+constinit IdentityCache<kCacheBytes> cache;
 
 AddressText CopyOf(std::string_view address) {
   AddressText text{};
@@ -47,7 +48,8 @@ AddressText TextOfFirstWired(const IP_ADAPTER_INFO* adapter) {
 }  // namespace
 
 std::array<char, 12> AdapterAddress() {
-  if (const std::string_view cached = cache.text(); !cached.empty()) return CopyOf(cached);
+  char copy[kCacheBytes];
+  if (const std::string_view cached = cache.Read(copy); !cached.empty()) return CopyOf(cached);
   AddressText text = CopyOf(kNoAddress);
   ULONG bytes = 0;
   if (GetAdaptersInfo(nullptr, &bytes) != kBufferOverflow) return text;

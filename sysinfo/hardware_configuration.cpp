@@ -49,7 +49,7 @@ HRESULT PalGetHwConfig(char* buffer, DWORD* length) {
   const pal::OemInformation oem;
   if (oem.text().empty()) return pal::kSourceFailed;
   Configuration configuration;
-  std::string_view text = cache.text();
+  std::string_view text = cache.Read(configuration);
   if (text.empty()) {
     text = ReadConfiguration(oem, configuration);
     cache.Fill(text);

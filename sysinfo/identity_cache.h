@@ -3,38 +3,46 @@
 #define SYSINFO_IDENTITY_CACHE_H_
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <span>
 #include <string_view>
 
-#include "frame/text.h"
 #include "platform/wince.h"
 
 namespace pal {
 
-// Never cleared and never changed. Of threads that fill it at once the first one does; the others'
-// texts are not kept. `kSize` counts the text's end.
+// Never cleared and never changed. The device has one processor, so that what one thread stores
+// another sees in the same order; the fences keep the compiler to it, and cost nothing. Two threads
+// that fill it at once have read the same text from the device. `kSize` counts the text's end.
 template <size_t kSize>
 class IdentityCache {
  public:
-  // Empty until it is filled.
-  [[nodiscard]] std::string_view text() const {
-    // Pairs with the release in Fill: who sees the flag sees the text.
-    if (filled_.load(std::memory_order_acquire) == FALSE) return {};
-    return {text_, Length<char>(text_)};
+  // Copies the text out. Empty until it is filled.
+  [[nodiscard]] std::string_view Read(std::span<char, kSize> copy) const {
+    if (filled_.load(std::memory_order_relaxed) == FALSE) return {};
+    std::atomic_signal_fence(std::memory_order_acquire);
+    size_t length = 0;
+    for (; length < kSize - 1; ++length) {
+      copy[length] = text_[length].load(std::memory_order_relaxed);
+      if (copy[length] == '\0') break;
+    }
+    return {copy.data(), length};
   }
 
   // A longer text is cut; an empty one does not fill.
   void Fill(std::string_view text) {
-    if (text.empty() || claimed_.exchange(TRUE, std::memory_order_relaxed) != FALSE) return;
+    if (text.empty()) return;
     text = text.substr(0, kSize - 1);
-    std::copy(text.begin(), text.end(), text_);
-    filled_.store(TRUE, std::memory_order_release);
+    for (size_t at = 0; at < text.size(); ++at) {
+      text_[at].store(text[at], std::memory_order_relaxed);
+    }
+    std::atomic_signal_fence(std::memory_order_release);
+    filled_.store(TRUE, std::memory_order_relaxed);
   }
 
  private:
-  char text_[kSize] = {};
-  std::atomic<BOOL> claimed_{FALSE};
+  std::array<std::atomic<char>, kSize> text_{};
   std::atomic<BOOL> filled_{FALSE};
 };
 

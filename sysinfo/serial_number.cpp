@@ -129,7 +129,7 @@ HRESULT PalGetSerialNum(char* buffer, DWORD* length) {
   const pal::OemInformation oem;
   if (oem.text().empty()) return pal::kSourceFailed;
   SerialNumber serial;
-  std::string_view text = cache.text();
+  std::string_view text = cache.Read(serial);
   if (text.empty()) {
     text = ReadSerial(oem, serial);
     cache.Fill(text);

@@ -52,15 +52,6 @@ TEST_F(Concurrent, TwoThreadsLoseNoTraceLine) {
   EXPECT_EQ(TraceLines("old").size(), kRounds * kLines * 2);
 }
 
-// What fails to load is tried again by every line of every thread.
-TEST_F(Concurrent, TwoThreadsFreeAnEventLogWithoutItsEntryOnce) {
-  device.InstallModule({"DVLEventLog.dll", {}});
-  InternalsProcess process(device);
-  RunTwice(process, [&] {
-    for (int line = 0; line < 200; ++line) process->trace(0, kCategory, "lost");
-  });
-}
-
 // Both find the caches empty, and none of them gives out a text that is half written.
 TEST_F(Concurrent, TwoThreadsAskFirstForTheIdentity) {
   device.hardware().system.oem_information = sim::WideTextAnswer(u"Greywing");
