@@ -217,8 +217,8 @@ HRESULT PALAPI PALMFGOpt_RestoreDefaults(void);
 /**
  * A placeholder: configuration strings are not supported on this family.
  *
- * Callers pass further arguments behind the selector (a buffer and its length). They are not read
- * and nothing is written to them; the device's calling convention makes them harmless.
+ * Programs built against other headers pass further arguments behind the selector. They are not
+ * read and nothing is written to them; the device's calling convention makes them harmless.
  *
  * @param selector which string; 1 is traced as a warning with facility 1008, others are not
  * @retval E_FAIL always

@@ -285,6 +285,7 @@ HRESULT PALAPI PALSysinfo_GetEtherMACAddressA(char* buffer);
  * @param name     Room for 64 bytes, 32 characters; receives the name. May be null.
  * @param version  Room for 64 bytes; receives the version once the name is written. May be null.
  * @retval S_OK       Done.
+ * @retval 0x840F0001 The version does not fit 32 characters; the name is written.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE; neither buffer
  *                    is changed where both queries fail.
  */
@@ -299,6 +300,7 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystemA(char* name, char* version);
  * @param buffer  Room for 64 bytes, 32 characters; holds the name where only the version fails. May
  *                be null.
  * @retval S_OK       Done.
+ * @retval 0x840F0001 The version does not fit 32 characters; the buffer holds the name.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE.
  */
 HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "sysinfo/answer_text.h"
 #include "sysinfo/identity_cache.h"
@@ -30,8 +31,10 @@ std::string_view ReadConfiguration(const pal::OemInformation& oem, Configuration
   pal::IdentityRegistryText registry_text;
   DWORD bytes = 0;
   std::string_view text;
-  // Whatever the count says: the zeros of the buffer end what was written.
-  if (PalReadNvParm(pal::ParameterRequest(parameter), answer, bytes)) text = pal::TextOf(answer);
+  // No count is no failure here: the zeros of the buffer then end what was written.
+  if (PalReadNvParm(pal::ParameterRequest(parameter), answer, bytes)) {
+    text = pal::TextOf(std::span(answer).first(bytes > 0 ? bytes : sizeof(answer)));
+  }
   if (text.empty()) text = pal::ReadIdentityRegistry(TEXT("HardwareCfgString"), registry_text);
   if (text.empty()) text = "CG0";
   text = text.substr(0, kConfigurationBytes - 1);

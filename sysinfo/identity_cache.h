@@ -32,11 +32,12 @@ class IdentityCache {
 
   // A longer text is cut; an empty one does not fill.
   void Fill(std::string_view text) {
-    if (text.empty()) return;
+    if (text.empty() || filled_.load(std::memory_order_relaxed) != FALSE) return;
     text = text.substr(0, kSize - 1);
     for (size_t at = 0; at < text.size(); ++at) {
       text_[at].store(text[at], std::memory_order_relaxed);
     }
+    text_[text.size()].store('\0', std::memory_order_relaxed);
     std::atomic_signal_fence(std::memory_order_release);
     filled_.store(TRUE, std::memory_order_relaxed);
   }

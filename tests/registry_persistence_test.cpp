@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/sim/programs/flush_service.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -103,6 +104,20 @@ TEST_F(RegistryPersistence, PlaceholdersSayThatTheyAreNone) {
             (Lines{"0x43F00000 PALMFGOpt_RestoreDefaults - Placeholder",
                    "0x83F00000 PALMFGOpt_GetConfigString - Not yet implemented for P7. Returned "
                    "E_FAIL"}));
+}
+
+// The service of a device, and not a thread of the test that stands for one.
+TEST_F(RegistryPersistence, LeavesTheFlushToTheServiceOfTheDevice) {
+  device.StartProgram(sim::FlushService());
+  device.journal().Clear();
+  EXPECT_EQ(process.exports().PALMFGOpt_PersistRegistry(), S_OK);
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent),
+            std::vector<std::string>{"DVLRegFlushKeyAll set"});
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry), std::vector<std::string>{});
+  device.RunUntilIdle();
+  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry),
+            (std::vector<std::string>{"HKEY_LOCAL_MACHINE flushed", "HKEY_CURRENT_USER flushed",
+                                      "HKEY_CLASSES_ROOT flushed", "HKEY_USERS flushed"}));
 }
 
 }  // namespace

@@ -71,6 +71,7 @@ void ReadOneWire(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
 void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
+void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
 
 }  // namespace sim

@@ -115,4 +115,12 @@ void Device::InstallProgram(Program program) {
   kernel_->programs.push_back(std::move(program));
 }
 
+void Device::StartProgram(const Program& program) {
+  {
+    const Scheduler::Lock lock(kernel_->mutex);
+    sim::StartProgram(*kernel_, program, {});
+  }
+  Advance(0);
+}
+
 }  // namespace sim

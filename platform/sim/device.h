@@ -124,6 +124,9 @@ class Device {
   // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
   // when the device ends are killed.
   void InstallProgram(Program program);
+  // Starts a program now, whether it is installed or not: a service that runs from the start. Its
+  // first turn has come when this returns.
+  void StartProgram(const Program& program);
 
   [[nodiscard]] Kernel& kernel() { return *kernel_; }
 

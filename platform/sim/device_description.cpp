@@ -24,6 +24,7 @@ constexpr std::array kSections{
     DescriptionSection{"system", &ReadSystem},
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
+    DescriptionSection{"services", &ReadServices},
 };
 
 // device.toml, in the two parts that it has.

@@ -42,6 +42,7 @@ void Session::PrintJournal(std::optional<sim::Effect> only) {
 
 void Session::Save() {
   process_.reset();
+  device_.Advance(0);  // services of the device go on with what they were asked for
   std::ofstream file(JournalFile(folder_), std::ios::app);
   for (const sim::JournalEntry& entry : device_.journal().entries()) {
     file << sim::ToLine(entry) << '\n';

@@ -15,6 +15,7 @@ constexpr LONG kNotSupported = 50;  // ERROR_NOT_SUPPORTED
 using Bytes = std::span<const BYTE>;
 
 struct KernelRequest {
+  Call& call;
   Kernel& kernel;
   Bytes in;
   std::span<BYTE> out;
@@ -29,10 +30,18 @@ LONG Answer(KernelRequest& request, const QueryAnswer& answer) {
   return ERROR_SUCCESS;
 }
 
-// The input is the parameter's id in 16 bits; what stands behind them is not read.
+// These are asked for with the id in 32 bits, all others with 16.
+constexpr std::array<std::uint16_t, 4> kWideRequests{0x0003, 0x0004, 0x001A, 0x001B};
+
+// The kernel reads 16 bits of the request whatever its size, but the size is part of the call.
 LONG ReadParameter(KernelRequest& request) {
   if (request.in.size() < 2) return ERROR_INVALID_PARAMETER;
   const auto id = static_cast<std::uint16_t>(request.in[0] | (request.in[1] << 8));
+  const std::size_t wanted = std::ranges::find(kWideRequests, id) != kWideRequests.end() ? 4 : 2;
+  if (request.in.size() != wanted) {
+    request.call.Misuse(fmt::format("asked for parameter {:#06x} with {} bytes and not {}", id,
+                                    request.in.size(), wanted));
+  }
   const auto& parameters = request.kernel.hardware.parameters;
   const auto parameter = parameters.find(id);
   return parameter == parameters.end() ? ERROR_INVALID_PARAMETER
@@ -82,7 +91,7 @@ BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD ou
     call.Misuse(fmt::format("was given the unknown code {:#010x}", code));
     return call.Fail(sim::kNotSupported, FALSE);
   }
-  sim::KernelRequest request{call.kernel(), sim::SpanOf<const BYTE>(call, in, in_bytes),
+  sim::KernelRequest request{call, call.kernel(), sim::SpanOf<const BYTE>(call, in, in_bytes),
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
   const LONG error = control->answer(request);
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
