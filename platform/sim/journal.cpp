@@ -17,7 +17,7 @@ struct EffectRow {
   Effect effect;
   std::string_view name;
 };
-constexpr std::array<EffectRow, 10> kEffects{{
+constexpr std::array<EffectRow, 14> kEffects{{
     {Effect::kProcess, "process"},
     {Effect::kRegistry, "registry"},
     {Effect::kFile, "file"},
@@ -25,6 +25,10 @@ constexpr std::array<EffectRow, 10> kEffects{{
     {Effect::kMutex, "mutex"},
     {Effect::kModule, "module"},
     {Effect::kAudio, "audio"},
+    {Effect::kLed, "led"},
+    {Effect::kVibration, "vibration"},
+    {Effect::kDisplay, "display"},
+    {Effect::kPower, "power"},
     {Effect::kDriver, "driver"},
     {Effect::kTrace, "trace"},
     {Effect::kDebug, "debug"},

@@ -12,16 +12,20 @@
 namespace sim {
 
 enum class Effect : std::uint8_t {
-  kProcess,   // a process starts or ends
-  kRegistry,  // a value is written or deleted, a key is created or deleted
-  kFile,      // a file is written or created
-  kEvent,     // a named event is set, reset or pulsed
-  kMutex,     // a named mutex is taken, released or abandoned
-  kModule,    // a library is loaded, freed or missed
-  kAudio,     // the audio driver is told something
-  kDriver,    // a driver gets an I/O control
-  kTrace,     // a line in the event log, with its category word
-  kDebug,     // a line on the kernel's debug output
+  kProcess,    // a process starts or ends
+  kRegistry,   // a value is written or deleted, a key is created or deleted
+  kFile,       // a file is written or created
+  kEvent,      // a named event is set, reset or pulsed
+  kMutex,      // a named mutex is taken, released or abandoned
+  kModule,     // a library is loaded, freed or missed
+  kAudio,      // the audio driver is told something; a sound starts or ends
+  kLed,        // an LED changes
+  kVibration,  // the vibrator runs
+  kDisplay,    // the display turns
+  kPower,      // the power state changes, or an idle timer begins anew
+  kDriver,     // a driver gets an I/O control
+  kTrace,      // a line in the event log, with its category word
+  kDebug,      // a line on the kernel's debug output
 };
 
 // The word that stands in a journal line, and back.

@@ -75,3 +75,7 @@ FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {
   if (entry == found->entries.end()) return call.Fail<FARPROC>(ERROR_PROC_NOT_FOUND, nullptr);
   return entry->second;
 }
+
+DWORD GetModuleFileNameW(HMODULE /*module*/, LPWSTR /*name*/, DWORD /*units*/) {
+  return sim::NotSimulated(sim::CallId::GetModuleFileNameW, DWORD{0});
+}
