@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/sim/device_folder.h"
+#include "platform/sim/hardware/leds.h"
 
 namespace sim {
 
@@ -73,6 +74,13 @@ void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
+void ReadLeds(const Part& part, const toml::node& node, Device& device);
+void ReadVibrator(const Part& part, const toml::node& node, Device& device);
+
+// States of LEDs that differ from those that the author gives, in the part that the simulator
+// keeps; no line where none does.
+void ReadKeptLeds(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptLedsLine(const Leds& leds);
 
 }  // namespace sim
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/sim/hardware/driver.h"
+#include "platform/sim/hardware/leds.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
 #include "platform/sim/hardware/system.h"
@@ -21,6 +22,7 @@ struct Hardware {
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
   std::vector<std::shared_ptr<Driver>> drivers;
+  Leds leds;
 };
 
 }  // namespace sim
