@@ -76,6 +76,9 @@ void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
 void ReadLeds(const Part& part, const toml::node& node, Device& device);
 void ReadVibrator(const Part& part, const toml::node& node, Device& device);
+void ReadInterfaces(const Part& part, const toml::node& node, Device& device);
+void ReadBluetooth(const Part& part, const toml::node& node, Device& device);
+void ReadAccelerometer(const Part& part, const toml::node& node, Device& device);
 
 // States of LEDs that differ from those that the author gives, in the part that the simulator
 // keeps; no line where none does.

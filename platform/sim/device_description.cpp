@@ -28,6 +28,9 @@ constexpr std::array kSections{
     DescriptionSection{"services", &ReadServices},
     DescriptionSection{"leds", &ReadLeds},
     DescriptionSection{"vibrator", &ReadVibrator},
+    DescriptionSection{"interfaces", &ReadInterfaces},
+    DescriptionSection{"bluetooth", &ReadBluetooth},
+    DescriptionSection{"accelerometer", &ReadAccelerometer},
 };
 
 // device.toml, in the two parts that it has.

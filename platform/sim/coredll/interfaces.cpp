@@ -1,14 +1,42 @@
-// Calls that nothing simulates yet: they fail and are recorded as misuse, so that nothing pretends.
+// The IP helper's table of network interfaces.
+#include <algorithm>
+
 #include "platform/sim/coredll/call.h"
 
-using sim::CallId;
-using sim::NotSimulated;
+namespace sim {
+namespace {
 
-DWORD GetNumberOfInterfaces(LPDWORD /*count*/) {
-  return NotSimulated(CallId::GetNumberOfInterfaces,
-                      static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
+constexpr LONG kInvalidData = 13;  // for an index that no interface has
+
+MIB_IFROW RowOf(const NetworkInterface& network_interface) {
+  MIB_IFROW row{};
+  row.dwIndex = network_interface.index;
+  row.dwType = network_interface.type;
+  const std::string& description = network_interface.description;
+  row.dwDescrLen = static_cast<DWORD>(std::min(description.size(), sizeof(row.bDescr)));
+  std::copy_n(description.begin(), row.dwDescrLen, row.bDescr);
+  return row;
 }
 
-DWORD GetIfEntry(MIB_IFROW* /*row*/) {
-  return NotSimulated(CallId::GetIfEntry, static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
+}  // namespace
+}  // namespace sim
+
+// Both return their error as the registry's calls do.
+DWORD GetNumberOfInterfaces(LPDWORD count) {
+  sim::Call call(sim::CallId::GetNumberOfInterfaces);
+  if (call.fault() != 0) return static_cast<DWORD>(call.Fail(call.fault()));
+  if (count == nullptr) return static_cast<DWORD>(call.Fail(ERROR_INVALID_PARAMETER));
+  *count = static_cast<DWORD>(call.kernel().hardware.interfaces.size());
+  return ERROR_SUCCESS;
+}
+
+DWORD GetIfEntry(MIB_IFROW* row) {
+  sim::Call call(sim::CallId::GetIfEntry);
+  if (call.fault() != 0) return static_cast<DWORD>(call.Fail(call.fault()));
+  if (row == nullptr) return static_cast<DWORD>(call.Fail(ERROR_INVALID_PARAMETER));
+  const auto& interfaces = call.kernel().hardware.interfaces;
+  const auto found = std::ranges::find(interfaces, row->dwIndex, &sim::NetworkInterface::index);
+  if (found == interfaces.end()) return static_cast<DWORD>(call.Fail(sim::kInvalidData));
+  *row = sim::RowOf(*found);
+  return ERROR_SUCCESS;
 }

@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/sim/hardware/driver.h"
 #include "platform/sim/hardware/leds.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
+#include "platform/sim/hardware/radio.h"
 #include "platform/sim/hardware/system.h"
 
 namespace sim {
@@ -21,6 +23,8 @@ struct Hardware {
   std::map<std::uint16_t, QueryAnswer> parameters;
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
+  std::vector<NetworkInterface> interfaces;
+  std::optional<BluetoothMode> bluetooth;  // nothing: there is no radio
   std::vector<std::shared_ptr<Driver>> drivers;
   Leds leds;
 };

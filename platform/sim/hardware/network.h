@@ -1,4 +1,4 @@
-// Network adapters.
+// Network adapters, and the interfaces that they make.
 #ifndef PLATFORM_SIM_HARDWARE_NETWORK_H_
 #define PLATFORM_SIM_HARDWARE_NETWORK_H_
 
@@ -12,6 +12,12 @@ struct NetworkAdapter {
   std::string name;                   // at most 259 characters
   std::vector<std::uint8_t> address;  // at most eight bytes
   std::uint32_t type = 6;             // Ethernet; 71 is a wireless adapter
+};
+
+struct NetworkInterface {
+  std::string description{};  // at most 256 bytes
+  std::uint32_t type = 6;
+  std::uint32_t index = 0;  // under which its entry is asked for
 };
 
 }  // namespace sim

@@ -1,0 +1,125 @@
+// The capabilities by their names.
+#include <array>
+#include <memory>
+#include <new>
+#include <string_view>
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "include/paldevcap.h"
+#include "sysinfo/capability_probes.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kDeviceInformation};
+
+struct Capability {
+  const char* name;
+  DWORD (*installed)();
+  DWORD (*enabled)();
+};
+
+constexpr std::array kCapabilities{
+    Capability{"Camera", &PalSysinfo_IsCameraInstalled, &PalSysinfo_IsCameraEnabled},
+    Capability{"Wifi", &PalDevCap_IsWifiInstalled, &PalSysinfo_IsWifiEnabled},
+    Capability{"Bluetooth", &PalSysinfo_IsBluetoothInstalled, &PalSysinfo_IsBluetoothEnabled},
+    Capability{"InternalScanner", &PalSysinfo_IsIntScannerInstalled,
+               &PalSysinfo_IsIntScannerEnabled},
+    Capability{"Vibrate", &PalSysinfo_IsVibrateInstalled, &PalSysinfo_IsVibrateEnabled},
+    Capability{"WWAN", &PalSysinfo_IsWwanInstalled, &PalSysinfo_IsWwanEnabled},
+    Capability{"GPS", &PalSysinfo_IsGpsInstalled, &PalSysinfo_IsGpsEnabled},
+    Capability{"Compass", &PalSysinfo_IsCompassInstalled, &PalSysinfo_IsCompassEnabled},
+    Capability{"Accelerometer", &PalSysinfo_IsAccelInstalled, &PalSysinfo_IsAccelEnabled},
+    Capability{"Pedometer", &PalSysinfo_IsPedometerInstalled, &PalSysinfo_IsPedometerEnabled},
+};
+
+using NarrowName = char[128];
+
+// Null where there is no capability of that name.
+const Capability* Find(const char* name) {
+  for (const Capability& capability : kCapabilities) {
+    if (_stricmp(capability.name, name) == 0) return &capability;
+  }
+  return nullptr;
+}
+
+DWORD PalDevCap_IsPluginInstalled(const char* name) {
+  const std::string_view text(name);
+  const size_t units = text.size() + 1;
+  const std::unique_ptr<WCHAR[]> wide(new (std::nothrow_t{}) WCHAR[units]);
+  if (wide == nullptr || !pal::Widen({wide.get(), units}, text)) {
+    kTrace.Error("ERROR PalDevCap_IsPluginInstalled(%s) Failure to allocate mem\r\n", name);
+    return PAL_CAPABILITY_ERROR;
+  }
+  DWORD installed = 0;
+  if (pal::Failed(PALRegGetDword(HKEY_LOCAL_MACHINE,
+                                 TEXT("Software\\Dravonel\\PAL\\DeviceCapabilities"), wide.get(),
+                                 &installed))) {
+    return PAL_CAPABILITY_NOT_DETERMINED;
+  }
+  return installed != 0 ? PAL_CAPABILITY_INSTALLED : PAL_CAPABILITY_NOT_INSTALLED;
+}
+
+DWORD StateOf(const char* name) {
+  const DWORD plugin = PalDevCap_IsPluginInstalled(name);
+  if (plugin == PAL_CAPABILITY_INSTALLED || plugin == PAL_CAPABILITY_NOT_INSTALLED) return plugin;
+  const Capability* const capability = Find(name);
+  return capability != nullptr ? capability->installed() : plugin;
+}
+
+DWORD EnabledStateOf(const char* name) {
+  const Capability* const capability = Find(name);
+  if (capability == nullptr) return PAL_CAPABILITY_NOT_DETERMINED;
+  return capability->enabled();
+}
+
+// Of a name that is too long for any capability nothing is known.
+DWORD StateOfNarrowed(const WCHAR* name, DWORD (*state_of)(const char* name)) {
+  NarrowName narrow{};
+  if (!pal::Narrow(narrow, name)) return PAL_CAPABILITY_NOT_DETERMINED;
+  return state_of(narrow);
+}
+
+}  // namespace
+
+DWORD PALAPI PALDevCap_GetDevCapsA(const char* name) {
+  if (name != nullptr) return StateOf(name);
+  const DWORD state = PAL_CAPABILITY_ERROR;
+  kTrace.Error("PALDevCap_GetDevCapsA - Input invalid. dwRet:0x%x\r\n", state);
+  return state;
+}
+
+DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name) {
+  if (name != nullptr) return StateOfNarrowed(name, &StateOf);
+  const DWORD state = PAL_CAPABILITY_ERROR;
+  kTrace.Error("PALDevCap_GetDevCapsW - Input invalid. dwRet:0x%x\r\n", state);
+  return state;
+}
+
+DWORD PALAPI PALDevCap_EnabledA(const char* name) {
+  const char* const shown = name != nullptr ? name : "(null)";
+  kTrace.Info("PALDevCap_EnabledA(%s) - Entry", shown);
+  DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
+  if (name == nullptr) {
+    kTrace.Error("PALDevCap_EnabledA - Input invalid. dwRet:0x%x\r\n", state);
+  } else {
+    state = EnabledStateOf(name);
+  }
+  kTrace.Info("0x%x=PALDevCap_EnabledA(%s) - Exit", state, shown);
+  return state;
+}
+
+DWORD PALAPI PALDevCap_EnabledW(const WCHAR* name) {
+  const WCHAR* const shown = name != nullptr ? name : TEXT("(null)");
+  kTrace.Info("PALDevCap_EnabledW(%ls) - Entry", shown);
+  DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
+  if (name == nullptr) {
+    kTrace.Error("PALDevCap_EnabledW - Input invalid. dwRet:0x%x\r\n", state);
+  } else {
+    state = StateOfNarrowed(name, &EnabledStateOf);
+  }
+  kTrace.Info("0x%x=PALDevCap_EnabledW(%ls) - Exit", state, shown);
+  return state;
+}

@@ -1,0 +1,46 @@
+// The Wi-Fi adapter, found among the network interfaces by its name.
+#include <algorithm>
+#include <array>
+
+#include "frame/trace.h"
+#include "sysinfo/capability_probes.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kDeviceInformation};
+
+constexpr std::array kAdapterNames{"AR6K_SD1", "TIWLN1"};
+constexpr DWORD kEthernet = 6;
+// A device never has so many; a driver that says so would keep the caller for ever.
+constexpr DWORD kMaxInterfaces = 256;
+
+bool IsWifiAdapter(const MIB_IFROW& row) {
+  if (row.dwType != kEthernet) return false;
+  const auto* const description = reinterpret_cast<const char*>(row.bDescr);
+  return std::any_of(kAdapterNames.begin(), kAdapterNames.end(), [description](const char* name) {
+    return _strnicmp(description, name, sizeof(row.bDescr)) == 0;
+  });
+}
+
+}  // namespace
+
+DWORD PalDevCap_IsWifiInstalled() {
+  DWORD count = 0;
+  const DWORD error = GetNumberOfInterfaces(&count);
+  if (error != ERROR_SUCCESS) {
+    kTrace.Error("PalDevCap_IsWifiInstalled 0x%x=GetNumberOfInterfaces() failed.\r\n", error);
+    return PAL_CAPABILITY_ERROR;
+  }
+  // One index more than there are interfaces, on purpose: so all are seen whether they count from 0
+  // or from 1.
+  const DWORD last = std::min(count, kMaxInterfaces);
+  for (DWORD index = 0; index <= last; ++index) {
+    MIB_IFROW row{};
+    row.dwIndex = index;
+    if (GetIfEntry(&row) != ERROR_SUCCESS || !IsWifiAdapter(row)) continue;
+    kTrace.Info("PalDevCap_IsWifiInstalled WAN adapter found: %s\r\n",
+                reinterpret_cast<const char*>(row.bDescr));
+    return PAL_CAPABILITY_INSTALLED;
+  }
+  return PAL_CAPABILITY_NOT_INSTALLED;
+}
