@@ -197,10 +197,3 @@ HRESULT PALAPI PALSysinfo_GetDeviceDetailW(DWORD detail, WCHAR* buffer, DWORD* l
                       GetCurrentProcessId());
   return result;
 }
-
-HRESULT PALAPI PALSysinfo_Init() {
-  return S_OK;
-}
-HRESULT PALAPI PALSysinfo_Term() {
-  return S_OK;
-}
