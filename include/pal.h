@@ -9,5 +9,8 @@
 #include "palonewire.h"
 #include "palreg.h"
 #include "palsysinfo.h"
+#include "palsysio.h"
+#include "paluart.h"
+#include "palver.h"
 
 #endif /* PAL_H_ */
