@@ -20,18 +20,6 @@
 PAL_INTERFACE_BEGIN
 
 /**
- * Does nothing; there is nothing to prepare.
- * @retval S_OK  always
- */
-HRESULT PALAPI PALSysio_Init(void);
-
-/**
- * Does nothing.
- * @retval S_OK  always
- */
-HRESULT PALAPI PALSysio_Term(void);
-
-/**
  * Has the provider map memory for the caller and copy what it maps.
  *
  * @param a             Passed on as it is; the provider says what it means. So is @p b.
