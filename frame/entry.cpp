@@ -1,11 +1,36 @@
 // The library's entry: starts the families when a process attaches and ends them when it detaches.
+#include <iterator>
+
+#include "frame/do_nothing.h"
 #include "platform/wince.h"
 
 namespace {
 
-void Attach() {}
+using Step = HRESULT(PALAPI*)();
 
-void Detach() {}
+struct Family {
+  Step init;  // or null
+  Step term;
+};
+
+// Started from the first row to the last and ended from the last to the first. The rows at both
+// ends stand for families that have nothing to do on these devices.
+constexpr Family kFamilies[] = {
+    {nullptr, &PALDoNothing},
+    {&PALDoNothing, &PALDoNothing},
+    {&PALDoNothing, &PALDoNothing},
+};
+
+// What a family answers is left to its own exports: the library loads in any case.
+void Attach() {
+  for (const Family& family : kFamilies) {
+    if (family.init != nullptr) static_cast<void>(family.init());
+  }
+}
+
+void Detach() {
+  for (size_t row = std::size(kFamilies); row-- > 0;) static_cast<void>(kFamilies[row].term());
+}
 
 }  // namespace
 

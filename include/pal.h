@@ -11,6 +11,9 @@
 #include "palonewire.h"
 #include "palreg.h"
 #include "palsysinfo.h"
+#include "palsysio.h"
+#include "paluart.h"
+#include "palver.h"
 #include "palvib.h"
 
 #endif /* PAL_H_ */

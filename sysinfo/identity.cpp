@@ -110,12 +110,8 @@ HRESULT PALAPI PALSysinfo_GetOSVerExW(WCHAR* buffer, DWORD* length) {
   return Query(PAL_DETAIL_OS_VERSION, buffer, length);
 }
 
-// The names without and with W are one function. An alias would need a word of its own in every
-// build's linker; a second row does not.
+// The names without and with W are one function: exports.def says so.
 HRESULT PALAPI PALSysinfo_GetModel(WCHAR* buffer) {
-  return QueryFixed(PAL_DETAIL_MODEL, buffer);
-}
-HRESULT PALAPI PALSysinfo_GetModelW(WCHAR* buffer) {
   return QueryFixed(PAL_DETAIL_MODEL, buffer);
 }
 HRESULT PALAPI PALSysinfo_GetModelA(char* buffer) {
@@ -124,16 +120,10 @@ HRESULT PALAPI PALSysinfo_GetModelA(char* buffer) {
 HRESULT PALAPI PALSysinfo_GetFirmwareVersion(WCHAR* buffer) {
   return QueryFixed(PAL_DETAIL_FIRMWARE_VERSION, buffer);
 }
-HRESULT PALAPI PALSysinfo_GetFirmwareVersionW(WCHAR* buffer) {
-  return QueryFixed(PAL_DETAIL_FIRMWARE_VERSION, buffer);
-}
 HRESULT PALAPI PALSysinfo_GetFirmwareVersionA(char* buffer) {
   return QueryFixed(PAL_DETAIL_FIRMWARE_VERSION, buffer);
 }
 HRESULT PALAPI PALSysinfo_GetSerialNumber(WCHAR* buffer) {
-  return QueryFixed(PAL_DETAIL_SERIAL_NUMBER, buffer);
-}
-HRESULT PALAPI PALSysinfo_GetSerialNumberW(WCHAR* buffer) {
   return QueryFixed(PAL_DETAIL_SERIAL_NUMBER, buffer);
 }
 HRESULT PALAPI PALSysinfo_GetSerialNumberA(char* buffer) {
@@ -142,16 +132,10 @@ HRESULT PALAPI PALSysinfo_GetSerialNumberA(char* buffer) {
 HRESULT PALAPI PALSysinfo_GetHardwareConfiguration(WCHAR* buffer) {
   return QueryFixed(PAL_DETAIL_HARDWARE_CONFIGURATION, buffer);
 }
-HRESULT PALAPI PALSysinfo_GetHardwareConfigurationW(WCHAR* buffer) {
-  return QueryFixed(PAL_DETAIL_HARDWARE_CONFIGURATION, buffer);
-}
 HRESULT PALAPI PALSysinfo_GetHardwareConfigurationA(char* buffer) {
   return QueryFixed(PAL_DETAIL_HARDWARE_CONFIGURATION, buffer);
 }
 HRESULT PALAPI PALSysinfo_GetEtherMACAddress(WCHAR* buffer) {
-  return QueryFixed(PAL_DETAIL_ETHERNET_ADDRESS, buffer);
-}
-HRESULT PALAPI PALSysinfo_GetEtherMACAddressW(WCHAR* buffer) {
   return QueryFixed(PAL_DETAIL_ETHERNET_ADDRESS, buffer);
 }
 HRESULT PALAPI PALSysinfo_GetEtherMACAddressA(char* buffer) {
@@ -196,11 +180,4 @@ HRESULT PALAPI PALSysinfo_GetDeviceDetailW(DWORD detail, WCHAR* buffer, DWORD* l
   kIdentityTrace.Info("0x%x=PALSysinfo_GetDeviceDetailW(%d,*,*). Exit. procid:0x%x", result, detail,
                       GetCurrentProcessId());
   return result;
-}
-
-HRESULT PALAPI PALSysinfo_Init() {
-  return S_OK;
-}
-HRESULT PALAPI PALSysinfo_Term() {
-  return S_OK;
 }

@@ -92,8 +92,9 @@ std::vector<std::string> Device::TakeMisuse() {
 }
 
 void Device::InstallModule(Module module) {
-  RemoveModule(module.name);
   const Scheduler::Lock lock(kernel_->mutex);
+  std::erase_if(kernel_->modules,
+                [&](const Module& known) { return EqualNoCase(known.path(), module.path()); });
   kernel_->modules.push_back(std::move(module));
 }
 

@@ -68,6 +68,8 @@ class ProcessKilled : public std::exception {
 struct Module {
   std::string name;
   std::map<std::string, int (*)(), std::less<>> entries;
+  std::string folder = "\\Windows";
+  [[nodiscard]] std::string path() const { return folder + "\\" + name; }
 };
 
 // A program that processes can start. It also needs a file: without one at its path it is missing.
@@ -114,10 +116,14 @@ class Device {
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
-  // Libraries that LoadLibraryW finds. A new device has "coredll.dll", with its entry
-  // "AudioUpdateFromRegistry", and "DVLEventLog.dll", which puts its lines into the journal.
-  void InstallModule(Module module);
-  void RemoveModule(std::string_view name);
+  // Libraries that LoadLibraryW finds: by name those in \Windows, by path those of any folder. A
+  // new device has "coredll.dll", with its entry "AudioUpdateFromRegistry", "DVLEventLog.dll",
+  // which puts its lines into the journal, and "DVLORQPAL.dll", which does the services that the
+  // library of the same name passes on to it. That library itself lies in
+  // "\Program Files\Dravonel"; a process has it loaded, so that where \Windows has none of that
+  // name, loading by name gives it once more.
+  void InstallModule(Module module);         // in place of one with the same path
+  void RemoveModule(std::string_view name);  // in whatever folder
   [[nodiscard]] std::vector<Module> modules() const;
 
   // Adds a program, in place of one with the same path. A new device has the registry importer,
@@ -151,8 +157,9 @@ class Thread {
 // A process with the library loaded: attached when made, detached at its end.
 class Process {
  public:
+  // `name` is that of the program's file, in "\Program Files", or its path.
   // `library` is a build of the library; empty: the one that was built with the simulator.
-  explicit Process(Device& device, std::string name = "caller.exe",
+  explicit Process(Device& device, const std::string& name = "caller.exe",
                    std::filesystem::path library = {});
   ~Process();  // End(), if it has not ended
   Process(const Process&) = delete;

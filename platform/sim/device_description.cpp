@@ -65,7 +65,7 @@ DeviceIdentity ReadIdentity(const Part& part, const fs::path& file) {
 // The module with those of its entries that the list names.
 Module WithEntries(const Part& part, const Module& known, const toml::node& list) {
   constexpr std::string_view kExpected = R"(a list of entry names: ["...", "..."])";
-  Module module{known.name, {}};
+  Module module{known.name, {}, known.folder};
   for (const toml::node& item : part.As<toml::array>(list, kExpected)) {
     const std::string& entry = part.As<toml::value<std::string>>(item, kExpected).get();
     const auto found = known.entries.find(entry);

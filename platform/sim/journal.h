@@ -17,7 +17,7 @@ enum class Effect : std::uint8_t {
   kFile,       // a file is written or created
   kEvent,      // a named event is set, reset or pulsed
   kMutex,      // a named mutex is taken, released or abandoned
-  kModule,     // a library is loaded, freed or missed
+  kModule,     // a library is loaded, freed, missed, or asked for a service
   kAudio,      // the audio driver is told something; a sound starts or ends
   kLed,        // an LED changes
   kVibration,  // the vibrator runs

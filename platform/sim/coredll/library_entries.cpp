@@ -1,7 +1,12 @@
 #include "platform/sim/coredll/library_entries.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "platform/sim/kernel/kernel.h"
 #include "platform/wince.h"
@@ -28,15 +33,85 @@ int UpdateAudioFromRegistry() {
   return 0;
 }
 
+// The services of the provider library. An address follows from what it is asked for.
+constexpr DWORD kFirstAddress = 0xA0000000;
+
+template <class... Arguments>
+void LogService(std::string_view name, Arguments... arguments) {
+  const std::array<DWORD, sizeof...(Arguments)> numbers{arguments...};
+  LogFromEntry(Effect::kModule, fmt::format("{}({:#x})", name, fmt::join(numbers, ", ")));
+}
+
+HRESULT VirtualAllocCopy(DWORD a, DWORD b, DWORD* address) {
+  LogService("PALSysio_VirtualAllocCopy", a, b);
+  *address = kFirstAddress | a;
+  return S_OK;
+}
+
+HRESULT MmMapIoSpace(DWORD a, DWORD b, DWORD c, DWORD d, DWORD* address) {
+  LogService("PALSysio_MmMapIoSpace", a, b, c, d);
+  *address = kFirstAddress | a;
+  return S_OK;
+}
+
+HRESULT ImagerAllocPhysMem(DWORD a, DWORD b, DWORD* address) {
+  LogService("PALSysio_ImagerAllocPhysMem", a, b);
+  *address = kFirstAddress | a;
+  return S_OK;
+}
+
+HRESULT ImagerFreePhysMem(DWORD address) {
+  LogService("PALSysio_ImagerFreePhysMem", address);
+  return S_OK;
+}
+
+HRESULT EnableCamera(DWORD enable) {
+  LogService("PALSysio_DVLEnableCamera", enable);
+  return TRUE;
+}
+
+HRESULT EnableCameraClock(DWORD enable) {
+  LogService("PALSysio_DVLEnableCameraClock", enable);
+  return TRUE;
+}
+
+HRESULT EnableCameraPower(DWORD enable) {
+  LogService("PALSysio_DVLEnableCameraPower", enable);
+  return TRUE;
+}
+
+HRESULT LogVersion() {
+  LogFromEntry(Effect::kTrace, "Loaded provider");
+  return S_OK;
+}
+
 // Entries are kept as the platform's lookup gives them: whoever calls one knows its real type.
-int (*const kLogString)() = reinterpret_cast<int (*)()>(reinterpret_cast<void*>(&LogString));
+template <class Function>
+std::pair<const std::string, int (*)()> Entry(const char* name, Function* function) {
+  return {name, reinterpret_cast<int (*)()>(reinterpret_cast<void*>(function))};
+}
+
+Module Provider() {
+  return {"DVLORQPAL.dll",
+          {
+              Entry("PALSysio_VirtualAllocCopy", &VirtualAllocCopy),
+              Entry("PALSysio_MmMapIoSpace", &MmMapIoSpace),
+              Entry("PALSysio_ImagerAllocPhysMem", &ImagerAllocPhysMem),
+              Entry("PALSysio_ImagerFreePhysMem", &ImagerFreePhysMem),
+              Entry("PALSysio_DVLEnableCamera", &EnableCamera),
+              Entry("PALSysio_DVLEnableCameraClock", &EnableCameraClock),
+              Entry("PALSysio_DVLEnableCameraPower", &EnableCameraPower),
+              Entry("PALVER_LogVersion", &LogVersion),
+          }};
+}
 
 }  // namespace
 
 std::vector<Module> BuiltInModules() {
   return {
       {"coredll.dll", {{"AudioUpdateFromRegistry", &UpdateAudioFromRegistry}}},
-      {"DVLEventLog.dll", {{"DVLLogString", kLogString}}},
+      Provider(),
+      {"DVLEventLog.dll", {Entry("DVLLogString", &LogString)}},
   };
 }
 

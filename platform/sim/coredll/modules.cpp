@@ -1,27 +1,49 @@
-#include <fmt/format.h>
-
 #include "platform/sim/coredll/call.h"
 
 namespace sim {
 namespace {
 
-// A loaded library by its handle: the handle is the same in every process.
-std::map<std::string, unsigned, std::less<>>::iterator FindLoaded(Call& call, HMODULE module) {
-  auto& loaded = call.process().modules;
-  const auto number = reinterpret_cast<std::uintptr_t>(module);
-  const auto name = call.kernel().module_names.find(number);
-  return name == call.kernel().module_names.end() ? loaded.end() : loaded.find(name->second);
+using Loaded = std::map<std::string, unsigned, std::less<>>;
+
+// A library that the process has loaded, by its handle; misuse where it has none such.
+Loaded::iterator FindLoaded(Call& call, HMODULE module) {
+  Loaded& loaded = call.process().modules;
+  const auto path = call.kernel().module_names.find(reinterpret_cast<std::uintptr_t>(module));
+  const auto found =
+      path == call.kernel().module_names.end() ? loaded.end() : loaded.find(path->second);
+  if (found == loaded.end()) call.Misuse("was given a library that is not loaded");
+  return found;
 }
 
-HMODULE HandleOf(Kernel& kernel, const std::string& name) {
-  for (const auto& [number, known] : kernel.module_names) {
-    if (known == name) return reinterpret_cast<HMODULE>(number);
+bool IsOwnLibrary(const ProcessState& process, std::string_view wanted) {
+  if (process.library == nullptr) return false;
+  return EqualNoCase(wanted, kOwnLibrary) ||
+         EqualNoCase(wanted, kOwnLibrary.substr(kOwnLibrary.rfind('\\') + 1));
+}
+
+// The path of the library that a path or a name leads to; empty where there is none. A name is that
+// of a library in \Windows, and after that of the one that the process was made with.
+std::string FindByName(Call& call, const std::string& wanted) {
+  const bool is_path = wanted.find('\\') != std::string::npos;
+  const Module* module = call.kernel().FindModule(is_path ? wanted : "\\Windows\\" + wanted);
+  if (module != nullptr) return module->path();
+  return std::string(IsOwnLibrary(call.process(), wanted) ? kOwnLibrary : "");
+}
+
+// Those in \Windows are known by their name.
+std::string Shown(const std::string& path) {
+  constexpr std::string_view kWindows = "\\Windows\\";
+  return path.starts_with(kWindows) ? path.substr(kWindows.size()) : path;
+}
+
+FARPROC FindEntry(Call& call, const std::string& path, const std::string& name) {
+  if (path == kOwnLibrary) {
+    return reinterpret_cast<FARPROC>(call.process().library->Symbol(name.c_str()));
   }
-  constexpr std::uintptr_t kFirst = 0x40000000;
-  constexpr std::uintptr_t kStep = 0x00100000;
-  const std::uintptr_t number = kFirst + kernel.module_names.size() * kStep;
-  kernel.module_names.emplace(number, name);
-  return reinterpret_cast<HMODULE>(number);
+  const Module* module = call.kernel().FindModule(path);
+  if (module == nullptr) return nullptr;
+  const auto entry = module->entries.find(name);
+  return entry == module->entries.end() ? nullptr : entry->second;
 }
 
 }  // namespace
@@ -36,26 +58,26 @@ HINSTANCE LoadLibraryW(LPCWSTR name) {
   if (call.fault() != 0) return call.Fail<HINSTANCE>(call.fault(), nullptr);
   if (name == nullptr) return call.Fail<HINSTANCE>(ERROR_INVALID_PARAMETER, nullptr);
   const std::string wanted = sim::ToUtf8(name);
-  const sim::Module* module = call.kernel().FindModule(wanted);
-  if (module == nullptr) {
+  const std::string path = sim::FindByName(call, wanted);
+  if (path.empty()) {
     call.Log(Effect::kModule, wanted + " not found");
     return call.Fail<HINSTANCE>(ERROR_MOD_NOT_FOUND, nullptr);
   }
-  if (++call.process().modules[module->name] == 1)
-    call.Log(Effect::kModule, module->name + " loaded");
-  return sim::HandleOf(call.kernel(), module->name);
+  if (++call.process().modules[path] == 1) call.Log(Effect::kModule, sim::Shown(path) + " loaded");
+  return reinterpret_cast<HINSTANCE>(call.kernel().ModuleHandle(path));
 }
 
 BOOL FreeLibrary(HMODULE module) {
   Call call(CallId::FreeLibrary);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
   const auto loaded = sim::FindLoaded(call, module);
-  if (loaded == call.process().modules.end()) {
-    call.Misuse("was given a library that is not loaded");
-    return call.Fail(ERROR_INVALID_HANDLE, FALSE);
+  if (loaded == call.process().modules.end()) return call.Fail(ERROR_INVALID_HANDLE, FALSE);
+  if (loaded->second == 1 && loaded->first == sim::kOwnLibrary) {
+    call.Misuse("would unload the library that calls");
+    return call.Fail(ERROR_ACCESS_DENIED, FALSE);
   }
   if (--loaded->second > 0) return TRUE;
-  call.Log(Effect::kModule, loaded->first + " freed");
+  call.Log(Effect::kModule, sim::Shown(loaded->first) + " freed");
   call.process().modules.erase(loaded);
   return TRUE;
 }
@@ -66,16 +88,25 @@ FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {
   if (name == nullptr) return call.Fail<FARPROC>(ERROR_INVALID_PARAMETER, nullptr);
   const auto loaded = sim::FindLoaded(call, module);
   if (loaded == call.process().modules.end()) {
-    call.Misuse("was given a library that is not loaded");
     return call.Fail<FARPROC>(ERROR_INVALID_HANDLE, nullptr);
   }
-  const sim::Module* found = call.kernel().FindModule(loaded->first);
-  if (found == nullptr) return call.Fail<FARPROC>(ERROR_PROC_NOT_FOUND, nullptr);
-  const auto entry = found->entries.find(sim::ToUtf8(name));
-  if (entry == found->entries.end()) return call.Fail<FARPROC>(ERROR_PROC_NOT_FOUND, nullptr);
-  return entry->second;
+  const FARPROC entry = sim::FindEntry(call, loaded->first, sim::ToUtf8(name));
+  return entry == nullptr ? call.Fail<FARPROC>(ERROR_PROC_NOT_FOUND, nullptr) : entry;
 }
 
-DWORD GetModuleFileNameW(HMODULE /*module*/, LPWSTR /*name*/, DWORD /*units*/) {
-  return sim::NotSimulated(sim::CallId::GetModuleFileNameW, DWORD{0});
+// A path that does not fit is cut, and its length is then that of the buffer.
+DWORD GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD units) {
+  Call call(CallId::GetModuleFileNameW);
+  if (call.fault() != 0) return call.Fail(call.fault(), DWORD{0});
+  if (name == nullptr || units == 0) return call.Fail(ERROR_INVALID_PARAMETER, DWORD{0});
+  std::string file = call.process().path;
+  if (module != nullptr) {
+    const auto loaded = sim::FindLoaded(call, module);
+    if (loaded == call.process().modules.end()) return call.Fail(ERROR_INVALID_HANDLE, DWORD{0});
+    file = loaded->first;
+  }
+  const std::u16string path = sim::ToUtf16(file);
+  const std::size_t copied = path.copy(name, units - 1);
+  name[copied] = 0;
+  return static_cast<DWORD>(copied < path.size() ? units : copied);
 }

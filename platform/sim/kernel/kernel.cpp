@@ -121,10 +121,21 @@ void Kernel::CloseEverything(ProcessState& process, bool is_misuse) {
   process.heap.clear();
 }
 
-const Module* Kernel::FindModule(std::string_view name) const {
+const Module* Kernel::FindModule(std::string_view path) const {
   const auto found = std::ranges::find_if(
-      modules, [&](const Module& module) { return EqualNoCase(module.name, name); });
+      modules, [&](const Module& module) { return EqualNoCase(module.path(), path); });
   return found == modules.end() ? nullptr : &*found;
+}
+
+std::uintptr_t Kernel::ModuleHandle(std::string_view path) {
+  for (const auto& [handle, known] : module_names) {
+    if (known == path) return handle;
+  }
+  constexpr std::uintptr_t kFirst = 0x40000000;
+  constexpr std::uintptr_t kStep = 0x00100000;
+  const std::uintptr_t handle = kFirst + module_names.size() * kStep;
+  module_names.emplace(handle, path);
+  return handle;
 }
 
 }  // namespace sim

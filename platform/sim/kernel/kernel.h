@@ -61,7 +61,9 @@ class Kernel {
   // Marks a process as ended and wakes its threads, so that each leaves where it waits.
   void BeginKill(ProcessState& process);
 
-  [[nodiscard]] const Module* FindModule(std::string_view name) const;
+  [[nodiscard]] const Module* FindModule(std::string_view path) const;
+  // The handle of a library by its path: the same in every process.
+  std::uintptr_t ModuleHandle(std::string_view path);
   // Closes what a process that ends still holds; where that is wrong, says so.
   void CloseEverything(ProcessState& process, bool is_misuse);
 };

@@ -16,7 +16,8 @@ using EntryPoint = BOOL (*)(HANDLE module, DWORD reason, void* reserved);
 void CallEntry(ProcessState& process, DWORD reason) {
   const auto entry = reinterpret_cast<EntryPoint>(process.library->Symbol("DllMain"));
   if (entry == nullptr) throw std::runtime_error("the library has no entry point");
-  RunInProcess(process, [&] { entry(process.library.get(), reason, nullptr); });
+  const std::uintptr_t module = process.kernel.ModuleHandle(kOwnLibrary);
+  RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
 }
 
 void BindExports(ProcessState& process) {
@@ -72,13 +73,14 @@ bool Thread::ended() const {
   return state_->object->ended;
 }
 
-Process::Process(Device& device, std::string name, std::filesystem::path library)
+Process::Process(Device& device, const std::string& name, std::filesystem::path library)
     : device_(device) {
   Kernel& kernel = device_.kernel();
   RequireDriver(kernel);
   {
     const Scheduler::Lock lock(kernel.mutex);
-    state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, std::move(name));
+    state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, name);
+    state_->modules.emplace(kOwnLibrary, 1);
     state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
     kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
   }

@@ -21,6 +21,11 @@ std::filesystem::path CopyPath(std::uint32_t process_id) {
          fmt::format("DVLORQPAL.{}.{}.p{}.so", getpid(), copies++, process_id);
 }
 
+std::string PathOf(std::string_view program) {
+  const bool is_path = program.find('\\') != std::string_view::npos;
+  return fmt::format("{}{}", is_path ? "" : "\\Program Files\\", program);
+}
+
 }  // namespace
 
 ThreadState* CurrentThread() {
@@ -59,8 +64,8 @@ void* LibraryCopy::Symbol(const char* name) const {
   return dlsym(module_, name);
 }
 
-ProcessState::ProcessState(Kernel& of, std::uint32_t number, std::string called)
-    : kernel(of), id(number), name(std::move(called)) {}
+ProcessState::ProcessState(Kernel& of, std::uint32_t number, std::string_view program)
+    : kernel(of), id(number), path(PathOf(program)), name(path.substr(path.rfind('\\') + 1)) {}
 
 std::filesystem::path DefaultLibrary() {
   Dl_info info{};

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -59,12 +60,17 @@ class LibraryCopy {
   void* module_;
 };
 
+// Where the library lies with which every process is made, and its name among the modules.
+inline constexpr std::string_view kOwnLibrary = "\\Program Files\\Dravonel\\DVLORQPAL.dll";
+
 class ProcessState {
  public:
-  ProcessState(Kernel& of, std::uint32_t number, std::string called);
+  // `program`: the path of its file, or only its name.
+  ProcessState(Kernel& of, std::uint32_t number, std::string_view program);
 
   Kernel& kernel;
   const std::uint32_t id;
+  const std::string path;
   const std::string name;
   bool alive = true;     // false once it ends: no new call may begin
   bool exiting = false;  // all but its main thread leave at their next platform call
@@ -74,7 +80,7 @@ class ProcessState {
   std::shared_ptr<ThreadState> main_thread;
   // Those that have a thread of the host: all but the driver.
   std::vector<std::shared_ptr<ThreadState>> threads;
-  std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by name, with their counts
+  std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by path, with their counts
   std::unordered_map<void*, std::size_t> heap;
   // Of a process that a program started:
   const std::shared_ptr<ProcessObject> object = std::make_shared<ProcessObject>();

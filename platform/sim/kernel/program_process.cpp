@@ -8,10 +8,6 @@
 namespace sim {
 namespace {
 
-std::string NameOf(const Program& program) {
-  return program.path.substr(program.path.rfind('\\') + 1);
-}
-
 // Lets go of those that have ended. Their threads no longer want the lock.
 void Reap(Kernel& kernel) {
   std::erase_if(kernel.program_processes, [](const std::shared_ptr<ProcessState>& process) {
@@ -39,7 +35,7 @@ void ReportFailure(ProcessState& process) {
 std::shared_ptr<ProcessState> StartProgram(Kernel& kernel, const Program& program,
                                            const std::string& command_line) {
   Reap(kernel);
-  auto process = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, NameOf(program));
+  auto process = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, program.path);
   auto thread = std::make_shared<ThreadState>(*process, 1, kernel.driver_strand);
   thread->strand = &thread->own_strand;
   process->main_thread = thread;

@@ -1,0 +1,11 @@
+// The multiplexer of the serial port: no device has one.
+#include "include/paluart.h"
+#include "platform/wince.h"
+
+HRESULT PALAPI PALUARTGetMuxMode() {
+  return E_NOTIMPL;
+}
+
+HRESULT PALAPI PALUARTSetMuxMode() {
+  return E_NOTIMPL;
+}

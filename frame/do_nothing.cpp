@@ -1,0 +1,5 @@
+#include "frame/do_nothing.h"
+
+HRESULT PALAPI PALDoNothing() {
+  return S_OK;
+}

@@ -1,0 +1,201 @@
+#include "frame/forwarded_services.h"
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <string_view>
+
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "frame/unique_handle.h"
+#include "include/palsysio.h"
+#include "include/palver.h"
+
+namespace {
+
+constexpr pal::WideText kProviderName = TEXT("DVLORQPAL.dll");
+constexpr const char* kVersionExport = "PALVER_LogVersion";
+
+using Path = std::array<WCHAR, MAX_PATH>;
+
+template <typename... Arguments>
+void Trace(pal::Severity severity, pal::TraceSource::Format<Arguments...> format,
+           Arguments... arguments) {
+  PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
+                pal::VariadicTraceArgument(arguments)...);
+}
+
+// Null where the provider has no such export.
+FARPROC FindExport(HMODULE provider, const char* name) {
+  std::array<WCHAR, 64> wide_name{};
+  FARPROC found = nullptr;
+  if (pal::Widen(wide_name, name)) found = GetProcAddressW(provider, wide_name.data());
+  if (found == nullptr) Trace(pal::Severity::kError, "%s not supported\r\n", name);
+  return found;
+}
+
+// Null where nothing is loaded from there but this library itself: its exports would call
+// themselves.
+HMODULE LoadProviderFrom(const WCHAR* path) {
+  pal::UniqueModule module(LoadLibraryW(path));
+  Trace(pal::Severity::kInfo, "Loading %ls,winerr:0x%x,proc:0x%x\r\n", path, GetLastError(),
+        GetCurrentProcessId());
+  if (!module) return nullptr;
+  const FARPROC log_version = FindExport(module.get(), kVersionExport);
+  if (log_version == reinterpret_cast<FARPROC>(&PALVER_LogVersion)) return nullptr;
+  if (log_version != nullptr) log_version();
+  return module.Release();
+}
+
+// False where there is no path of at most 259 units.
+bool PathBesideProgram(Path& path) {
+  const DWORD units = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  if (units == 0 || units >= path.size()) return false;
+  size_t folder = units;
+  while (folder > 0 && path[folder - 1] != TEXT('\\')) --folder;
+  path[folder] = 0;
+  return pal::Append(path, kProviderName);
+}
+
+HMODULE LoadProvider() {
+  HMODULE module = LoadProviderFrom(kProviderName.data());
+  Path path{};
+  if (module == nullptr && PathBesideProgram(path)) module = LoadProviderFrom(path.data());
+  if (module == nullptr) {
+    Trace(pal::Severity::kError, "All PAL load attempts failed. proc:0x%x\r\n",
+          GetCurrentProcessId());
+  }
+  return module;
+}
+
+// Two threads may load the provider at the same time, each for itself: loading is counted, both get
+// the same, and it is never freed.
+constinit std::atomic<HMODULE> provider{nullptr};
+
+}  // namespace
+
+HRESULT PalLoadProviderFunction(const char* name, FARPROC& address) {
+  HMODULE module = provider.load(std::memory_order_relaxed);
+  if (module == nullptr) {
+    module = LoadProvider();
+    if (module == nullptr) return E_NOTIMPL;
+    provider.store(module, std::memory_order_relaxed);
+  }
+  const FARPROC found = FindExport(module, name);
+  if (found == nullptr) return E_NOTIMPL;
+  address = found;
+  return S_OK;
+}
+
+namespace {
+
+// Stands for a target that was looked for in vain. One word says both whether the look has been and
+// what it found, so that two first calls at once cannot take the one for the other.
+int WINAPI MissingTarget() {
+  return 0;
+}
+
+enum class Service : size_t {
+  kVirtualAllocCopy,
+  kMmMapIoSpace,
+  kImagerAllocPhysMem,
+  kImagerFreePhysMem,
+  kEnableCamera,
+  kEnableCameraClock,
+  kEnableCameraPower,
+};
+
+struct ServiceRow {
+  Service service;
+  const char* name;
+};
+
+constexpr auto kServices = std::to_array<ServiceRow>({
+    {Service::kVirtualAllocCopy, "PALSysio_VirtualAllocCopy"},
+    {Service::kMmMapIoSpace, "PALSysio_MmMapIoSpace"},
+    {Service::kImagerAllocPhysMem, "PALSysio_ImagerAllocPhysMem"},
+    {Service::kImagerFreePhysMem, "PALSysio_ImagerFreePhysMem"},
+    {Service::kEnableCamera, "PALSysio_DVLEnableCamera"},
+    {Service::kEnableCameraClock, "PALSysio_DVLEnableCameraClock"},
+    {Service::kEnableCameraPower, "PALSysio_DVLEnableCameraPower"},
+});
+
+consteval bool RowsAreInOrder() {
+  for (size_t row = 0; row < kServices.size(); ++row) {
+    if (static_cast<size_t>(kServices[row].service) != row) return false;
+  }
+  return true;
+}
+static_assert(RowsAreInOrder());
+
+// One for each row; null before its first call.
+constinit std::array<std::atomic<FARPROC>, kServices.size()> targets{};
+
+FARPROC TargetOf(Service service) {
+  const auto row = static_cast<size_t>(service);
+  FARPROC target = targets[row].load(std::memory_order_relaxed);
+  if (target != nullptr) return target;
+  if (pal::Failed(PalLoadProviderFunction(kServices[row].name, target))) target = &MissingTarget;
+  targets[row].store(target, std::memory_order_relaxed);
+  return target;
+}
+
+// Null where the provider does not have it.
+template <typename... Arguments>
+auto Find(Service service) {
+  using Function = HRESULT(WINAPI*)(Arguments...);
+  using AnyFunction = void (*)();  // the one that compilers let a function pointer pass through
+  const FARPROC target = TargetOf(service);
+  return target == &MissingTarget
+             ? nullptr
+             : reinterpret_cast<Function>(reinterpret_cast<AnyFunction>(target));
+}
+
+// A service whose last argument gets an address.
+template <typename... Arguments>
+HRESULT ForwardForAddress(Service service, DWORD* address, Arguments... arguments) {
+  if (address == nullptr) return E_FAIL;
+  const auto function = Find<Arguments..., DWORD*>(service);
+  DWORD answer = 0;
+  if (function != nullptr && pal::Failed(function(arguments..., &answer))) answer = 0;
+  *address = answer;
+  return answer != 0 ? S_OK : E_FAIL;
+}
+
+HRESULT ForwardSwitch(Service service, DWORD enable) {
+  const auto function = Find<DWORD>(service);
+  return function != nullptr && function(enable) != 0 ? S_OK : E_FAIL;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALSysio_VirtualAllocCopy(DWORD a, DWORD b, DWORD* address) {
+  return ForwardForAddress(Service::kVirtualAllocCopy, address, a, b);
+}
+
+HRESULT PALAPI PALSysio_MmMapIoSpace(DWORD a, DWORD b, DWORD c, DWORD d, DWORD* address) {
+  return ForwardForAddress(Service::kMmMapIoSpace, address, a, b, c, d);
+}
+
+HRESULT PALAPI PALSysio_ImagerAllocPhysMem(DWORD a, DWORD b, DWORD* address) {
+  return ForwardForAddress(Service::kImagerAllocPhysMem, address, a, b);
+}
+
+HRESULT PALAPI PALSysio_ImagerFreePhysMem(DWORD memory) {
+  const auto function = Find<DWORD>(Service::kImagerFreePhysMem);
+  if (function != nullptr) function(memory);
+  return S_OK;
+}
+
+HRESULT PALAPI PALSysio_DVLEnableCamera(DWORD enable) {
+  return ForwardSwitch(Service::kEnableCamera, enable);
+}
+
+HRESULT PALAPI PALSysio_DVLEnableCameraClock(DWORD enable) {
+  return ForwardSwitch(Service::kEnableCameraClock, enable);
+}
+
+HRESULT PALAPI PALSysio_DVLEnableCameraPower(DWORD enable) {
+  return ForwardSwitch(Service::kEnableCameraPower, enable);
+}
