@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/sim/hardware/audio.h"
 #include "platform/sim/hardware/driver.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
@@ -21,6 +22,7 @@ struct Hardware {
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
   std::vector<std::shared_ptr<Driver>> drivers;
+  Audio audio;
 };
 
 }  // namespace sim
