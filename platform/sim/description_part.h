@@ -15,6 +15,8 @@
 #include <vector>
 
 #include "platform/sim/device_folder.h"
+#include "platform/sim/hardware/audio.h"
+#include "platform/sim/hardware/leds.h"
 
 namespace sim {
 
@@ -84,10 +86,17 @@ void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
+void ReadLeds(const Part& part, const toml::node& node, Device& device);
+void ReadVibrator(const Part& part, const toml::node& node, Device& device);
 
-// What the simulator keeps of the audio in [state]: read into the device, and as lines of text.
-void ReadKeptAudio(const Part& part, const toml::table& state, Device& device);
-[[nodiscard]] std::string KeptAudio(Device& device);
+// States of LEDs that differ from those that the author gives, in the part that the simulator
+// keeps; no line where none does.
+void ReadKeptLeds(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptLedsLine(const Leds& leds);
+
+// The audio's levels, in the same way.
+void ReadKeptAudio(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptAudioLine(const Audio& audio);
 
 }  // namespace sim
 

@@ -13,8 +13,8 @@ namespace sim {
 // use.
 DeviceIdentity LoadDescription(Device& device, const std::filesystem::path& file);
 
-// The text of such a file with the device's state in place of the one that it has; its author's
-// part stays as it is, and so does a text that has no state where there is none to keep.
+// The text of such a file with the state that a device has now; its author's part stays as it is,
+// and so does a text that has no state where there is none to keep.
 [[nodiscard]] std::string WithState(const std::string& text, Device& device);
 
 }  // namespace sim

@@ -6,7 +6,9 @@
 namespace sim {
 namespace {
 
-void ReadLevels(const Part& part, const toml::table& table, AudioLevels& levels) {
+void ReadLevels(const Part& part, const toml::node& node, AudioLevels& levels) {
+  const auto& table = part.As<toml::table>(node, "a table: { volume = 0x66666666, gain = 50 }");
+  part.Allow(table, {"volume", "gain"});
   if (const toml::node* volume = table.get("volume")) levels.volume = part.Number(*volume);
   if (const toml::node* gain = table.get("gain")) levels.gain = part.Number(*gain);
 }
@@ -14,21 +16,19 @@ void ReadLevels(const Part& part, const toml::table& table, AudioLevels& levels)
 }  // namespace
 
 void ReadAudio(const Part& part, const toml::node& node, Device& device) {
-  const auto& table = part.As<toml::table>(node, "a table: [audio]");
-  part.Allow(table, {"volume", "gain"});
   Audio& audio = device.hardware().audio;
-  ReadLevels(part, table, audio.described);
+  ReadLevels(part, node, audio.described);
   audio.levels = audio.described;
 }
 
-void ReadKeptAudio(const Part& part, const toml::table& state, Device& device) {
-  ReadLevels(part, state, device.hardware().audio.levels);
+void ReadKeptAudio(const Part& part, const toml::node& node, Device& device) {
+  ReadLevels(part, node, device.hardware().audio.levels);
 }
 
-std::string KeptAudio(Device& device) {
-  const Audio& audio = device.hardware().audio;
+std::string KeptAudioLine(const Audio& audio) {
   if (audio.levels == audio.described) return {};
-  return fmt::format("volume = 0x{:08X}\ngain = {}\n", audio.levels.volume, audio.levels.gain);
+  return fmt::format("audio = {{ volume = 0x{:08X}, gain = {} }}\n", audio.levels.volume,
+                     audio.levels.gain);
 }
 
 }  // namespace sim

@@ -10,6 +10,7 @@
 
 #include "platform/sim/hardware/audio.h"
 #include "platform/sim/hardware/driver.h"
+#include "platform/sim/hardware/leds.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
 #include "platform/sim/hardware/system.h"
@@ -23,6 +24,7 @@ struct Hardware {
   std::vector<NetworkAdapter> adapters;
   std::vector<std::shared_ptr<Driver>> drivers;
   Audio audio;
+  Leds leds;
 };
 
 }  // namespace sim
