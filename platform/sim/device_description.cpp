@@ -26,6 +26,7 @@ constexpr std::array kSections{
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
     DescriptionSection{"services", &ReadServices},
+    DescriptionSection{"audio", &ReadAudio},
     DescriptionSection{"leds", &ReadLeds},
     DescriptionSection{"vibrator", &ReadVibrator},
     DescriptionSection{"interfaces", &ReadInterfaces},
@@ -96,6 +97,7 @@ struct KeptValue {
 constexpr std::array kKeptValues{
     KeptValue{"clock_ms", &ReadClock},
     KeptValue{"leds", &ReadKeptLeds},
+    KeptValue{"audio", &ReadKeptAudio},
 };
 
 void ReadState(const Part& part, Device& device) {
@@ -151,15 +153,16 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
 
 std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
-  const std::string leds = KeptLedsLine(device.hardware().leds);
+  const std::string kept =
+      KeptLedsLine(device.hardware().leds) + KeptAudioLine(device.hardware().audio);
   std::string result = description.author;
   if (description.kept.empty()) {
-    if (device.now_ms() == 0 && leds.empty()) return text;
+    if (device.now_ms() == 0 && kept.empty()) return text;
     if (!result.ends_with('\n')) result += '\n';
     result += '\n';
   }
   result += kMarkerLine;
-  return result + fmt::format("[state]\nclock_ms = {}\n{}", device.now_ms(), leds);
+  return result + fmt::format("[state]\nclock_ms = {}\n{}", device.now_ms(), kept);
 }
 
 }  // namespace sim

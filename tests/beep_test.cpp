@@ -1,0 +1,456 @@
+// Beeps: what is heard and felt of each event, and that volume and gain are as before.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "platform/sim/hardware/hardware.h"
+#include "tests/support/beeper_device.h"
+#include "tests/support/device_test.h"
+#include "tests/support/wave_file.h"
+
+namespace {
+
+constexpr HRESULT kMissing = static_cast<HRESULT>(0x80070002);
+constexpr sim::AudioLevels kBefore{0x77777777, 5};
+
+class Beep : public DeviceTest {
+ protected:
+  Beep() { FurnishBeeper(device); }
+  ~Beep() override { EXPECT_EQ(device.hardware().audio.levels, levels_after); }
+
+  void SetIndicator(const char* name, DWORD value) {
+    device.registry().SetDword(kIndicatorKey, name, value);
+  }
+  void SetState(const char* name, DWORD value) {
+    device.registry().SetDword(kHardwareStateKey, name, value);
+  }
+  void Delete(const char* key, const char16_t* name) {
+    EXPECT_TRUE(device.registry().Find(key)->DeleteValue(name));
+  }
+  // "120 sound ends \x.wav" for sounds and vibrations, without volumes and gains.
+  std::vector<std::string> Sensed() {
+    std::vector<std::string> lines;
+    for (const sim::JournalEntry& entry : device.journal().entries()) {
+      const bool is_level = entry.text.starts_with("volume") || entry.text.starts_with("gain");
+      if (entry.effect == sim::Effect::kVibration) {
+        lines.push_back(fmt::format("{} vibration", entry.time_ms));
+      } else if (entry.effect == sim::Effect::kAudio && !is_level) {
+        lines.push_back(fmt::format("{} {}", entry.time_ms, entry.text));
+      }
+    }
+    return lines;
+  }
+  std::vector<std::string> Heard() { return device.journal().Texts(sim::Effect::kAudio); }
+
+  sim::AudioLevels levels_after = kBefore;
+  BeepingProcess process{device};
+};
+
+std::string Begins(unsigned time, const std::string& event) {
+  return fmt::format("{} sound begins \\{}.wav 100 ms", time, event);
+}
+std::string Ends(unsigned time, const std::string& event) {
+  return fmt::format("{} sound ends \\{}.wav", time, event);
+}
+
+TEST_F(Beep, GoodReadIsFeltAndHeardAsItsScannerSays) {
+  struct Case {
+    DWORD value;
+    bool vibrates;
+    int tones;
+  };
+  constexpr const char* kNames[] = {"IntGRI", "TethGRI", "BTGRI", "RFIDGRI"};
+  unsigned now = 0;
+  for (const Case& test :
+       {Case{0, false, 0}, Case{1, false, 1}, Case{2, false, 2}, Case{3, true, 0}, Case{4, true, 1},
+        Case{5, true, 2}, Case{6, false, 0}, Case{0xFFFFFFFF, false, 0}}) {
+    for (DWORD scan_type = 0; scan_type < 4; ++scan_type) {
+      for (const char* name : kNames) SetIndicator(name, test.value == 0 ? 5 : 0);
+      SetIndicator(kNames[scan_type], test.value);
+      device.journal().Clear();
+      EXPECT_EQ(process.exports().PALBEEPGoodReadEx(scan_type), S_OK);
+      std::vector<std::string> expected;
+      if (test.vibrates) expected.push_back(fmt::format("{} vibration", now));
+      for (int tone = 0; tone < test.tones; ++tone) {
+        expected.push_back(Begins(now, "GoodRead"));
+        expected.push_back(Ends(now += 100, "GoodRead"));
+        if (test.tones > 1) now += 50;
+      }
+      EXPECT_EQ(Sensed(), expected) << test.value;
+      EXPECT_EQ(device.now_ms(), now);
+    }
+  }
+  device.journal().Clear();
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(4), E_INVALIDARG);
+  EXPECT_TRUE(device.journal().entries().empty());
+}
+
+TEST_F(Beep, WithoutAnIndicatorNothingIsSensedAndTheReadsResultTold) {
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPBadRead(), kMissing);
+  EXPECT_TRUE(Sensed().empty());
+}
+
+TEST_F(Beep, BadReadPulsesFiveTimesAndSoundsOnce) {
+  struct Case {
+    DWORD value;
+    bool vibrates, sounds;
+  };
+  for (const Case& test :
+       {Case{0, false, false}, Case{1, false, true}, Case{2, false, true}, Case{3, true, false},
+        Case{4, true, true}, Case{5, true, true}, Case{6, false, false}}) {
+    SetIndicator("IntGRI", test.value);
+    device.journal().Clear();
+    const auto start = static_cast<unsigned>(device.now_ms());
+    EXPECT_EQ(process.exports().PALBEEPBadRead(), S_OK);
+    std::vector<std::string> expected;
+    unsigned now = start;
+    if (test.vibrates) {
+      expected.push_back(fmt::format("{} vibration", now));
+      for (int pulse = 0; pulse < 4; ++pulse, now += 100) {
+        expected.push_back(fmt::format("{} vibration", now));
+      }
+    }
+    if (test.sounds) {
+      expected.push_back(Begins(now, "BadRead"));
+      expected.push_back(Ends(now + 100, "BadRead"));
+    }
+    EXPECT_EQ(Sensed(), expected) << test.value;
+  }
+}
+
+TEST_F(Beep, VibrationThatFailsIsTracedAndStopsNoTone) {
+  Delete(kIndicatorKey, u"VibratePresetIndex");
+  SetIndicator("IntGRI", 3);
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPBadRead(), kMissing);
+  SetIndicator("IntGRI", 4);
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), S_OK);
+  EXPECT_EQ(process.exports().PALBEEPBadRead(), S_OK);
+  EXPECT_EQ(Sensed(), (std::vector<std::string>{Begins(0, "GoodRead"), Ends(100, "GoodRead"),
+                                                Begins(100, "BadRead"), Ends(200, "BadRead")}));
+  EXPECT_EQ(TraceLines("GoodReadEx").at(1), "GoodReadEx - ERROR. Vibrate hr: 0x80070002");
+  EXPECT_EQ(TraceLines("PALBEEPBadRead - ").size(), 2u) << "no second pulse is tried";
+}
+
+TEST_F(Beep, EveryEventHasItsSoundAndItsLines) {
+  const auto& exports = process.exports();
+  struct Case {
+    HRESULT result;
+    std::string event;
+    std::string last_line;
+  };
+  unsigned now = 0;
+  for (const Case& test :
+       {Case{exports.PALBEEPChangeConfig(), "ConfigChange", "0x0=PALBEEPChangeConfig() - Exit"},
+        Case{exports.PALBEEPChangeConfigError(), "ConfigChangeError",
+             "0x0=PALBEEPChangeConfigError() - Exit"},
+        Case{exports.PALBEEPKeyClick(), "KeyClick", "0x0=PALBEEPKeyClick() - Entry"}}) {
+    EXPECT_EQ(test.result, S_OK);
+    const std::vector<std::string> sensed = Sensed();
+    EXPECT_EQ(sensed.at(now / 50), Begins(now, test.event));
+    now += 100;
+    EXPECT_EQ(TraceLines(test.last_line).size(), 1u);
+  }
+}
+
+// In the order in which they happen: gain, volume, sound, and both back.
+TEST_F(Beep, SpeakerSoundsAtTheSystemsVolumeAndTheLevelsGain) {
+  struct Case {
+    std::uint32_t current;
+    std::string gain;
+  };
+  for (const Case& test : {Case{kLevelWords[4], "gain 40"}, Case{kLevelWords[0], "gain 0"},
+                           Case{0x1234, ""}}) {  // no level: the gain stays
+    device.registry().SetDword(kBeeperKey, "CurrentVol", test.current);
+    device.journal().Clear();
+    EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+    std::vector<std::string> expected = {test.gain,
+                                         "volume 0x77777777",
+                                         "sound begins \\KeyClick.wav 100 ms",
+                                         "sound ends \\KeyClick.wav",
+                                         "gain 5",
+                                         "volume 0x77777777"};
+    if (test.gain.empty()) expected.erase(expected.begin());
+    EXPECT_EQ(Heard(), expected);
+  }
+  Delete(kBeeperKey, u"MedGain");
+  device.registry().SetDword(kBeeperKey, "CurrentVol", kLevelWords[3]);
+  device.journal().Clear();
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(Heard().front(), "gain 66");
+  EXPECT_EQ(TraceLines("PALBEEPSetCurVolsGain").front(),
+            "PALBEEPSetCurVolsGain - PALBEEPGetSpeakerGain failed. Using current:66");
+}
+
+TEST_F(Beep, HeadsetIsHeardAtItsOwnVolume) {
+  struct Case {
+    DWORD bluetooth, headset;
+    bool active;
+  };
+  for (const Case& test :
+       {Case{0x10, 0, true}, Case{0x20, 0, true}, Case{0x04, 0, true}, Case{0xFFFFFFCB, 0, false},
+        Case{0, 1, true}, Case{0, 0x80000000, true}, Case{0, 0, false}}) {
+    SetState("Bluetooth", test.bluetooth);
+    SetState("Headset", test.headset);
+    device.journal().Clear();
+    EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+    EXPECT_EQ(Heard().at(0), "gain 30") << "the speaker's, also with a headset";
+    EXPECT_EQ(Heard().at(1), test.active ? "volume 0x33333333" : "volume 0x77777777");
+  }
+  Delete(kHardwareStateKey, u"Headset");
+  device.journal().Clear();
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(Heard().at(1), "volume 0x77777777") << "unreadable: none";
+  Delete(kHardwareStateKey, u"Bluetooth");
+  device.journal().Clear();
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(Heard().at(1), "volume 0x33333333") << "unreadable: the quieter";
+  EXPECT_EQ(TraceLines("IsBTHeadsetConnected"),
+            std::vector<std::string>{"IsBTHeadsetConnected - Reg read issue. Lower vol"});
+  // Below the built-in word of VeryLow, so that the fallback shows.
+  device.registry().SetDword(kBeeperKey, "CurrentHeadset", 0x11111111);
+  // The queries before: the states' only one and, with the first gone, no other.
+  for (const auto& [fault, volume] :
+       {std::pair{sim::Fault{.call = "RegQueryValueExW", .nth = 2}, "volume 0x11111111"},
+        std::pair{sim::Fault{.call = "RegQueryValueExW", .nth = 2, .from_then_on = true},
+                  "volume 0x33333333"}}) {
+    device.journal().Clear();
+    device.PlanFault(fault);
+    static_cast<void>(process.exports().PALBEEPKeyClick());
+    device.ClearFaults();
+    const std::vector<std::string> heard = Heard();
+    EXPECT_NE(std::find(heard.begin(), heard.end(), volume), heard.end()) << volume;
+  }
+}
+
+TEST_F(Beep, MutedBeeperIsSilent) {
+  device.hardware().audio.levels.volume = 0;
+  levels_after = {0, 5};
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(Heard(), (std::vector<std::string>{"gain 30", "volume 0x00000000", "gain 5",
+                                               "volume 0x00000000"}));
+  EXPECT_EQ(TraceLines("PlayDvlSynchronousBeep - "),
+            std::vector<std::string>{"PlayDvlSynchronousBeep - Vol:0x0, Wavefile ignored"});
+  device.PlanFault({.call = "waveOutSetVolume"});
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), E_FAIL) << "the setter's result";
+  device.ClearFaults();
+  EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), S_OK);
+  EXPECT_TRUE(Sensed().empty());
+  EXPECT_EQ(process.exports().PALBEEPStopTagSearch(), S_OK);
+}
+
+TEST_F(Beep, PathsThatLeadNowhereAreSilent) {
+  struct Case {
+    std::vector<std::uint8_t> path;
+    HRESULT result;
+    unsigned played;
+  };
+  const std::vector<std::uint8_t> unterminated(520, 'x');
+  std::vector<std::uint8_t> longest = unterminated;
+  longest[518] = longest[519] = 0;
+  std::vector<std::uint8_t> too_long = unterminated;
+  too_long.insert(too_long.end(), 2, 0);
+  constexpr auto kTooLong = static_cast<HRESULT>(0x800700EA);
+  unsigned played = 0;
+  for (const Case& test :
+       {Case{{0, 0}, S_OK, 0}, Case{{}, S_OK, 0}, Case{unterminated, kTooLong, 0},
+        Case{too_long, kTooLong, 0}, Case{longest, S_OK, 1}}) {
+    device.registry().SetRaw(kBeeperKey, "KeyClick", REG_SZ, test.path);
+    EXPECT_EQ(process.exports().PALBEEPKeyClick(), test.result) << test.path.size();
+    EXPECT_EQ(device.hardware().audio.levels, kBefore);
+    EXPECT_EQ(device.calls("PlaySoundW"), played += test.played);
+  }
+  Delete(kBeeperKey, u"KeyClick");
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), kMissing);
+  device.files().Remove("\\ConfigChange.wav");
+  EXPECT_EQ(process.exports().PALBEEPChangeConfig(), S_OK) << "a sound that fails is traced only";
+  EXPECT_EQ(TraceLines("PlayAudioFile").back(),
+            "PlayAudioFile - 0x0=PlaySound(\\ConfigChange.wav,0,0x20000), winerr:0x2");
+  EXPECT_TRUE(Sensed().empty());
+}
+
+// What cannot be read is not changed, and what was changed is put back.
+TEST_F(Beep, DriverFailuresLeaveNothingChanged) {
+  SetState("Headset", 1);
+  struct Case {
+    sim::Fault fault;
+    HRESULT result;
+    std::vector<std::string> levels;
+  };
+  const std::string sound_begins = "sound begins \\KeyClick.wav 100 ms";
+  const std::string sound_ends = "sound ends \\KeyClick.wav";
+  for (const Case& test :
+       {Case{{.call = "waveOutGetVolume"}, S_OK, {"gain 30", sound_begins, sound_ends, "gain 5"}},
+        Case{{.call = "waveInMessage"},
+             S_OK,
+             {"volume 0x33333333", sound_begins, sound_ends, "volume 0x77777777"}},
+        Case{{.call = "waveInMessage", .nth = 2},
+             S_OK,
+             {"volume 0x33333333", sound_begins, sound_ends, "gain 5", "volume 0x77777777"}},
+        Case{{.call = "waveOutSetVolume"},
+             S_OK,
+             {"gain 30", sound_begins, sound_ends, "gain 5", "volume 0x77777777"}}}) {
+    device.journal().Clear();
+    device.PlanFault(test.fault);
+    EXPECT_EQ(process.exports().PALBEEPKeyClick(), test.result);
+    device.ClearFaults();
+    EXPECT_EQ(Heard(), test.levels);
+    EXPECT_EQ(device.hardware().audio.levels, kBefore);
+  }
+  device.PlanFault({.call = "waveOutSetVolume", .nth = 2});
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), E_FAIL);
+  EXPECT_EQ(TraceLines("PlayDvlSynchronousBeep - ").back(),
+            "PlayDvlSynchronousBeep - Failed to restore volume");
+  levels_after = {0x33333333, 5};
+}
+
+TEST_F(Beep, TagSearchKeepsItsLevelsUntilItIsStopped) {
+  const auto& exports = process.exports();
+  SetState("Headset", 1);
+  EXPECT_EQ(exports.PALBEEPStartTagSearch(), S_OK);
+  EXPECT_EQ(Sensed().back(), "0 sound begins \\TagSearch.wav 100 ms, looping");
+  constexpr sim::AudioLevels kSearching{0x33333333, 30};
+  EXPECT_EQ(device.hardware().audio.levels, kSearching);
+  device.Advance(1000);
+  EXPECT_EQ(device.hardware().audio.levels, kSearching);
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
+  EXPECT_EQ(Sensed().back(), "1000 sound stops \\TagSearch.wav");
+  EXPECT_EQ(device.hardware().audio.levels, kBefore);
+
+  // A beep of another process puts back the tag search's levels and disturbs it no more.
+  EXPECT_EQ(exports.PALBEEPStartTagSearch(), S_OK);
+  {
+    BeepingProcess other(device, "other.exe");
+    EXPECT_EQ(other.exports().PALBEEPKeyClick(), S_OK);
+    EXPECT_EQ(other.exports().PALBEEPStopTagSearch(), S_OK) << "not its own";
+  }
+  EXPECT_EQ(device.hardware().audio.levels, kSearching);
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
+  EXPECT_EQ(device.hardware().audio.levels, kBefore);
+
+  // After one of the same process, the values of the tag search are those saved last.
+  EXPECT_EQ(exports.PALBEEPStartTagSearch(), S_OK);
+  EXPECT_EQ(exports.PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(device.hardware().audio.levels, kSearching);
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
+  levels_after = kSearching;
+}
+
+TEST_F(Beep, TagSearchThatWasNotStartedOrSavedIsNotPutBack) {
+  const auto& exports = process.exports();
+  EXPECT_EQ(exports.PALBEEPKeyClick(), S_OK);
+  device.hardware().audio.levels = {0x12345678, 9};
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
+  EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x12345678, 9}));
+
+  device.PlanFault({.call = "waveOutGetVolume"});
+  SetState("Headset", 1);
+  device.files().Remove("\\TagSearch.wav");
+  EXPECT_EQ(exports.PALBEEPStartTagSearch(), S_OK);
+  device.ClearFaults();
+  EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x12345678, 30}));
+  device.hardware().audio.levels.volume = 0x22222222;
+  device.PlanFault({.call = "PlaySoundW", .error = 5});
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), static_cast<HRESULT>(0x80070005));
+  EXPECT_EQ(TraceLines("StopAudioFile"),
+            std::vector<std::string>{"StopAudioFile - 0x0=PlaySound(NULL,0,0), winerr:0x5"});
+  levels_after = {0x22222222, 9};
+}
+
+TEST_F(Beep, WithoutItsMutexNothingIsHeardOrFelt) {
+  SetIndicator("IntGRI", 5);
+  device.PlanFault({.call = "CreateMutexW", .error = 8});
+  BeepingProcess other(device, "other.exe");
+  const auto& exports = other.exports();
+  for (const HRESULT result :
+       {exports.PALBEEPGoodReadEx(0), exports.PALBEEPBadRead(), exports.PALBEEPChangeConfig(),
+        exports.PALBEEPChangeConfigError(), exports.PALBEEPKeyClick(),
+        exports.PALBEEPStartTagSearch(), exports.PALBEEPStopTagSearch()}) {
+    EXPECT_EQ(result, E_INVALIDARG);
+  }
+  EXPECT_TRUE(Heard().empty());
+  EXPECT_EQ(TraceLines("PALBEEPInit"),
+            std::vector<std::string>{"PALBEEPInit - Error creating mutex. winerr:0x8"});
+  EXPECT_EQ(exports.PALBEEPInit(), S_OK);
+  EXPECT_EQ(exports.PALBEEPInit(), S_OK);
+  EXPECT_EQ(other.open_handles(), 1u);
+  EXPECT_EQ(exports.PALBEEPKeyClick(), S_OK);
+}
+
+TEST_F(Beep, ProcessesTakeTurns) {
+  BeepingProcess second(device, "second.exe");
+  for (const std::uint32_t seed : {1u, 2u, 3u}) {
+    device.journal().Clear();
+    device.ShuffleTurns(seed);
+    std::vector<sim::Thread> threads;
+    for (sim::Process* each :
+         {static_cast<sim::Process*>(&process), static_cast<sim::Process*>(&second)}) {
+      for (int thread = 0; thread < 2; ++thread) {
+        threads.push_back(
+            each->Start([each] { EXPECT_EQ(each->exports().PALBEEPKeyClick(), S_OK); }));
+      }
+    }
+    for (sim::Thread& thread : threads) EXPECT_TRUE(thread.Join());
+    const std::vector<std::string> sensed = Sensed();
+    ASSERT_EQ(sensed.size(), 8u);
+    for (std::size_t at = 0; at < sensed.size(); ++at) {
+      EXPECT_NE(sensed[at].find(at % 2 == 0 ? "begins" : "ends"), std::string::npos) << sensed[at];
+    }
+    EXPECT_EQ(device.hardware().audio.levels, kBefore);
+  }
+}
+
+TEST_F(Beep, ProcessThatDiesWhileBeepingDelaysNoOneForLong) {
+  sim::Process dying(device, "dying.exe");
+  dying.exports().PALBEEPInit();
+  sim::Thread thread = dying.Start([&] { dying.exports().PALBEEPKeyClick(); });
+  device.Advance(40);
+  dying.Kill();
+  EXPECT_FALSE(thread.Join());
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(Sensed(),
+            (std::vector<std::string>{Begins(0, "KeyClick"), "40 sound stops \\KeyClick.wav",
+                                      Begins(40, "KeyClick"), Ends(140, "KeyClick")}));
+  EXPECT_EQ(TraceLines("PALWaitForMutex - ERROR abandoned").size(), 1u);
+  levels_after = {0x77777777, 30};  // the dead one's gain was never put back
+}
+
+TEST_F(Beep, WaiterGoesOnAfterTwoSeconds) {
+  device.files().Write("\\ConfigChange.wav", SilentWaveFile(5000));
+  BeepingProcess second(device, "second.exe");
+  sim::Thread thread =
+      second.Start([&] { EXPECT_EQ(second.exports().PALBEEPChangeConfig(), S_OK); });
+  device.Advance(100);
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(device.now_ms(), 2200u);
+  EXPECT_TRUE(thread.Join());
+  EXPECT_EQ(TraceLines("PALWaitForMutex - ERROR timeout").size(), 1u);
+  EXPECT_EQ(TraceLines("PALReleaseMutexIfValid - ERROR. Cannot release mutex").size(), 1u);
+}
+
+// Whichever call of whatever kind fails: the levels are put back, and no key is left open. What the
+// audio driver refuses has its own test.
+TEST_F(Beep, AnyOtherCallMayFail) {
+  SetState("Headset", 1);
+  SetIndicator("IntGRI", 5);
+  for (const char* name :
+       {"RegOpenKeyExW", "RegQueryValueExW", "RegSetValueExW", "WaitForSingleObject",
+        "ReleaseMutex", "NLedSetDevice", "PlaySoundW", "LoadLibraryW"}) {
+    unsigned count = device.calls(name);
+    EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), S_OK);
+    count = device.calls(name) - count;
+    for (unsigned nth = 1; nth <= count; ++nth) {
+      device.PlanFault({.call = name, .nth = nth});
+      const HRESULT result = process.exports().PALBEEPGoodReadEx(0);
+      device.ClearFaults();
+      EXPECT_TRUE(result == S_OK || result == static_cast<HRESULT>(0x8007001F)) << name << nth;
+      EXPECT_EQ(device.hardware().audio.levels, kBefore) << name << nth;
+      EXPECT_EQ(process.open_handles(), 1u) << name << nth;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+// A device with a whole beeper: levels, gains, indicators and a sound for every event.
+#ifndef TESTS_SUPPORT_BEEPER_DEVICE_H_
+#define TESTS_SUPPORT_BEEPER_DEVICE_H_
+
+#include <string>
+
+#include "platform/sim/device.h"
+
+inline constexpr const char* kBeeperKey = "HKLM\\Software\\Dravonel\\BeeperVol";
+inline constexpr const char* kControlPanelKey = "HKCU\\ControlPanel\\Volume";
+inline constexpr const char* kIndicatorKey = "HKLM\\SOFTWARE\\Dravonel\\PAL";
+inline constexpr const char* kHardwareStateKey = "HKLM\\System\\State\\Hardware";
+
+inline constexpr std::uint32_t kLevelWords[] = {0,          0x33333333, 0x66666666,
+                                                0x99999999, 0xCCCCCCCC, 0xFFFFFFFF};
+
+// Level n has the gain 10 n. The speaker stands at medium, the headset at very low; none is
+// connected; the system's volume is 0x77777777 and its gain 5, which belong to no level. The sound
+// of each event is "\<value name>.wav" and takes 100 ms. No scanner has an indicator.
+void FurnishBeeper(sim::Device& device);
+
+// A process with its beeper ready.
+class BeepingProcess : public sim::Process {
+ public:
+  explicit BeepingProcess(sim::Device& device, std::string name = "caller.exe");
+  ~BeepingProcess();
+  BeepingProcess(const BeepingProcess&) = delete;
+  BeepingProcess& operator=(const BeepingProcess&) = delete;
+};
+
+#endif  // TESTS_SUPPORT_BEEPER_DEVICE_H_
