@@ -44,7 +44,7 @@ HANDLE Get(const std::atomic<HANDLE>& handle) {
 
 // The handle itself, which is then the caller's to close.
 HANDLE Take(std::atomic<HANDLE>& handle) {
-  const HANDLE taken = Get(handle);
+  HANDLE taken = Get(handle);
   handle.store(nullptr, std::memory_order_relaxed);
   return taken;
 }
@@ -119,8 +119,7 @@ DWORD ReadOnDurationMs(const WCHAR* name) {
 }
 
 void WaitForEndOfFlash(DWORD duration_ms) {
-  const HANDLE event = Get(on_timeout_event);
-  if (event != nullptr) {
+  if (HANDLE event = Get(on_timeout_event)) {
     WaitForSingleObject(event, duration_ms);
     return;
   }
@@ -142,7 +141,7 @@ HRESULT ReadState(const WCHAR* name, DWORD& state) {
 
 void CreateOnTimeoutEvent() {
   if (Get(on_timeout_event) != nullptr) return;
-  const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, TEXT("LED_ON_TIMEOUT"));
+  HANDLE event = CreateEventW(nullptr, FALSE, FALSE, TEXT("LED_ON_TIMEOUT"));
   if (event == nullptr) {
     kTrace.Error(
         "PALLEDInit - LED on timeout event creation failed. Will use sleep. win32err: 0x%x",

@@ -2,6 +2,8 @@
 #include <iterator>
 
 #include "frame/do_nothing.h"
+#include "include/palbeep.h"
+#include "include/palled.h"
 #include "platform/wince.h"
 
 namespace {
@@ -17,6 +19,8 @@ struct Family {
 // ends stand for families that have nothing to do on these devices.
 constexpr Family kFamilies[] = {
     {nullptr, &PALDoNothing},
+    {&PALBEEPInit, &PALBEEPTerm},
+    {&PALLEDInit, &PALLEDTerm},
     {&PALDoNothing, &PALDoNothing},
     {&PALDoNothing, &PALDoNothing},
 };

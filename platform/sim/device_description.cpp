@@ -106,6 +106,7 @@ void ReadState(const Part& part, Device& device) {
   if (node == nullptr) return;
   const auto& state = part.As<toml::table>(*node, "a table: [state]");
   std::vector<std::string_view> allowed;
+  allowed.reserve(kKeptValues.size());
   for (const KeptValue& value : kKeptValues) allowed.push_back(value.key);
   part.Allow(state, allowed);
   for (const KeptValue& value : kKeptValues) {
