@@ -7,6 +7,7 @@
 
 #include "palbeep.h"
 #include "paldevcap.h"
+#include "palkey.h"
 #include "palled.h"
 #include "palmfgopt.h"
 #include "palonewire.h"

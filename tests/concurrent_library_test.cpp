@@ -141,4 +141,35 @@ TEST_F(Concurrent, TwoProcessesImportRegistryFilesAtOnce) {
   EXPECT_NE(device.registry().Find("HKLM\\second"), nullptr);
 }
 
+// Two processes attach, switch shift keys and end while the other does the same.
+TEST_F(Concurrent, TwoProcessesUseTheKeypadAtOnce) {
+  device.registry().SetString("HKLM\\Hardware\\Devicemap\\Keybd", "CurrentActiveLayoutKey",
+                              "Layout");
+  device.registry().SetBinary("HKLM\\Layout\\ShiftKeys", "ShiftKey1", {1, 0, 0, 0});
+  device.registry().SetBinary("HKLM\\Layout", "ShiftPlane0", {7, 0x91, 0, 2, 2, 2});
+  device.registry().Create("HKLM\\Layout\\EVENTS\\DELTA");
+  device.registry().Create("HKLM\\Layout\\EVENTS\\STATE");
+  device.registry().Create("HKLM\\Drivers\\HID\\ClientDrivers\\DVLKeyboard");
+  sim::Process first(device, "first.exe");
+  sim::Process second(device, "second.exe");
+  const auto use = [](sim::Process& process) {
+    return process.Start([&process] {
+      const sim::Exports& exports = process.exports();
+      for (DWORD round = 0; round < 20; ++round) {
+        EXPECT_EQ(exports.PALKEYInit(), S_OK);
+        EXPECT_EQ(exports.PALKEYSetShiftBehavior(round % 3), S_OK);
+        EXPECT_EQ(exports.PALKEYSetButtonAction(2, static_cast<LONG>(round % 7) + 1), S_OK);
+        DWORD action = 0;
+        EXPECT_EQ(exports.PALKEYGetButtonAction(2, &action), S_OK);
+        EXPECT_EQ(exports.PALKEYTerm(), S_OK);
+      }
+    });
+  };
+  sim::Thread first_thread = use(first);
+  sim::Thread second_thread = use(second);
+  EXPECT_TRUE(first_thread.Join());
+  EXPECT_TRUE(second_thread.Join());
+  EXPECT_EQ(device.registry().FindValue("HKLM\\Layout", "ShiftPlane0")->data.size(), 6u);
+}
+
 }  // namespace

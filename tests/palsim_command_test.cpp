@@ -38,8 +38,9 @@ TEST_F(Palsim, KeepsADeviceFromCommandToCommand) {
   EXPECT_TRUE(Printed("\"OneByteAfterFidFmt\"=hex:41,01")) << output;
   EXPECT_EQ(Run("journal --effect process"), 0);
   EXPECT_EQ(output,
-            "     0.000 p1 t1 process palsim.exe started\n"
-            "     0.000 p1 t1 process palsim.exe ended\n");
+            "     0.000 p1 t1 process dvlkbd.exe started: \n"
+            "     0.000 p2 t1 process palsim.exe started\n"
+            "     0.000 p2 t1 process palsim.exe ended\n");
   EXPECT_EQ(Run("trace --last 1"), 0);
   EXPECT_TRUE(Printed("info configuration")) << output;
 }
@@ -64,9 +65,9 @@ TEST_F(Palsim, TakesManyCallsInOneShell) {
                 "call PALMFGOpt_ConfigStoreRegUpdate\nadvance 1500\n"
                 "call PALMFGOpt_ConfigStoreRegUpdate\nquit\n"),
             0);
-  EXPECT_TRUE(Printed("     1.500 p1 t1 trace 0x43F00000 Entry PALMFGOpt_ConfigStoreRegUpdate"));
+  EXPECT_TRUE(Printed("     1.500 p2 t1 trace 0x43F00000 Entry PALMFGOpt_ConfigStoreRegUpdate"));
   EXPECT_EQ(Run("journal --effect module"), 0);
-  EXPECT_EQ(output, "     0.000 p1 t1 module DVLEventLog.dll loaded\n") << "one process, one load";
+  EXPECT_EQ(output, "     0.000 p2 t1 module DVLEventLog.dll loaded\n") << "one process, one load";
   EXPECT_EQ(Run("shell", "call Nothing\n"), 2);
 }
 

@@ -47,6 +47,8 @@ int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
 // The device's identity; what cannot be told is shown as its result code.
 int ShowInfo(const std::filesystem::path& folder);
+// The programmable buttons, and the shift planes of the active layout record by record.
+int ShowKeys(const std::filesystem::path& folder);
 int Shell(const std::filesystem::path& folder);
 
 }  // namespace palsim

@@ -31,7 +31,7 @@ LONG Answer(KernelRequest& request, const QueryAnswer& answer) {
 }
 
 // These are asked for with the id in 32 bits, all others with 16.
-constexpr std::array<std::uint16_t, 4> kWideRequests{0x0003, 0x0004, 0x001A, 0x001B};
+constexpr std::array<std::uint16_t, 5> kWideRequests{0x0003, 0x0004, 0x001A, 0x001B, 0x0035};
 
 // The kernel reads 16 bits of the request whatever its size, but the size is part of the call.
 LONG ReadParameter(KernelRequest& request) {

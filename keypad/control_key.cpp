@@ -1,0 +1,56 @@
+// Control keys that can be switched off.
+#include <array>
+
+#include "frame/registry.h"
+#include "include/palkey.h"
+#include "keypad/keypad_result.h"
+#include "keypad/keypad_trace.h"
+
+using pal::kKeypadTrace;
+
+namespace {
+
+// Spelled otherwise than where the layout is looked up; the registry does not mind.
+constexpr const WCHAR* kControlKeyPath = TEXT("Hardware\\DeviceMap\\Keybd");
+
+struct ControlKeyValues {
+  const WCHAR* first;
+  const WCHAR* second;  // null where one value is all
+};
+
+// By PALControlKey.
+constexpr std::array<ControlKeyValues, PAL_CONTROL_KEY_ALT_TAB + 1> kControlKeys = {{
+    {TEXT("VolumeKeyEnable"), nullptr},
+    {TEXT("ContrastKeyEnable"), TEXT("HighContrastKeyEnable")},
+    {TEXT("BacklightKeyEnable"), nullptr},
+    {TEXT("AltTabEnable"), nullptr},
+}};
+
+HRESULT WriteState(const WCHAR* value_name, LONG key, DWORD state) {
+  kKeypadTrace.Info("PALKEYContolKeyState - control key. reg: %ls, key: %d, state: 0x%x\r\n",
+                    value_name, key, state);
+  const HRESULT result =
+      PALRegSetDword(HKEY_LOCAL_MACHINE, kControlKeyPath, value_name, state != 0 ? 1 : 0);
+  if (pal::Failed(result)) {
+    kKeypadTrace.Error(
+        "PALKEYContolKeyState - ERROR control key. key: %d, state: 0x%x, hr: 0x%X\r\n", key, state,
+        result);
+  }
+  return result;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state) {
+  const auto row = static_cast<DWORD>(key);
+  if (row >= kControlKeys.size()) {
+    kKeypadTrace.Error("PALKEYControlKeyState - Incorrect key specified. hr: 0x%x\r\n",
+                       pal::kNoSuchControlKey);
+    kKeypadTrace.Error("PALKEYContolKeyState - ERROR copying reg string. hr: 0x%x\r\n",
+                       pal::kNoSuchControlKey);
+    return pal::kNoSuchControlKey;
+  }
+  const ControlKeyValues& values = kControlKeys[row];
+  const HRESULT result = WriteState(values.first, key, state);
+  return values.second == nullptr ? result : WriteState(values.second, key, state);
+}

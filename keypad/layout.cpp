@@ -1,0 +1,122 @@
+#include "keypad/layout.h"
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "keypad/keypad_trace.h"
+#include "keypad/shift_plane.h"
+
+using pal::kKeypadTrace;
+
+namespace {
+
+constexpr DWORD kSupportBytes = 1024;
+
+// The text of a registry value goes behind the first `at` units of a path.
+std::span<WCHAR> LayoutText(pal::LayoutPath& path, size_t at) {
+  return std::span(path).subspan(at, pal::kMaxLayoutUnits + 1);
+}
+
+bool ReadActiveLayout(pal::LayoutPath& layout) {
+  pal::UniqueRegistryKey key;
+  return pal::OpenKeypadKey(pal::kKeyboardPath, key) == ERROR_SUCCESS &&
+         pal::ReadKeypadText(key.get(), pal::kActiveLayoutValue, LayoutText(layout, 0)) ==
+             ERROR_SUCCESS &&
+         layout.front() != WCHAR{};
+}
+
+}  // namespace
+
+namespace pal {
+
+LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey) {
+  LayoutPath path = layout;
+  static_cast<void>(Append(path, subkey));  // there is room for it
+  return path;
+}
+
+LayoutPath EventsPath(const LayoutPath& layout, const WCHAR* events) {
+  return BelowLayout(BelowLayout(layout, TEXT("\\EVENTS\\")), events);
+}
+
+LONG OpenKeypadKey(const WCHAR* path, UniqueRegistryKey& key) {
+  return OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_ALL_ACCESS, key);
+}
+
+LONG ReadKeypadText(HKEY key, const WCHAR* name, std::span<WCHAR> text) {
+  auto bytes = static_cast<DWORD>((text.size() - 1) * sizeof(WCHAR));
+  const LONG error =
+      RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes);
+  if (error == ERROR_SUCCESS) text[bytes / sizeof(WCHAR)] = WCHAR{};  // an odd byte is no unit
+  return error;
+}
+
+LONG WriteEventName(HKEY key, const WCHAR* value_name, const WCHAR* event_name) {
+  const WideText text(event_name);
+  return RegSetValueExW(key, value_name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.data()),
+                        static_cast<DWORD>(text.size() * sizeof(WCHAR)));
+}
+
+}  // namespace pal
+
+HRESULT ResolveButtonKeyPath(pal::LayoutPath& path, const pal::ButtonRecord& button) {
+  path = {};
+  const pal::WideText key_path(button.key_path);
+  static_cast<void>(pal::Copy(path, key_path));
+  if (button.value_name == nullptr) return S_OK;
+  size_t at = 0;
+  if ((button.flags & pal::ButtonRecord::kLayoutBelowKey) != 0) {
+    static_cast<void>(pal::Append(path, TEXT("\\")));
+    at = key_path.size() + 1;
+  }
+  pal::UniqueRegistryKey key;
+  if (pal::OpenKeypadKey(button.key_path, key) != ERROR_SUCCESS) {
+    kKeypadTrace.Info("Failed to open %ls\r\n", button.key_path);
+    return E_FAIL;
+  }
+  if (pal::ReadKeypadText(key.get(), button.value_name, LayoutText(path, at)) != ERROR_SUCCESS) {
+    kKeypadTrace.Info("Failed to read indirect base from %ls : %ls\r\n", button.key_path,
+                      button.value_name);
+    return E_FAIL;
+  }
+  return S_OK;
+}
+
+HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name,
+                               const WCHAR* event_name) {
+  constexpr const char* kName = "CreateEventForEventKey";
+  kKeypadTrace.Info("%s Enter EventName=%ls EventValue=%ls\r\n", kName, event_name, value_name);
+  kKeypadTrace.Info("%s Reg Path=%ls\r\n", kName, path);
+  pal::UniqueRegistryKey key;
+  LONG error = pal::OpenKeypadKey(path, key);
+  if (error == ERROR_SUCCESS) error = pal::WriteEventName(key.get(), value_name, event_name);
+  const HRESULT result = error == ERROR_SUCCESS ? S_OK : E_FAIL;
+  kKeypadTrace.Info("%s(%s,%s) Complete hr=%x\r\n", kName, pal::WideTextAs8Bit(event_name),
+                    pal::WideTextAs8Bit(value_name), result);
+  return result;
+}
+
+bool ButtonIsSupported(LONG button) {
+  const pal::ButtonRecord* const record = pal::FindButton(button);
+  if (record == nullptr) {
+    kKeypadTrace.Info("ButtonIsSupported(%d) invalid\r\n", button);
+    return false;
+  }
+  pal::LayoutPath layout{};
+  if (!ReadActiveLayout(layout)) return false;
+  const WCHAR* const plane_name = pal::kShiftPlanes.front();
+  kKeypadTrace.Info("ButtonIsSupported(%d) - Read \\%ls: %ls\r\n", button, plane_name,
+                    layout.data());
+  BYTE plane[kSupportBytes];
+  DWORD bytes = 0;
+  if (pal::Failed(pal::ReadShiftPlane(layout.data(), plane_name, plane, bytes))) return false;
+  bool found = false;
+  pal::ForEachKeyRecord(std::span(plane).first(bytes), [&](DWORD, std::span<BYTE> key_record) {
+    found = found || pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
+  });
+  if (found) {
+    kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x found\r\n", button, record->scan_code);
+  } else {
+    kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x not found\r\n", button, record->scan_code);
+  }
+  return found;
+}

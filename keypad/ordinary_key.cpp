@@ -1,0 +1,92 @@
+#include "keypad/ordinary_key.h"
+
+#include "frame/result.h"
+#include "keypad/keypad_trace.h"
+
+using pal::kKeypadTrace;
+
+namespace {
+
+using NoValuesFormat = pal::TraceSource::Format<const char*, const char*>;
+
+constexpr std::array<NoValuesFormat, pal::kShiftPlanes.size()> kNoValues = {
+    "%s: Did not get Values for %s button in shift plane 0\r\n",
+    "%s: Did not get Values for %s button in shift plane 1\r\n",
+    "%s: Did not get Values for %s button in shift plane 2\r\n",
+};
+
+HRESULT SaveAndSignalEvent(const char* function, const WCHAR* layout, size_t plane,
+                           const pal::ButtonRecord& button) {
+  std::optional<pal::KeyRecord> record;
+  HRESULT result = pal::ReadKeyRecord(function, layout, plane, button, record);
+  if (!record) return result;
+  const WCHAR* const plane_name = pal::kShiftPlanes[plane];
+  result = SetKeyValues(pal::kKeypadSettingsPath, plane_name, button, *record);
+  if (pal::Failed(result)) return result;
+  ModifyKeyDataForEventTrigger(button.event_value_name, *record);
+  return SetKeyValues(layout, plane_name, button, *record);
+}
+
+HRESULT Restore(const char* function, const WCHAR* layout, size_t plane,
+                const pal::ButtonRecord& button) {
+  std::optional<pal::KeyRecord> record;
+  const HRESULT result =
+      pal::ReadKeyRecord(function, pal::kKeypadSettingsPath, plane, button, record);
+  if (!record) return result;
+  return SetKeyValues(layout, pal::kShiftPlanes[plane], button, *record);
+}
+
+}  // namespace
+
+namespace pal {
+
+HRESULT ReadKeyRecord(const char* function, const WCHAR* layout, size_t plane,
+                      const ButtonRecord& button, std::optional<KeyRecord>& record) {
+  KeyRecord read{};
+  const HRESULT result = GetKeyValues(layout, kShiftPlanes[plane], button, read);
+  // A record that was found has a kind.
+  if (Succeeded(result) && read != KeyRecord{}) {
+    record = read;
+  } else {
+    kKeypadTrace.Error(kNoValues[plane], function, button.name);
+  }
+  return result;
+}
+
+}  // namespace pal
+
+std::optional<size_t> GetActionForDefaultWindowsKeys(const pal::ButtonRecord& button) {
+  constexpr const char* kName = "GetActionForDefaultWindowsKeys";
+  kKeypadTrace.Info("%s Enter hr=0x%x\r\n", kName, S_OK);
+  std::optional<size_t> action;
+  if (button.is_ordinary_key) action = pal::kWindowsDefault;
+  kKeypadTrace.Info("%s Complete (eAction-1)=%u\r\n", kName,
+                    static_cast<DWORD>(action.value_or(PAL_KEY_ACTION_UNKNOWN)));
+  return action;
+}
+
+HRESULT SetupKeyForScanKeys(const pal::LayoutPath& layout, const pal::ButtonRecord& button,
+                            DWORD current_action, bool is_state) {
+  constexpr const char* kName = "SetupKeyForScanKeys";
+  kKeypadTrace.Info("%s Enter\r\n", kName);
+  HRESULT result = S_OK;
+  if (button.is_ordinary_key && current_action == PAL_KEY_ACTION_WINDOWS_DEFAULT && !is_state) {
+    for (size_t plane = 0; plane < pal::kShiftPlanes.size(); ++plane) {
+      result = SaveAndSignalEvent(kName, layout.data(), plane, button);
+    }
+  }
+  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", kName, result);
+  return result;
+}
+
+HRESULT SetupKeyForWinDefkeys(const pal::LayoutPath& layout, const pal::ButtonRecord& button,
+                              size_t action, bool is_state) {
+  constexpr const char* kName = "SetupKeyForWinDefkeys";
+  HRESULT result = S_OK;
+  if (button.is_ordinary_key && action == pal::kWindowsDefault && !is_state) {
+    for (size_t plane = 0; plane < pal::kShiftPlanes.size(); ++plane) {
+      result = Restore(kName, layout.data(), plane, button);
+    }
+  }
+  return result;
+}

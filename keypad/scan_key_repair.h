@@ -1,0 +1,14 @@
+// The repair of the buttons' layout, once in the life of a device.
+#ifndef KEYPAD_SCAN_KEY_REPAIR_H_
+#define KEYPAD_SCAN_KEY_REPAIR_H_
+
+// Gives buttons 5, 6 and 7 their ordinary meaning and lets button 2 scan (with the camera on the
+// model "RM23"), in events and planes, and tells the driver. Afterwards, whatever came of it, the
+// DWORD "FixActive" under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" is 1, and no call does
+// anything any more.
+//
+// False where the layout is not found, where plane 2 cannot be read or written, or where the
+// driver's key cannot be opened.
+bool FixScanKeyEvents();
+
+#endif  // KEYPAD_SCAN_KEY_REPAIR_H_

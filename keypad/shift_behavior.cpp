@@ -1,0 +1,174 @@
+// What the shift keys of the active layout do.
+#include <array>
+#include <optional>
+
+#include "frame/result.h"
+#include "include/palkey.h"
+#include "keypad/keypad_trace.h"
+#include "keypad/layout.h"
+
+using pal::kKeypadTrace;
+
+namespace {
+
+constexpr size_t kMaxNameUnits = 260;
+constexpr BYTE kBehaviorBits = 7;
+constexpr pal::WideText kShiftKeyPrefix = TEXT("ShiftKey");
+
+// The bit of each behaviour.
+constexpr std::array<BYTE, 3> kBitOf = {1, 2, 4};
+
+struct ShiftKey {
+  std::array<WCHAR, kMaxNameUnits + 1> name{};
+  std::array<BYTE, 4> data{};
+};
+
+struct OpeningLines {
+  pal::TraceSource::Format<const WCHAR*, DWORD> open_failed;
+  pal::TraceSource::Format<const WCHAR*, const WCHAR*, DWORD> query_failed;
+};
+
+// Opens the shift keys of the active layout. `path` is their key.
+LONG OpenShiftKeys(const OpeningLines& lines, pal::LayoutPath& path, pal::UniqueRegistryKey& key) {
+  pal::UniqueRegistryKey keyboard;
+  LONG error = pal::OpenKeypadKey(pal::kKeyboardPath, keyboard);
+  if (error != ERROR_SUCCESS) {
+    kKeypadTrace.Error(lines.open_failed, pal::kKeyboardPath, static_cast<DWORD>(error));
+    return error;
+  }
+  pal::LayoutPath layout{};
+  error = pal::ReadKeypadText(keyboard.get(), pal::kActiveLayoutValue,
+                              std::span(layout).first(pal::kMaxLayoutUnits + 1));
+  if (error != ERROR_SUCCESS) {
+    kKeypadTrace.Error(lines.query_failed, pal::kKeyboardPath, pal::kActiveLayoutValue,
+                       static_cast<DWORD>(error));
+    return error;
+  }
+  path = pal::BelowLayout(layout, TEXT("\\ShiftKeys"));
+  const WCHAR* const shift_keys = path.data();
+  error = pal::OpenKeypadKey(shift_keys, key);
+  if (error != ERROR_SUCCESS) {
+    kKeypadTrace.Error(lines.open_failed, shift_keys, static_cast<DWORD>(error));
+  }
+  return error;
+}
+
+// The values below the shift keys, one after another.
+class ShiftKeyList {
+ public:
+  explicit ShiftKeyList(HKEY key) : key_(key) {}
+
+  // Goes to the next shift key and passes over other values. False at the end of the list, and
+  // where it cannot be read further.
+  [[nodiscard]] bool Next(ShiftKey& shift_key) {
+    while (true) {
+      DWORD type = REG_NONE;
+      DWORD bytes = 0;
+      const LONG error = Read(shift_key, type, bytes);
+      if (error == ERROR_NO_MORE_ITEMS) return false;
+      if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) {
+        error_ = error;
+        return false;
+      }
+      const bool is_shift_key = error == ERROR_SUCCESS && type == REG_BINARY &&
+                                bytes == shift_key.data.size() && HasShiftKeyName(shift_key);
+      if (is_shift_key) return true;
+    }
+  }
+  // Of the read that ended the list, or ERROR_SUCCESS.
+  [[nodiscard]] LONG error() const { return error_; }
+
+ private:
+  [[nodiscard]] LONG Read(ShiftKey& shift_key, DWORD& type, DWORD& bytes) {
+    auto units = static_cast<DWORD>(shift_key.name.size());
+    bytes = static_cast<DWORD>(shift_key.data.size());
+    return RegEnumValueW(key_, index_++, shift_key.name.data(), &units, nullptr, &type,
+                         shift_key.data.data(), &bytes);
+  }
+  [[nodiscard]] static bool HasShiftKeyName(const ShiftKey& shift_key) {
+    return _wcsnicmp(shift_key.name.data(), kShiftKeyPrefix.data(), kShiftKeyPrefix.size()) == 0;
+  }
+
+  HKEY key_;
+  DWORD index_ = 0;
+  LONG error_ = ERROR_SUCCESS;
+};
+
+// A layout without shift keys has the first behaviour: kept so.
+DWORD BehaviorOf(std::optional<BYTE> bits) {
+  if (!bits) return PAL_SHIFT_BEHAVIOR_0;
+  DWORD behavior = 0;
+  while (behavior < kBitOf.size() && (*bits & kBitOf[behavior]) == 0) ++behavior;
+  return behavior;
+}
+static_assert(kBitOf.size() == PAL_SHIFT_BEHAVIOR_MIXED);
+
+}  // namespace
+
+HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior) {
+  constexpr OpeningLines kLines{
+      "PALKEYGetShiftBehavior - Error opening HKLM\\%ls. dwRet = 0x%x\r\n",
+      "PALKEYGetShiftBehavior - Error querying HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
+  };
+  if (behavior == nullptr) return E_FAIL;
+  pal::LayoutPath path{};
+  pal::UniqueRegistryKey key;
+  const LONG error = OpenShiftKeys(kLines, path, key);
+  if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
+
+  *behavior = 0xFFFFFFFF;
+  std::optional<BYTE> bits;
+  ShiftKeyList shift_keys(key.get());
+  ShiftKey shift_key;
+  while (shift_keys.Next(shift_key)) {
+    const BYTE own_bits = shift_key.data.front() & kBehaviorBits;
+    if (bits && own_bits != *bits) {
+      kKeypadTrace.Info("PALKEYGetShiftBehavior - Not all shift keys have the same behavior\r\n");
+      *behavior = PAL_SHIFT_BEHAVIOR_MIXED;
+      return S_OK;
+    }
+    bits = own_bits;
+  }
+  if (shift_keys.error() != ERROR_SUCCESS) {
+    kKeypadTrace.Error(
+        "PALKEYGetShiftBehavior - Error enumerating values HKLM\\%ls. dwRet = 0x%x\r\n",
+        path.data(), static_cast<DWORD>(shift_keys.error()));
+    return pal::HResultFromWin32(shift_keys.error());
+  }
+  *behavior = BehaviorOf(bits);
+  return S_OK;
+}
+
+HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior) {
+  constexpr OpeningLines kLines{
+      "PALKEYSetShiftBehavior - Error opening HKLM\\%ls. dwRet = 0x%x\r\n",
+      "PALKEYSetShiftBehavior - Error querying HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
+  };
+  if (behavior >= kBitOf.size()) {
+    kKeypadTrace.Error("PALKEYSetShiftBehavior - Invalid argument %d\r\n", behavior);
+    return E_INVALIDARG;
+  }
+  pal::LayoutPath path{};
+  pal::UniqueRegistryKey key;
+  LONG error = OpenShiftKeys(kLines, path, key);
+  if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
+
+  ShiftKeyList shift_keys(key.get());
+  ShiftKey shift_key;
+  while (shift_keys.Next(shift_key)) {
+    BYTE& first = shift_key.data.front();
+    first = static_cast<BYTE>((first & ~kBehaviorBits) | kBitOf[behavior]);
+    error = RegSetValueExW(key.get(), shift_key.name.data(), 0, REG_BINARY, shift_key.data.data(),
+                           static_cast<DWORD>(shift_key.data.size()));
+    if (error != ERROR_SUCCESS) {
+      kKeypadTrace.Error("PALKEYSetShiftBehavior - Error saving HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
+                         path.data(), shift_key.name.data(), static_cast<DWORD>(error));
+      return pal::HResultFromWin32(error);
+    }
+  }
+  if (shift_keys.error() != ERROR_SUCCESS) {
+    kKeypadTrace.Error("PALKEYSetShiftBehavior - Error enumerating HKLM\\%ls. dwRet = 0x%x\r\n",
+                       path.data(), static_cast<DWORD>(shift_keys.error()));
+  }
+  return S_OK;  // also where the list ended with an error: kept so
+}

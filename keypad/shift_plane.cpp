@@ -1,0 +1,120 @@
+#include "keypad/shift_plane.h"
+
+#include <algorithm>
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/text.h"
+#include "keypad/keypad_trace.h"
+
+using pal::kKeypadTrace;
+using pal::kKeyRecordBytes;
+
+namespace {
+
+using RecordFormat = pal::TraceSource::Format<DWORD, BYTE, BYTE, BYTE, BYTE, BYTE, BYTE>;
+
+constexpr RecordFormat kFound("Key(%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x found\r\n");
+constexpr RecordFormat kCopied("Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x copied\r\n");
+constexpr RecordFormat kAdded("Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x added\r\n");
+
+void TraceRecord(RecordFormat format, DWORD offset, std::span<const BYTE> record) {
+  kKeypadTrace.Info(format, offset, record[0], record[1], record[2], record[3], record[4],
+                    record[5]);
+}
+
+// Overwrites every record of the same kind and scan code. False where there is none.
+bool Replace(std::span<BYTE> plane, const pal::KeyRecord& record) {
+  bool replaced = false;
+  pal::ForEachKeyRecord(plane, [&](DWORD offset, std::span<BYTE> found) {
+    if (!pal::IsRecordOf(found, record[pal::kKeyKind], record[pal::kKeyScanCode])) return;
+    TraceRecord(kFound, offset, found);
+    std::copy(record.begin(), record.end(), found.begin());
+    TraceRecord(kCopied, offset, found);
+    replaced = true;
+  });
+  return replaced;
+}
+
+// Behind the last whole record: what follows that is no record, and nobody would find one there.
+void Append(std::span<BYTE> plane, DWORD& bytes, const pal::KeyRecord& record) {
+  if (bytes + kKeyRecordBytes >= pal::kMaxPlaneBytes) {
+    kKeypadTrace.Error("2 Source Buffer too short dwLen = %d dwBufLen=%d\r\n", bytes,
+                       kKeyRecordBytes);
+    return;
+  }
+  const DWORD offset = bytes - bytes % kKeyRecordBytes;
+  std::copy(record.begin(), record.end(), plane.begin() + offset);
+  bytes = offset + kKeyRecordBytes;
+  TraceRecord(kAdded, offset, record);
+}
+
+HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRecord& record) {
+  BYTE plane[pal::kMaxPlaneBytes];
+  DWORD bytes = 0;
+  const HRESULT result = pal::ReadShiftPlane(layout, plane_name, plane, bytes);
+  if (pal::Failed(result)) return result;
+  const bool is_full = bytes == pal::kMaxPlaneBytes;
+  if (is_full || !Replace(std::span(plane).first(bytes), record)) Append(plane, bytes, record);
+  if (is_full) return result;
+  return PALRegSetBinary(HKEY_LOCAL_MACHINE, layout, plane_name, plane, bytes);
+}
+
+}  // namespace
+
+namespace pal {
+
+HRESULT ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::span<BYTE> plane,
+                       DWORD& bytes) {
+  std::fill(plane.begin(), plane.end(), BYTE{0});
+  bytes = 0;
+  UniqueRegistryKey key;
+  LONG error = OpenRegistryKey(HKEY_LOCAL_MACHINE, layout, KEY_QUERY_VALUE, key);
+  if (error != ERROR_SUCCESS) return HResultFromWin32(error);
+  const auto room = static_cast<DWORD>(plane.size());
+  DWORD size = room;
+  error = RegQueryValueExW(key.get(), plane_name, nullptr, nullptr, plane.data(), &size);
+  if (error == ERROR_FILE_NOT_FOUND) return S_OK;
+  if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) return HResultFromWin32(error);
+  bytes = std::min(size, room);
+  return S_OK;
+}
+
+}  // namespace pal
+
+HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::ButtonRecord& button,
+                     pal::KeyRecord& record) {
+  kKeypadTrace.Info("GetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
+  BYTE plane[pal::kMaxPlaneBytes];
+  DWORD bytes = 0;
+  const HRESULT result = pal::ReadShiftPlane(layout, plane_name, plane, bytes);
+  pal::ForEachKeyRecord(std::span(plane).first(bytes), [&](DWORD offset, std::span<BYTE> found) {
+    if (!pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code)) return;
+    TraceRecord(kFound, offset, found);
+    std::copy(found.begin(), found.end(), record.begin());
+    TraceRecord(kCopied, offset, found);
+  });
+  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "GetKeyValues", result);
+  return result;
+}
+
+HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::ButtonRecord& button,
+                     const pal::KeyRecord& record) {
+  kKeypadTrace.Info("SetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
+  const HRESULT result = SetRecord(layout, plane_name, record);
+  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "SetKeyValues", result);
+  return result;
+}
+
+void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record) {
+  const pal::WideText name(event_value_name);
+  const auto event = static_cast<BYTE>(name.back() - TEXT('0'));
+  kKeypadTrace.Info("%s: Enter Event: %ls index: %u\r\n", "ModifyKeyDataForEventTrigger",
+                    event_value_name, event);
+  record[pal::kKeyOutputClass] = pal::kSignalsEvent;
+  record[pal::kKeyOutputClass + 1] = pal::kSignalsEvent;
+  record[pal::kKeyEvent] = event;
+  kKeypadTrace.Info("%s: Complete Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x modified\r\n",
+                    "ModifyKeyDataForEventTrigger", record[pal::kKeyScanCode], record[0], record[1],
+                    record[2], record[3], record[4], record[5]);
+}

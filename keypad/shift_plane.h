@@ -1,0 +1,71 @@
+// The shift planes of a layout: one record of six bytes for each key.
+#ifndef KEYPAD_SHIFT_PLANE_H_
+#define KEYPAD_SHIFT_PLANE_H_
+
+#include <array>
+#include <span>
+
+#include "keypad/button_table.h"
+#include "platform/wince.h"
+
+namespace pal {
+
+inline constexpr DWORD kKeyRecordBytes = 6;
+using KeyRecord = std::array<BYTE, kKeyRecordBytes>;
+
+// The bytes of a record. The byte between the scan code and the output is the driver's own.
+inline constexpr size_t kKeyKind = 0;
+inline constexpr size_t kKeyScanCode = 1;
+inline constexpr size_t kKeyOutputClass = 3;  // in two bytes
+inline constexpr size_t kKeyEvent = 5;
+
+// The kind that maps a scan code to its output. Buttons have records of this kind only.
+inline constexpr BYTE kMapsScanCode = 7;
+// In both bytes of the output: the key signals an event.
+inline constexpr BYTE kSignalsEvent = 2;
+
+// A plane may be as large as this; at this size it is full.
+inline constexpr DWORD kMaxPlaneBytes = 4096;
+
+constexpr bool IsRecordOf(std::span<const BYTE> record, BYTE kind, DWORD scan_code) {
+  return record[kKeyKind] == kind && record[kKeyScanCode] == scan_code;
+}
+
+// The one walk over a plane: whole records only, with their offsets.
+template <typename Visit>
+constexpr void ForEachKeyRecord(std::span<BYTE> plane, Visit visit) {
+  for (size_t offset = 0; plane.size() - offset >= kKeyRecordBytes; offset += kKeyRecordBytes) {
+    visit(static_cast<DWORD>(offset), plane.subspan(offset, kKeyRecordBytes));
+  }
+}
+
+// Reads a plane of a layout, of whatever registry type. `bytes` is its size: 0 where the layout has
+// no such plane, and plane.size() where it is larger than that, with nothing but zeros read.
+//
+// S_OK        the layout's key is there
+// 0x8007xxxx  the error of opening the key, or of reading a plane that exists
+[[nodiscard]] HRESULT ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name,
+                                     std::span<BYTE> plane, DWORD& bytes);
+
+}  // namespace pal
+
+// Finds a button's record in a plane; of several the last. Without one `record` stays as it was.
+//
+// S_OK        the plane was read, or there is none
+// 0x8007xxxx  of pal::ReadShiftPlane
+[[nodiscard]] HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
+                                   const pal::ButtonRecord& button, pal::KeyRecord& record);
+
+// Puts a button's record in place of every one with the same kind and scan code, or behind the last
+// one. A plane that has no room for it is written back as it was, and one of kMaxPlaneBytes and
+// more is not written at all: both are an error in a trace line and no failure.
+//
+// S_OK        the plane was written, as far as PALRegSetBinary can tell
+// 0x8007xxxx  of pal::ReadShiftPlane, and nothing was written; or of opening the key to write
+[[nodiscard]] HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
+                                   const pal::ButtonRecord& button, const pal::KeyRecord& record);
+
+// Makes a record signal the event of a button ("Event5" gives event 5).
+void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record);
+
+#endif  // KEYPAD_SHIFT_PLANE_H_

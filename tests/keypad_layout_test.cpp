@@ -1,0 +1,196 @@
+// Layouts and shift planes that are odd: what is read, what is rewritten, and what stays.
+#include "tests/support/keypad_test.h"
+
+namespace {
+
+constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x83ED0007);
+
+const Bytes kButton5 = {7, 0x43, 9, 1, 0, 0x22};
+const Bytes kButton5Signals = {7, 0x43, 9, 2, 2, 5};
+const Bytes kButton6 = {7, 0x3F, 9, 1, 0, 0x21};
+
+class KeypadLayout : public KeypadTest {
+ protected:
+  bool IsSupported(LONG button) {
+    std::array<char, PAL_KEY_BUTTON_NAME_LENGTH> name{};
+    DWORD length = 0;
+    const HRESULT result = process.exports().PALKEYGetButtonName(button, name.data(), &length);
+    EXPECT_TRUE(result == S_OK || result == kNotSupported);
+    return result == S_OK;
+  }
+  void Put(const std::string& layout, const std::string& plane, const std::optional<Bytes>& bytes) {
+    device.registry().SetBinary(layout, plane, bytes.value_or(Bytes{}));
+    if (!bytes) Delete(layout, plane);
+  }
+};
+
+TEST_F(KeypadLayout, IsFoundByAPathOfAnyAllowedForm) {
+  const std::u16string path = u"Hardware\\Layout";
+  // Repeated backslashes make a path longer and change nothing else.
+  const auto padded = [](std::size_t units) {
+    return u"Hardware" + std::u16string(units - 14, u'\\') + u"Layout";
+  };
+  const Bytes end = {0, 0};
+  struct Case {
+    const char* what;
+    std::optional<Bytes> data;
+    bool supported;
+  };
+  for (const Case& test : {
+           Case{"terminated", Unterminated(path) + end, true},
+           Case{"unterminated", Unterminated(path), true},
+           Case{"half a unit behind it", Unterminated(path) + Bytes{0x41}, true},
+           Case{"259 units", Unterminated(padded(259)) + end, true},
+           Case{"260 units, unterminated", Unterminated(padded(260)), true},
+           Case{"260 units", Unterminated(padded(260)) + end, false},
+           Case{"much longer", Unterminated(padded(2000)), false},
+           Case{"empty", Bytes{}, false},
+           Case{"only its end", end, false},
+           Case{"half a unit", Bytes{0x41}, false},
+           Case{"of no layout", Unterminated(u"Hardware\\Other"), false},
+           Case{"missing", std::nullopt, false},
+       }) {
+    SCOPED_TRACE(test.what);
+    Arrange();
+    device.registry().SetRaw(kKeyboard, "CurrentActiveLayoutKey", REG_SZ,
+                             test.data.value_or(Bytes{}));
+    if (!test.data) Delete(kKeyboard, "CurrentActiveLayoutKey");
+    EXPECT_EQ(IsSupported(5), test.supported);
+    EXPECT_EQ(Set(5, 4), test.supported ? S_OK : kNotSupported);
+    const Bytes written = EventOf(kLayout, "STATE", "Event5");
+    EXPECT_EQ(written, test.supported ? Unterminated(u"StateCameraScan") : Bytes{});
+    if (test.supported) {
+      EXPECT_EQ(Get(5), 4u);
+    }
+  }
+}
+
+TEST_F(KeypadLayout, SupportsTheButtonsOfPlane0) {
+  struct Case {
+    const char* what;
+    std::optional<Bytes> plane;
+    bool supported;
+  };
+  for (const Case& test : {
+           Case{"alone", kButton5, true},
+           Case{"missing plane", std::nullopt, false},
+           Case{"empty plane", Bytes{}, false},
+           Case{"cut short", Bytes(kButton5.begin(), kButton5.end() - 1), false},
+           Case{"of another kind", Bytes{1, 0x43, 0, 0, 0, 0}, false},
+           Case{"not at a record's start", Bytes{0, 0, 0} + kButton5, false},
+           Case{"last of 1020 bytes", OtherRecords(169) + kButton5, true},
+           Case{"and four bytes", OtherRecords(169) + kButton5 + Bytes(4), true},
+           Case{"and five", OtherRecords(169) + kButton5 + Bytes(5), false},
+           Case{"first of a long plane", kButton5 + OtherRecords(300), false},
+       }) {
+    SCOPED_TRACE(test.what);
+    Put(kLayout, "ShiftPlane0", test.plane);
+    EXPECT_EQ(IsSupported(5), test.supported);
+  }
+  Put(kLayout, "ShiftPlane0", Bytes(6 * 3));
+  EXPECT_FALSE(IsSupported(0)) << "zeros are no record of the handle";
+  device.registry().SetRaw(kLayout, "ShiftPlane0", REG_SZ, kButton5);
+  EXPECT_TRUE(IsSupported(5)) << "of whatever type";
+  const unsigned calls = device.calls("RegOpenKeyExW");
+  for (const LONG button : {1, 4, 8, -1}) EXPECT_FALSE(IsSupported(button));
+  EXPECT_EQ(device.calls("RegOpenKeyExW"), calls) << "the registry is not asked";
+}
+
+// Plane 2 is the one whose result counts.
+TEST_F(KeypadLayout, RewritesWholeRecordsAndNothingElse) {
+  const Bytes other_kind = {1, 0x43, 0, 0, 0, 0};
+  const Bytes button5_later = {7, 0x43, 8, 1, 1, 0x23};
+  const Bytes later_signals = {7, 0x43, 8, 2, 2, 5};
+  struct Case {
+    const char* what;
+    std::optional<Bytes> plane;
+    std::optional<Bytes> rewritten;
+    std::optional<Bytes> saved;
+  };
+  for (const Case& test : {
+           Case{"missing", std::nullopt, std::nullopt, std::nullopt},
+           Case{"empty", Bytes{}, Bytes{}, std::nullopt},
+           Case{"without the button", kButton6, kButton6, std::nullopt},
+           Case{"another kind", other_kind, other_kind, std::nullopt},
+           Case{"cut short", Bytes{7, 0x43, 9}, Bytes{7, 0x43, 9}, std::nullopt},
+           Case{"beside another kind", other_kind + kButton5 + kButton6,
+                other_kind + kButton5Signals + kButton6, kButton5},
+           Case{"twice", kButton5 + kButton6 + button5_later,
+                later_signals + kButton6 + later_signals, button5_later},
+           Case{"bytes behind the last record", kButton5 + Bytes{7, 0x43, 1},
+                kButton5Signals + Bytes{7, 0x43, 1}, kButton5},
+           Case{"last of 682 records", OtherRecords(681) + kButton5,
+                OtherRecords(681) + kButton5Signals, kButton5},
+           Case{"4096 bytes", OtherRecords(681) + kButton5 + Bytes(4),
+                OtherRecords(681) + kButton5 + Bytes(4), kButton5},
+           Case{"more", kButton5 + Bytes(4091), kButton5 + Bytes(4091), std::nullopt},
+       }) {
+    SCOPED_TRACE(test.what);
+    Arrange();
+    Put(kLayout, "ShiftPlane2", test.plane);
+    EXPECT_EQ(Set(5, 1), S_OK);
+    EXPECT_EQ(PlanesOf(kLayout)[2], test.rewritten);
+    EXPECT_EQ(PlanesOf(kSettings)[2], test.saved);
+    const auto errors = TraceLines(
+        "SetupKeyForScanKeys: Did not get Values for Left Side Top button in shift plane 2");
+    EXPECT_EQ(errors.empty(), test.saved.has_value());
+    EXPECT_EQ(Get(5), 1u);
+  }
+}
+
+TEST_F(KeypadLayout, TakesAPlaneOfAnyTypeAndWritesItAsBinary) {
+  device.registry().SetRaw(kLayout, "ShiftPlane2", REG_SZ, kButton5);
+  EXPECT_EQ(Set(5, 1), S_OK);
+  EXPECT_EQ(device.registry().FindValue(kLayout, "ShiftPlane2")->type, REG_BINARY);
+  EXPECT_EQ(PlanesOf(kLayout)[2], kButton5Signals);
+}
+
+TEST_F(KeypadLayout, SavesRecordsBesideThoseThatAreThere) {
+  const Bytes stale = {7, 0x43, 0, 2, 2, 5};
+  const std::string full = "2 Source Buffer too short dwLen = ";
+  struct Case {
+    const char* what;
+    Bytes there;
+    Bytes saved;
+    std::string error;
+  };
+  for (const Case& test : {
+           Case{"another button's", kButton6, kButton6 + kButton5, ""},
+           Case{"its own", stale + kButton6, kButton5 + kButton6, ""},
+           Case{"bytes that are no record", kButton6 + Bytes{7, 0x43}, kButton6 + kButton5, ""},
+           Case{"681 records", OtherRecords(681), OtherRecords(681) + kButton5, ""},
+           Case{"4089 bytes", OtherRecords(681) + Bytes(3), OtherRecords(681) + kButton5, ""},
+           Case{"682 records", OtherRecords(682), OtherRecords(682),
+                full + "4092 dwBufLen=6\\r\\n"},
+           Case{"4096 bytes", Bytes(4096, 7), Bytes(4096, 7), full + "4096 dwBufLen=6\\r\\n"},
+           Case{"more", Bytes(5000, 7), Bytes(5000, 7), full + "4096 dwBufLen=6\\r\\n"},
+       }) {
+    SCOPED_TRACE(test.what);
+    Arrange();
+    Put(kLayout, "ShiftPlane2", kButton5);
+    Put(kSettings, "ShiftPlane2", test.there);
+    EXPECT_EQ(Set(5, 1), S_OK);
+    EXPECT_EQ(PlanesOf(kSettings)[2], test.saved);
+    const auto errors = TraceLines(full);
+    EXPECT_EQ(errors.empty() ? "" : errors.front(), test.error);
+  }
+}
+
+TEST_F(KeypadLayout, RestoresARecordThatTheLayoutHasLost) {
+  ASSERT_EQ(Set(5, 1), S_OK);
+  const Bytes original = *PlanesOf(kSettings)[2];
+  Put(kLayout, "ShiftPlane2", kButton6);
+  Put(kLayout, "ShiftPlane1", std::nullopt);
+  Put(kSettings, "ShiftPlane0", std::nullopt);
+  const Planes before = PlanesOf(kLayout);
+  EXPECT_EQ(Set(5, 6), S_OK);
+  EXPECT_EQ(PlanesOf(kLayout)[0], before[0]) << "nothing was saved for it";
+  EXPECT_EQ(PlanesOf(kLayout)[1], PlanesOf(kSettings)[1]);
+  EXPECT_EQ(PlanesOf(kLayout)[2], kButton6 + original);
+  EXPECT_EQ(
+      TraceLines("SetupKeyForWinDefkeys: Did not get Values for Left Side Top button in shift ")
+          .size(),
+      1u);
+}
+
+}  // namespace
