@@ -73,6 +73,12 @@ void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
+void ReadUsbFunction(const Part& part, const toml::node& node, Device& device);
+
+// The clients that the USB function bus has by now, in the part that the simulator keeps; no line
+// where they are as the author gives them.
+void ReadKeptUsbFunction(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptUsbFunctionLine(Device& device);
 
 }  // namespace sim
 

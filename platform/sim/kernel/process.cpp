@@ -80,6 +80,8 @@ Process::Process(Device& device, std::string name, std::filesystem::path library
     const Scheduler::Lock lock(kernel.mutex);
     state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, std::move(name));
     state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
+    std::erase_if(kernel.processes, [](const auto& process) { return process.expired(); });
+    kernel.processes.push_back(state_);
     kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
   }
   if (library.empty()) library = DefaultLibrary();
