@@ -95,6 +95,18 @@ TEST_F(Boot, EndsEveryProcessWhereItIs) {
   });
 }
 
+TEST_F(Boot, EndsACallThatAnotherProcessWaitsIn) {
+  sim::Process other(device, "other.exe");
+  sim::Thread booting = other.Start([&] {
+    Sleep(100);
+    other.exports().PALBOOT_BootTerminal('0');
+    ADD_FAILURE() << "the call came back";
+  });
+  EXPECT_THROW(process.Run([] { Sleep(1000); }), sim::ProcessKilled);
+  EXPECT_EQ(device.now_ms(), 100u);
+  EXPECT_FALSE(booting.Join());
+}
+
 TEST_F(Boot, IsRefusedByThePlatformInAnyOtherForm) {
   process.Run([] {
     EXPECT_EQ(SetSystemPowerState(TEXT("suspend"), POWER_STATE_RESET, POWER_FORCE), 87u);
