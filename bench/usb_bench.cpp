@@ -8,6 +8,7 @@
 #include "platform/sim/exports.h"
 #include "platform/sim/hardware/hardware.h"
 #include "platform/sim/hardware/usb_function_bus.h"
+#include "platform/wince.h"
 
 namespace {
 

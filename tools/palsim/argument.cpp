@@ -72,8 +72,9 @@ Argument<const PALComPortPower*>::Argument(const std::string& text) : is_null_(I
   power_.port_id = static_cast<DWORD>(ParseNumber(text.substr(colon + 1)));
 }
 
-std::string Argument<PALComPortPower*>::answer() const {
-  return is_null_ ? std::string() : fmt::format("{}:{}", power_.enable, power_.port_id);
+std::string Argument<PALComPortPower*>::answer() {
+  const PALComPortPower* power = value();
+  return power == nullptr ? std::string() : fmt::format("{}:{}", power->enable, power->port_id);
 }
 
 }  // namespace palsim

@@ -125,10 +125,10 @@ template <>
 class Argument<const PALComPortPower*> {
  public:
   explicit Argument(const std::string& text);
-  const PALComPortPower* value() { return is_null_ ? nullptr : &power_; }
+  PALComPortPower* value() { return is_null_ ? nullptr : &power_; }
   [[nodiscard]] std::string answer() const { return {}; }
 
- protected:
+ private:
   bool is_null_;
   PALComPortPower power_{};
 };
@@ -136,8 +136,7 @@ template <>
 class Argument<PALComPortPower*> : public Argument<const PALComPortPower*> {
  public:
   using Argument<const PALComPortPower*>::Argument;
-  PALComPortPower* value() { return is_null_ ? nullptr : &power_; }
-  [[nodiscard]] std::string answer() const;
+  [[nodiscard]] std::string answer();
 };
 
 }  // namespace palsim
