@@ -6,12 +6,16 @@
 #define PAL_H_
 
 #include "palbeep.h"
+#include "palboot.h"
+#include "palcomxpwr.h"
 #include "paldevcap.h"
+#include "palimagecapture.h"
 #include "palkey.h"
 #include "palled.h"
 #include "palmfgopt.h"
 #include "palonewire.h"
 #include "palreg.h"
+#include "palstore.h"
 #include "palsysinfo.h"
 #include "palsysio.h"
 #include "paluart.h"

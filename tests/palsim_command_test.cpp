@@ -71,6 +71,22 @@ TEST_F(Palsim, TakesManyCallsInOneShell) {
   EXPECT_EQ(Run("shell", "call Nothing\n"), 2);
 }
 
+TEST_F(Palsim, GoesOnBehindARestart) {
+  ASSERT_EQ(Run("new"), 0);
+  ASSERT_EQ(Run("call PALStore_SetUsbFuncDriver 2"), 0) << output;
+  ASSERT_EQ(Run("call PALStore_GetUsbFuncDriver out"), 0) << output;
+  EXPECT_TRUE(Printed("argument 1: 2 (0x2)")) << output;
+  EXPECT_EQ(Run("call PALBOOT_BootTerminal 49"), 0);
+  EXPECT_EQ(output, "PALBOOT_BootTerminal = no answer: restart, cold\n");
+  EXPECT_EQ(Run("journal --effect power"), 0);
+  EXPECT_EQ(output, "     0.000 p1 t1 power restart, cold\n");
+  EXPECT_EQ(
+      Run("shell", "call PALBOOT_BootTerminal 48\ncall PALStore_GetUsbFuncDriver out\nquit\n"), 0);
+  EXPECT_TRUE(Printed("p2 t1 process palsim.exe started")) << output;
+  EXPECT_TRUE(Printed("argument 1: 2 (0x2)")) << output;
+  EXPECT_FALSE(Printed("misuse")) << output;
+}
+
 TEST_F(Palsim, ShowsWhichDeviceItIs) {
   ASSERT_EQ(Run("new --sample greywing"), 0);
   EXPECT_EQ(Run("info"), 0);
@@ -115,6 +131,7 @@ TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
            Case{"call PALMFGOpt_ConfigStoreRegUpdate --fail Reg:1", 2, "Reg is no platform call"},
            Case{"journal --effect none", 2, "there is no effect 'none'"},
            Case{"", 2, "A subcommand is required"},
+           Case{"call PALCOMxPwr_SetPower COM1: 1", 2, "'1' is no port's power"},
            Case{"dance", 2, ""},
            Case{"--help", 0, "Examples:"},
        }) {

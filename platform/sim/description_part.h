@@ -101,6 +101,13 @@ void ReadKeptLeds(const Part& part, const toml::node& node, Device& device);
 void ReadKeptAudio(const Part& part, const toml::node& node, Device& device);
 [[nodiscard]] std::string KeptAudioLine(const Audio& audio);
 
+void ReadUsbFunction(const Part& part, const toml::node& node, Device& device);
+
+// The clients that the USB function bus has by now, in the part that the simulator keeps; no line
+// where they are as the author gives them.
+void ReadKeptUsbFunction(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptUsbFunctionLine(Device& device);
+
 }  // namespace sim
 
 #endif  // PLATFORM_SIM_DESCRIPTION_PART_H_

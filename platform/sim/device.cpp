@@ -119,9 +119,15 @@ void Device::InstallProgram(Program program) {
 void Device::StartProgram(const Program& program) {
   {
     const Scheduler::Lock lock(kernel_->mutex);
+    kernel_->services.push_back(program);
     sim::StartProgram(*kernel_, program, {});
   }
   Advance(0);
+}
+
+std::vector<RestartKind> Device::restarts() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->restarts;
 }
 
 }  // namespace sim

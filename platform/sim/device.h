@@ -57,6 +57,11 @@ struct Fault {
   std::optional<std::uint32_t> transfers{};
 };
 
+enum class RestartKind : std::uint8_t { kWarm, kCold };
+
+// "restart, warm", as it stands in the journal.
+[[nodiscard]] const char* RestartText(RestartKind kind);
+
 // Thrown out of an export whose process was ended under it.
 class ProcessKilled : public std::exception {
  public:
@@ -130,9 +135,15 @@ class Device {
   // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
   // when the device ends are killed.
   void InstallProgram(Program program);
-  // Starts a program now, whether it is installed or not: a service that runs from the start. Its
-  // first turn has come when this returns.
+  // Starts a program now, whether it is installed or not: a service that runs from the start, and
+  // again after each restart. Its first turn has come when this returns.
   void StartProgram(const Program& program);
+
+  // The restarts that programs asked for, since the device was made. A restart kills every process
+  // where it is: a call into one throws ProcessKilled, and its Process can only be ended. Handles
+  // are closed, named objects are gone, drivers are as after power-up, and programs that run from
+  // the start are started anew. Registry, files, journal and time go on, of either kind of restart.
+  [[nodiscard]] std::vector<RestartKind> restarts() const;
 
   [[nodiscard]] Kernel& kernel() { return *kernel_; }
 
@@ -168,6 +179,7 @@ class Process {
   [[nodiscard]] std::uint32_t id() const;
   [[nodiscard]] const std::string& name() const;
   [[nodiscard]] bool alive() const;
+  [[nodiscard]] Device& device() const { return device_; }
 
   // The exported functions; each call runs as the main thread of this process.
   [[nodiscard]] const Exports& exports() const;

@@ -32,6 +32,7 @@ constexpr std::array kSections{
     DescriptionSection{"interfaces", &ReadInterfaces},
     DescriptionSection{"bluetooth", &ReadBluetooth},
     DescriptionSection{"accelerometer", &ReadAccelerometer},
+    DescriptionSection{"usb_function", &ReadUsbFunction},
 };
 
 // device.toml, in the two parts that it has.
@@ -98,6 +99,7 @@ constexpr std::array kKeptValues{
     KeptValue{"clock_ms", &ReadClock},
     KeptValue{"leds", &ReadKeptLeds},
     KeptValue{"audio", &ReadKeptAudio},
+    KeptValue{"usb_function", &ReadKeptUsbFunction},
 };
 
 void ReadState(const Part& part, Device& device) {
@@ -154,8 +156,8 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
 
 std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
-  const std::string kept =
-      KeptLedsLine(device.hardware().leds) + KeptAudioLine(device.hardware().audio);
+  const std::string kept = KeptLedsLine(device.hardware().leds) +
+                           KeptAudioLine(device.hardware().audio) + KeptUsbFunctionLine(device);
   std::string result = description.author;
   if (description.kept.empty()) {
     if (device.now_ms() == 0 && kept.empty()) return text;

@@ -62,4 +62,19 @@ std::string HexText(const std::vector<BYTE>& bytes) {
 Argument<const WCHAR*>::Argument(const std::string& text)
     : is_null_(IsNull(text)), text_(sim::ToUtf16(text)) {}
 
+Argument<const PALComPortPower*>::Argument(const std::string& text) : is_null_(IsNull(text)) {
+  if (is_null_) return;
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) {
+    throw UsageError(fmt::format("'{}' is no port's power (write ENABLE:PORT, such as 1:2)", text));
+  }
+  power_.enable = static_cast<DWORD>(ParseNumber(text.substr(0, colon)));
+  power_.port_id = static_cast<DWORD>(ParseNumber(text.substr(colon + 1)));
+}
+
+std::string Argument<PALComPortPower*>::answer() {
+  const PALComPortPower* power = value();
+  return power == nullptr ? std::string() : fmt::format("{}:{}", power->enable, power->port_id);
+}
+
 }  // namespace palsim

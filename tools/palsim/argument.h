@@ -3,6 +3,7 @@
 //   a number          5, -1, 0x1F
 //   a text            as it is; null for no text
 //   an out-number     out, or the number that it holds before the call; null for none
+//   a port's power    ENABLE:PORT, such as 1:2; null for none
 //   an out-buffer     the number of characters or bytes that it has room for; null for none
 #ifndef TOOLS_PALSIM_ARGUMENT_H_
 #define TOOLS_PALSIM_ARGUMENT_H_
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "include/palcomxpwr.h"
 #include "include/paltypes.h"
 #include "tools/palsim/usage_error.h"
 
@@ -117,6 +119,24 @@ class Argument<WCHAR*> : public OutBuffer<WCHAR> {
 template <>
 class Argument<BYTE*> : public OutBuffer<BYTE> {
   using OutBuffer::OutBuffer;
+};
+
+template <>
+class Argument<const PALComPortPower*> {
+ public:
+  explicit Argument(const std::string& text);
+  PALComPortPower* value() { return is_null_ ? nullptr : &power_; }
+  [[nodiscard]] std::string answer() const { return {}; }
+
+ private:
+  bool is_null_;
+  PALComPortPower power_{};
+};
+template <>
+class Argument<PALComPortPower*> : public Argument<const PALComPortPower*> {
+ public:
+  using Argument<const PALComPortPower*>::Argument;
+  [[nodiscard]] std::string answer();
 };
 
 }  // namespace palsim

@@ -58,6 +58,13 @@ constexpr std::array kExports{
 #undef PAL_EXPORT
 };
 
+// Of a call that never came back, because its device restarted under it.
+CallOutcome RestartOutcome(sim::RestartKind kind) {
+  CallOutcome outcome;
+  outcome.result = fmt::format("no answer: {}", sim::RestartText(kind));
+  return outcome;
+}
+
 char16_t FoldedUnit(char character) {
   return sim::FoldCase(static_cast<unsigned char>(character));
 }
@@ -88,7 +95,14 @@ CallOutcome CallExport(sim::Process& process, std::string_view name,
   if (row == kExports.end()) {
     throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
   }
-  return row->call(process.exports(), arguments);
+  const std::size_t restarts_before = process.device().restarts().size();
+  try {
+    return row->call(process.exports(), arguments);
+  } catch (const sim::ProcessKilled&) {
+    const std::vector<sim::RestartKind> restarts = process.device().restarts();
+    if (restarts.size() == restarts_before) throw;
+    return RestartOutcome(restarts.back());
+  }
 }
 
 void PrintOutcome(std::string_view name, const CallOutcome& outcome) {

@@ -15,7 +15,7 @@ namespace palsim {
 
 struct CallOutcome {
   bool failed = false;
-  std::string result;                // number and name
+  std::string result;                // number and name, or that the device restarted under the call
   std::vector<std::string> answers;  // what the out-parameters hold: "argument 2: 5 (0x5)"
 };
 

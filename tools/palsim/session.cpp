@@ -28,6 +28,7 @@ Session::Session(std::filesystem::path folder) : folder_(std::move(folder)) {
 }
 
 sim::Process& Session::process() {
+  if (process_ != nullptr && !process_->alive()) process_.reset();  // the device has restarted
   if (process_ == nullptr) process_ = std::make_unique<sim::Process>(device_, process_name_);
   return *process_;
 }

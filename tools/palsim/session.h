@@ -25,7 +25,7 @@ class Session {
 
   [[nodiscard]] sim::Device& device() { return device_; }
   [[nodiscard]] const sim::DeviceIdentity& identity() const { return identity_; }
-  // The calling process, attached at its first use.
+  // The calling process, attached at its first use; another one after a restart of the device.
   [[nodiscard]] sim::Process& process();
   void set_process_name(std::string name) { process_name_ = std::move(name); }
   // Prints each journal line as it comes, of one effect or of all.

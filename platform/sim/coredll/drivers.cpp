@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <span>
 
 #include "platform/sim/coredll/call.h"
@@ -56,6 +57,16 @@ LONG ReadDeviceId(KernelRequest& request) {
   return Answer(request, request.kernel.hardware.system.device_id);
 }
 
+// What the number means is the platform's own business.
+LONG PrepareRestart(KernelRequest& request) {
+  std::array<BYTE, sizeof(DWORD)> number{};
+  if (request.in.size() != number.size()) return ERROR_INVALID_PARAMETER;
+  std::ranges::copy(request.in, number.begin());
+  request.call.Log(Effect::kPower,
+                   fmt::format("restart prepared with {:#010x}", std::bit_cast<DWORD>(number)));
+  return ERROR_SUCCESS;
+}
+
 struct KernelControl {
   DWORD code;
   LONG (*answer)(KernelRequest& request);
@@ -65,6 +76,7 @@ constexpr std::array kKernelControls{
     KernelControl{0x010122C4, &ReadParameter},
     KernelControl{0x01012000, &ReadFirmwareInformation},
     KernelControl{0x01010054, &ReadDeviceId},
+    KernelControl{0x010123B0, &PrepareRestart},
 };
 
 template <class Buffer>
@@ -113,7 +125,9 @@ BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOI
   }
   sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, in_bytes),
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
-  call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), name));
+  const std::string details = driver.Details(request);
+  call.Log(Effect::kDriver,
+           fmt::format("{} {}{}{}", driver.name(), name, details.empty() ? "" : ": ", details));
   const auto error = static_cast<LONG>(driver.Control(request));
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
   if (returned != nullptr) *returned = request.returned;

@@ -4,10 +4,6 @@
 using sim::CallId;
 using sim::NotSimulated;
 
-DWORD SetSystemPowerState(LPCWSTR /*state*/, DWORD /*flags*/, DWORD /*options*/) {
-  return NotSimulated(CallId::SetSystemPowerState, static_cast<DWORD>(ERROR_CALL_NOT_IMPLEMENTED));
-}
-
 void SystemIdleTimerReset() {
   NotSimulated(CallId::SystemIdleTimerReset, 0);
 }

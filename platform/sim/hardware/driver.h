@@ -30,6 +30,10 @@ class Driver {
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
   // Does what the code says. 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
+  // What a request is about, behind the code's name in the journal; empty where that says it all.
+  [[nodiscard]] virtual std::string Details(const DriverRequest& /*request*/) const { return {}; }
+  // The device restarts: what does not outlive that is as after power-up.
+  virtual void Restart() {}
 
  private:
   std::string name_;

@@ -39,8 +39,11 @@ class Kernel {
   std::vector<Module> modules;
   std::map<std::uintptr_t, std::string> module_names;  // by handle
   std::vector<Program> programs;
+  std::vector<Program> services;  // run from the start
   std::uint32_t next_process_id = 1;
-  std::vector<std::shared_ptr<ProcessState>> program_processes;  // those that programs started
+  std::vector<std::weak_ptr<ProcessState>> processes;            // those that the driver made
+  std::vector<std::shared_ptr<ProcessState>> program_processes;  // those that run a program
+  std::vector<RestartKind> restarts;
 
   // Named objects, each type with its own names.
   std::map<std::u16string, std::weak_ptr<Mutex>> mutexes;
@@ -62,6 +65,9 @@ class Kernel {
   void StopSound(const ThreadState& thread);
   // Marks a process as ended and wakes its threads, so that each leaves where it waits.
   void BeginKill(ProcessState& process);
+  // Restarts the device under a thread, which must leave its process then as every other thread
+  // does.
+  void Restart(const ThreadState& thread, RestartKind kind);
 
   [[nodiscard]] const Module* FindModule(std::string_view path) const;
   // The handle of a library by its path: the same in every process.

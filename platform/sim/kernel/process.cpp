@@ -82,6 +82,8 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
     state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, name);
     state_->modules.emplace(kOwnLibrary, 1);
     state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
+    std::erase_if(kernel.processes, [](const auto& process) { return process.expired(); });
+    kernel.processes.push_back(state_);
     kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
   }
   if (library.empty()) library = DefaultLibrary();

@@ -1,0 +1,48 @@
+/**
+ * @file palcomxpwr.h
+ * @brief Power of the COM ports.
+ *
+ * The ports of this family are always powered. The functions here do nothing and stand here so that
+ * programs written for other platforms link and run: neither touches a driver or the registry. They
+ * may be called from any thread of any process. Each call is traced with facility 1102.
+ */
+#ifndef PALCOMXPWR_H_
+#define PALCOMXPWR_H_
+
+#include "paltypes.h"
+
+PAL_INTERFACE_BEGIN
+
+/** The power of one port. */
+typedef struct PALComPortPower {
+  /** Not 0: powered. */
+  DWORD enable;
+  /** The caller's number for the port. */
+  DWORD port_id;
+} PALComPortPower;
+
+/**
+ * Changes nothing, and traces the request.
+ *
+ * @param port   The port's name, such as "COM1:", as null-terminated UTF-16. Not null.
+ * @param power  What was wished; both fields are traced. Not null.
+ *
+ * @retval S_OK   always with arguments that are not null
+ * @retval E_FAIL @p port or @p power is null; nothing is traced
+ */
+HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* power);
+
+/**
+ * Tells that a port is not powered by this interface, whichever it is.
+ *
+ * @param port           The port's name, such as "COM1:", as null-terminated UTF-16. Not null.
+ * @param[in,out] power  Out: `enable` is 0; `port_id` stays and is traced. Not null.
+ *
+ * @retval S_OK   always with arguments that are not null
+ * @retval E_FAIL @p port or @p power is null; nothing is written or traced
+ */
+HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power);
+
+PAL_INTERFACE_END
+
+#endif /* PALCOMXPWR_H_ */

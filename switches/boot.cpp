@@ -1,0 +1,46 @@
+// Restarts of the terminal.
+#include <algorithm>
+#include <array>
+
+#include "frame/trace.h"
+#include "include/palboot.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kBoot};
+
+constexpr DWORD kBeforeRestart = 0x010123B0;  // a kernel control
+
+struct BootOption {
+  LONG option;
+  const WCHAR* state;
+  DWORD before_restart;  // what the kernel control is given first; 0: it is not called
+};
+
+constexpr std::array kBootOptions{
+    BootOption{PAL_BOOT_WARM, TEXT("reboot"), 0},
+    BootOption{PAL_BOOT_COLD, TEXT("coldreboot"), 0},
+    BootOption{PAL_BOOT_PREPARED, TEXT("reboot"), 0x00040006},
+};
+
+bool TellKernel(DWORD value) {
+  if (KernelIoControl(kBeforeRestart, &value, sizeof(value), nullptr, 0, nullptr) != FALSE) {
+    return true;
+  }
+  kTrace.Error("KernelIoControl failed. win32err:0x%x", GetLastError());
+  return false;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALBOOT_BootTerminal(LONG option) {
+  const auto* const row = std::ranges::find(kBootOptions, option, &BootOption::option);
+  if (row == kBootOptions.end()) {
+    kTrace.Error("Boot request invalid option");
+    return E_FAIL;
+  }
+  if (row->before_restart == 0 || TellKernel(row->before_restart)) {
+    SetSystemPowerState(row->state, POWER_STATE_RESET, POWER_FORCE);
+  }
+  return S_OK;
+}

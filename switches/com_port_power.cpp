@@ -1,0 +1,23 @@
+// Power of the COM ports, which this family does not switch.
+#include "frame/trace.h"
+#include "include/palcomxpwr.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kConfigStoreAccess};
+
+}  // namespace
+
+HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* power) {
+  if (port == nullptr || power == nullptr) return E_FAIL;
+  kTrace.Info("SetPower: %ls, fEnable:%d, portId:%d - Does nothing", port, power->enable,
+              power->port_id);
+  return S_OK;
+}
+
+HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power) {
+  if (port == nullptr || power == nullptr) return E_FAIL;
+  power->enable = 0;
+  kTrace.Info("PALCOMxPwr_GetPower: Comx:%ls, portId:%d - Does nothing", port, power->port_id);
+  return S_OK;
+}

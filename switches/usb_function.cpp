@@ -1,0 +1,180 @@
+// What the device is to a USB host: the client driver on the function bus.
+#include <array>
+#include <span>
+
+#include "frame/registry.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "frame/unique_handle.h"
+#include "include/palstore.h"
+#include "switches/usb_result.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kUsb};
+
+// Controls of the function bus.
+constexpr DWORD kGetCurrentClient = 0x0022000C;
+constexpr DWORD kSelectFirstStep = 0x00220018;
+constexpr DWORD kSelectSecondStep = 0x00220010;
+
+// What the bus is given, and what it tells: the name stands first, and a description behind it.
+using ClientName = std::array<WCHAR, 128>;
+using ClientInformation = std::array<WCHAR, 378>;
+static_assert(sizeof(ClientName) == 256 && sizeof(ClientInformation) == 756);
+
+constexpr const WCHAR* kMassStorage = TEXT("Mass_Storage_Class");
+constexpr const WCHAR* kMassStoragePath =
+    TEXT("\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class");
+constexpr const WCHAR* kVolumeName = TEXT("DeviceName");
+
+struct FunctionOption {
+  const WCHAR* client;
+  const WCHAR* volume;  // null: the client exposes none
+
+  // By what the option is known again.
+  [[nodiscard]] constexpr const WCHAR* text() const { return volume != nullptr ? volume : client; }
+};
+
+constexpr std::array kFunctionOptions{
+    FunctionOption{TEXT("Serial_Class"), nullptr},
+    FunctionOption{TEXT("RNDIS"), nullptr},
+    FunctionOption{kMassStorage, TEXT("DSK1:")},
+    FunctionOption{kMassStorage, TEXT("DSK2:")},
+};
+static_assert(PAL_USB_SERIAL == 0 && PAL_USB_MASS_STORAGE_2 == kFunctionOptions.size() - 1);
+constexpr DWORD kNoOption = 0xFFFFFFFF;
+
+HANDLE OpenBus() {
+  return CreateFileW(TEXT("$bus\\OTG_0_2_0"), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                     0, nullptr);
+}
+
+HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
+  ClientName name{};
+  if (client_name == nullptr || !pal::Copy(name, client_name)) {
+    kTrace.Error("ERROR SetClientOption. Input buff invalid\r\n");
+    return pal::kUsbBadInput;
+  }
+  pal::UniqueFile bus;
+  bus.Reset(OpenBus());
+  if (!bus) {
+    kTrace.Error("SetClientOption - ERROR 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
+                 GetLastError());
+    return pal::kUsbBusNotOpened;
+  }
+  kTrace.Info("SetClientOption - In client name: %ls, ioctl:0x%x\r\n", client_name, ioctl);
+  DWORD returned = 0;
+  const BOOL done =
+      DeviceIoControl(bus.get(), ioctl, name.data(), sizeof(name), nullptr, 0, &returned, nullptr);
+  if (done == FALSE) {
+    kTrace.Error("SetClientOption - ERROR 0x%x=DeviceIoControl(ioctl:0x%x). win32err: 0x%x\r\n",
+                 done, ioctl, GetLastError());
+    return pal::kUsbSelectFailed;
+  }
+  return S_OK;
+}
+
+HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
+  pal::UniqueFile bus;
+  bus.Reset(OpenBus());
+  if (!bus) {
+    kTrace.Error("GetClientOption - 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
+                 GetLastError());
+    return pal::kUsbBusNotOpened;
+  }
+  DWORD returned = 0;
+  const BOOL done = DeviceIoControl(bus.get(), ioctl, nullptr, 0, information.data(),
+                                    sizeof(information), &returned, nullptr);
+  if (done == FALSE) {
+    kTrace.Error("GetClientOption - ERROR 0x%x=DeviceIoControl(). win32err: 0x%x\r\n", done,
+                 GetLastError());
+    return pal::kUsbGetFailed;
+  }
+  return S_OK;
+}
+
+// `bytes`: in, the size of `buffer`; out, that of the name with its terminator. A bus without a
+// client leaves both as they are.
+HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
+  if (buffer == nullptr) {
+    kTrace.Error("ERROR GetClientOption - Input buff invalid\r\n");
+    return pal::kUsbBadInput;
+  }
+  ClientInformation information{};
+  const HRESULT result = ReadClientInformation(ioctl, information);
+  if (pal::Failed(result)) return result;
+  // A name that is not terminated runs on to the record's end, and no buffer has room for it.
+  const pal::WideText name(information.data(), pal::Length<WCHAR>(information));
+  if (name.empty()) return S_OK;
+  const auto name_bytes = static_cast<DWORD>((name.size() + 1) * sizeof(WCHAR));
+  if (!pal::Copy(std::span(buffer, bytes / sizeof(WCHAR)), name)) {
+    kTrace.Error("GetClientOption - Input buff too short, inlen: %d, Ucn.name_len: %d\r\n", bytes,
+                 name_bytes);
+    return pal::kUsbBadInput;
+  }
+  bytes = name_bytes;
+  kTrace.Info("GetClientOption - Client name: %ls, len: %d\r\n", buffer, bytes);
+  return S_OK;
+}
+
+HRESULT WriteVolumeName(DWORD option, const WCHAR* volume) {
+  std::array<WCHAR, 16> text{};  // zeros behind the terminator: the helper stores one of them
+  if (!pal::Copy(text, volume)) return pal::kUsbBadInput;
+  const HRESULT result = PALRegSetString(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, text);
+  kTrace.Info("SetUsbMassStorage - input:%d, Reg:%ls\\%ls=%ls\r\n", option, kMassStoragePath,
+              kVolumeName, volume);
+  return result;
+}
+
+// Room for a name and a terminator of its own, for texts that are stored without one.
+using TerminatedName = std::array<WCHAR, std::tuple_size_v<ClientName> + 1>;
+
+// Empty where it cannot be read.
+void ReadVolumeName(TerminatedName& name) {
+  kTrace.Info("PALStore_GetUsbFuncDriver - Mass storage client. Read %ls : DeviceName\r\n",
+              kMassStoragePath);
+  name = {};
+  DWORD bytes = sizeof(ClientName);
+  const HRESULT result =
+      PALRegGetStringValue(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, name.data(), &bytes);
+  if (pal::Failed(result)) name = {};
+}
+
+DWORD FindOption(const WCHAR* text) {
+  for (DWORD option = 0; option < kFunctionOptions.size(); ++option) {
+    if (_wcsicmp(text, kFunctionOptions[option].text()) == 0) return option;
+  }
+  return kNoOption;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option) {
+  if (option >= kFunctionOptions.size()) {
+    kTrace.Error("ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:%d\r\n", option);
+    return pal::kUsbBadInput;
+  }
+  const FunctionOption& row = kFunctionOptions[option];
+  HRESULT result = SetClientOption(row.client, kSelectFirstStep);
+  if (pal::Succeeded(result) && row.volume != nullptr) result = WriteVolumeName(option, row.volume);
+  if (pal::Succeeded(result)) result = SetClientOption(row.client, kSelectSecondStep);
+  return result;
+}
+
+HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option) {
+  if (option == nullptr) return pal::kUsbBadInput;
+  TerminatedName name{};
+  DWORD bytes = sizeof(ClientName);
+  HRESULT result = GetClientOption(name.data(), bytes, kGetCurrentClient);
+  if (pal::Failed(result)) return result;
+  if (_wcsicmp(name.data(), kMassStorage) == 0) ReadVolumeName(name);
+  const DWORD found = FindOption(name.data());
+  result = found == kNoOption ? pal::kUsbUnknownClient : S_OK;
+  if (found != kNoOption) {
+    kTrace.Info("PALStore_GetUsbFuncDriver - Found match. %ls\r\n", name.data());
+    *option = found;
+  }
+  kTrace.Info("PALStore_GetUsbFuncDriver - Return. iOpt:%d, hr:0x%x\r\n", found, result);
+  return result;
+}

@@ -1,0 +1,432 @@
+// What the device is to a USB host, and whether it takes USB disks.
+#include <string>
+#include <vector>
+
+#include "platform/sim/device_folder.h"
+#include "platform/sim/hardware/hardware.h"
+#include "platform/sim/hardware/usb_function_bus.h"
+#include "platform/sim/text.h"
+#include "tests/support/command_line.h"
+#include "tests/support/device_test.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Bus = sim::UsbFunctionBus;
+
+constexpr auto kBadInput = static_cast<HRESULT>(0x844F0001);
+constexpr auto kSelectFailed = static_cast<HRESULT>(0x844F0002);
+constexpr auto kGetFailed = static_cast<HRESULT>(0x844F0003);
+constexpr auto kBusNotOpened = static_cast<HRESULT>(0x844F0004);
+constexpr auto kUnknownClient = static_cast<HRESULT>(0x844F0005);
+constexpr auto kMissing = static_cast<HRESULT>(0x80070002);
+constexpr auto kMoreData = static_cast<HRESULT>(0x800700EA);
+
+std::vector<std::uint8_t> Wide(std::u16string_view text) {
+  return sim::WideTextAnswer(text, sim::Terminator::kMissing).bytes;
+}
+
+class UsbTest : public DeviceTest {
+ protected:
+  void TearDown() override {
+    EXPECT_EQ(process.open_handles(), 0u);
+    process.End();
+    DeviceTest::TearDown();
+  }
+  // The lines behind the category of a severity.
+  Lines LinesOf(const std::string& category) {
+    Lines lines = CategorisedLines();
+    std::erase_if(lines, [&](const std::string& line) { return !line.starts_with(category); });
+    for (std::string& line : lines) line.erase(0, category.size() + 1);
+    return lines;
+  }
+  Lines ErrorLines() { return LinesOf("0xC44F0000"); }
+  Lines InfoLines() { return LinesOf("0x444F0000"); }
+
+  sim::Process process{device};
+};
+
+class UsbFunction : public UsbTest {
+ protected:
+  static constexpr const char* kKey = "HKLM\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class";
+
+  UsbFunction() {
+    device.hardware().drivers = {bus};
+    device.registry().SetString(kKey, "DeviceName", "DSK9:");
+  }
+  HRESULT Get(DWORD& option) { return process.exports().PALStore_GetUsbFuncDriver(&option); }
+  HRESULT Set(DWORD option) { return process.exports().PALStore_SetUsbFuncDriver(option); }
+  Lines DriverLines() { return device.journal().Texts(sim::Effect::kDriver); }
+
+  std::shared_ptr<Bus> bus = std::make_shared<Bus>(
+      std::vector<sim::UsbFunctionClient>{
+          {"Serial_Class"}, {"rndis"}, {"Mass_Storage_Class"}, {"Other"}},
+      "Other");
+};
+
+TEST_F(UsbFunction, IsChosenInTwoSteps) {
+  struct Case {
+    DWORD option;
+    std::string client, volume;
+  };
+  for (const Case& test :
+       {Case{0, "Serial_Class", "DSK9:"}, Case{1, "rndis", "DSK9:"},
+        Case{2, "Mass_Storage_Class", "DSK1:"}, Case{3, "Mass_Storage_Class", "DSK2:"}}) {
+    ASSERT_EQ(Set(test.option), S_OK);
+    EXPECT_EQ(bus->default_client(), test.client);
+    EXPECT_EQ(bus->current_client(), test.client);
+    EXPECT_EQ(device.registry().GetString(kKey, "DeviceName"), test.volume);
+    DWORD option = 9;
+    EXPECT_EQ(Get(option), S_OK);
+    EXPECT_EQ(option, test.option);
+  }
+  EXPECT_EQ(ErrorLines(), Lines{});
+  const std::u16string_view stored(u"DSK2:\0\0", 7);
+  EXPECT_EQ(device.registry().FindValue(kKey, "DeviceName")->data, Wide(stored));
+}
+
+TEST_F(UsbFunction, TracesItsSteps) {
+  EXPECT_EQ(Set(3), S_OK);
+  DWORD option = 9;
+  EXPECT_EQ(Get(option), S_OK);
+  const std::string key = "\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class";
+  EXPECT_EQ(
+      InfoLines(),
+      (Lines{"SetClientOption - In client name: Mass_Storage_Class, ioctl:0x220018\\r\\n",
+             "SetUsbMassStorage - input:3, Reg:" + key + "\\DeviceName=DSK2:\\r\\n",
+             "SetClientOption - In client name: Mass_Storage_Class, ioctl:0x220010\\r\\n",
+             "GetClientOption - Client name: Mass_Storage_Class, len: 38\\r\\n",
+             "PALStore_GetUsbFuncDriver - Mass storage client. Read " + key + " : DeviceName\\r\\n",
+             "PALStore_GetUsbFuncDriver - Found match. DSK2:\\r\\n",
+             "PALStore_GetUsbFuncDriver - Return. iOpt:3, hr:0x0\\r\\n"}));
+}
+
+TEST_F(UsbFunction, IsNotChosenByANumberAboveThree) {
+  for (const DWORD option : {4U, 0x80000000U, 0xFFFFFFFFU}) {
+    device.journal().Clear();
+    EXPECT_EQ(Set(option), kBadInput);
+    EXPECT_EQ(ErrorLines(), Lines{"ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:" +
+                                  std::to_string(static_cast<int>(option)) + "\\r\\n"});
+  }
+  EXPECT_EQ(device.calls("CreateFileW") + device.calls("RegOpenKeyExW"), 0u);
+}
+
+// Each step fails in turn: what was done before it stays, and nothing is done behind it.
+TEST_F(UsbFunction, StopsAtTheFirstStepThatFails) {
+  struct Case {
+    sim::Fault fault;
+    HRESULT result;
+    std::string default_client, volume, error;
+  };
+  const std::string kStorage = "Mass_Storage_Class";
+  for (const Case& test : {
+           Case{{.call = "CreateFileW", .error = 5},
+                kBusNotOpened,
+                "Other",
+                "DSK9:",
+                "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x5\\r\\n"},
+           Case{{.call = "DeviceIoControl", .error = 31},
+                kSelectFailed,
+                "Other",
+                "DSK9:",
+                "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220018). win32err: "
+                "0x1f\\r\\n"},
+           Case{{.call = "RegOpenKeyExW", .error = 2}, kMissing, kStorage, "DSK9:", ""},
+           Case{{.call = "RegSetValueExW", .error = 5},
+                static_cast<HRESULT>(0x80070005),
+                kStorage,
+                "DSK9:",
+                ""},
+           Case{{.call = "CreateFileW", .nth = 2, .error = 55},
+                kBusNotOpened,
+                kStorage,
+                "DSK1:",
+                "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x37\\r\\n"},
+           Case{{.call = "DeviceIoControl", .nth = 2, .error = 170},
+                kSelectFailed,
+                kStorage,
+                "DSK1:",
+                "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220010). win32err: "
+                "0xaa\\r\\n"},
+       }) {
+    bus->set_default_client("Other");
+    device.registry().SetString(kKey, "DeviceName", "DSK9:");
+    device.journal().Clear();
+    device.PlanFault(test.fault);
+    EXPECT_EQ(Set(2), test.result);
+    device.ClearFaults();
+    EXPECT_EQ(bus->default_client(), test.default_client);
+    EXPECT_EQ(bus->current_client(), "Other");
+    EXPECT_EQ(device.registry().GetString(kKey, "DeviceName"), test.volume);
+    EXPECT_EQ(ErrorLines(), test.error.empty() ? Lines{} : Lines{test.error});
+  }
+}
+
+TEST_F(UsbFunction, IsKnownByItsClientOrVolumeInAnyCase) {
+  struct Case {
+    std::u16string client;
+    std::vector<std::uint8_t> volume;  // empty: no value
+    HRESULT result;
+    DWORD option;
+  };
+  constexpr DWORD kUntouched = 9;
+  const std::u16string terminated(u"dSK2:\0", 6);
+  const std::u16string full(128, u'x');
+  for (const Case& test : {
+           Case{u"sERIAL_cLASS", {}, S_OK, 0}, Case{u"RNDIS", {}, S_OK, 1},
+           Case{u"mass_storage_class", Wide(u"dsk1:"), S_OK, 2},  // without a terminator
+           Case{u"Mass_Storage_Class", Wide(terminated), S_OK, 3},
+           Case{u"Mass_Storage_Class", {}, kUnknownClient, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(u"DSK3:"), kUnknownClient, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(full), kUnknownClient, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(full + u"x"), kUnknownClient, kUntouched},
+           Case{u"RNDIS2", {}, kUnknownClient, kUntouched},
+           Case{u"", {}, kUnknownClient, kUntouched},
+           Case{std::u16string(127, u'c'), {}, kUnknownClient, kUntouched},
+           Case{std::u16string(128, u'c'), {}, kBadInput, kUntouched},
+           Case{std::u16string(378, u'c'), {}, kBadInput, kUntouched},  // to the record's end
+       }) {
+    bus->set_told_name(test.client);
+    const auto key = device.registry().Find(kKey);
+    key->DeleteValue(u"DeviceName");
+    if (!test.volume.empty()) key->SetValue(u"DeviceName", REG_SZ, test.volume);
+    DWORD option = kUntouched;
+    EXPECT_EQ(Get(option), test.result) << sim::ToUtf8(test.client);
+    EXPECT_EQ(option, test.option);
+  }
+  EXPECT_EQ(ErrorLines(),
+            (Lines{"GetClientOption - Input buff too short, inlen: 256, Ucn.name_len: 258\\r\\n",
+                   "GetClientOption - Input buff too short, inlen: 256, Ucn.name_len: 758\\r\\n"}));
+}
+
+TEST_F(UsbFunction, IsNotToldByABusThatFails) {
+  struct Case {
+    std::string call;
+    HRESULT result;
+    std::string error;
+  };
+  for (const Case& test :
+       {Case{"CreateFileW", kBusNotOpened,
+             "GetClientOption - 0xffffffff=CreateFile(). win32err: 0x5\\r\\n"},
+        Case{"DeviceIoControl", kGetFailed,
+             "GetClientOption - ERROR 0x0=DeviceIoControl(). win32err: 0x5\\r\\n"}}) {
+    device.journal().Clear();
+    device.PlanFault({.call = test.call, .error = 5});
+    DWORD option = 9;
+    EXPECT_EQ(Get(option), test.result);
+    EXPECT_EQ(option, 9u);
+    EXPECT_EQ(ErrorLines(), Lines{test.error});
+  }
+  EXPECT_EQ(process.exports().PALStore_GetUsbFuncDriver(nullptr), kBadInput);
+}
+
+TEST(UsbFunctionDescription, KeepsItsClientsAndTheirRefusals) {
+  const TemporaryFolder folder;
+  static_cast<void>(
+      folder.Write("device.toml",
+                   "name = \"x\"\n[usb_function]\nclients = [\"RNDIS\", \"Serial_Class\", { name = "
+                   "\"Mass_Storage_Class\", error = 170 }]\ndefault = \"RNDIS\"\n"));
+  {
+    sim::Device device;
+    sim::LoadDevice(device, folder.path());
+    sim::Process process(device);
+    EXPECT_EQ(process.exports().PALStore_SetUsbFuncDriver(0), S_OK);
+    device.registry().Create("HKLM\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class");
+    EXPECT_EQ(process.exports().PALStore_SetUsbFuncDriver(2), kSelectFailed);
+    EXPECT_EQ(device.journal().Texts(sim::Effect::kDriver),
+              (Lines{"$bus\\OTG_0_2_0 set default client: Serial_Class",
+                     "$bus\\OTG_0_2_0 set current client: Serial_Class",
+                     "$bus\\OTG_0_2_0 set default client: Mass_Storage_Class",
+                     "$bus\\OTG_0_2_0 set current client: Mass_Storage_Class"}));
+    sim::SaveDevice(device, folder.path());
+  }
+  sim::Device device;
+  sim::LoadDevice(device, folder.path());
+  const auto& bus = dynamic_cast<const Bus&>(*device.hardware().drivers.at(0));
+  EXPECT_EQ(bus.current_client(), "Serial_Class");
+  EXPECT_EQ(bus.default_client(), "Mass_Storage_Class");
+  sim::Process process(device);
+  EXPECT_THROW(process.exports().PALBOOT_BootTerminal('0'), sim::ProcessKilled);
+  EXPECT_EQ(bus.current_client(), "Mass_Storage_Class") << "a restart takes the default up";
+}
+
+TEST(UsbFunctionDescription, IsRefusedWithItsLine) {
+  struct Case {
+    std::string bus, message;
+  };
+  for (const Case& test : {
+           Case{"colour = 1", "3: unknown key 'colour'; allowed: clients, default"},
+           Case{"clients = 1", "3: expected a list"},
+           Case{"clients = [1]", "3: expected a name, or {"},
+           Case{"clients = [\"a b\"]", "3: expected a name of 1 to 127 letters"},
+           Case{"clients = [{ name = \"a\", error = 0 }]", "3: expected a number from 1"},
+           Case{"clients = [\"a\"]\ndefault = \"b\"", "4: the bus has no client 'b'"},
+       }) {
+    const TemporaryFolder folder;
+    static_cast<void>(
+        folder.Write("device.toml", "name = \"x\"\n[usb_function]\n" + test.bus + "\n"));
+    sim::Device device;
+    try {
+      sim::LoadDevice(device, folder.path());
+      ADD_FAILURE() << test.bus;
+    } catch (const sim::DeviceFolderError& error) {
+      EXPECT_NE(std::string(error.what()).find("device.toml:" + test.message), std::string::npos)
+          << error.what();
+    }
+  }
+}
+
+class UsbHostStorage : public UsbTest {
+ protected:
+  static constexpr const char* kKey = "HKLM\\Drivers\\USB\\ClientDrivers\\Mass_Storage_Class";
+  static inline const std::string kPath = "\\Drivers\\USB\\ClientDrivers\\Mass_Storage_Class";
+
+  // Three drivers, one of them with nothing to move.
+  void AddDrivers() {
+    SetText("2", "Dll", "a.dll");
+    device.registry().Create(std::string(kKey) + "\\4");
+    SetText("5", "Dll", "b.dll");
+  }
+  void SetText(const std::string& driver, const char* name, const char* text) {
+    device.registry().SetString(std::string(kKey) + '\\' + driver, name, text);
+  }
+  // "Dll=a.dll", for each value of each driver.
+  Lines Values() {
+    Lines values;
+    for (const auto& driver : device.registry().Find(kKey)->keys()) {
+      for (const sim::RegistryValue& value : driver->values()) {
+        const std::string name = sim::ToUtf8(value.name);
+        values.push_back(
+            name + '=' +
+            device.registry().GetString(sim::ToUtf8(driver->Path()), name).value_or("no text"));
+      }
+    }
+    return values;
+  }
+  HRESULT Enable(BOOL enable) {
+    return process.exports().PALStore_SetUsbHostMassStorageEnable(enable);
+  }
+  std::pair<HRESULT, DWORD> Enabled() {
+    DWORD enabled = 9;
+    const HRESULT result = process.exports().PALStore_GetUsbHostMassStorageEnable(&enabled);
+    return {result, enabled};
+  }
+};
+
+TEST_F(UsbHostStorage, IsSwitchedBothWaysAndTwice) {
+  AddDrivers();
+  const auto before = device.registry().FindValue(std::string(kKey) + "\\2", "Dll")->data;
+  EXPECT_EQ(Enabled(), std::pair(S_OK, 1U));
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(Enable(0), S_OK);
+    EXPECT_EQ(Values(), (Lines{"Dll__=a.dll", "Dll__=b.dll"}));
+    EXPECT_EQ(Enabled(), std::pair(S_OK, 0U));
+  }
+  for (const BOOL on : {1, 5}) {
+    EXPECT_EQ(Enable(on), S_OK);
+    EXPECT_EQ(Values(), (Lines{"Dll=a.dll", "Dll=b.dll"}));
+    EXPECT_EQ(Enabled(), std::pair(S_OK, 1U));
+  }
+  EXPECT_EQ(device.registry().FindValue(std::string(kKey) + "\\2", "Dll")->data, before);
+  EXPECT_EQ(ErrorLines(), Lines{});
+  const std::string off = "Successfully disabled all USB Mass Storage client drivers";
+  const std::string on = "Successfully enabled all USB Mass Storage client drivers";
+  EXPECT_EQ(InfoLines(), (Lines{off, off, off, off, on, on})) << "two of them are the getter's";
+}
+
+TEST_F(UsbHostStorage, PassesOverWhatIsNoText) {
+  AddDrivers();
+  device.registry().SetDword(std::string(kKey) + "\\2", "Dll", 5);
+  device.registry().SetBinary(std::string(kKey) + "\\4", "Dll", std::vector<BYTE>(600));
+  EXPECT_EQ(Enable(0), S_OK);
+  EXPECT_EQ(Values(), (Lines{"Dll=no text", "Dll=no text", "Dll__=b.dll"}));
+  EXPECT_EQ(Enabled(), std::pair(S_OK, 0U));
+
+  const std::string longest(259, 'x');
+  SetText("4", "Dll", longest.c_str());
+  EXPECT_EQ(Enable(0), S_OK);
+  EXPECT_EQ(Values(), (Lines{"Dll=no text", "Dll__=" + longest, "Dll__=b.dll"}));
+  SetText("2", "Dll", (longest + "xx").c_str());
+  EXPECT_EQ(Enable(0), kMoreData) << "a text that is too long ends the walk";
+  EXPECT_EQ(Enabled(), std::pair(kMoreData, 0U));
+}
+
+TEST_F(UsbHostStorage, IsOffWithoutDriversAndFailsWithoutTheirKey) {
+  EXPECT_EQ(Enable(0), kMissing);
+  EXPECT_EQ(Enable(1), kMissing);
+  EXPECT_EQ(Enabled(), std::pair(kMissing, 0U));
+  const std::string line = "Error opening HKLM\\" + kPath + ". dwRet = 2";
+  EXPECT_EQ(ErrorLines(), (Lines{line, line, line}));
+  device.registry().Create(kKey);
+  EXPECT_EQ(Enabled(), std::pair(S_OK, 0U));
+  EXPECT_EQ(Enable(1), S_OK);
+  EXPECT_EQ(process.exports().PALStore_GetUsbHostMassStorageEnable(nullptr), kBadInput);
+}
+
+// The walk fails at each of its calls in turn: what it leaves behind is what it had done by then.
+TEST_F(UsbHostStorage, LeavesAWalkThatFailsWhereItWas) {
+  struct Case {
+    BOOL enable;
+    sim::Fault fault;
+    std::string error;  // empty: none is traced
+    Lines values;
+  };
+  const std::string second = kPath + "\\5";
+  for (const Case& test : {
+           Case{0,
+                {.call = "RegOpenKeyExW"},
+                "Error opening HKLM\\" + kPath,
+                {"Dll=a.dll", "Dll=b.dll"}},
+           Case{0,
+                {.call = "RegEnumKeyExW", .nth = 3},
+                "Error enumerating USB Mass Storage Client drivers",
+                {"Dll__=a.dll", "Dll=b.dll"}},
+           Case{0,
+                {.call = "RegOpenKeyExW", .nth = 4},
+                "Error opening HKLM\\" + second,
+                {"Dll__=a.dll", "Dll=b.dll"}},
+           Case{0, {.call = "RegQueryValueExW", .nth = 3}, "", {"Dll__=a.dll", "Dll=b.dll"}},
+           Case{0,
+                {.call = "RegSetValueExW", .nth = 2},
+                "Error backing up HKLM\\" + second + "\\Dll",
+                {"Dll__=a.dll", "Dll=b.dll"}},
+           Case{0,
+                {.call = "RegDeleteValueW", .nth = 2},
+                "Error deleting HKLM\\" + second + "\\Dll",
+                {"Dll__=a.dll", "Dll=b.dll", "Dll__=b.dll"}},
+           Case{1,
+                {.call = "RegEnumKeyExW", .nth = 3},
+                "Error enumerating USB Mass Storage Client drivers",
+                {"Dll=a.dll", "Dll__=b.dll"}},
+           Case{1,
+                {.call = "RegQueryValueExW", .nth = 3},
+                "Error reading restore name from HKLM\\" + second + "\\Dll__",
+                {"Dll=a.dll", "Dll__=b.dll"}},
+           Case{1,
+                {.call = "RegSetValueExW", .nth = 2},
+                "Error restoring up HKLM\\" + second + "\\Dll",
+                {"Dll=a.dll", "Dll__=b.dll"}},
+           Case{1,
+                {.call = "RegDeleteValueW", .nth = 2},
+                "Error deleting HKLM\\" + second + "\\Dll__",
+                {"Dll=a.dll", "Dll__=b.dll", "Dll=b.dll"}},
+       }) {
+    device.registry().RemoveTree(kKey);
+    AddDrivers();
+    if (test.enable != 0) {
+      EXPECT_EQ(Enable(0), S_OK);
+    }
+    device.journal().Clear();
+    sim::Fault fault = test.fault;
+    fault.error = 5;
+    device.PlanFault(fault);
+    EXPECT_EQ(Enable(test.enable), static_cast<HRESULT>(0x80070005)) << fault.call << fault.nth;
+    device.ClearFaults();
+    EXPECT_EQ(Values(), test.values) << fault.call << fault.nth;
+    EXPECT_EQ(ErrorLines(), test.error.empty() ? Lines{} : Lines{test.error + ". dwRet = 5"});
+    EXPECT_EQ(InfoLines(), Lines{});
+    EXPECT_EQ(Enable(test.enable), S_OK) << "a second walk finishes the first";
+  }
+}
+
+}  // namespace
