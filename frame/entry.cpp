@@ -3,6 +3,7 @@
 
 #include "frame/do_nothing.h"
 #include "include/palbeep.h"
+#include "include/palkey.h"
 #include "include/palled.h"
 #include "platform/wince.h"
 
@@ -21,6 +22,7 @@ constexpr Family kFamilies[] = {
     {nullptr, &PALDoNothing},
     {&PALBEEPInit, &PALBEEPTerm},
     {&PALLEDInit, &PALLEDTerm},
+    {&PALKEYInit, &PALKEYTerm},
     {&PALDoNothing, &PALDoNothing},
     {&PALDoNothing, &PALDoNothing},
 };

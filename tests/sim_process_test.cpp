@@ -57,7 +57,7 @@ TEST_F(SimProcess, RunsAProgramBesideItsParent) {
     Close(started);
   });
   EXPECT_EQ(ProcessLines(),
-            (Lines{"caller.exe started", "tool.exe started: a b", "tool.exe ended with 7"}));
+            (Lines{"caller.exe started", "caller.exe attached", "tool.exe started: a b", "tool.exe ended with 7"}));
 }
 
 TEST_F(SimProcess, StartsNothingThatIsNotThere) {
@@ -80,7 +80,7 @@ TEST_F(SimProcess, StartsNothingThatIsNotThere) {
       EXPECT_EQ(GetLastError(), static_cast<DWORD>(test.error));
     }
   });
-  EXPECT_EQ(ProcessLines(), Lines{"caller.exe started"});
+  EXPECT_EQ(ProcessLines(), (Lines{"caller.exe started", "caller.exe attached"}));
 }
 
 TEST_F(SimProcess, OutlivesItsParent) {

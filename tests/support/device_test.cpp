@@ -1,28 +1,44 @@
 #include "tests/support/device_test.h"
 
 #include <cstdio>
+#include <set>
 
 DeviceTest::~DeviceTest() {
   for (const std::string& misuse : device.misuse()) ADD_FAILURE() << "misuse: " << misuse;
 }
 
-std::vector<std::string> DeviceTest::TraceLines() {
-  return device.journal().Texts(sim::Effect::kTrace);
+std::vector<const sim::JournalEntry*> DeviceTest::TraceEntries() {
+  std::vector<const sim::JournalEntry*> lines;
+  std::set<std::uint32_t> in_entry;  // processes whose library attaches or detaches just then
+  for (const sim::JournalEntry& entry : device.journal().entries()) {
+    if (entry.effect == sim::Effect::kProcess) {
+      if (entry.text.ends_with(" started") || entry.text.ends_with(" detaches")) {
+        in_entry.insert(entry.process_id);
+      } else {
+        in_entry.erase(entry.process_id);
+      }
+    }
+    if (entry.effect == sim::Effect::kTrace && !in_entry.contains(entry.process_id)) {
+      lines.push_back(&entry);
+    }
+  }
+  return lines;
 }
 
 std::vector<std::string> DeviceTest::TraceLines(std::string_view prefix) {
-  std::vector<std::string> lines = TraceLines();
-  std::erase_if(lines, [&](const std::string& line) { return !line.starts_with(prefix); });
+  std::vector<std::string> lines;
+  for (const sim::JournalEntry* entry : TraceEntries()) {
+    if (entry->text.starts_with(prefix)) lines.push_back(entry->text);
+  }
   return lines;
 }
 
 std::vector<std::string> DeviceTest::CategorisedLines() {
   std::vector<std::string> lines;
-  for (const sim::JournalEntry& entry : device.journal().entries()) {
-    if (entry.effect != sim::Effect::kTrace) continue;
+  for (const sim::JournalEntry* entry : TraceEntries()) {
     char category[16];
-    std::snprintf(category, sizeof(category), "0x%08X ", entry.category);
-    lines.push_back(category + entry.text);
+    std::snprintf(category, sizeof(category), "0x%08X ", entry->category);
+    lines.push_back(category + entry->text);
   }
   return lines;
 }

@@ -21,14 +21,17 @@ class DeviceTest : public ::testing::Test {
   // Looks for misuse here and not in TearDown: the processes of a fixture have ended by now.
   ~DeviceTest() override;
 
-  // The lines of the event log, without their stamps.
-  [[nodiscard]] std::vector<std::string> TraceLines();
+  // The lines of the event log, without their stamps and without those that the library writes when
+  // it attaches and detaches.
   // Those of them that begin so.
-  [[nodiscard]] std::vector<std::string> TraceLines(std::string_view prefix);
+  [[nodiscard]] std::vector<std::string> TraceLines(std::string_view prefix = {});
   // "0xC3F00000 the line" for each.
   [[nodiscard]] std::vector<std::string> CategorisedLines();
 
   sim::Device device;
+
+ private:
+  std::vector<const sim::JournalEntry*> TraceEntries();
 };
 
 #endif  // TESTS_SUPPORT_DEVICE_TEST_H_

@@ -20,6 +20,12 @@ void CallEntry(ProcessState& process, DWORD reason) {
   RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
 }
 
+void LogProcess(ProcessState& process, std::string_view what) {
+  const Scheduler::Lock lock(process.kernel.mutex);
+  process.kernel.Log(process.main_thread.get(), Effect::kProcess,
+                     fmt::format("{} {}", process.name, what));
+}
+
 void BindExports(ProcessState& process) {
 #define PAL_EXPORT(name) \
   process.exports.name = Export<decltype(::name)>(process, process.library->Symbol(#name), #name);
@@ -90,6 +96,7 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
   state_->library = std::make_unique<LibraryCopy>(library, state_->id);
   BindExports(*state_);
   CallEntry(*state_, DLL_PROCESS_ATTACH);
+  LogProcess(*state_, "attached");
 }
 
 Process::~Process() {
@@ -143,7 +150,10 @@ void Process::End() {
   if (state_->library == nullptr) return;
   RequireDriver(state_->kernel);
   EndThreads(*state_);
-  if (alive()) CallEntry(*state_, DLL_PROCESS_DETACH);
+  if (alive()) {
+    LogProcess(*state_, "detaches");
+    CallEntry(*state_, DLL_PROCESS_DETACH);
+  }
   {
     const Scheduler::Lock lock(state_->kernel.mutex);
     state_->kernel.CloseEverything(*state_, state_->alive);
