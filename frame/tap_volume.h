@@ -1,0 +1,39 @@
+// The click of a tap, on a key or on the screen: one rule for both volumes.
+#ifndef FRAME_TAP_VOLUME_H_
+#define FRAME_TAP_VOLUME_H_
+
+#include "frame/trace.h"
+#include "platform/wince.h"
+
+namespace pal {
+
+// Where a volume is kept, and what its family traces. The lines' texts are the key's or the
+// screen's own; the last two show the key and the value.
+struct TapVolume {
+  TraceSource trace;
+  const WCHAR* value_name;  // a DWORD under HKEY_CURRENT_USER "ControlPanel\Volume"
+  TraceSource::Format<DWORD> invalid_input;
+  TraceSource::Format<const WCHAR*, const WCHAR*> write_failed;
+  TraceSource::Format<const WCHAR*, const WCHAR*> read_failed;
+};
+
+// Keeps a level (0, 1 or 2) and has the audio driver read its settings again. Levels 0 and 1 are
+// kept as they are, level 2 as 0x10002.
+//
+// S_OK        done
+// E_FAIL      another level, nothing was changed; or the value is written and ApplyAudioSetting
+//             failed. Traced.
+// 0x8007xxxx  the error of the write, 0x80070002 where there is no such key; traced
+[[nodiscard]] HRESULT SetTapVolume(const TapVolume& volume, DWORD level);
+
+// Reads the level back: 0x10002 is 2, 0x10000 is 0, anything else is what is stored. `level` is
+// written on success only.
+//
+// S_OK        done
+// E_FAIL      `level` is null
+// 0x8007xxxx  the error of the read, 0x80070002 where there is no such key or value; traced
+[[nodiscard]] HRESULT GetTapVolume(const TapVolume& volume, DWORD* level);
+
+}  // namespace pal
+
+#endif  // FRAME_TAP_VOLUME_H_
