@@ -7,7 +7,9 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,8 +68,24 @@ struct DescriptionSection {
   void (*read)(const Part& part, const toml::node& node, Device& device);
 };
 
+// A number that programs change and that outlives them, by its key in the [state] that the
+// simulator keeps.
+struct KeptNumber {
+  std::string_view key;
+  std::string_view expected;
+  bool (*restore)(Device& device, std::int64_t number);  // false where it cannot be this one
+  std::optional<std::int64_t> (*get)(Device& device);    // nothing: as its author described it
+};
+
+bool RestoreRotation(Device& device, std::int64_t degrees);
+std::optional<std::int64_t> KeptRotation(Device& device);
+bool RestoreBootOption(Device& device, std::int64_t option);
+std::optional<std::int64_t> KeptBootOption(Device& device);
+
 void ReadModules(const Part& part, const toml::node& node, Device& device);
 void ReadOneWire(const Part& part, const toml::node& node, Device& device);
+void ReadConfigurationDriver(const Part& part, const toml::node& node, Device& device);
+void ReadDisplay(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
 void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);

@@ -19,12 +19,34 @@ constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit b
 
 constexpr std::array kSections{
     DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"configuration_driver", &ReadConfigurationDriver},
+    DescriptionSection{"display", &ReadDisplay},
     DescriptionSection{"one_wire", &ReadOneWire},
     DescriptionSection{"parameters", &ReadParameters},
     DescriptionSection{"system", &ReadSystem},
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
     DescriptionSection{"services", &ReadServices},
+};
+
+bool RestoreClock(Device& device, std::int64_t ms) {
+  if (ms < 0) return false;
+  device.set_now_ms(static_cast<std::uint64_t>(ms));
+  return true;
+}
+
+// A device starts at 0.
+std::optional<std::int64_t> KeptClock(Device& device) {
+  const auto ms = static_cast<std::int64_t>(device.now_ms());
+  return ms == 0 ? std::nullopt : std::optional(ms);
+}
+
+constexpr std::array kKeptNumbers{
+    KeptNumber{"clock_ms", "milliseconds from 0 up: clock_ms = 0", &RestoreClock, &KeptClock},
+    KeptNumber{"rotation", "an angle: rotation = 0, 90, 180 or 270", &RestoreRotation,
+               &KeptRotation},
+    KeptNumber{"boot_option", "a number from 0 to 255: boot_option = 0", &RestoreBootOption,
+               &KeptBootOption},
 };
 
 // device.toml, in the two parts that it has.
@@ -74,18 +96,22 @@ Module WithEntries(const Part& part, const Module& known, const toml::node& list
   return module;
 }
 
-std::uint64_t ReadClock(const Part& part) {
+void ReadState(const Part& part, Device& device) {
   part.Allow(part.table(), {"state"});
   const toml::node* node = part.table().get("state");
-  if (node == nullptr) return 0;
+  if (node == nullptr) return;
   const auto& state = part.As<toml::table>(*node, "a table: [state]");
-  part.Allow(state, {"clock_ms"});
-  constexpr std::string_view kExpected = "milliseconds from 0 up: clock_ms = 0";
-  const toml::node* clock = state.get("clock_ms");
-  if (clock == nullptr) return 0;
-  const std::int64_t ms = part.As<toml::value<std::int64_t>>(*clock, kExpected).get();
-  if (ms < 0) part.Fail(clock->source(), fmt::format("expected {}", kExpected));
-  return static_cast<std::uint64_t>(ms);
+  std::vector<std::string_view> allowed;
+  for (const KeptNumber& number : kKeptNumbers) allowed.push_back(number.key);
+  part.Allow(state, allowed);
+  for (const KeptNumber& number : kKeptNumbers) {
+    const toml::node* value = state.get(number.key);
+    if (value == nullptr) continue;
+    if (!number.restore(device,
+                        part.As<toml::value<std::int64_t>>(*value, number.expected).get())) {
+      part.Fail(value->source(), fmt::format("expected {}", number.expected));
+    }
+  }
 }
 
 }  // namespace
@@ -122,20 +148,24 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   }
   const auto lines = std::count(description.author.begin(), description.author.end(), '\n');
   const Part kept(file, description.kept, static_cast<std::size_t>(lines));
-  device.set_now_ms(ReadClock(kept));
+  ReadState(kept, device);
   return identity;
 }
 
-std::string WithState(const std::string& text, std::uint64_t clock_ms) {
+std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
+  std::string state;
+  for (const KeptNumber& number : kKeptNumbers) {
+    const auto value = number.get(device);
+    if (value) state += fmt::format("{} = {}\n", number.key, *value);
+  }
   std::string result = description.author;
   if (description.kept.empty()) {
-    if (clock_ms == 0) return text;
+    if (state.empty()) return text;
     if (!result.ends_with('\n')) result += '\n';
     result += '\n';
   }
-  result += kMarkerLine;
-  return result + fmt::format("[state]\nclock_ms = {}\n", clock_ms);
+  return fmt::format("{}{}[state]\n{}", result, kMarkerLine, state);
 }
 
 }  // namespace sim

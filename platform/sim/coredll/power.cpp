@@ -1,7 +1,10 @@
-// Calls that nothing simulates yet: they fail and are recorded as misuse, so that nothing pretends.
+// The power manager. A call that nothing simulates yet fails and is recorded as misuse, so that
+// nothing pretends.
 #include "platform/sim/coredll/call.h"
 
+using sim::Call;
 using sim::CallId;
+using sim::Effect;
 using sim::NotSimulated;
 
 DWORD SetSystemPowerState(LPCWSTR /*state*/, DWORD /*flags*/, DWORD /*options*/) {
@@ -9,5 +12,6 @@ DWORD SetSystemPowerState(LPCWSTR /*state*/, DWORD /*flags*/, DWORD /*options*/)
 }
 
 void SystemIdleTimerReset() {
-  NotSimulated(CallId::SystemIdleTimerReset, 0);
+  Call call(CallId::SystemIdleTimerReset);
+  if (call.fault() == 0) call.Log(Effect::kPower, "idle timers reset");
 }

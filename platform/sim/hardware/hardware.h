@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/sim/hardware/display.h"
 #include "platform/sim/hardware/driver.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
@@ -20,6 +21,7 @@ struct Hardware {
   std::map<std::uint16_t, QueryAnswer> parameters;
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
+  Display display;
   std::vector<std::shared_ptr<Driver>> drivers;
 };
 

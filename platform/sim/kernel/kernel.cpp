@@ -121,6 +121,17 @@ void Kernel::CloseEverything(ProcessState& process, bool is_misuse) {
   process.heap.clear();
 }
 
+std::uintptr_t Kernel::ModuleHandle(std::string_view name) {
+  constexpr std::uintptr_t kFirst = 0x40000000;
+  constexpr std::uintptr_t kStep = 0x00100000;
+  for (const auto& [number, known] : module_names) {
+    if (known == name) return number;
+  }
+  const std::uintptr_t number = kFirst + module_names.size() * kStep;
+  module_names.emplace(number, name);
+  return number;
+}
+
 const Module* Kernel::FindModule(std::string_view name) const {
   const auto found = std::ranges::find_if(
       modules, [&](const Module& module) { return EqualNoCase(module.name, name); });

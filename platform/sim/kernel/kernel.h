@@ -62,6 +62,8 @@ class Kernel {
   void BeginKill(ProcessState& process);
 
   [[nodiscard]] const Module* FindModule(std::string_view name) const;
+  // A module's handle, which is the same in every process.
+  [[nodiscard]] std::uintptr_t ModuleHandle(std::string_view name);
   // Closes what a process that ends still holds; where that is wrong, says so.
   void CloseEverything(ProcessState& process, bool is_misuse);
 };

@@ -2,6 +2,7 @@
 #ifndef PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
 #define PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
 
+#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -21,6 +23,9 @@ namespace sim {
 
 class Kernel;
 class ProcessState;
+
+// Thrown by a platform call that ends the thread: it ends as if it had returned.
+struct ThreadExit {};
 
 class ThreadState {
  public:
@@ -36,6 +41,7 @@ class ThreadState {
   std::uint32_t last_error = 0;
   bool blocked = false;  // it gave its turn up in a platform call
   std::vector<Mutex*> owned;
+  std::atomic<unsigned> calls_in_library = 0;  // how many it has not returned from
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
   // Of a thread that is not the driver:
@@ -53,15 +59,22 @@ class LibraryCopy {
   LibraryCopy(const LibraryCopy&) = delete;
   LibraryCopy& operator=(const LibraryCopy&) = delete;
   [[nodiscard]] void* Symbol(const char* name) const;
+  [[nodiscard]] bool Contains(const void* address) const;
 
  private:
   std::filesystem::path path_;
   void* module_;
 };
 
+// Where the library lies with which every process is made, and its name among the modules.
+inline constexpr std::string_view kOwnLibrary = "\\Program Files\\Dravonel\\DVLORQPAL.dll";
+
 class ProcessState {
  public:
   ProcessState(Kernel& of, std::uint32_t number, std::string called);
+
+  // One more thread, to be started. Wants the lock held.
+  [[nodiscard]] std::shared_ptr<ThreadState> AddThread();
 
   Kernel& kernel;
   const std::uint32_t id;
