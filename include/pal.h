@@ -7,6 +7,7 @@
 
 #include "palmfgopt.h"
 #include "palonewire.h"
+#include "palpwr.h"
 #include "palreg.h"
 #include "palsysinfo.h"
 
