@@ -5,6 +5,7 @@
 #ifndef PAL_H_
 #define PAL_H_
 
+#include "paldisp.h"
 #include "palmfgopt.h"
 #include "palonewire.h"
 #include "palpwr.h"
