@@ -2,9 +2,12 @@
 #include <iterator>
 
 #include "frame/do_nothing.h"
+#include "frame/own_module.h"
 #include "include/palbeep.h"
+#include "include/paldisp.h"
 #include "include/palkey.h"
 #include "include/palled.h"
+#include "include/palpwr.h"
 #include "platform/wince.h"
 
 namespace {
@@ -21,14 +24,17 @@ struct Family {
 constexpr Family kFamilies[] = {
     {nullptr, &PALDoNothing},
     {&PALBEEPInit, &PALBEEPTerm},
+    {&PALDISPInit, &PALDISPTerm},
     {&PALLEDInit, &PALLEDTerm},
     {&PALKEYInit, &PALKEYTerm},
+    {&PALPWRInit, &PALPWRTerm},
     {&PALDoNothing, &PALDoNothing},
     {&PALDoNothing, &PALDoNothing},
 };
 
 // What a family answers is left to its own exports: the library loads in any case.
-void Attach() {
+void Attach(HMODULE module) {
+  pal::SetOwnModule(module);
   for (const Family& family : kFamilies) {
     if (family.init != nullptr) static_cast<void>(family.init());
   }
@@ -41,8 +47,8 @@ void Detach() {
 }  // namespace
 
 // Never fails; threads that come and go mean nothing to the library.
-extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID /*reserved*/) {
-  if (reason == DLL_PROCESS_ATTACH) Attach();
+extern "C" BOOL WINAPI DllMain(HANDLE module, DWORD reason, LPVOID /*reserved*/) {
+  if (reason == DLL_PROCESS_ATTACH) Attach(static_cast<HMODULE>(module));
   if (reason == DLL_PROCESS_DETACH) Detach();
   return TRUE;
 }

@@ -150,8 +150,7 @@ TEST_F(DeviceFolderTest, SaveKeepsTheDevicesStateAndTheAuthorsText) {
   next.set_now_ms(0);
   sim::SaveDevice(next, folder);
   EXPECT_EQ(Get("device.toml"), std::string(kDescription) +
-                                    "\n\n# Kept by the simulator: do not edit below.\n[state]\n"
-                                    "clock_ms = 0\n");
+                                    "\n\n# Kept by the simulator: do not edit below.\n[state]\n");
 }
 
 TEST_F(DeviceFolderTest, ASaveThatFailsLeavesTheOldFile) {
@@ -205,6 +204,16 @@ TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
        "device.toml:5: expected milliseconds from 0 up: clock_ms = 0"},
       {"device.toml", kept + "[state]\nclock_ms = \"now\"",
        "device.toml:5: expected milliseconds from 0 up: clock_ms = 0"},
+      {"device.toml", name + "[display]\nrotation = 45",
+       "device.toml:3: expected an angle: 0, 90, 180 or 270"},
+      {"device.toml", name + "[display]\nrotations = [0, 91]",
+       "device.toml:3: expected an angle: 0, 90, 180 or 270"},
+      {"device.toml", name + "[configuration_driver]\nboot_option = 256",
+       "device.toml:3: expected a number from 0 to 255: boot_option = 0"},
+      {"device.toml", kept + "[state]\nrotation = 3",
+       "device.toml:5: expected an angle: rotation = 0, 90, 180 or 270"},
+      {"device.toml", kept + "[state]\nboot_option = -1",
+       "device.toml:5: expected a number from 0 to 255: boot_option = 0"},
       {"device.toml", kept + "[modules]", "device.toml:4: unknown key 'modules'; allowed: state"},
       {"registry.reg", "[HKLM\\Key]\nx\ny\n",
        "registry.reg:2: neither a key, a value nor a comment (and 1 more)"},

@@ -9,6 +9,7 @@
 
 #include "platform/sim/device_folder.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/kernel/process_state.h"
 #include "platform/sim/programs/registry_importer.h"
 #include "tests/support/command_line.h"
 #include "tests/support/device_test.h"
@@ -58,6 +59,28 @@ TEST_F(SimProcess, RunsAProgramBesideItsParent) {
   });
   EXPECT_EQ(ProcessLines(),
             (Lines{"caller.exe started", "caller.exe attached", "tool.exe started: a b", "tool.exe ended with 7"}));
+}
+
+TEST_F(SimProcess, StartsThreadsOfItsOwn) {
+  sim::Process process(device);
+  process.Run([] {
+    static DWORD ran_as = 0;
+    DWORD id = 0;
+    const auto run = [](LPVOID ms) -> DWORD {
+      Sleep(*static_cast<DWORD*>(ms));
+      ran_as = sim::CurrentThread()->id;
+      return 0;
+    };
+    DWORD ms = 500;
+    const HANDLE thread = CreateThread(nullptr, 2048, run, &ms, 0, &id);
+    EXPECT_EQ(WaitForSingleObject(thread, 499), WAIT_TIMEOUT);
+    EXPECT_EQ(WaitForSingleObject(thread, 2), WAIT_OBJECT_0);
+    EXPECT_EQ(ran_as, id);
+    EXPECT_NE(CloseHandle(thread), FALSE);
+    EXPECT_EQ(CreateThread(nullptr, 0, nullptr, nullptr, 0, nullptr), nullptr);
+    EXPECT_EQ(CreateThread(nullptr, 0, run, &ms, 4, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+  });
 }
 
 TEST_F(SimProcess, StartsNothingThatIsNotThere) {

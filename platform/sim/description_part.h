@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -78,9 +79,19 @@ struct DescriptionSection {
   void (*read)(const Part& part, const toml::node& node, Device& device);
 };
 
+// One thing that the simulator keeps of a device below the marker, in [state].
+struct StateEntry {
+  std::string_view key;
+  void (*read)(const Part& part, const toml::node& node, Device& device);
+  // Its value in the file; empty where the device is as its author describes it.
+  std::string (*text)(Device& device);
+};
+
 void ReadAudio(const Part& part, const toml::node& node, Device& device);
 void ReadModules(const Part& part, const toml::node& node, Device& device);
 void ReadOneWire(const Part& part, const toml::node& node, Device& device);
+void ReadConfigurationDriver(const Part& part, const toml::node& node, Device& device);
+void ReadDisplay(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
 void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
@@ -91,22 +102,18 @@ void ReadVibrator(const Part& part, const toml::node& node, Device& device);
 void ReadInterfaces(const Part& part, const toml::node& node, Device& device);
 void ReadBluetooth(const Part& part, const toml::node& node, Device& device);
 void ReadAccelerometer(const Part& part, const toml::node& node, Device& device);
-
-// States of LEDs that differ from those that the author gives, in the part that the simulator
-// keeps; no line where none does.
-void ReadKeptLeds(const Part& part, const toml::node& node, Device& device);
-[[nodiscard]] std::string KeptLedsLine(const Leds& leds);
-
-// The audio's levels, in the same way.
-void ReadKeptAudio(const Part& part, const toml::node& node, Device& device);
-[[nodiscard]] std::string KeptAudioLine(const Audio& audio);
-
 void ReadUsbFunction(const Part& part, const toml::node& node, Device& device);
 
-// The clients that the USB function bus has by now, in the part that the simulator keeps; no line
-// where they are as the author gives them.
-void ReadKeptUsbFunction(const Part& part, const toml::node& node, Device& device);
-[[nodiscard]] std::string KeptUsbFunctionLine(Device& device);
+void ReadAudioState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string AudioStateText(Device& device);
+void ReadBootOptionState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string BootOptionStateText(Device& device);
+void ReadLedsState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string LedsStateText(Device& device);
+void ReadRotationState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string RotationStateText(Device& device);
+void ReadUsbFunctionState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string UsbFunctionStateText(Device& device);
 
 }  // namespace sim
 

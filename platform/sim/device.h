@@ -100,7 +100,8 @@ class Device {
   // Time since the device started.
   [[nodiscard]] std::uint64_t now_ms() const;
   void set_now_ms(std::uint64_t now);  // before the first process starts
-  // Lets the device run for a while, or until every thread that the device started has ended.
+  // Lets the device run for a while, or until every thread that the device started has ended: never
+  // where one sleeps again and again.
   void Advance(std::uint32_t ms);
   void RunUntilIdle();
   // Called at each jump of the clock, with its length: to run in step with the wall clock.
@@ -117,7 +118,8 @@ class Device {
 
   // What was done wrong: handles used after their close or by a process they do not belong to,
   // double closes, calls that nothing simulates, buffers without an address, handles and heap
-  // blocks left at a process end. A write past a buffer's end is for the address sanitizer to see.
+  // blocks left at a process end, a library unloaded under a thread that runs in it. A write past a
+  // buffer's end is for the address sanitizer to see.
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
@@ -165,7 +167,8 @@ class Thread {
   std::shared_ptr<ProcessState> process_;  // which the thread's state refers to
 };
 
-// A process with the library loaded: attached when made, detached at its end.
+// A process with the library loaded: attached when made, detached at its end, or when the process
+// has freed it.
 class Process {
  public:
   // `name` is that of the program's file, in "\Program Files", or its path.

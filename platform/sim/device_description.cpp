@@ -20,6 +20,8 @@ constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit b
 
 constexpr std::array kSections{
     DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"configuration_driver", &ReadConfigurationDriver},
+    DescriptionSection{"display", &ReadDisplay},
     DescriptionSection{"one_wire", &ReadOneWire},
     DescriptionSection{"parameters", &ReadParameters},
     DescriptionSection{"system", &ReadSystem},
@@ -89,17 +91,17 @@ void ReadClock(const Part& part, const toml::node& node, Device& device) {
   device.set_now_ms(static_cast<std::uint64_t>(ms));
 }
 
-// Of the kept part, one key of its only table: [state].
-struct KeptValue {
-  std::string_view key;
-  void (*read)(const Part& part, const toml::node& node, Device& device);
-};
+std::string ClockText(Device& device) {
+  return device.now_ms() == 0 ? std::string() : fmt::format("{}", device.now_ms());
+}
 
-constexpr std::array kKeptValues{
-    KeptValue{"clock_ms", &ReadClock},
-    KeptValue{"leds", &ReadKeptLeds},
-    KeptValue{"audio", &ReadKeptAudio},
-    KeptValue{"usb_function", &ReadKeptUsbFunction},
+constexpr std::array kStateEntries{
+    StateEntry{"clock_ms", &ReadClock, &ClockText},
+    StateEntry{"audio", &ReadAudioState, &AudioStateText},
+    StateEntry{"boot_option", &ReadBootOptionState, &BootOptionStateText},
+    StateEntry{"leds", &ReadLedsState, &LedsStateText},
+    StateEntry{"rotation", &ReadRotationState, &RotationStateText},
+    StateEntry{"usb_function", &ReadUsbFunctionState, &UsbFunctionStateText},
 };
 
 void ReadState(const Part& part, Device& device) {
@@ -108,11 +110,11 @@ void ReadState(const Part& part, Device& device) {
   if (node == nullptr) return;
   const auto& state = part.As<toml::table>(*node, "a table: [state]");
   std::vector<std::string_view> allowed;
-  allowed.reserve(kKeptValues.size());
-  for (const KeptValue& value : kKeptValues) allowed.push_back(value.key);
+  allowed.reserve(kStateEntries.size());
+  for (const StateEntry& entry : kStateEntries) allowed.push_back(entry.key);
   part.Allow(state, allowed);
-  for (const KeptValue& value : kKeptValues) {
-    if (const toml::node* kept = state.get(value.key)) value.read(part, *kept, device);
+  for (const StateEntry& entry : kStateEntries) {
+    if (const toml::node* kept = state.get(entry.key)) entry.read(part, *kept, device);
   }
 }
 
@@ -156,16 +158,18 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
 
 std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
-  const std::string kept = KeptLedsLine(device.hardware().leds) +
-                           KeptAudioLine(device.hardware().audio) + KeptUsbFunctionLine(device);
+  std::string state;
+  for (const StateEntry& entry : kStateEntries) {
+    const std::string value = entry.text(device);
+    if (!value.empty()) state += fmt::format("{} = {}\n", entry.key, value);
+  }
   std::string result = description.author;
   if (description.kept.empty()) {
-    if (device.now_ms() == 0 && kept.empty()) return text;
+    if (state.empty()) return text;
     if (!result.ends_with('\n')) result += '\n';
     result += '\n';
   }
-  result += kMarkerLine;
-  return result + fmt::format("[state]\nclock_ms = {}\n{}", device.now_ms(), kept);
+  return fmt::format("{}{}[state]\n{}", result, kMarkerLine, state);
 }
 
 }  // namespace sim

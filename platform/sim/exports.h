@@ -15,6 +15,9 @@ class ProcessState;
 // Runs a body as the thread of the process that calls: its main thread where the driver does.
 void RunInProcess(ProcessState& process, const std::function<void()>& body);
 
+// The same for a call into the library: its thread runs in it meanwhile.
+void RunInLibrary(ProcessState& process, const std::function<void()>& body);
+
 template <class Signature>
 class Export;
 
@@ -31,7 +34,7 @@ class Export<Result(Arguments...)> {
   Result operator()(Arguments... arguments) const {
     if (function_ == nullptr) throw std::logic_error(std::string(name_) + " is not exported");
     Result result{};
-    RunInProcess(*process_, [&] { result = function_(arguments...); });
+    RunInLibrary(*process_, [&] { result = function_(arguments...); });
     return result;
   }
   // The bare address, for measuring without the entry into the process.

@@ -1,10 +1,36 @@
-// Calls that nothing simulates yet: they fail and are recorded as misuse, so that nothing pretends.
+// The display driver, which turns the screen.
+#include <fmt/format.h>
+
+#include <algorithm>
+
 #include "platform/sim/coredll/call.h"
 
+using sim::Call;
 using sim::CallId;
-using sim::NotSimulated;
+using sim::Effect;
 
-LONG ChangeDisplaySettingsEx(LPCWSTR /*device*/, DEVMODEW* /*mode*/, HWND /*unused*/,
-                             DWORD /*flags*/, LPVOID /*parameter*/) {
-  return NotSimulated(CallId::ChangeDisplaySettingsEx, LONG{-1});
+// Of a mode only the orientation is simulated. A test of one gives the present orientation.
+LONG ChangeDisplaySettingsEx(LPCWSTR device, DEVMODEW* mode, HWND window, DWORD flags,
+                             LPVOID parameter) {
+  Call call(CallId::ChangeDisplaySettingsEx);
+  if (call.fault() != 0) return call.Fail(call.fault(), DISP_CHANGE_FAILED);
+  const bool usable = device == nullptr && mode != nullptr && window == nullptr &&
+                      parameter == nullptr && mode->dmSize == sizeof(*mode) &&
+                      mode->dmFields == DM_DISPLAYORIENTATION;
+  if (!usable) return DISP_CHANGE_BADPARAM;
+  sim::Display& display = call.kernel().hardware.display;
+  if (flags == CDS_TEST) {
+    mode->dmDisplayOrientation = display.orientation();
+    return DISP_CHANGE_SUCCESSFUL;
+  }
+  if (flags != 0 && flags != CDS_RESET) return DISP_CHANGE_BADFLAGS;
+  const auto* const wanted =
+      std::ranges::find(sim::kRotations, mode->dmDisplayOrientation, &sim::Rotation::code);
+  if (wanted == sim::kRotations.end() ||
+      std::ranges::find(display.orientations, wanted->code) == display.orientations.end()) {
+    return DISP_CHANGE_BADMODE;
+  }
+  display.turned_to = wanted->code;
+  call.Log(Effect::kDisplay, fmt::format("rotation {}", wanted->degrees));
+  return DISP_CHANGE_SUCCESSFUL;
 }

@@ -123,7 +123,8 @@ BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOI
     call.Misuse(fmt::format("was given the code {:#010x}, unknown to {}", code, driver.name()));
     return call.Fail(sim::kNotSupported, FALSE);
   }
-  sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, in_bytes),
+  const DWORD buffer_bytes = driver.TakesValueInSize(code) ? 0 : in_bytes;
+  sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, buffer_bytes), in_bytes,
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
   const std::string details = driver.Details(request);
   call.Log(Effect::kDriver,

@@ -1,4 +1,5 @@
-#include "platform/sim/coredll/call.h"
+#include "platform/sim/coredll/free_library.h"
+#include "platform/sim/kernel/own_library.h"
 
 namespace sim {
 namespace {
@@ -16,7 +17,7 @@ Loaded::iterator FindLoaded(Call& call, HMODULE module) {
 }
 
 bool IsOwnLibrary(const ProcessState& process, std::string_view wanted) {
-  if (process.library == nullptr) return false;
+  if (!process.modules.contains(kOwnLibrary)) return false;
   return EqualNoCase(wanted, kOwnLibrary) ||
          EqualNoCase(wanted, kOwnLibrary.substr(kOwnLibrary.rfind('\\') + 1));
 }
@@ -47,6 +48,18 @@ FARPROC FindEntry(Call& call, const std::string& path, const std::string& name) 
 }
 
 }  // namespace
+
+BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving) {
+  const auto loaded = FindLoaded(call, module);
+  if (loaded == call.process().modules.end()) return call.Fail(ERROR_INVALID_HANDLE, FALSE);
+  if (--loaded->second > 0) return TRUE;
+  const std::string path = loaded->first;
+  call.process().modules.erase(loaded);
+  if (path == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process(), leaving);
+  call.Log(Effect::kModule, Shown(path) + " freed");
+  return TRUE;
+}
+
 }  // namespace sim
 
 using sim::Call;
@@ -70,16 +83,7 @@ HINSTANCE LoadLibraryW(LPCWSTR name) {
 BOOL FreeLibrary(HMODULE module) {
   Call call(CallId::FreeLibrary);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
-  const auto loaded = sim::FindLoaded(call, module);
-  if (loaded == call.process().modules.end()) return call.Fail(ERROR_INVALID_HANDLE, FALSE);
-  if (loaded->second == 1 && loaded->first == sim::kOwnLibrary) {
-    call.Misuse("would unload the library that calls");
-    return call.Fail(ERROR_ACCESS_DENIED, FALSE);
-  }
-  if (--loaded->second > 0) return TRUE;
-  call.Log(Effect::kModule, sim::Shown(loaded->first) + " freed");
-  call.process().modules.erase(loaded);
-  return TRUE;
+  return sim::FreeLoaded(call, module, nullptr);
 }
 
 FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {

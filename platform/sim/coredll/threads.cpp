@@ -1,15 +1,35 @@
-// Calls that nothing simulates yet: they fail and are recorded as misuse, so that nothing pretends.
+// The threads that a process makes for itself.
 #include "platform/sim/coredll/call.h"
+#include "platform/sim/coredll/free_library.h"
+#include "platform/sim/kernel/host_thread.h"
 
+using sim::Call;
 using sim::CallId;
-using sim::NotSimulated;
 
-HANDLE CreateThread(LPSECURITY_ATTRIBUTES /*security*/, DWORD /*stack_bytes*/,
-                    LPTHREAD_START_ROUTINE /*start*/, LPVOID /*argument*/, DWORD /*flags*/,
-                    LPDWORD /*thread_id*/) {
-  return NotSimulated<HANDLE>(CallId::CreateThread, nullptr);
+// What the platform does not have must be absent, and a thread that starts suspended is not
+// simulated. The stack is the host's own, whatever its size.
+HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, DWORD /*stack_bytes*/,
+                    LPTHREAD_START_ROUTINE start, LPVOID argument, DWORD flags, LPDWORD thread_id) {
+  Call call(CallId::CreateThread);
+  if (call.fault() != 0) return call.Fail<HANDLE>(call.fault(), nullptr);
+  if (security != nullptr || start == nullptr || flags != 0) {
+    return call.Fail<HANDLE>(ERROR_INVALID_PARAMETER, nullptr);
+  }
+  const auto thread = call.process().AddThread();
+  const auto& library = call.process().library;
+  if (library != nullptr && library->Contains(reinterpret_cast<void*>(start))) {
+    thread->calls_in_library = 1;  // to its end
+  }
+  sim::StartHostThread(thread, [start, argument] { start(argument); });
+  if (thread_id != nullptr) *thread_id = thread->id;
+  return call.AddHandle(thread->object);
 }
 
-void FreeLibraryAndExitThread(HMODULE /*module*/, DWORD /*exit_code*/) {
-  NotSimulated(CallId::FreeLibraryAndExitThread, 0);
+// It never returns, and so cannot fail.
+void FreeLibraryAndExitThread(HMODULE module, DWORD /*exit_code*/) {
+  {
+    Call call(CallId::FreeLibraryAndExitThread);
+    sim::FreeLoaded(call, module, &call.thread());
+  }
+  throw sim::ThreadExit();
 }

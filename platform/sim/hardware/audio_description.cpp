@@ -21,14 +21,14 @@ void ReadAudio(const Part& part, const toml::node& node, Device& device) {
   audio.levels = audio.described;
 }
 
-void ReadKeptAudio(const Part& part, const toml::node& node, Device& device) {
+void ReadAudioState(const Part& part, const toml::node& node, Device& device) {
   ReadLevels(part, node, device.hardware().audio.levels);
 }
 
-std::string KeptAudioLine(const Audio& audio) {
+std::string AudioStateText(Device& device) {
+  const Audio& audio = device.hardware().audio;
   if (audio.levels == audio.described) return {};
-  return fmt::format("audio = {{ volume = 0x{:08X}, gain = {} }}\n", audio.levels.volume,
-                     audio.levels.gain);
+  return fmt::format("{{ volume = 0x{:08X}, gain = {} }}", audio.levels.volume, audio.levels.gain);
 }
 
 }  // namespace sim

@@ -13,6 +13,7 @@ namespace sim {
 struct DriverRequest {
   std::uint32_t code;
   std::span<const std::uint8_t> in;
+  std::uint32_t in_bytes;  // as the caller stated it
   std::span<std::uint8_t> out;
   std::uint32_t returned = 0;  // how many bytes of `out` the caller is told
 };
@@ -28,6 +29,8 @@ class Driver {
   // The name of a control code, for the journal; empty for one that the driver does not know, which
   // is then refused and recorded as misuse.
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
+  // Whether a code takes a number in place of the input's size, and no input.
+  [[nodiscard]] virtual bool TakesValueInSize(std::uint32_t /*code*/) const { return false; }
   // Does what the code says. 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
   // What a request is about, behind the code's name in the journal; empty where that says it all.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/sim/hardware/audio.h"
+#include "platform/sim/hardware/display.h"
 #include "platform/sim/hardware/driver.h"
 #include "platform/sim/hardware/leds.h"
 #include "platform/sim/hardware/network.h"
@@ -26,6 +27,7 @@ struct Hardware {
   std::vector<NetworkAdapter> adapters;
   std::vector<NetworkInterface> interfaces;
   std::optional<BluetoothMode> bluetooth;  // nothing: there is no radio
+  Display display;
   std::vector<std::shared_ptr<Driver>> drivers;
   Audio audio;
   Leds leds;

@@ -64,21 +64,21 @@ void ReadVibrator(const Part& part, const toml::node& node, Device& device) {
 }
 
 // An LED that the author has taken out since is forgotten.
-void ReadKeptLeds(const Part& part, const toml::node& node, Device& device) {
+void ReadLedsState(const Part& part, const toml::node& node, Device& device) {
   constexpr std::string_view kExpected = R"(a table: leds = { 3 = "on" })";
   for (const auto& [key, state] : part.As<toml::table>(node, kExpected)) {
     device.hardware().leds.Set(ReadLedNumber(part, key), ReadLedState(part, state));
   }
 }
 
-std::string KeptLedsLine(const Leds& leds) {
+std::string LedsStateText(Device& device) {
   std::vector<std::string> changed;
-  for (const auto& [number, led] : leds.all()) {
+  for (const auto& [number, led] : device.hardware().leds.all()) {
     if (led.state == led.at_start) continue;
     changed.push_back(fmt::format("{} = \"{}\"", number, LedStateName(led.state)));
   }
   if (changed.empty()) return {};
-  return fmt::format("leds = {{ {} }}\n", fmt::join(changed, ", "));
+  return fmt::format("{{ {} }}", fmt::join(changed, ", "));
 }
 
 }  // namespace sim

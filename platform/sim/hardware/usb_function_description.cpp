@@ -74,7 +74,7 @@ void ReadUsbFunction(const Part& part, const toml::node& node, Device& device) {
 }
 
 // A bus or client that the author has taken out since is forgotten.
-void ReadKeptUsbFunction(const Part& part, const toml::node& node, Device& device) {
+void ReadUsbFunctionState(const Part& part, const toml::node& node, Device& device) {
   const auto& table =
       part.As<toml::table>(node, "a table: { default = \"...\", current = \"...\" }");
   part.Allow(table, {"default", "current"});
@@ -87,11 +87,11 @@ void ReadKeptUsbFunction(const Part& part, const toml::node& node, Device& devic
   }
 }
 
-std::string KeptUsbFunctionLine(Device& device) {
+std::string UsbFunctionStateText(Device& device) {
   const auto bus = FindBus(device);
   if (bus == nullptr || !bus->HasChanged()) return {};
-  return fmt::format("usb_function = {{ default = \"{}\", current = \"{}\" }}\n",
-                     bus->default_client(), bus->current_client());
+  return fmt::format("{{ default = \"{}\", current = \"{}\" }}", bus->default_client(),
+                     bus->current_client());
 }
 
 }  // namespace sim

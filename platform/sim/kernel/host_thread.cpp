@@ -20,6 +20,7 @@ void ThreadBody(const std::shared_ptr<ThreadState>& thread, const std::function<
   try {
     if (leaves) throw ProcessKilled();
     body();
+  } catch (const ThreadExit&) {
   } catch (const ProcessKilled&) {
     thread->killed = true;
   } catch (...) {

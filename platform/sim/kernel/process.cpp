@@ -6,19 +6,11 @@
 #include "platform/sim/device.h"
 #include "platform/sim/kernel/host_thread.h"
 #include "platform/sim/kernel/kernel.h"
+#include "platform/sim/kernel/own_library.h"
 #include "platform/wince.h"
 
 namespace sim {
 namespace {
-
-using EntryPoint = BOOL (*)(HANDLE module, DWORD reason, void* reserved);
-
-void CallEntry(ProcessState& process, DWORD reason) {
-  const auto entry = reinterpret_cast<EntryPoint>(process.library->Symbol("DllMain"));
-  if (entry == nullptr) throw std::runtime_error("the library has no entry point");
-  const std::uintptr_t module = process.kernel.ModuleHandle(kOwnLibrary);
-  RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
-}
 
 void LogProcess(ProcessState& process, std::string_view what) {
   const Scheduler::Lock lock(process.kernel.mutex);
@@ -53,6 +45,24 @@ void EndThreads(ProcessState& process) {
   process.threads.clear();
 }
 
+// Stands for a call into the library while it lives.
+class LibraryCall {
+ public:
+  explicit LibraryCall(ThreadState& thread) : thread_(thread) { ++thread_.calls_in_library; }
+  ~LibraryCall() { --thread_.calls_in_library; }
+  LibraryCall(const LibraryCall&) = delete;
+  LibraryCall& operator=(const LibraryCall&) = delete;
+
+ private:
+  ThreadState& thread_;
+};
+
+// Whether the library is still loaded, which the process may have freed.
+bool HasLibrary(ProcessState& process) {
+  const Scheduler::Lock lock(process.kernel.mutex);
+  return process.alive && process.modules.contains(kOwnLibrary);
+}
+
 }  // namespace
 
 void RunInProcess(ProcessState& process, const std::function<void()>& body) {
@@ -65,6 +75,13 @@ void RunInProcess(ProcessState& process, const std::function<void()>& body) {
   }
   ThreadScope scope(process.main_thread.get());
   body();
+}
+
+void RunInLibrary(ProcessState& process, const std::function<void()>& body) {
+  RunInProcess(process, [&] {
+    const LibraryCall call(*CurrentThread());
+    body();
+  });
 }
 
 bool Thread::Join() {
@@ -86,11 +103,11 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
   {
     const Scheduler::Lock lock(kernel.mutex);
     state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, name);
-    state_->modules.emplace(kOwnLibrary, 1);
     state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
     std::erase_if(kernel.processes, [](const auto& process) { return process.expired(); });
     kernel.processes.push_back(state_);
     kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
+    state_->modules.emplace(kOwnLibrary, 1);
   }
   if (library.empty()) library = DefaultLibrary();
   state_->library = std::make_unique<LibraryCopy>(library, state_->id);
@@ -137,11 +154,8 @@ Thread Process::Start(std::function<void()> body) {
   Kernel& kernel = state_->kernel;
   RequireDriver(kernel);
   if (!alive()) throw std::logic_error(name() + " has ended");
-  const auto number = static_cast<std::uint32_t>(state_->threads.size() + 2);
-  auto thread = std::make_shared<ThreadState>(*state_, number, kernel.driver_strand);
-  thread->strand = &thread->own_strand;
-  state_->threads.push_back(thread);
   const Scheduler::Lock lock(kernel.mutex);
+  auto thread = state_->AddThread();
   StartHostThread(thread, std::move(body));
   return {thread, state_};
 }
@@ -150,7 +164,7 @@ void Process::End() {
   if (state_->library == nullptr) return;
   RequireDriver(state_->kernel);
   EndThreads(*state_);
-  if (alive()) {
+  if (HasLibrary(*state_)) {
     LogProcess(*state_, "detaches");
     CallEntry(*state_, DLL_PROCESS_DETACH);
   }

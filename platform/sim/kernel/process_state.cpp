@@ -64,8 +64,21 @@ void* LibraryCopy::Symbol(const char* name) const {
   return dlsym(module_, name);
 }
 
+bool LibraryCopy::Contains(const void* address) const {
+  Dl_info info{};
+  return dladdr(address, &info) != 0 && path_ == info.dli_fname;
+}
+
 ProcessState::ProcessState(Kernel& of, std::uint32_t number, std::string_view program)
     : kernel(of), id(number), path(PathOf(program)), name(path.substr(path.rfind('\\') + 1)) {}
+
+std::shared_ptr<ThreadState> ProcessState::AddThread() {
+  const auto number = static_cast<std::uint32_t>(threads.size() + 2);
+  auto thread = std::make_shared<ThreadState>(*this, number, kernel.driver_strand);
+  thread->strand = &thread->own_strand;
+  threads.push_back(thread);
+  return thread;
+}
 
 std::filesystem::path DefaultLibrary() {
   Dl_info info{};

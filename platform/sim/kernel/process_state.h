@@ -2,6 +2,7 @@
 #ifndef PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
 #define PLATFORM_SIM_KERNEL_PROCESS_STATE_H_
 
+#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -23,6 +24,9 @@ namespace sim {
 class Kernel;
 class ProcessState;
 
+// Thrown by a platform call that ends the thread: it ends as if it had returned.
+struct ThreadExit {};
+
 class ThreadState {
  public:
   ThreadState(ProcessState& of, std::uint32_t number, Strand& runs_on)
@@ -37,6 +41,7 @@ class ThreadState {
   std::uint32_t last_error = 0;
   bool blocked = false;  // it gave its turn up in a platform call
   std::vector<Mutex*> owned;
+  std::atomic<unsigned> calls_in_library = 0;  // how many it has not returned from
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
   // Of a thread that is not the driver:
@@ -54,6 +59,7 @@ class LibraryCopy {
   LibraryCopy(const LibraryCopy&) = delete;
   LibraryCopy& operator=(const LibraryCopy&) = delete;
   [[nodiscard]] void* Symbol(const char* name) const;
+  [[nodiscard]] bool Contains(const void* address) const;
 
  private:
   std::filesystem::path path_;
@@ -67,6 +73,9 @@ class ProcessState {
  public:
   // `program`: the path of its file, or only its name.
   ProcessState(Kernel& of, std::uint32_t number, std::string_view program);
+
+  // One more thread, to be started. Wants the lock held.
+  [[nodiscard]] std::shared_ptr<ThreadState> AddThread();
 
   Kernel& kernel;
   const std::uint32_t id;

@@ -1,0 +1,164 @@
+// Brightness of the display and of the keypad's backlight: five levels that the backlight drivers
+// read, which differ in where they are kept and what they allow.
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "display/display_trace.h"
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "include/paldisp.h"
+
+using pal::kDisplayTrace;
+
+namespace {
+
+constexpr const WCHAR* kDisplayKey = TEXT("ControlPanel\\Backlight");
+constexpr const WCHAR* kKeypadKey = TEXT("ControlPanel\\Backlight\\Keyboard");
+
+constexpr HRESULT kWriteFailed = pal::FamilyFailure(pal::Facility::kDisplay, 0x08);
+
+constexpr std::array<DWORD, 5> kBrightnessLevels{1, 2, 3, 4, 5};
+constexpr std::array<DWORD, 3> kKeypadModes{0, 2, 4};
+constexpr std::array<DWORD, 2> kKeypadThresholds{0, 1};
+
+// The display's lines are all informational, also those that say ERROR: log filters know them so.
+enum class FailureSeverity : DWORD { kInfo, kError };
+
+using NumberFormat = pal::TraceSource::Format<DWORD>;
+
+struct LevelSetting {
+  const WCHAR* key;  // under HKEY_CURRENT_USER
+  const WCHAR* value_name;
+  std::span<const DWORD> accepted;
+  FailureSeverity failure_severity;
+  NumberFormat invalid;
+  NumberFormat set;
+  NumberFormat write_failed;  // two name another value than the one that is written: kept
+  NumberFormat read_failed;
+  NumberFormat get;
+};
+
+constexpr LevelSetting kDisplayAmbient{
+    kDisplayKey,
+    TEXT("AmbientDeltaIndex"),
+    kBrightnessLevels,
+    FailureSeverity::kInfo,
+    "SetDisplayBrightnessAmbient - ERROR level invalid user_level: 0x%x\r\n",
+    "SetDisplayBrightnessAmbient - cur_level: %d\r\n",
+    "SetDisplayBrightnessAmbient - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
+    "GetDisplayBrightnessAmbient - ERROR reading level. hr: 0x%x\r\n",
+    "GetDisplayBrightnessAmbient - cur_level: %d\r\n"};
+
+constexpr LevelSetting kLowLightDelta{
+    kDisplayKey,
+    TEXT("AmbientDeltaIndexLow"),
+    kBrightnessLevels,
+    FailureSeverity::kInfo,
+    "PALDISPSetLowLightDisplayBrightnessDelta - ERROR level invalid user_level: 0x%x\r\n",
+    "PALDISPSetLowLightDisplayBrightnessDelta - cur_level: %d\r\n",
+    "PALDISPSetLowLightDisplayBrightnessDelta - ERROR setting reg key AmbientDeltaIndexLow. "
+    "hr: 0x%x\r\n",
+    "PALDISPGetLowLightDisplayBrightnessDelta - ERROR reading level. hr: 0x%x\r\n",
+    "PALDISPGetLowLightDisplayBrightnessDelta - cur_level: %d\r\n"};
+
+constexpr LevelSetting kBrightLightDelta{
+    kDisplayKey,
+    TEXT("AmbientDeltaIndexHigh"),
+    kBrightnessLevels,
+    FailureSeverity::kInfo,
+    "PALDISPSetBrightLightDisplayBrightnessDelta - ERROR level invalid user_level: 0x%x\r\n",
+    "PALDISPSetBrightLightDisplayBrightnessDelta - cur_level: %d\r\n",
+    "PALDISPSetBrightLightDisplayBrightnessDelta - ERROR setting reg key AmbientDeltaIndexHigh. "
+    "hr: 0x%x\r\n",
+    "PALDISPGetBrightLightDisplayBrightnessDelta - ERROR reading level. hr: 0x%x\r\n",
+    "PALDISPGetBrightLightDisplayBrightnessDelta - cur_level: %d\r\n"};
+
+constexpr LevelSetting kKeypadMode{
+    kKeypadKey,
+    TEXT("Mode"),
+    kKeypadModes,
+    FailureSeverity::kError,
+    "SetKeypadBacklightMode - ERROR level invalid user_level: 0x%x\r\n",
+    "SetKeypadBacklightMode - cur_level: %d\r\n",
+    "SetKeypadBacklightMode - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
+    "GetKeypadBacklightMode - ERROR reading level. hr: 0x%x\r\n",
+    "GetKeypadBacklightMode - cur_level: %d\r\n"};
+
+constexpr LevelSetting kKeypadAmbient{
+    kKeypadKey,
+    TEXT("AmbientThreshold"),
+    kKeypadThresholds,
+    FailureSeverity::kError,
+    "SetKeypadBacklightAmbient - ERROR level invalid user_level: 0x%x\r\n",
+    "SetKeypadBacklightAmbient - cur_level: %d\r\n",
+    "SetKeypadBacklightAmbient - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
+    "GetKeypadBacklightAmbient - ERROR reading level. hr: 0x%x\r\n",
+    "GetKeypadBacklightAmbient - cur_level: %d\r\n"};
+
+void TraceFailure(const LevelSetting& setting, NumberFormat line, DWORD number) {
+  if (setting.failure_severity == FailureSeverity::kError) {
+    kDisplayTrace.Error(line, number);
+  } else {
+    kDisplayTrace.Info(line, number);
+  }
+}
+
+HRESULT Set(const LevelSetting& setting, DWORD level) {
+  if (std::ranges::find(setting.accepted, level) == setting.accepted.end()) {
+    TraceFailure(setting, setting.invalid, level);
+    return E_FAIL;
+  }
+  kDisplayTrace.Info(setting.set, level);
+  const HRESULT result = PALRegSetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
+  if (pal::Succeeded(result)) return result;
+  TraceFailure(setting, setting.write_failed, static_cast<DWORD>(kWriteFailed));
+  return kWriteFailed;
+}
+
+HRESULT Get(const LevelSetting& setting, DWORD* level) {
+  if (level == nullptr) return E_FAIL;
+  DWORD stored = 0;
+  const HRESULT result =
+      PALRegGetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, &stored);
+  if (pal::Failed(result)) {
+    TraceFailure(setting, setting.read_failed, static_cast<DWORD>(result));
+    return result;
+  }
+  *level = stored;
+  kDisplayTrace.Info(setting.get, stored);
+  return result;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALDISPSetDisplayBrightnessAmbient(DWORD level) {
+  return Set(kDisplayAmbient, level);
+}
+HRESULT PALAPI PALDISPGetDisplayBrightnessAmbient(DWORD* level) {
+  return Get(kDisplayAmbient, level);
+}
+HRESULT PALAPI PALDISPSetLowLightDisplayBrightnessDelta(DWORD level) {
+  return Set(kLowLightDelta, level);
+}
+HRESULT PALAPI PALDISPGetLowLightDisplayBrightnessDelta(DWORD* level) {
+  return Get(kLowLightDelta, level);
+}
+HRESULT PALAPI PALDISPSetBrightLightDisplayBrightnessDelta(DWORD level) {
+  return Set(kBrightLightDelta, level);
+}
+HRESULT PALAPI PALDISPGetBrightLightDisplayBrightnessDelta(DWORD* level) {
+  return Get(kBrightLightDelta, level);
+}
+HRESULT PALAPI PALDISPSetKeypadBacklightMode(DWORD mode) {
+  return Set(kKeypadMode, mode);
+}
+HRESULT PALAPI PALDISPGetKeypadBacklightMode(DWORD* mode) {
+  return Get(kKeypadMode, mode);
+}
+HRESULT PALAPI PALDISPSetKeypadBacklightAmbient(DWORD threshold) {
+  return Set(kKeypadAmbient, threshold);
+}
+HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold) {
+  return Get(kKeypadAmbient, threshold);
+}

@@ -1,0 +1,35 @@
+// How the soft input panel is docked.
+#include "display/display_trace.h"
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "include/paldisp.h"
+
+using pal::kDisplayTrace;
+
+namespace {
+
+constexpr const WCHAR* kKey = TEXT("ControlPanel\\SIP");
+constexpr const WCHAR* kValueName = TEXT("DragStyle");
+
+}  // namespace
+
+HRESULT PALAPI PALDISPGetSIPDock(DWORD* style) {
+  if (style == nullptr) return E_FAIL;
+  DWORD stored = 0;
+  const HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, kKey, kValueName, &stored);
+  *style = pal::Succeeded(result) ? stored : 0;
+  kDisplayTrace.Info("PALDISPGetSIPDock(): read value=%0x\r\n", *style);
+  return result;
+}
+
+// The helper's key closes without a trace in the last error, so that it is the failed call's.
+HRESULT PALAPI PALDISPSetSIPDock(DWORD style) {
+  SetLastError(ERROR_SUCCESS);
+  const HRESULT result = PALRegCreateSetDword(HKEY_CURRENT_USER, kKey, kValueName, style);
+  if (pal::Failed(result)) {
+    kDisplayTrace.Error("PALDISPSetSIPDock() failed to SET, last err.=%0x\r\n", GetLastError());
+    return result;
+  }
+  kDisplayTrace.Info("PALDISPSetSIPDock(): set value=%x\r\n", style);
+  return S_OK;
+}

@@ -1,0 +1,83 @@
+#include "display/orientation.h"
+
+#include <algorithm>
+#include <array>
+
+#include "display/display_trace.h"
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "include/paldisp.h"
+
+using pal::kDisplayTrace;
+
+namespace {
+
+constexpr HRESULT kBadAngle = pal::FamilyFailure(pal::Facility::kDisplay, 0x01);
+constexpr HRESULT kChangeRefused = pal::FamilyFailure(pal::Facility::kDisplay, 0x02);
+
+struct Orientation {
+  LONG angle;
+  DWORD code;  // the platform's
+};
+constexpr std::array<Orientation, 4> kOrientations{
+    {{0, DMDO_0}, {90, DMDO_90}, {180, DMDO_180}, {270, DMDO_270}}};
+
+DEVMODEW OrientationMode(DWORD code) {
+  DEVMODEW mode{};
+  mode.dmSize = sizeof(mode);
+  mode.dmFields = DM_DISPLAYORIENTATION;
+  mode.dmDisplayOrientation = code;
+  return mode;
+}
+
+}  // namespace
+
+HRESULT PALSetScreenOrientation(LONG angle) {
+  kDisplayTrace.Info("PALDISPSetOrientation - PALSetScreenOrientation(%d)\r\n", angle);
+  const auto* const wanted = std::ranges::find(kOrientations, angle, &Orientation::angle);
+  if (wanted == kOrientations.end()) {
+    kDisplayTrace.Error("PALSetScreenOrientation - ERROR input.  in: %d\r\n", angle);
+    return kBadAngle;
+  }
+  DEVMODEW mode = OrientationMode(wanted->code);
+  SetLastError(ERROR_SUCCESS);
+  const DWORD begin = GetTickCount();
+  const LONG change = ChangeDisplaySettingsEx(nullptr, &mode, nullptr, CDS_RESET, nullptr);
+  kDisplayTrace.Info(
+      "PALSetScreenOrientation - 0x%x=ChangeDisplaySettingsEx(reg_angle:%d[os_angle:%d]). "
+      "dur: %d\r\n",
+      change, angle, wanted->code, GetTickCount() - begin);
+  if (change != DISP_CHANGE_SUCCESSFUL) return kChangeRefused;
+  return PALRegSetDword(HKEY_LOCAL_MACHINE, TEXT("System\\GDI\\Rotation"), TEXT("Angle"),
+                        static_cast<DWORD>(angle));
+}
+
+// The driver is asked and not the registry: others turn the screen too.
+HRESULT PALGetScreenOrientation(LONG* angle) {
+  DEVMODEW mode = OrientationMode(DMDO_0);
+  const LONG test = ChangeDisplaySettingsEx(nullptr, &mode, nullptr, CDS_TEST, nullptr);
+  if (test != DISP_CHANGE_SUCCESSFUL) {
+    kDisplayTrace.Error("PALGetScreenOrientation - ERROR 0x%x=ChangeDisplaySettingsEx()\r\n", test);
+    return E_FAIL;
+  }
+  const auto* const current =
+      std::ranges::find(kOrientations, mode.dmDisplayOrientation, &Orientation::code);
+  LONG degrees = 0;
+  if (current != kOrientations.end()) {
+    degrees = current->angle;
+  } else {
+    kDisplayTrace.Error("PALGetScreenOrientation - ERROR invalid sys val: %d\r\n",
+                        mode.dmDisplayOrientation);
+  }
+  kDisplayTrace.Info("PALGetScreenOrientation - Cur orientation:%d\r\n", degrees);
+  *angle = degrees;
+  return S_OK;
+}
+
+HRESULT PALAPI PALDISPSetOrientation(LONG angle) {
+  return PALSetScreenOrientation(angle);
+}
+
+HRESULT PALAPI PALDISPGetOrientation(LONG* angle) {
+  return angle == nullptr ? E_FAIL : PALGetScreenOrientation(angle);
+}

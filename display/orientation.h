@@ -1,0 +1,11 @@
+// The rotation of the screen, which the display driver knows.
+#ifndef DISPLAY_ORIENTATION_H_
+#define DISPLAY_ORIENTATION_H_
+
+#include "platform/wince.h"
+
+// Both in degrees, with the results of the exports over them.
+[[nodiscard]] HRESULT PALSetScreenOrientation(LONG angle);
+[[nodiscard]] HRESULT PALGetScreenOrientation(LONG* angle);
+
+#endif  // DISPLAY_ORIENTATION_H_

@@ -1,0 +1,22 @@
+// The click of a tap on the screen.
+#include "display/display_trace.h"
+#include "frame/tap_volume.h"
+#include "include/paldisp.h"
+
+namespace {
+
+// The getter's line has the setter's name: kept, log readers match it.
+constexpr pal::TapVolume kScreenTapVolume{
+    pal::kDisplayTrace, TEXT("Screen"), "PALDISPSetScreenTapVol - Input invalid.  input:%d\r\n",
+    "PALDISPSetScreenTapVol - Could not set reg key: %ls\\%ls\r\n",
+    "PALDISPSetScreenTapVol - Could not read reg key: %ls\\%ls\r\n"};
+
+}  // namespace
+
+HRESULT PALAPI PALDISPSetScreenTapVol(DWORD level) {
+  return pal::SetTapVolume(kScreenTapVolume, level);
+}
+
+HRESULT PALAPI PALDISPGetScreenTapVol(DWORD* level) {
+  return pal::GetTapVolume(kScreenTapVolume, level);
+}

@@ -1,0 +1,15 @@
+// What FreeLibrary and FreeLibraryAndExitThread have in common.
+#ifndef PLATFORM_SIM_COREDLL_FREE_LIBRARY_H_
+#define PLATFORM_SIM_COREDLL_FREE_LIBRARY_H_
+
+#include "platform/sim/coredll/call.h"
+
+namespace sim {
+
+// Gives back one load of a library. `leaving` (or nullptr) is a thread that does not return into
+// it.
+BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving);
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_COREDLL_FREE_LIBRARY_H_

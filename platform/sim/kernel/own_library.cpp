@@ -1,0 +1,36 @@
+#include "platform/sim/kernel/own_library.h"
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+#include "platform/sim/kernel/kernel.h"
+#include "platform/wince.h"
+
+namespace sim {
+
+void CallEntry(ProcessState& process, std::uint32_t reason) {
+  using EntryPoint = BOOL (*)(HANDLE module, DWORD reason, void* reserved);
+  const auto entry = reinterpret_cast<EntryPoint>(process.library->Symbol("DllMain"));
+  if (entry == nullptr) throw std::runtime_error("the library has no entry point");
+  std::uintptr_t module = 0;
+  {
+    const Scheduler::Lock lock(process.kernel.mutex);
+    module = process.kernel.ModuleHandle(kOwnLibrary);
+  }
+  RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
+}
+
+void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process, const ThreadState* leaving) {
+  for (const auto& thread : process.threads) {
+    if (thread.get() == leaving || thread->object->ended || thread->calls_in_library == 0) continue;
+    process.kernel.Misuse(
+        *thread, fmt::format("the library is unloaded while thread {} runs in it", thread->id));
+  }
+  lock.unlock();
+  CallEntry(process, DLL_PROCESS_DETACH);
+  lock.lock();
+  process.exports = Exports{};
+}
+
+}  // namespace sim

@@ -1,0 +1,69 @@
+#include "power/events.h"
+
+#include <atomic>
+
+#include "frame/result.h"
+#include "frame/unique_handle.h"
+#include "include/palpwr.h"
+#include "power/power_trace.h"
+
+using pal::kPowerTrace;
+
+namespace {
+
+constinit std::atomic<HANDLE> reload_event{nullptr};
+constinit std::atomic<HANDLE> backlight_event{nullptr};
+constinit std::atomic<BOOL> initialised{FALSE};
+
+HANDLE CreateAutoResetEvent(const WCHAR* name) {
+  return CreateEventW(nullptr, FALSE, FALSE, name);
+}
+
+HRESULT EventFailure(DWORD error) {
+  return pal::FamilyFailure(pal::Facility::kPower, static_cast<WORD>(error));
+}
+
+void Close(std::atomic<HANDLE>& event) {
+  const pal::UniqueEvent closing(event.load(std::memory_order_relaxed));
+  event.store(nullptr, std::memory_order_relaxed);
+}
+
+}  // namespace
+
+HANDLE pal::ReloadEvent() {
+  return reload_event.load(std::memory_order_relaxed);
+}
+
+HRESULT PALAPI PALPWRInit() {
+  if (initialised.load(std::memory_order_relaxed) != FALSE || pal::ReloadEvent() != nullptr) {
+    return S_OK;
+  }
+  pal::UniqueEvent reload(CreateAutoResetEvent(TEXT("PowerManager/ReloadActivityTimeouts")));
+  if (!reload) {
+    const DWORD error = GetLastError();
+    const HRESULT result = EventFailure(error);
+    kPowerTrace.Error("PALPWRInit - ERROR power mgr event. win32err: 0x%x, hr: 0x%x\r\n", error,
+                      result);
+    return result;
+  }
+  pal::UniqueEvent backlight(CreateAutoResetEvent(TEXT("BackLightChangeEvent")));
+  if (!backlight) {
+    const DWORD error = GetLastError();
+    const HRESULT result = EventFailure(error);
+    kPowerTrace.Error("PALPWRInit - ERROR display event. win32err: 0x%x, hr: 0x%x\r\n", error,
+                      result);
+    return result;
+  }
+  reload_event.store(reload.Release(), std::memory_order_relaxed);
+  backlight_event.store(backlight.Release(), std::memory_order_relaxed);
+  initialised.store(TRUE, std::memory_order_relaxed);
+  return S_OK;
+}
+
+HRESULT PALAPI PALPWRTerm() {
+  if (initialised.load(std::memory_order_relaxed) == FALSE) return S_OK;
+  Close(reload_event);
+  Close(backlight_event);
+  initialised.store(FALSE, std::memory_order_relaxed);
+  return S_OK;
+}

@@ -1,0 +1,82 @@
+// Holding off suspend: the one kind of thread that the library starts.
+//
+// A keep-awake thread runs until its process tells it to stop, and is seen to stop only after its
+// present sleep. Meanwhile the process may free the library, and code of an unloaded library must
+// never run. So each thread owns one load of the library: it is taken before the thread exists, so
+// that there is no moment without it, is handed to the thread as its argument, and is given back by
+// FreeLibraryAndExitThread, which does not return into what it may just have unloaded. Nobody waits
+// for a thread, least of all PALPWRTerm: it runs at detach, when either the last thread has given
+// its load back or the process ends and the platform has ended its threads first.
+#include <algorithm>
+#include <atomic>
+
+#include "frame/own_module.h"
+#include "frame/unique_handle.h"
+#include "include/palpwr.h"
+#include "power/power_trace.h"
+
+using pal::kPowerTrace;
+
+namespace {
+
+constexpr DWORD kStart = 0;
+constexpr DWORD kStop = 1;
+// No HRESULT of any family, but what callers know.
+constexpr HRESULT kNoThread = 20;
+
+// What is committed at first; the stack grows to the library's usual size.
+constexpr DWORD kStackBytes = 2048;
+constexpr DWORD kLongestPeriod = 45;
+constexpr DWORD kPeriodWithoutTimeouts = 20;
+
+// Shared by all keep-awake threads of the process: one stop ends them all.
+constinit std::atomic<bool> stop_requested{false};
+
+DWORD MinutesOrZero(HRESULT(PALAPI* get)(DWORD* minutes)) {
+  DWORD minutes = 0;
+  static_cast<void>(get(&minutes));  // which leaves it alone where it fails
+  return minutes;
+}
+
+// The shorter timeout's minutes, taken for seconds: well inside of either.
+DWORD PeriodSeconds() {
+  const DWORD battery = std::min(MinutesOrZero(&PALPWRGetDeviceOff_Batt), kLongestPeriod);
+  const DWORD period = std::min(MinutesOrZero(&PALPWRGetDeviceOff_ExtPwr), battery);
+  return period == 0 ? kPeriodWithoutTimeouts : period;
+}
+
+DWORD WINAPI KeepAwake(LPVOID own_module) {
+  kPowerTrace.Info("Temporarily suspend power off\r\n");
+  const DWORD period_ms = PeriodSeconds() * 1000;
+  do {
+    SystemIdleTimerReset();
+    Sleep(period_ms);
+  } while (!stop_requested.load(std::memory_order_relaxed));
+  kPowerTrace.Info("Resume power off\r\n");
+  FreeLibraryAndExitThread(static_cast<HMODULE>(own_module), 0);
+}
+
+// The flag is cleared before the thread exists: a stop that follows at once is not lost. Nor is one
+// that earlier threads have not seen yet, where this start comes to nothing.
+HRESULT Start() {
+  pal::UniqueModule own_module = pal::HoldOwnModule();
+  if (!own_module) return kNoThread;
+  const bool was_requested = stop_requested.load(std::memory_order_relaxed);
+  stop_requested.store(false, std::memory_order_relaxed);
+  const pal::UniqueThread thread(
+      CreateThread(nullptr, kStackBytes, &KeepAwake, own_module.get(), 0, nullptr));
+  if (!thread) {
+    if (was_requested) stop_requested.store(true, std::memory_order_relaxed);
+    return kNoThread;
+  }
+  static_cast<void>(own_module.Release());  // the thread's
+  return S_OK;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALPWRSuspendCtrl(DWORD command) {
+  if (command == kStart) return Start();
+  if (command == kStop) stop_requested.store(true, std::memory_order_relaxed);
+  return S_OK;
+}
