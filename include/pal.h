@@ -8,6 +8,8 @@
 #include "palmfgopt.h"
 #include "palonewire.h"
 #include "palreg.h"
+#include "palscan.h"
+#include "palsecurity.h"
 #include "palsysinfo.h"
 
 #endif /* PAL_H_ */

@@ -66,13 +66,25 @@ struct DescriptionSection {
   void (*read)(const Part& part, const toml::node& node, Device& device);
 };
 
+// One thing that the simulator keeps of a device below the marker, in [state].
+struct StateEntry {
+  std::string_view key;
+  void (*read)(const Part& part, const toml::node& node, Device& device);
+  // Its value in the file; empty where there is nothing to keep.
+  std::string (*text)(Device& device);
+};
+
 void ReadModules(const Part& part, const toml::node& node, Device& device);
 void ReadOneWire(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
 void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
+void ReadScanner(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
+
+void ReadScannerState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string ScannerStateText(Device& device);
 
 }  // namespace sim
 

@@ -114,6 +114,9 @@ class Device {
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
+  // Called with the bytes of each heap block that a library frees, just before it is gone.
+  void set_on_free(std::function<void(std::string_view bytes)> on_free);
+
   // Libraries that LoadLibraryW finds. A new device has "coredll.dll", with its entry
   // "AudioUpdateFromRegistry", and "DVLEventLog.dll", which puts its lines into the journal.
   void InstallModule(Module module);

@@ -24,7 +24,12 @@ constexpr std::array kSections{
     DescriptionSection{"system", &ReadSystem},
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
+    DescriptionSection{"scanner", &ReadScanner},
     DescriptionSection{"services", &ReadServices},
+};
+
+constexpr std::array kKeptBesideClock{
+    StateEntry{"scanner", &ReadScannerState, &ScannerStateText},
 };
 
 // device.toml, in the two parts that it has.
@@ -74,18 +79,27 @@ Module WithEntries(const Part& part, const Module& known, const toml::node& list
   return module;
 }
 
-std::uint64_t ReadClock(const Part& part) {
-  part.Allow(part.table(), {"state"});
-  const toml::node* node = part.table().get("state");
-  if (node == nullptr) return 0;
-  const auto& state = part.As<toml::table>(*node, "a table: [state]");
-  part.Allow(state, {"clock_ms"});
+std::uint64_t ReadClock(const Part& part, const toml::table& state) {
   constexpr std::string_view kExpected = "milliseconds from 0 up: clock_ms = 0";
   const toml::node* clock = state.get("clock_ms");
   if (clock == nullptr) return 0;
   const std::int64_t ms = part.As<toml::value<std::int64_t>>(*clock, kExpected).get();
   if (ms < 0) part.Fail(clock->source(), fmt::format("expected {}", kExpected));
   return static_cast<std::uint64_t>(ms);
+}
+
+void ReadState(const Part& part, Device& device) {
+  part.Allow(part.table(), {"state"});
+  const toml::node* node = part.table().get("state");
+  if (node == nullptr) return;
+  const auto& state = part.As<toml::table>(*node, "a table: [state]");
+  std::vector<std::string_view> allowed{"clock_ms"};
+  for (const StateEntry& entry : kKeptBesideClock) allowed.push_back(entry.key);
+  part.Allow(state, allowed);
+  device.set_now_ms(ReadClock(part, state));
+  for (const StateEntry& entry : kKeptBesideClock) {
+    if (const toml::node* kept = state.get(entry.key)) entry.read(part, *kept, device);
+  }
 }
 
 }  // namespace
@@ -122,20 +136,25 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   }
   const auto lines = std::count(description.author.begin(), description.author.end(), '\n');
   const Part kept(file, description.kept, static_cast<std::size_t>(lines));
-  device.set_now_ms(ReadClock(kept));
+  ReadState(kept, device);
   return identity;
 }
 
-std::string WithState(const std::string& text, std::uint64_t clock_ms) {
+std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
+  std::string beside_clock;
+  for (const StateEntry& entry : kKeptBesideClock) {
+    const std::string value = entry.text(device);
+    if (!value.empty()) beside_clock += fmt::format("{} = {}\n", entry.key, value);
+  }
   std::string result = description.author;
   if (description.kept.empty()) {
-    if (clock_ms == 0) return text;
+    if (device.now_ms() == 0 && beside_clock.empty()) return text;
     if (!result.ends_with('\n')) result += '\n';
     result += '\n';
   }
   result += kMarkerLine;
-  return result + fmt::format("[state]\nclock_ms = {}\n", clock_ms);
+  return result + fmt::format("[state]\nclock_ms = {}\n{}", device.now_ms(), beside_clock);
 }
 
 }  // namespace sim

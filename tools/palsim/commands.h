@@ -47,6 +47,8 @@ int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
 // The device's identity; what cannot be told is shown as its result code.
 int ShowInfo(const std::filesystem::path& folder);
+// The scan engine and how it stands; fails where the device has none.
+int ShowScanEngine(const std::filesystem::path& folder);
 int Shell(const std::filesystem::path& folder);
 
 }  // namespace palsim

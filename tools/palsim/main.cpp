@@ -17,6 +17,7 @@ Examples:
   palsim /tmp/unit call PALMFGOpt_ConfigStoreRegUpdate --fail RegSetValueExW:2:5
                                                            the second write fails with error 5
   palsim /tmp/unit info                                    which device this is
+  palsim /tmp/unit scan                                    how the scan engine stands
   palsim /tmp/unit registry 'HKLM\Software\Dravonel'       what the registry holds now
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
@@ -40,6 +41,8 @@ class CommandLine {
     AddRegistry();
     auto* info = app_.add_subcommand("info", "Show which device this is, as the library tells it");
     info->callback([this] { status_ = palsim::ShowInfo(folder_); });
+    auto* scan = app_.add_subcommand("scan", "Show the scan engine");
+    scan->callback([this] { status_ = palsim::ShowScanEngine(folder_); });
     auto* shell = app_.add_subcommand("shell", "Type calls into one attached process");
     shell->callback([this] { status_ = palsim::Shell(folder_); });
   }

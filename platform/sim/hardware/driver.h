@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace sim {
 
@@ -14,7 +16,8 @@ struct DriverRequest {
   std::uint32_t code;
   std::span<const std::uint8_t> in;
   std::span<std::uint8_t> out;
-  std::uint32_t returned = 0;  // how many bytes of `out` the caller is told
+  std::uint32_t returned = 0;          // how many bytes of `out` the caller is told
+  std::vector<std::string> changes{};  // what changed in the hardware, for the journal
 };
 
 class Driver {
@@ -28,6 +31,14 @@ class Driver {
   // The name of a control code, for the journal; empty for one that the driver does not know, which
   // is then refused and recorded as misuse.
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
+  // The request as the journal shows it.
+  [[nodiscard]] virtual std::string Describe(const DriverRequest& request) const {
+    return std::string(CodeName(request.code));
+  }
+  // Called when a program opens the driver; 0, or the system error with which that fails. Each open
+  // that succeeds has its close.
+  virtual std::uint32_t Open() { return 0; }
+  virtual void Close() {}
   // Does what the code says. 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
 
