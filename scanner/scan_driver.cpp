@@ -58,7 +58,7 @@ void KeepDriverHandle(HANDLE handle) {
 }
 
 bool SendValue(DWORD code, DWORD value) {
-  const HANDLE driver = DriverHandle();
+  HANDLE driver = DriverHandle();
   if (!FileTraits::IsValid(driver)) {
     SetLastError(ERROR_INVALID_HANDLE);
     return false;
@@ -78,7 +78,7 @@ HANDLE OpenScanDriver() {
   if (!driver) {
     kTrace.Error("PALSysio_Init() CreateFile( SCD1: )error: 0x%x\r\n", GetLastError());
   }
-  const HANDLE kept = driver.Release();
+  HANDLE kept = driver.Release();
   KeepDriverHandle(kept);
   return kept;
 }

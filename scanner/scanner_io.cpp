@@ -40,7 +40,7 @@ HRESULT PALAPI PALSysio_Term() {
 
 HRESULT PALAPI PALSysio_Open() {
   kTrace.Info("Entry PALSysio_Open\r\n");
-  const HANDLE driver = pal::OpenScanDriver();
+  HANDLE driver = pal::OpenScanDriver();
   DWORD type = 0;
   DWORD s6_installed = 0;
   const HRESULT result = PALMFGOpt_InternalDeviceType(&type, &s6_installed);

@@ -24,6 +24,7 @@ constexpr std::array kKeys{
 ScanEngineState ReadEngineState(const Part& part, const toml::node& node) {
   const auto& table = part.As<toml::table>(node, "a table: [scanner]");
   std::vector<std::string_view> allowed;
+  allowed.reserve(kKeys.size());
   for (const StateKey& row : kKeys) allowed.push_back(row.key);
   part.Allow(table, allowed);
   ScanEngineState state;
@@ -53,6 +54,7 @@ std::string ScannerStateText(Device& device) {
   const ScanDriver* scanner = FindScanDriver(device.hardware());
   if (scanner == nullptr || !scanner->has_changed()) return {};
   std::vector<std::string> values;
+  values.reserve(kKeys.size());
   for (const StateKey& row : kKeys) {
     values.push_back(fmt::format("{} = {}", row.key, scanner->state().*row.member));
   }
