@@ -12,7 +12,8 @@ namespace pal {
 // Move-only. Closes on every path and leaves the last error as it was, so that a caller can read
 // the error of the call that failed after its handles are gone.
 //
-// Traits name the `Value` and give `IsValid(Value)` and `Close(Value)`. An empty owner holds null.
+// Traits name the `Value`, a pointer or a number, and give `IsValid(Value)` and `Close(Value)`. An
+// empty owner holds null or 0.
 template <typename Traits>
 class UniqueHandle {
  public:
@@ -33,10 +34,10 @@ class UniqueHandle {
   explicit operator bool() const { return Traits::IsValid(value_); }
 
   // Gives the handle away without closing it.
-  [[nodiscard]] Value Release() { return std::exchange(value_, nullptr); }
+  [[nodiscard]] Value Release() { return std::exchange(value_, Value{}); }
 
   // Closes what is held and takes `value` in its place.
-  void Reset(Value value = nullptr) {
+  void Reset(Value value = Value{}) {
     const Value closing = std::exchange(value_, value);
     if (!Traits::IsValid(closing)) return;
     const PreservedLastError preserved;
@@ -44,7 +45,7 @@ class UniqueHandle {
   }
 
  private:
-  Value value_ = nullptr;
+  Value value_{};
 };
 
 struct RegistryKeyTraits {

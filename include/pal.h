@@ -17,6 +17,8 @@
 #include "palonewire.h"
 #include "palpwr.h"
 #include "palreg.h"
+#include "palscan.h"
+#include "palsecurity.h"
 #include "palstore.h"
 #include "palsysinfo.h"
 #include "palsysio.h"

@@ -13,6 +13,18 @@
 
 PAL_INTERFACE_BEGIN
 
+/**
+ * Does nothing; the calls need no preparation.
+ * @retval S_OK always
+ */
+HRESULT PALAPI PALCOMxPwr_Init(void);
+
+/**
+ * Does nothing; nothing is held.
+ * @retval S_OK always
+ */
+HRESULT PALAPI PALCOMxPwr_Term(void);
+
 /** The power of one port. */
 typedef struct PALComPortPower {
   /** Not 0: powered. */

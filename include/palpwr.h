@@ -185,6 +185,18 @@ HRESULT PALAPI PALPWRGetPwrButton(DWORD* option);
  */
 HRESULT PALAPI PALPWRSuspendCtrl(DWORD command);
 
+/**
+ * Does nothing: these devices tell their battery level elsewhere. Nothing is read or written.
+ * @retval S_OK always
+ */
+HRESULT PALAPI PALPWRGetBatteryLevel(void);
+
+/**
+ * Does nothing, as PALPWRGetBatteryLevel.
+ * @retval S_OK always
+ */
+HRESULT PALAPI PALPWRGetBatteryPercentRemaining(void);
+
 PAL_INTERFACE_END
 
 #endif /* PALPWR_H_ */

@@ -18,6 +18,12 @@
 PAL_INTERFACE_BEGIN
 
 /**
+ * Does nothing; the vibrator needs no preparation.
+ * @retval S_OK always
+ */
+HRESULT PALAPI PALVIBInit(void);
+
+/**
  * Looks for a vibrator among the LED numbers 0 to 9, up to the first that is one.
  *
  * A device without a vibrator whose driver knows all ten numbers answers S_OK too, on purpose:

@@ -116,6 +116,33 @@ TEST_F(Palsim, ShowsWhichDeviceItIs) {
   }
 }
 
+TEST_F(Palsim, ShowsTheScanEngineAsTheLastCallLeftIt) {
+  ASSERT_EQ(Run("new"), 0);
+  EXPECT_EQ(Run("shell",
+                "call PALSysio_Open\ncall PALSysio_ControlScanPower 1\n"
+                "call PALSysio_SetScanTrigger 1\ncall PALSysio_Close\nquit\n"),
+            0);
+  EXPECT_FALSE(Printed("misuse")) << output;
+  EXPECT_EQ(Run("scan"), 0);
+  EXPECT_EQ(output,
+            "Engine     ENG17 (internal device type 34)\n"
+            "Power      on\n"
+            "Scanning   enabled\n"
+            "Operation  normal\n"
+            "Trigger    pulled\n");
+  ASSERT_EQ(Run("new --force --sample rx"), 0);
+  EXPECT_EQ(Run("scan"), 1);
+  EXPECT_TRUE(Printed("the device has no scan engine")) << output;
+}
+
+TEST_F(Palsim, ChecksThePasswordOfTheSampleDevice) {
+  ASSERT_EQ(Run("new"), 0);
+  for (const char* answer : {"1", "0", "0"}) {  // the first finds no key set
+    EXPECT_EQ(Run("call PALSecurity_CheckPx Installer rugged21"), 0);
+    EXPECT_EQ(output, std::string("PALSecurity_CheckPx = ") + answer + "\n");
+  }
+}
+
 TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
   struct Case {
     std::string arguments;

@@ -95,6 +95,7 @@ void ReadDisplay(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
 void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
+void ReadScanner(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
 void ReadLeds(const Part& part, const toml::node& node, Device& device);
@@ -114,6 +115,9 @@ void ReadRotationState(const Part& part, const toml::node& node, Device& device)
 [[nodiscard]] std::string RotationStateText(Device& device);
 void ReadUsbFunctionState(const Part& part, const toml::node& node, Device& device);
 [[nodiscard]] std::string UsbFunctionStateText(Device& device);
+
+void ReadScannerState(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string ScannerStateText(Device& device);
 
 }  // namespace sim
 

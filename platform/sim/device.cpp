@@ -91,6 +91,11 @@ std::vector<std::string> Device::TakeMisuse() {
   return std::exchange(kernel_->misuse, {});
 }
 
+void Device::set_on_free(std::function<void(std::string_view)> on_free) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->on_free = std::move(on_free);
+}
+
 void Device::InstallModule(Module module) {
   const Scheduler::Lock lock(kernel_->mutex);
   std::erase_if(kernel_->modules,

@@ -123,6 +123,9 @@ class Device {
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
+  // Called with the bytes of each heap block that a library frees, just before it is gone.
+  void set_on_free(std::function<void(std::string_view bytes)> on_free);
+
   // Libraries that LoadLibraryW finds: by name those in \Windows, by path those of any folder. A
   // new device has "coredll.dll", with its entry "AudioUpdateFromRegistry", "DVLEventLog.dll",
   // which puts its lines into the journal, and "DVLORQPAL.dll", which does the services that the

@@ -27,6 +27,7 @@ constexpr std::array kSections{
     DescriptionSection{"system", &ReadSystem},
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
+    DescriptionSection{"scanner", &ReadScanner},
     DescriptionSection{"services", &ReadServices},
     DescriptionSection{"audio", &ReadAudio},
     DescriptionSection{"leds", &ReadLeds},
@@ -101,6 +102,7 @@ constexpr std::array kStateEntries{
     StateEntry{"boot_option", &ReadBootOptionState, &BootOptionStateText},
     StateEntry{"leds", &ReadLedsState, &LedsStateText},
     StateEntry{"rotation", &ReadRotationState, &RotationStateText},
+    StateEntry{"scanner", &ReadScannerState, &ScannerStateText},
     StateEntry{"usb_function", &ReadUsbFunctionState, &UsbFunctionStateText},
 };
 

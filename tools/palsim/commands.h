@@ -49,6 +49,8 @@ int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
 int ShowInfo(const std::filesystem::path& folder);
 // The programmable buttons, and the shift planes of the active layout record by record.
 int ShowKeys(const std::filesystem::path& folder);
+// The scan engine and how it stands; fails where the device has none.
+int ShowScanEngine(const std::filesystem::path& folder);
 int Shell(const std::filesystem::path& folder);
 
 }  // namespace palsim

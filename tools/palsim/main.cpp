@@ -18,6 +18,7 @@ Examples:
                                                            the second write fails with error 5
   palsim /tmp/unit info                                    which device this is
   palsim /tmp/unit keys                                    what the buttons do, key by key
+  palsim /tmp/unit scan                                    how the scan engine stands
   palsim /tmp/unit registry 'HKLM\Software\Dravonel'       what the registry holds now
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
@@ -43,6 +44,8 @@ class CommandLine {
     info->callback([this] { status_ = palsim::ShowInfo(folder_); });
     auto* keys = app_.add_subcommand("keys", "Show the buttons and the shift planes of the keypad");
     keys->callback([this] { status_ = palsim::ShowKeys(folder_); });
+    auto* scan = app_.add_subcommand("scan", "Show the scan engine");
+    scan->callback([this] { status_ = palsim::ShowScanEngine(folder_); });
     auto* shell = app_.add_subcommand("shell", "Type calls into one attached process");
     shell->callback([this] { status_ = palsim::Shell(folder_); });
   }

@@ -1,32 +1,172 @@
-// Calls that nothing simulates yet: they fail and are recorded as misuse, so that nothing pretends.
+// CryptoAPI as far as SHA-1: contexts on key sets, and hashes in them.
+#include <fmt/format.h>
+#include <openssl/evp.h>
+
+#include <cstring>
+
 #include "platform/sim/coredll/call.h"
 
+namespace sim {
+namespace {
+
+// Key sets stand in the registry, so that a device keeps them from run to run.
+constexpr std::string_view kKeySets = "HKEY_CURRENT_USER\\Comm\\Security\\Crypto\\UserKeys\\";
+constexpr std::string_view kDefaultContainer = "Default";
+
+constexpr LONG kBadAlgorithm = static_cast<LONG>(0x80090008);     // NTE_BAD_ALGID
+constexpr LONG kBadFlags = static_cast<LONG>(0x80090009);         // NTE_BAD_FLAGS
+constexpr LONG kBadType = static_cast<LONG>(0x8009000A);          // NTE_BAD_TYPE
+constexpr LONG kBadHashState = static_cast<LONG>(0x8009000C);     // NTE_BAD_HASH_STATE
+constexpr LONG kKeySetExists = static_cast<LONG>(0x8009000F);     // NTE_EXISTS
+constexpr LONG kUnknownProvider = static_cast<LONG>(0x80090017);  // NTE_PROV_TYPE_NOT_DEF
+
+struct CryptContext : Object {
+  static constexpr ObjectKind kKind = ObjectKind::kCryptContext;
+  CryptContext() : Object(kKind) {}
+};
+
+class CryptHash : public Object {
+ public:
+  static constexpr ObjectKind kKind = ObjectKind::kCryptHash;
+  explicit CryptHash(const std::shared_ptr<CryptContext>& context)
+      : Object(kKind), context_(context), digest_(EVP_MD_CTX_new(), &EVP_MD_CTX_free) {
+    EVP_DigestInit_ex(digest_.get(), EVP_sha1(), nullptr);
+  }
+
+  // A hash must not outlive its context.
+  [[nodiscard]] bool is_orphan() const { return context_.expired(); }
+  // Once its value was asked for, nothing more goes into it.
+  [[nodiscard]] bool is_finished() const { return !value_.empty(); }
+  void Add(const BYTE* data, DWORD bytes) { EVP_DigestUpdate(digest_.get(), data, bytes); }
+  const std::vector<BYTE>& Finish() {
+    if (!is_finished()) {
+      value_.resize(static_cast<std::size_t>(EVP_MD_CTX_get_size(digest_.get())));
+      EVP_DigestFinal_ex(digest_.get(), value_.data(), nullptr);
+    }
+    return value_;
+  }
+  [[nodiscard]] DWORD size() const {
+    return static_cast<DWORD>(EVP_MD_CTX_get_size(digest_.get()));
+  }
+
+ private:
+  std::weak_ptr<CryptContext> context_;
+  std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> digest_;
+  std::vector<BYTE> value_;
+};
+
+template <class Kind>
+std::shared_ptr<Kind> Find(Call& call, std::uintptr_t handle) {
+  return call.Find<Kind>(reinterpret_cast<const void*>(handle));
+}
+
+std::shared_ptr<CryptHash> FindHash(Call& call, HCRYPTHASH handle) {
+  auto hash = Find<CryptHash>(call, handle);
+  if (hash != nullptr && hash->is_orphan()) {
+    call.Misuse("was given a hash whose context is released");
+  }
+  return hash;
+}
+
+// Finds the key set, or makes it where the flags ask for a new one.
+LONG TakeKeySet(Call& call, std::u16string_view container, DWORD flags) {
+  Registry& registry = call.kernel().registry;
+  std::string path(kKeySets);
+  path += container.empty() ? std::string(kDefaultContainer) : ToUtf8(container);
+  const bool exists = registry.Find(path) != nullptr;
+  if (flags == 0) return exists ? ERROR_SUCCESS : NTE_BAD_KEYSET;
+  if (flags != CRYPT_NEWKEYSET) return kBadFlags;
+  if (exists) return kKeySetExists;
+  registry.Create(path);
+  call.Log(Effect::kRegistry, path + " created");
+  return ERROR_SUCCESS;
+}
+
+// Copies a parameter; `bytes` goes in with the room and comes out with the size.
+LONG CopyParameter(const void* from, DWORD size, BYTE* data, DWORD& bytes) {
+  const DWORD room = std::exchange(bytes, size);
+  if (data == nullptr) return ERROR_SUCCESS;
+  if (room < size) return ERROR_MORE_DATA;
+  std::memcpy(data, from, size);
+  return ERROR_SUCCESS;
+}
+
+BOOL Finish(Call& call, LONG error) {
+  return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
+}
+
+}  // namespace
+}  // namespace sim
+
+using sim::Call;
 using sim::CallId;
-using sim::NotSimulated;
 
-BOOL CryptAcquireContextW(HCRYPTPROV* /*provider*/, LPCWSTR /*container*/,
-                          LPCWSTR /*provider_name*/, DWORD /*type*/, DWORD /*flags*/) {
-  return NotSimulated(CallId::CryptAcquireContextW, FALSE);
+BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR container, LPCWSTR /*provider_name*/,
+                          DWORD type, DWORD flags) {
+  Call call(CallId::CryptAcquireContextW);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (provider == nullptr) return call.Fail(ERROR_INVALID_PARAMETER, FALSE);
+  if (type != PROV_RSA_FULL) return call.Fail(sim::kUnknownProvider, FALSE);
+  const LONG error = sim::TakeKeySet(call, container == nullptr ? u"" : container, flags);
+  if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
+  *provider = call.AddHandle<HCRYPTPROV>(std::make_shared<sim::CryptContext>());
+  return TRUE;
 }
 
-BOOL CryptCreateHash(HCRYPTPROV /*provider*/, ALG_ID /*algorithm*/, HCRYPTKEY /*key*/,
-                     DWORD /*flags*/, HCRYPTHASH* /*hash*/) {
-  return NotSimulated(CallId::CryptCreateHash, FALSE);
+BOOL CryptCreateHash(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTKEY /*key*/, DWORD flags,
+                     HCRYPTHASH* hash) {
+  Call call(CallId::CryptCreateHash);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (hash == nullptr) return call.Fail(ERROR_INVALID_PARAMETER, FALSE);
+  const auto context = sim::Find<sim::CryptContext>(call, provider);
+  if (context == nullptr) return FALSE;
+  if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
+  if (algorithm != CALG_SHA1) return call.Fail(sim::kBadAlgorithm, FALSE);
+  *hash = call.AddHandle<HCRYPTHASH>(std::make_shared<sim::CryptHash>(context));
+  return TRUE;
 }
 
-BOOL CryptHashData(HCRYPTHASH /*hash*/, const BYTE* /*data*/, DWORD /*bytes*/, DWORD /*flags*/) {
-  return NotSimulated(CallId::CryptHashData, FALSE);
+BOOL CryptHashData(HCRYPTHASH handle, const BYTE* data, DWORD bytes, DWORD flags) {
+  Call call(CallId::CryptHashData);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  const auto hash = sim::FindHash(call, handle);
+  if (hash == nullptr) return FALSE;
+  if (data == nullptr) return call.Fail(ERROR_INVALID_PARAMETER, FALSE);
+  if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
+  if (hash->is_finished()) return call.Fail(sim::kBadHashState, FALSE);
+  hash->Add(data, bytes);
+  return TRUE;
 }
 
-BOOL CryptGetHashParam(HCRYPTHASH /*hash*/, DWORD /*parameter*/, BYTE* /*data*/, DWORD* /*bytes*/,
-                       DWORD /*flags*/) {
-  return NotSimulated(CallId::CryptGetHashParam, FALSE);
+BOOL CryptGetHashParam(HCRYPTHASH handle, DWORD parameter, BYTE* data, DWORD* bytes, DWORD flags) {
+  Call call(CallId::CryptGetHashParam);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  const auto hash = sim::FindHash(call, handle);
+  if (hash == nullptr) return FALSE;
+  if (bytes == nullptr) return call.Fail(ERROR_INVALID_PARAMETER, FALSE);
+  if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
+  const DWORD size = hash->size();
+  if (parameter == HP_HASHSIZE) {
+    return sim::Finish(call, sim::CopyParameter(&size, sizeof(size), data, *bytes));
+  }
+  if (parameter != HP_HASHVAL) return call.Fail(sim::kBadType, FALSE);
+  if (data == nullptr) return sim::Finish(call, sim::CopyParameter(nullptr, size, data, *bytes));
+  return sim::Finish(call, sim::CopyParameter(hash->Finish().data(), size, data, *bytes));
 }
 
-BOOL CryptDestroyHash(HCRYPTHASH /*hash*/) {
-  return NotSimulated(CallId::CryptDestroyHash, FALSE);
+BOOL CryptDestroyHash(HCRYPTHASH handle) {
+  Call call(CallId::CryptDestroyHash);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (sim::FindHash(call, handle) == nullptr) return FALSE;
+  call.kernel().handles.Close(handle);
+  return TRUE;
 }
 
-BOOL CryptReleaseContext(HCRYPTPROV /*provider*/, DWORD /*flags*/) {
-  return NotSimulated(CallId::CryptReleaseContext, FALSE);
+BOOL CryptReleaseContext(HCRYPTPROV provider, DWORD flags) {
+  Call call(CallId::CryptReleaseContext);
+  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (sim::Find<sim::CryptContext>(call, provider) == nullptr) return FALSE;
+  if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
+  call.kernel().handles.Close(provider);
+  return TRUE;
 }

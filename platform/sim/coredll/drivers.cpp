@@ -118,18 +118,18 @@ BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOI
   const auto object = call.Find<sim::DriverObject>(device);
   if (object == nullptr) return FALSE;
   sim::Driver& driver = *object->driver;
-  const std::string_view name = driver.CodeName(code);
-  if (name.empty()) {
+  if (driver.CodeName(code).empty()) {
     call.Misuse(fmt::format("was given the code {:#010x}, unknown to {}", code, driver.name()));
     return call.Fail(sim::kNotSupported, FALSE);
   }
   const DWORD buffer_bytes = driver.TakesValueInSize(code) ? 0 : in_bytes;
   sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, buffer_bytes), in_bytes,
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
-  const std::string details = driver.Details(request);
-  call.Log(Effect::kDriver,
-           fmt::format("{} {}{}{}", driver.name(), name, details.empty() ? "" : ": ", details));
+  call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), driver.Describe(request)));
   const auto error = static_cast<LONG>(driver.Control(request));
+  for (const std::string& change : request.changes) {
+    call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), change));
+  }
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
   if (returned != nullptr) *returned = request.returned;
   return TRUE;

@@ -35,11 +35,18 @@ std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD di
 
 HANDLE OpenDriver(Call& call, std::string_view name) {
   for (const auto& driver : call.kernel().hardware.drivers) {
-    if (EqualNoCase(driver->name(), name)) {
-      return call.AddHandle(std::make_shared<DriverObject>(driver));
-    }
+    if (!EqualNoCase(driver->name(), name)) continue;
+    const auto error = static_cast<LONG>(driver->Open());
+    if (error != ERROR_SUCCESS) return call.Fail(error, INVALID_HANDLE_VALUE);
+    return call.AddHandle(std::make_shared<DriverObject>(driver));
   }
   return call.Fail(ERROR_DEV_NOT_EXIST, INVALID_HANDLE_VALUE);
+}
+
+// Those that another call closes.
+bool HasOwnClose(ObjectKind kind) {
+  return kind == ObjectKind::kKey || kind == ObjectKind::kCryptContext ||
+         kind == ObjectKind::kCryptHash;
 }
 
 BOOL Refuse(Call& call, LONG error) {
@@ -167,8 +174,8 @@ BOOL CloseHandle(HANDLE handle) {
   if (call.fault() != 0) return sim::Refuse(call, call.fault());
   const auto object = call.FindObject(handle);
   if (object == nullptr) return FALSE;
-  if (object->kind() == sim::ObjectKind::kKey) {
-    call.Misuse("was given a registry key");
+  if (sim::HasOwnClose(object->kind())) {
+    call.Misuse(fmt::format("was given a {}", sim::ObjectKindName(object->kind())));
     return sim::Refuse(call, ERROR_INVALID_HANDLE);
   }
   call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(handle));

@@ -43,9 +43,14 @@ extern "C" void* __wrap_malloc(size_t bytes) {
 extern "C" void __wrap_free(void* block) {
   if (block == nullptr) return;
   Call call(CallId::free);
-  if (call.process().heap.erase(block) == 0) {
+  const auto held = call.process().heap.find(block);
+  if (held == call.process().heap.end()) {
     call.Misuse("was given a block that the process does not have");
     return;
   }
+  if (call.kernel().on_free) {
+    call.kernel().on_free({static_cast<const char*>(block), held->second});
+  }
+  call.process().heap.erase(held);
   std::free(block);
 }

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace sim {
 
@@ -15,7 +17,8 @@ struct DriverRequest {
   std::span<const std::uint8_t> in;
   std::uint32_t in_bytes;  // as the caller stated it
   std::span<std::uint8_t> out;
-  std::uint32_t returned = 0;  // how many bytes of `out` the caller is told
+  std::uint32_t returned = 0;          // how many bytes of `out` the caller is told
+  std::vector<std::string> changes{};  // what changed in the hardware, for the journal
 };
 
 class Driver {
@@ -31,10 +34,16 @@ class Driver {
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
   // Whether a code takes a number in place of the input's size, and no input.
   [[nodiscard]] virtual bool TakesValueInSize(std::uint32_t /*code*/) const { return false; }
+  // The request as the journal shows it.
+  [[nodiscard]] virtual std::string Describe(const DriverRequest& request) const {
+    return std::string(CodeName(request.code));
+  }
+  // Called when a program opens the driver; 0, or the system error with which that fails. Each open
+  // that succeeds has its close.
+  virtual std::uint32_t Open() { return 0; }
+  virtual void Close() {}
   // Does what the code says. 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
-  // What a request is about, behind the code's name in the journal; empty where that says it all.
-  [[nodiscard]] virtual std::string Details(const DriverRequest& /*request*/) const { return {}; }
   // The device restarts: what does not outlive that is as after power-up.
   virtual void Restart() {}
 

@@ -59,8 +59,10 @@ std::string_view UsbFunctionBus::CodeName(std::uint32_t code) const {
   return row == kCodes.end() ? std::string_view() : row->name;
 }
 
-std::string UsbFunctionBus::Details(const DriverRequest& request) const {
-  return NameOf(request).value_or("");
+std::string UsbFunctionBus::Describe(const DriverRequest& request) const {
+  const std::string code(CodeName(request.code));
+  const std::optional<std::string> name = NameOf(request);
+  return name && !name->empty() ? code + ": " + *name : code;
 }
 
 std::uint32_t UsbFunctionBus::Control(DriverRequest& request) {

@@ -45,7 +45,7 @@ class UsbFunctionBus : public Driver {
   [[nodiscard]] bool HasChanged() const;
 
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
-  [[nodiscard]] std::string Details(const DriverRequest& request) const override;
+  [[nodiscard]] std::string Describe(const DriverRequest& request) const override;
   std::uint32_t Control(DriverRequest& request) override;
   void Restart() override { current_ = default_; }
 

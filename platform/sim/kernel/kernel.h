@@ -2,6 +2,7 @@
 #ifndef PLATFORM_SIM_KERNEL_KERNEL_H_
 #define PLATFORM_SIM_KERNEL_KERNEL_H_
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -44,6 +45,7 @@ class Kernel {
   std::vector<std::weak_ptr<ProcessState>> processes;            // those that the driver made
   std::vector<std::shared_ptr<ProcessState>> program_processes;  // those that run a program
   std::vector<RestartKind> restarts;
+  std::function<void(std::string_view bytes)> on_free;  // may be empty
 
   // Named objects, each type with its own names.
   std::map<std::u16string, std::weak_ptr<Mutex>> mutexes;

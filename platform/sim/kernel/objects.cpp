@@ -23,6 +23,10 @@ const char* ObjectKindName(ObjectKind kind) {
       return "thread";
     case ObjectKind::kProcess:
       return "process";
+    case ObjectKind::kCryptContext:
+      return "cryptographic context";
+    case ObjectKind::kCryptHash:
+      return "hash";
   }
   return "object";
 }

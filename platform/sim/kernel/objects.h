@@ -18,7 +18,17 @@ namespace sim {
 
 class ThreadState;
 
-enum class ObjectKind : std::uint8_t { kKey, kFile, kDriver, kMutex, kEvent, kThread, kProcess };
+enum class ObjectKind : std::uint8_t {
+  kKey,
+  kFile,
+  kDriver,
+  kMutex,
+  kEvent,
+  kThread,
+  kProcess,
+  kCryptContext,
+  kCryptHash
+};
 
 [[nodiscard]] const char* ObjectKindName(ObjectKind kind);
 
@@ -67,11 +77,13 @@ class FileObject : public Object {
   bool shares_write_;
 };
 
+// A driver that let itself be opened.
 struct DriverObject : Object {
   static constexpr ObjectKind kKind = ObjectKind::kDriver;
   explicit DriverObject(std::shared_ptr<Driver> opened)
       : Object(kKind), driver(std::move(opened)) {}
-  std::shared_ptr<Driver> driver;
+  ~DriverObject() override { driver->Close(); }
+  const std::shared_ptr<Driver> driver;
 };
 
 struct Waiter {

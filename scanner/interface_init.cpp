@@ -1,0 +1,73 @@
+// Bringing the scan engine up when the reading stack starts.
+#include "frame/result.h"
+#include "frame/trace.h"
+#include "frame/unique_handle.h"
+#include "include/palmfgopt.h"
+#include "include/palscan.h"
+#include "scanner/scan_engine.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kScanner};
+
+constexpr DWORD kCameraMutexTimeoutMs = 60000;
+
+// Keeps the camera's driver away. Apart from pal::MutexGuard: it has lines of its own, tells a
+// time-out from a mutex that it got, and releases only what it owns.
+class CameraMutex {
+ public:
+  CameraMutex() : mutex_(CreateMutexW(nullptr, FALSE, TEXT("DCEDRIVER_INIT_SEPARATOR"))) {
+    if (mutex_) wait_ = WaitForSingleObject(mutex_.get(), kCameraMutexTimeoutMs);
+    if (wait_ == WAIT_TIMEOUT) {
+      kTrace.Error("Camera mutex timeout.\r\n");
+    } else {
+      // Told of every other outcome, also of a mutex that could not be made.
+      kTrace.Info("Got camera mutex.\r\n");
+    }
+  }
+  ~CameraMutex() {
+    if (wait_ == WAIT_OBJECT_0 || wait_ == WAIT_ABANDONED) ReleaseMutex(mutex_.get());
+  }
+  CameraMutex(const CameraMutex&) = delete;
+  CameraMutex& operator=(const CameraMutex&) = delete;
+
+  [[nodiscard]] HRESULT result() const { return wait_ == WAIT_TIMEOUT ? E_FAIL : S_OK; }
+
+ private:
+  pal::UniqueMutex mutex_;
+  DWORD wait_ = WAIT_FAILED;
+};
+
+// The results of the steps are in the trace alone, and the power counts as on whatever they are.
+void BringUp(const pal::ScanEngine& engine) {
+  ScanSetOperationalMode(TRUE);
+  if (engine.is_on_spi_clock) PALSysio_SetScanTrigger(FALSE);
+  PALSysio_ControlScanPower(PAL_SCANNER_POWER_UP);
+  pal::SetScanPowerState(true);
+}
+
+HRESULT BringUpApartFromCamera(const pal::ScanEngine& engine) {
+  const CameraMutex mutex;
+  BringUp(engine);
+  return mutex.result();
+}
+
+HRESULT InitInterface() {
+  DWORD type = 0;
+  DWORD s6_installed = 0;
+  if (pal::Failed(PALMFGOpt_InternalDeviceType(&type, &s6_installed))) return S_OK;
+  const pal::ScanEngine& engine = pal::LearnScanEngine(type);
+  kTrace.Info("Internal DevType: %d\r\n", type);
+  if (engine.is_on_spi_clock) return BringUpApartFromCamera(engine);
+  BringUp(engine);
+  return S_OK;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALSysio_InternalScannerInterfaceInit() {
+  kTrace.Info("Entry PALSysio_InternalScannerInterfaceInit\r\n");
+  const HRESULT result = InitInterface();
+  kTrace.Info("Exit PALSysio_InternalScannerInterfaceInit\r\n");
+  return result;
+}

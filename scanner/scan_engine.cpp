@@ -1,0 +1,61 @@
+#include "scanner/scan_engine.h"
+
+#include <atomic>
+
+#include "frame/result.h"
+#include "sysinfo/device_codes.h"
+
+namespace pal {
+namespace {
+
+constexpr DWORD kEng14 = 37;
+constexpr DWORD kEng13 = 38;
+static_assert(kDeviceNames[kEng14] == WideText(TEXT("ENG14")));
+static_assert(kDeviceNames[kEng13] == WideText(TEXT("ENG13")));
+
+constexpr ScanEngine kSpiClockEngine{
+    true, ScanOperation::kSpiClockTrigger, {&ScanSetEnable, &PALSysio_SetScanPower}};
+constexpr ScanEngine kCommonEngine{
+    false, ScanOperation::kTrigger, {&PALSysio_SetScanPower, &ScanSetEnable}};
+
+constinit std::atomic<DWORD> engine_type{kUnknownDeviceCode};
+constinit std::atomic<bool> power_is_on{false};
+
+}  // namespace
+
+const ScanEngine& ScanEngineOf(DWORD device_type) {
+  return device_type == kEng14 || device_type == kEng13 ? kSpiClockEngine : kCommonEngine;
+}
+
+const ScanEngine& CurrentScanEngine() {
+  return ScanEngineOf(engine_type.load(std::memory_order_relaxed));
+}
+
+const ScanEngine& LearnScanEngine(DWORD device_type) {
+  engine_type.store(device_type, std::memory_order_relaxed);
+  return ScanEngineOf(device_type);
+}
+
+bool IsScanPowerOn() {
+  return power_is_on.load(std::memory_order_relaxed);
+}
+
+void SetScanPowerState(bool is_on) {
+  power_is_on.store(is_on, std::memory_order_relaxed);
+}
+
+}  // namespace pal
+
+HRESULT PALSysio_SetScanPower(BOOL on) {
+  const HRESULT result = pal::SendToScanDriver(pal::ScanOperation::kPower, on);
+  if (pal::Succeeded(result)) pal::SetScanPowerState(on != FALSE);
+  return result;
+}
+
+HRESULT ScanSetEnable(BOOL enable) {
+  return pal::SendToScanDriver(pal::ScanOperation::kEnable, enable);
+}
+
+HRESULT ScanSetOperationalMode(BOOL normal) {
+  return pal::SendToScanDriver(pal::ScanOperation::kMode, normal);
+}

@@ -1,0 +1,37 @@
+// The two kinds of scan engine: where their trigger is, and in which order they are switched.
+#ifndef SCANNER_SCAN_ENGINE_H_
+#define SCANNER_SCAN_ENGINE_H_
+
+#include <array>
+
+#include "platform/wince.h"
+#include "scanner/scan_driver.h"
+
+namespace pal {
+
+using ScanSwitch = HRESULT (*)(BOOL on);
+
+struct ScanEngine {
+  // Whether the trigger is the SPI clock line, which the camera's driver uses too.
+  bool is_on_spi_clock;
+  ScanOperation trigger;
+  std::array<ScanSwitch, 2> switching_order;  // on and off alike
+};
+
+// The engine of the type learnt last.
+[[nodiscard]] const ScanEngine& CurrentScanEngine();
+// Learns a type, and gives its engine.
+const ScanEngine& LearnScanEngine(DWORD device_type);
+[[nodiscard]] const ScanEngine& ScanEngineOf(DWORD device_type);
+
+[[nodiscard]] bool IsScanPowerOn();
+void SetScanPowerState(bool is_on);
+
+}  // namespace pal
+
+// Each returns E_FAIL where the driver is not open or refuses.
+HRESULT PALSysio_SetScanPower(BOOL on);  // success is the new power state
+HRESULT ScanSetEnable(BOOL enable);
+HRESULT ScanSetOperationalMode(BOOL normal);
+
+#endif  // SCANNER_SCAN_ENGINE_H_

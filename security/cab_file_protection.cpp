@@ -1,0 +1,118 @@
+// The shell's open command for CAB packages, and whether it asks for a password first.
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "include/palsecurity.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kImageCapturePolicy};
+
+// Under HKEY_CLASSES_ROOT, in the order in which they are asked and changed.
+constexpr std::array kCommandPaths{TEXT("tdyskin\\Shell\\Open\\Command"),
+                                   TEXT("cabfile\\Shell\\Open\\Command")};
+
+// Names of one length: one is written over the other, and the rest of the command stays in place.
+constexpr size_t kProgramLength = 7;
+constexpr pal::WideText kChecker = TEXT("cabchck");
+constexpr pal::WideText kInstaller = TEXT("wceload");
+static_assert(kChecker.size() == kProgramLength && kInstaller.size() == kProgramLength);
+
+constexpr DWORD kMaxCommandBytes = 512;
+constexpr LONG kErrorInvalidData = 13;  // ERROR_INVALID_DATA
+
+void TraceReadFailure(const WCHAR* path, LONG error) {
+  kTrace.Error("Failed to get HKEY_CLASSES_ROOT\\%ls default value. dwRet = %u", path, error);
+}
+
+class OpenCommand {
+ public:
+  explicit OpenCommand(const WCHAR* path) : path_(path) {}
+
+  // Both return the system error, and trace it.
+  [[nodiscard]] LONG Read(REGSAM access);
+  [[nodiscard]] LONG Write();
+
+  [[nodiscard]] bool AsksForPassword() const {
+    return _wcsnicmp(text_.data(), kChecker.data(), kProgramLength) == 0;
+  }
+  // False, and nothing changes, where the command holds no whole program name or does not end.
+  [[nodiscard]] bool SetProgram(pal::WideText program);
+
+ private:
+  const WCHAR* path_;
+  pal::UniqueRegistryKey key_;
+  DWORD type_ = REG_NONE;
+  DWORD bytes_ = 0;
+  std::array<WCHAR, kMaxCommandBytes / sizeof(WCHAR)> text_{};
+};
+
+LONG OpenCommand::Read(REGSAM access) {
+  LONG error = pal::OpenRegistryKey(HKEY_CLASSES_ROOT, path_, access, key_);
+  if (error != ERROR_SUCCESS) {
+    // The line names another root than the key's: kept so.
+    kTrace.Error("Failed to open HKLM\\%ls. dwRet = %u", path_, error);
+    return error;
+  }
+  bytes_ = kMaxCommandBytes;
+  error = RegQueryValueExW(key_.get(), nullptr, nullptr, &type_,
+                           reinterpret_cast<BYTE*>(text_.data()), &bytes_);
+  if (error != ERROR_SUCCESS) TraceReadFailure(path_, error);
+  return error;
+}
+
+bool OpenCommand::SetProgram(pal::WideText program) {
+  const std::span<WCHAR> stored = std::span(text_).first(bytes_ / sizeof(WCHAR));
+  const size_t length = pal::Length<WCHAR>(stored);
+  if (length < kProgramLength || length == stored.size()) {
+    TraceReadFailure(path_, kErrorInvalidData);
+    return false;
+  }
+  std::copy(program.begin(), program.end(), stored.begin());
+  return true;
+}
+
+LONG OpenCommand::Write() {
+  const LONG error = RegSetValueExW(key_.get(), nullptr, 0, type_,
+                                    reinterpret_cast<const BYTE*>(text_.data()), bytes_);
+  if (error != ERROR_SUCCESS) {
+    const WCHAR* const command = text_.data();
+    kTrace.Error("Error writing %ls to HKEY_CLASSES_ROOT\\%ls. dwRet = %u", command, path_, error);
+  }
+  return error;
+}
+
+bool AsksForPassword(const WCHAR* path) {
+  OpenCommand command(path);
+  return command.Read(KEY_QUERY_VALUE) == ERROR_SUCCESS && command.AsksForPassword();
+}
+
+HRESULT SetProgram(const WCHAR* path, pal::WideText program) {
+  OpenCommand command(path);
+  const LONG error = command.Read(KEY_QUERY_VALUE | KEY_SET_VALUE);
+  if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
+  return command.SetProgram(program) ? pal::HResultFromWin32(command.Write()) : E_FAIL;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled) {
+  if (enabled == nullptr) return E_FAIL;
+  *enabled = std::any_of(kCommandPaths.begin(), kCommandPaths.end(), &AsksForPassword) ? 1 : 0;
+  return S_OK;
+}
+
+HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable) {
+  const pal::WideText program = enable == 1 ? kChecker : kInstaller;
+  HRESULT result = S_OK;
+  for (const WCHAR* const path : kCommandPaths) {
+    result = SetProgram(path, program);
+    if (pal::Failed(result)) break;
+  }
+  return result;
+}

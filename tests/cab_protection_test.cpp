@@ -1,0 +1,174 @@
+// The open commands of CAB packages: what makes the protection on, and what a switch leaves alone.
+#include <string>
+#include <vector>
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+constexpr const char* kSkin = "HKCR\\tdyskin\\Shell\\Open\\Command";
+constexpr const char* kCab = "HKCR\\cabfile\\Shell\\Open\\Command";
+constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
+constexpr HRESULT kMoreData = static_cast<HRESULT>(0x800700EA);
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes Units(const std::string& text) {
+  Bytes bytes;
+  for (const char unit : text) bytes.insert(bytes.end(), {static_cast<std::uint8_t>(unit), 0});
+  return bytes;
+}
+// A command with its terminator.
+Bytes Command(const std::string& text) {
+  return Units(text + '\0');
+}
+
+class CabProtection : public DeviceTest {
+ protected:
+  void Put(const char* key, const Bytes& command, DWORD type = REG_SZ) {
+    device.registry().SetRaw(key, "", type, command);
+  }
+  [[nodiscard]] Bytes Get(const char* key) {
+    const sim::RegistryValue* value = device.registry().FindValue(key, "");
+    return value == nullptr ? Bytes() : value->data;
+  }
+  HRESULT Set(DWORD enable) {
+    const HRESULT result = process.exports().PALSecurity_SetCabFilePasswordProtect(enable);
+    EXPECT_EQ(process.open_handles(), 0U);
+    return result;
+  }
+  DWORD IsOn() {
+    DWORD enabled = 99;
+    EXPECT_EQ(process.exports().PALSecurity_GetCabFilePasswordProtect(&enabled), S_OK);
+    EXPECT_EQ(process.open_handles(), 0U);
+    return enabled;
+  }
+
+  sim::Process process{device};
+};
+
+TEST_F(CabProtection, SwitchesThereAndBack) {
+  const Bytes installs = Command("wceload.exe \"%1\" /noui");
+  const Bytes checks = Command("cabchck.exe \"%1\" /noui");
+  Put(kSkin, installs);
+  Put(kCab, installs);
+  EXPECT_EQ(IsOn(), 0U);
+  for (const DWORD enable : {1U, 1U, 0U, 0U, 1U, 2U, 1U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(Set(enable), S_OK);
+    EXPECT_EQ(IsOn(), enable == 1 ? 1U : 0U);
+    EXPECT_EQ(Get(kSkin), enable == 1 ? checks : installs);
+    EXPECT_EQ(Get(kCab), enable == 1 ? checks : installs);
+  }
+  EXPECT_TRUE(TraceLines().empty());
+}
+
+TEST_F(CabProtection, IsOnWhereEitherCommandBeginsWithTheChecker) {
+  struct Case {
+    Bytes skin, cab;
+    DWORD is_on;
+  };
+  const Bytes installs = Command("wceload.exe \"%1\"");
+  for (const Case& test : {
+           Case{installs, Command("cabchck.exe \"%1\""), 1}, Case{Command("CabChck"), installs, 1},
+           Case{Units("cabchck"), installs, 1},  // not terminated
+           Case{Command("cabchc"), installs, 0}, Case{Command(" cabchck"), installs, 0},
+           Case{Command("\"cabchck\""), installs, 0}, Case{{}, {}, 0},
+           Case{{'c'}, {'c', 0, 'a'}, 0},
+           Case{Command("cabchck" + std::string(248, ' ')), installs, 1},  // 512 bytes
+           Case{Command("cabchck" + std::string(249, ' ')), installs, 0},  // too large to be read
+       }) {
+    Put(kSkin, test.skin);
+    Put(kCab, test.cab);
+    EXPECT_EQ(IsOn(), test.is_on) << std::string(test.skin.begin(), test.skin.end());
+  }
+}
+
+TEST_F(CabProtection, IsOffWithoutCommands) {
+  EXPECT_EQ(IsOn(), 0U);
+  device.registry().Create(kSkin);
+  EXPECT_EQ(IsOn(), 0U);
+  EXPECT_EQ(CategorisedLines(),
+            (std::vector<std::string>{
+                "0xC4460000 Failed to open HKLM\\tdyskin\\Shell\\Open\\Command. dwRet = 2",
+                "0xC4460000 Failed to open HKLM\\cabfile\\Shell\\Open\\Command. dwRet = 2",
+                "0xC4460000 Failed to get HKEY_CLASSES_ROOT\\tdyskin\\Shell\\Open\\Command default "
+                "value. dwRet = 2",
+                "0xC4460000 Failed to open HKLM\\cabfile\\Shell\\Open\\Command. dwRet = 2",
+            }));
+  EXPECT_EQ(process.exports().PALSecurity_GetCabFilePasswordProtect(nullptr), E_FAIL);
+}
+
+TEST_F(CabProtection, KeepsTypeAndSizeOfTheCommand) {
+  const std::string longest(248, 'x');
+  struct Case {
+    Bytes before, after;
+    DWORD type;
+  };
+  Bytes odd = Command("wceload a");
+  odd.push_back(0x77);
+  Bytes odd_after = Command("cabchck a");
+  odd_after.push_back(0x77);
+  for (const Case& test : {
+           Case{Command("wceload"), Command("cabchck"), REG_SZ},
+           Case{Command("explore.exe"), Command("cabchck.exe"), REG_EXPAND_SZ},
+           Case{odd, odd_after, REG_BINARY},
+           Case{Command("wceload" + longest), Command("cabchck" + longest), REG_SZ},
+           Case{Units(std::string("wceload\0x", 9)), Units(std::string("cabchck\0x", 9)),
+                REG_MULTI_SZ},
+       }) {
+    Put(kSkin, test.before, test.type);
+    Put(kCab, test.before, test.type);
+    EXPECT_EQ(Set(1), S_OK);
+    for (const char* key : {kSkin, kCab}) {
+      const sim::RegistryValue* value = device.registry().FindValue(key, "");
+      EXPECT_EQ(value->data, test.after);
+      EXPECT_EQ(value->type, test.type);
+    }
+  }
+}
+
+// Of two commands each in turn is one that cannot be switched.
+TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
+  struct Case {
+    Bytes command;
+    HRESULT result;
+  };
+  const Bytes good = Command("wceload.exe");
+  for (const Case& test : {
+           Case{{}, E_FAIL}, Case{Command(""), E_FAIL}, Case{Command("wceloa"), E_FAIL},
+           Case{Units("wceload"), E_FAIL},
+           Case{Units("wceload" + std::string(249, ' ')), E_FAIL},  // 512 bytes, no terminator
+           Case{{'w'}, E_FAIL},
+           Case{Command("wceload" + std::string(249, ' ')), kMoreData},  // 514 bytes
+       }) {
+    Put(kSkin, test.command);
+    Put(kCab, good);
+    EXPECT_EQ(Set(1), test.result);
+    EXPECT_EQ(Get(kSkin), test.command);
+    EXPECT_EQ(Get(kCab), good) << "the second is left alone";
+    Put(kSkin, good);
+    Put(kCab, test.command);
+    EXPECT_EQ(Set(1), test.result);
+    EXPECT_EQ(Get(kSkin), Command("cabchck.exe"));
+    EXPECT_EQ(Get(kCab), test.command);
+  }
+}
+
+TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
+  const Bytes good = Command("wceload.exe");
+  EXPECT_EQ(Set(1), kNotFound);
+  device.registry().Create(kSkin);
+  Put(kCab, good);
+  EXPECT_EQ(Set(1), kNotFound);
+  EXPECT_EQ(Get(kCab), good);
+  Put(kSkin, good);
+  device.PlanFault({.call = "RegSetValueExW", .error = 5});
+  EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070005));
+  EXPECT_EQ(Get(kSkin), good);
+  EXPECT_EQ(Get(kCab), good);
+  EXPECT_EQ(TraceLines().back(),
+            "Error writing cabchck.exe to HKEY_CLASSES_ROOT\\tdyskin\\Shell\\Open\\Command. "
+            "dwRet = 5");
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+// The scan engine: which one it is, as the library tells it, and how it stands.
+#include <fmt/core.h>
+
+#include <array>
+
+#include "configstore/device_names.h"
+#include "platform/sim/exports.h"
+#include "platform/sim/hardware/scan_engine.h"
+#include "platform/sim/text.h"
+#include "tools/palsim/commands.h"
+#include "tools/palsim/names.h"
+#include "tools/palsim/session.h"
+
+namespace palsim {
+namespace {
+
+struct StateLine {
+  std::string_view label;
+  bool sim::ScanEngineState::*member;
+  std::array<std::string_view, 2> words;  // cleared, set
+};
+
+constexpr std::array kStateLines{
+    StateLine{"Power", &sim::ScanEngineState::has_power, {"off", "on"}},
+    StateLine{"Scanning", &sim::ScanEngineState::is_enabled, {"disabled", "enabled"}},
+    StateLine{"Operation", &sim::ScanEngineState::is_downloading, {"normal", "flash download"}},
+    StateLine{"Trigger", &sim::ScanEngineState::is_triggered, {"released", "pulled"}},
+};
+
+std::string EngineText(sim::Process& process) {
+  DWORD type = 0;
+  DWORD s6_installed = 0;
+  const HRESULT result = process.exports().PALMFGOpt_InternalDeviceType(&type, &s6_installed);
+  if (result < 0) return ResultText(result);
+  if (type >= pal::kDeviceNames.size()) return fmt::format("internal device type {}", type);
+  return fmt::format("{} (internal device type {})", sim::ToUtf8(pal::kDeviceNames[type]), type);
+}
+
+}  // namespace
+
+int ShowScanEngine(const std::filesystem::path& folder) {
+  Session session(folder);
+  const sim::ScanDriver* driver = sim::FindScanDriver(session.device().hardware());
+  if (driver == nullptr) {
+    fmt::print(stderr,
+               "palsim: the device has no scan engine; [scanner] in device.toml fits one\n");
+    return kFailure;
+  }
+  fmt::print("{:<11}{}\n", "Engine", EngineText(session.process()));
+  for (const StateLine& line : kStateLines) {
+    fmt::print("{:<11}{}\n", line.label, line.words.at(driver->state().*line.member ? 1 : 0));
+  }
+  session.Save();
+  return kSuccess;
+}
+
+}  // namespace palsim
