@@ -35,8 +35,11 @@ for name in sorted(imported - allowed):
         faults.append(f"imports {name}, which the device does not have")
 faults += [f"does not export {name}" for name in sorted(expected - exported)]
 faults += [f"exports {name}, which exports.def does not name" for name in sorted(exported - expected)]
+sections = output("readelf", "--section-headers", "--wide", str(library))
+if not re.search(r" \.shared +PROGBITS .* WA ", sections):
+    faults.append("has no writable section .shared for what all processes share")
 for section, size in re.findall(r"(\.(?:pre)?init_array|\.ctors|\.fini_array)\s+\w+\s+\w+ \w+ (\w+)",
-                                output("readelf", "--section-headers", "--wide", str(library))):
+                                sections):
     if int(size, 16):
         faults.append(f"has a {section} of {int(size, 16)} bytes: static constructors")
 for fault in faults:

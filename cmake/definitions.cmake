@@ -25,6 +25,14 @@ endfunction()
 pal_read_names(${PROJECT_SOURCE_DIR}/exports.def PAL_EXPORTS)
 pal_write_names(${PAL_GENERATED}/exports.inc PAL_EXPORT ${PAL_EXPORTS})
 list(JOIN PAL_EXPORTS "; " exports)
+# "Second = First": one function under two names.
+set(PAL_EXPORT_ALIASES "")
+file(STRINGS ${PROJECT_SOURCE_DIR}/exports.def lines REGEX "^ +[A-Za-z_0-9]+ *= *[A-Za-z_0-9]+")
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "^ +([A-Za-z_0-9]+) *= *([A-Za-z_0-9]+).*" "\\1=\\2" alias "${line}")
+  list(APPEND PAL_EXPORT_ALIASES "-Wl,--defsym=${alias}")
+endforeach()
+
 # The entry is found by name here; on the device the loader knows it.
 file(CONFIGURE OUTPUT ${PAL_GENERATED}/exports.map
      CONTENT "{ global: DllMain; ${exports}; local: *; };\n" @ONLY)

@@ -9,5 +9,6 @@
 #include "palonewire.h"
 #include "palreg.h"
 #include "palsysinfo.h"
+#include "palvib.h"
 
 #endif /* PAL_H_ */

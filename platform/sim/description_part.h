@@ -7,6 +7,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -14,6 +15,8 @@
 #include <vector>
 
 #include "platform/sim/device_folder.h"
+#include "platform/sim/hardware/audio.h"
+#include "platform/sim/hardware/leds.h"
 
 namespace sim {
 
@@ -45,6 +48,15 @@ class Part {
     return *typed;
   }
 
+  [[nodiscard]] std::uint32_t Number(const toml::node& node) const {
+    constexpr std::string_view kNumber = "a number from 0 to 4294967295";
+    const std::int64_t number = As<toml::value<std::int64_t>>(node, kNumber).get();
+    if (number < 0 || number > std::int64_t{UINT32_MAX}) {
+      Fail(node.source(), fmt::format("expected {}", kNumber));
+    }
+    return static_cast<std::uint32_t>(number);
+  }
+
  private:
   [[nodiscard]] toml::table Parse(std::string_view text) const {
     try {
@@ -66,6 +78,7 @@ struct DescriptionSection {
   void (*read)(const Part& part, const toml::node& node, Device& device);
 };
 
+void ReadAudio(const Part& part, const toml::node& node, Device& device);
 void ReadModules(const Part& part, const toml::node& node, Device& device);
 void ReadOneWire(const Part& part, const toml::node& node, Device& device);
 void ReadParameters(const Part& part, const toml::node& node, Device& device);
@@ -73,6 +86,17 @@ void ReadSystem(const Part& part, const toml::node& node, Device& device);
 void ReadAdapters(const Part& part, const toml::node& node, Device& device);
 void ReadServices(const Part& part, const toml::node& node, Device& device);
 void ReadPrograms(const Part& part, const toml::node& node, Device& device);
+void ReadLeds(const Part& part, const toml::node& node, Device& device);
+void ReadVibrator(const Part& part, const toml::node& node, Device& device);
+
+// States of LEDs that differ from those that the author gives, in the part that the simulator
+// keeps; no line where none does.
+void ReadKeptLeds(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptLedsLine(const Leds& leds);
+
+// The audio's levels, in the same way.
+void ReadKeptAudio(const Part& part, const toml::node& node, Device& device);
+[[nodiscard]] std::string KeptAudioLine(const Audio& audio);
 
 }  // namespace sim
 

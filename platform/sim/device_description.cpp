@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/sim/description_part.h"
+#include "platform/sim/hardware/hardware.h"
 #include "platform/sim/host_file.h"
 
 namespace sim {
@@ -25,6 +26,9 @@ constexpr std::array kSections{
     DescriptionSection{"adapters", &ReadAdapters},
     DescriptionSection{"programs", &ReadPrograms},
     DescriptionSection{"services", &ReadServices},
+    DescriptionSection{"audio", &ReadAudio},
+    DescriptionSection{"leds", &ReadLeds},
+    DescriptionSection{"vibrator", &ReadVibrator},
 };
 
 // device.toml, in the two parts that it has.
@@ -74,18 +78,36 @@ Module WithEntries(const Part& part, const Module& known, const toml::node& list
   return module;
 }
 
-std::uint64_t ReadClock(const Part& part) {
+void ReadClock(const Part& part, const toml::node& node, Device& device) {
+  constexpr std::string_view kExpected = "milliseconds from 0 up: clock_ms = 0";
+  const std::int64_t ms = part.As<toml::value<std::int64_t>>(node, kExpected).get();
+  if (ms < 0) part.Fail(node.source(), fmt::format("expected {}", kExpected));
+  device.set_now_ms(static_cast<std::uint64_t>(ms));
+}
+
+// Of the kept part, one key of its only table: [state].
+struct KeptValue {
+  std::string_view key;
+  void (*read)(const Part& part, const toml::node& node, Device& device);
+};
+
+constexpr std::array kKeptValues{
+    KeptValue{"clock_ms", &ReadClock},
+    KeptValue{"leds", &ReadKeptLeds},
+    KeptValue{"audio", &ReadKeptAudio},
+};
+
+void ReadState(const Part& part, Device& device) {
   part.Allow(part.table(), {"state"});
   const toml::node* node = part.table().get("state");
-  if (node == nullptr) return 0;
+  if (node == nullptr) return;
   const auto& state = part.As<toml::table>(*node, "a table: [state]");
-  part.Allow(state, {"clock_ms"});
-  constexpr std::string_view kExpected = "milliseconds from 0 up: clock_ms = 0";
-  const toml::node* clock = state.get("clock_ms");
-  if (clock == nullptr) return 0;
-  const std::int64_t ms = part.As<toml::value<std::int64_t>>(*clock, kExpected).get();
-  if (ms < 0) part.Fail(clock->source(), fmt::format("expected {}", kExpected));
-  return static_cast<std::uint64_t>(ms);
+  std::vector<std::string_view> allowed;
+  for (const KeptValue& value : kKeptValues) allowed.push_back(value.key);
+  part.Allow(state, allowed);
+  for (const KeptValue& value : kKeptValues) {
+    if (const toml::node* kept = state.get(value.key)) value.read(part, *kept, device);
+  }
 }
 
 }  // namespace
@@ -122,20 +144,22 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   }
   const auto lines = std::count(description.author.begin(), description.author.end(), '\n');
   const Part kept(file, description.kept, static_cast<std::size_t>(lines));
-  device.set_now_ms(ReadClock(kept));
+  ReadState(kept, device);
   return identity;
 }
 
-std::string WithState(const std::string& text, std::uint64_t clock_ms) {
+std::string WithState(const std::string& text, Device& device) {
   const Description description = Split(text);
+  const std::string kept =
+      KeptLedsLine(device.hardware().leds) + KeptAudioLine(device.hardware().audio);
   std::string result = description.author;
   if (description.kept.empty()) {
-    if (clock_ms == 0) return text;
+    if (device.now_ms() == 0 && kept.empty()) return text;
     if (!result.ends_with('\n')) result += '\n';
     result += '\n';
   }
   result += kMarkerLine;
-  return result + fmt::format("[state]\nclock_ms = {}\n", clock_ms);
+  return result + fmt::format("[state]\nclock_ms = {}\n{}", device.now_ms(), kept);
 }
 
 }  // namespace sim

@@ -2,7 +2,6 @@
 #ifndef PLATFORM_SIM_DEVICE_DESCRIPTION_H_
 #define PLATFORM_SIM_DEVICE_DESCRIPTION_H_
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -14,9 +13,9 @@ namespace sim {
 // use.
 DeviceIdentity LoadDescription(Device& device, const std::filesystem::path& file);
 
-// The text of such a file with another state; its author's part stays as it is, and so does a text
-// that has no state where there is none to keep.
-[[nodiscard]] std::string WithState(const std::string& text, std::uint64_t clock_ms);
+// The text of such a file with the state that a device has now; its author's part stays as it is,
+// and so does a text that has no state where there is none to keep.
+[[nodiscard]] std::string WithState(const std::string& text, Device& device);
 
 }  // namespace sim
 

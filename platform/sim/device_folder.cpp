@@ -79,7 +79,7 @@ class Saver {
  private:
   void SaveDescription() {
     const fs::path file = folder_ / "device.toml";
-    ReplaceHostFile(file, temporary_, WithState(ReadHostFile(file), device_.now_ms()));
+    ReplaceHostFile(file, temporary_, WithState(ReadHostFile(file), device_));
   }
 
   // A text that says the same already stays, with its author's comments.

@@ -14,19 +14,10 @@ constexpr std::string_view kHexadecimal = "bytes as hexadecimal digits: \"01 0A 
 constexpr std::string_view kAnswer =
     "a text, or a table with hex or error: { hex = \"01 0A\", returned = 2 }, { error = 31 }";
 
-std::uint32_t ReadNumber(const Part& part, const toml::node& node) {
-  constexpr std::string_view kNumber = "a number from 0 to 4294967295";
-  const std::int64_t number = part.As<toml::value<std::int64_t>>(node, kNumber).get();
-  if (number < 0 || number > std::int64_t{UINT32_MAX}) {
-    part.Fail(node.source(), fmt::format("expected {}", kNumber));
-  }
-  return static_cast<std::uint32_t>(number);
-}
-
 // Of a key that may be missing.
 void ReadNumber(const Part& part, const toml::table& table, std::string_view key,
                 std::uint32_t& number) {
-  if (const toml::node* node = table.get(key)) number = ReadNumber(part, *node);
+  if (const toml::node* node = table.get(key)) number = part.Number(*node);
 }
 
 template <class Number>
@@ -60,9 +51,9 @@ QueryAnswer ReadAnswer(const Part& part, const toml::node& node, const Encode& e
   }
   QueryAnswer answer;
   if (hex != nullptr) answer.bytes = ReadBytes(part, *hex);
-  if (error != nullptr) answer.error = ReadNumber(part, *error);
+  if (error != nullptr) answer.error = part.Number(*error);
   if (const toml::node* returned = table.get("returned")) {
-    answer.returned = ReadNumber(part, *returned);
+    answer.returned = part.Number(*returned);
   }
   return answer;
 }

@@ -8,7 +8,9 @@
 #include <memory>
 #include <vector>
 
+#include "platform/sim/hardware/audio.h"
 #include "platform/sim/hardware/driver.h"
+#include "platform/sim/hardware/leds.h"
 #include "platform/sim/hardware/network.h"
 #include "platform/sim/hardware/query_answer.h"
 #include "platform/sim/hardware/system.h"
@@ -21,6 +23,8 @@ struct Hardware {
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
   std::vector<std::shared_ptr<Driver>> drivers;
+  Audio audio;
+  Leds leds;
 };
 
 }  // namespace sim

@@ -95,11 +95,22 @@ void Kernel::EndThread(ThreadState& thread) {
   thread.object->ServeWaiters(scheduler);
 }
 
+void Kernel::StopSound(const ThreadState& thread) {
+  const auto playing = hardware.audio.sounds.find(thread.process.id);
+  if (playing == hardware.audio.sounds.end()) return;
+  const Sound sound = std::move(playing->second);
+  hardware.audio.sounds.erase(playing);
+  Log(&thread, Effect::kAudio, fmt::format("sound stops {}", Escape(sound.path)));
+  sound.stopped->set_signalled(true);
+  sound.stopped->ServeWaiters(scheduler);
+}
+
 void Kernel::BeginKill(ProcessState& process) {
   if (process.killed || !process.alive) return;
   process.killed = true;
   process.alive = false;
   Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
+  StopSound(*process.main_thread);
   for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
   // The main thread of a program is one of them. Any other stands on the driver's strand, which may
   // wait for something else just now.
@@ -110,6 +121,7 @@ void Kernel::BeginKill(ProcessState& process) {
 }
 
 void Kernel::CloseEverything(ProcessState& process, bool is_misuse) {
+  StopSound(*process.main_thread);
   for (const std::string& left : handles.CloseAll(process.id)) {
     if (is_misuse) Misuse(*process.main_thread, "left open at the end: " + left);
   }

@@ -58,11 +58,14 @@ class Kernel {
                         const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms);
   // The end of a thread: its mutexes are abandoned, those that wait for it go on.
   void EndThread(ThreadState& thread);
+  // Cuts short what the thread's process plays.
+  void StopSound(const ThreadState& thread);
   // Marks a process as ended and wakes its threads, so that each leaves where it waits.
   void BeginKill(ProcessState& process);
 
   [[nodiscard]] const Module* FindModule(std::string_view name) const;
-  // Closes what a process that ends still holds; where that is wrong, says so.
+  // Ends what a process that ends still plays, and closes what it still holds; where that is wrong,
+  // says so.
   void CloseEverything(ProcessState& process, bool is_misuse);
 };
 

@@ -1,0 +1,91 @@
+// The vibrator: whether there is one, its preset, and a vibration.
+#include "feedback/notification_led.h"
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/trace.h"
+#include "include/palvib.h"
+
+namespace {
+
+constexpr pal::TraceSource kTrace{pal::Facility::kVibrator};
+
+// Where the preset stands, for all processes that have the library loaded; nothing else is in this
+// section. Not const: what is const needs no sharing and may go elsewhere.
+[[gnu::section(".shared")]] constinit WCHAR preset_key[] = TEXT("SOFTWARE\\Dravonel\\PAL");
+[[gnu::section(".shared")]] constinit WCHAR preset_value[] = TEXT("VibratePresetIndex");
+
+constexpr DWORD kFirstPreset = 1;
+constexpr DWORD kLastPreset = 9;
+// The LED number of preset n is this and n: -899 to -891.
+constexpr LONG kPresetBase = -900;
+
+constexpr UINT kLedNumbers = 10;
+constexpr LONG kVibratorCycleAdjust = -1;
+
+HRESULT ReadPreset(DWORD& preset) {
+  return PALRegGetDword(HKEY_LOCAL_MACHINE, preset_key, preset_value, &preset);
+}
+
+HRESULT SetVibrateWithPreset() {
+  DWORD preset = 0;
+  const HRESULT result = ReadPreset(preset);
+  if (pal::Failed(result)) {
+    kTrace.Error("SetVibrateWithPreset - Unable to read preset index. hr: 0x%x\r\n", result);
+    return result;
+  }
+  if (preset < kFirstPreset || preset > kLastPreset) return E_FAIL;
+  const LONG number = kPresetBase + static_cast<LONG>(preset);
+  kTrace.Info("SetVibrateWithPreset - System vibrate preset: %d\r\n", number);
+  if (!pal::SetNotificationLed(number, pal::kLedBlink)) {
+    kTrace.Error("SetVibrateWithPreset: NLedSetDevice error. fStat: %d\r\n", FALSE);
+    return E_FAIL;
+  }
+  return result;
+}
+
+}  // namespace
+
+HRESULT PALAPI PALVIBIsInstalled() {
+  HRESULT result = S_OK;
+  for (UINT number = 0; number < kLedNumbers; ++number) {
+    NLED_SUPPORTS_INFO supports{};
+    supports.LedNum = number;
+    if (NLedGetDeviceInfo(NLED_SUPPORTS_INFO_ID, &supports) == FALSE) {
+      result = E_FAIL;
+      kTrace.Error("IsVibrateInstalled - ERROR NLedGetDeviceInfo. LEDIndex:%d\r\n", number);
+    } else if (supports.lCycleAdjust == kVibratorCycleAdjust) {
+      kTrace.Info("IsVibrateInstalled - Vibrate was found. LEDIndex:%d\r\n", number);
+      return S_OK;
+    }
+  }
+  return result;
+}
+
+HRESULT PALAPI PALVIBSetVibratePreset(DWORD preset) {
+  kTrace.Info("SetVibratePreset - Vibrate preset index: %d\r\n", preset);
+  const HRESULT result = PALRegSetDword(HKEY_LOCAL_MACHINE, preset_key, preset_value, preset);
+  if (pal::Failed(result)) {
+    kTrace.Error("SetVibratePreset - ERROR cannot write preset: %d, to reg. hr: 0x%x\r\n", preset,
+                 result);
+  }
+  return result;
+}
+
+HRESULT PALAPI PALVIBGetVibratePreset(DWORD* preset) {
+  if (preset == nullptr) return E_FAIL;
+  DWORD stored = 0;
+  const HRESULT result = ReadPreset(stored);
+  if (pal::Failed(result)) {
+    kTrace.Error("GetVibratePreset - ERROR reading preset index. hr: 0x%x\r\n", result);
+    return result;
+  }
+  *preset = stored;
+  return result;
+}
+
+// Also exported as PALVIBVibrateEx.
+HRESULT PALAPI PALVIBVibrate(DWORD /*ignored*/) {
+  const HRESULT result = SetVibrateWithPreset();
+  if (pal::Failed(result)) kTrace.Error("Vibrate - Vibrate failed. hr: 0x%x\r\n", result);
+  return result;
+}
