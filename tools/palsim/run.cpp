@@ -23,7 +23,12 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   const Timeline timeline = MakeTimeline(run);
   if (options.text) fmt::print("{}", TimelineText(timeline));
   if (!options.html.empty()) WriteFile(options.html, TimelinePage(timeline));
-  if (!options.wav.empty()) WriteFile(options.wav, SoundOfRun(timeline, files));
+  if (options.wav.empty()) return;
+  const RunSound sound = SoundOfRun(timeline, files);
+  WriteFile(options.wav, sound.wav);
+  for (const std::string& path : sound.missing) {
+    fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n", path);
+  }
 }
 
 void MakeDeviceFor(const Scenario& scenario, const std::filesystem::path& folder) {

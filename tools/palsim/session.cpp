@@ -4,12 +4,16 @@
 
 #include <fstream>
 
+#include "platform/sim/hardware/hardware.h"
+
 namespace palsim {
 
 Session::Session(std::filesystem::path folder) : folder_(std::move(folder)) {
   identity_ = sim::LoadDevice(device_, folder_);
   record_.device = fmt::format("{}: {}", identity_.name, identity_.description);
   record_.start_ms = device_.now_ms();
+  record_.volume = device_.hardware().audio.levels.volume;
+  record_.gain = device_.hardware().audio.levels.gain;
 }
 
 void Session::set_title(std::string title, std::vector<std::string> about) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/sim/hardware/hardware.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "platform/sim/text.h"
 #include "platform/wince.h"
@@ -110,6 +111,19 @@ void ExpectNoValue(Stage& stage, const Filled& filled) {
   const sim::RegistryValue* value = FindValue(stage, filled);
   stage.Expect(value == nullptr, "no " + filled.Text("VALUE"),
                value != nullptr ? sim::ValueText(*value) : "none");
+}
+
+void ExpectVolume(Stage& stage, const Filled& filled) {
+  const auto wanted = static_cast<std::uint32_t>(ParseNumber(filled.Text("NUMBER")));
+  const std::uint32_t volume = stage.device().hardware().audio.levels.volume;
+  stage.Expect(volume == wanted, fmt::format("the volume to be 0x{:08X}", wanted),
+               fmt::format("0x{:08X}", volume));
+}
+
+void ExpectGain(Stage& stage, const Filled& filled) {
+  const auto wanted = static_cast<std::uint32_t>(ParseNumber(filled.Text("NUMBER")));
+  const std::uint32_t gain = stage.device().hardware().audio.levels.gain;
+  stage.Expect(gain == wanted, fmt::format("the gain to be {}", wanted), fmt::format("{}", gain));
 }
 
 void ExpectNoLine(Stage& stage, const Filled& filled) {

@@ -45,6 +45,8 @@ const std::vector<StatementForm>& StatementForms() {
        &ExpectArgument},
       {"expect value VALUE = DATA...", "what the registry holds now", &ExpectValue},
       {"expect no value VALUE", "the registry does not have it now", &ExpectNoValue},
+      {"expect volume NUMBER", "the wave volume now", &ExpectVolume},
+      {"expect gain NUMBER", "the codec's gain now", &ExpectGain},
       {"expect no EFFECT TEXT...", "the journal has no such line", &ExpectNoLine},
       {"expect COUNT times EFFECT TEXT...", "how many such lines it has", &ExpectLineCount},
       {"expect EFFECT TEXT... by PROCESS at TIME", "by whom and when", &ExpectLine},

@@ -34,6 +34,8 @@ void ExpectKilled(Stage& stage, const Filled& filled);
 void ExpectArgument(Stage& stage, const Filled& filled);
 void ExpectValue(Stage& stage, const Filled& filled);
 void ExpectNoValue(Stage& stage, const Filled& filled);
+void ExpectVolume(Stage& stage, const Filled& filled);
+void ExpectGain(Stage& stage, const Filled& filled);
 void ExpectNoLine(Stage& stage, const Filled& filled);
 void ExpectLineCount(Stage& stage, const Filled& filled);
 void ExpectLine(Stage& stage, const Filled& filled);

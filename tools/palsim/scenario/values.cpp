@@ -111,7 +111,10 @@ std::uint32_t ParseTime(const Words& words) {
 }
 
 std::string TimeText(std::uint64_t ms) {
-  if (ms >= 1000 && ms % 1000 == 0) return fmt::format("{} s", ms / 1000);
+  return ms >= 1000 && ms % 1000 == 0 ? fmt::format("{} s", ms / 1000) : MomentText(ms);
+}
+
+std::string MomentText(std::uint64_t ms) {
   if (ms < 10000) return fmt::format("{} ms", ms);
   return fmt::format("{}.{:03} s", ms / 1000, ms % 1000);
 }

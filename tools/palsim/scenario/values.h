@@ -17,7 +17,9 @@ void CheckValues(const Filled& filled);
 
 // "120 ms", "2 s". Throws UsageError.
 [[nodiscard]] std::uint32_t ParseTime(const Words& words);
+// A length of time; and a moment, always with its milliseconds.
 [[nodiscard]] std::string TimeText(std::uint64_t ms);
+[[nodiscard]] std::string MomentText(std::uint64_t ms);
 
 // A registry value by its key's path and its name: HKLM\SOFTWARE\Dravonel\PAL\TethGRI.
 struct ValuePath {

@@ -5,33 +5,32 @@
 #include <algorithm>
 
 #include "tools/palsim/scenario/values.h"
+#include "tools/palsim/timeline/journal_text.h"
 
 namespace palsim {
 namespace {
 
 constexpr ScaleSizes kSizes{.width = 960, .least_interval = 10, .gap = 68};
-constexpr double kLeft = 14;    // before the axis begins
-constexpr double kRight = 150;  // for the last labels
+constexpr double kLeft = 58;  // before the axis begins: the levels before the run
+constexpr double kMargin = 8;
+constexpr double kRight = 160;  // for the last labels
 constexpr double kAxisHeight = 34;
 constexpr double kRowHeight = 26;
+constexpr double kLeastLane = 40;
+constexpr double kLanePadding = 5;
 constexpr double kBarHeight = 18;
 constexpr double kLeastBar = 4;
 constexpr double kLevelHeight = 62;
 constexpr double kTextGap = 6;
 constexpr std::size_t kMostRows = 8;
-constexpr std::size_t kColours = 6;
 
 std::string SpanTitle(std::string_view what, std::uint64_t begin, std::uint64_t end) {
-  return fmt::format("{}\n{} to {}: {}", what, TimeText(begin), TimeText(end),
+  return fmt::format("{}\n{} to {}: {}", what, MomentText(begin), MomentText(end),
                      TimeText(end - begin));
 }
 
 std::string NumberLabel(std::uint32_t value) {
   return fmt::format("{}", value);
-}
-
-double Overlap(const std::pair<double, double>& left, double from, double to) {
-  return std::min(left.second, to) - std::max(left.first, from);
 }
 
 }  // namespace
@@ -125,26 +124,25 @@ void Chart::AddBars(const std::string& name, const std::string& kind,
   const std::vector<Placed> placed = Place(bars);
   std::size_t rows = 1;
   for (const Placed& place : placed) rows = std::max(rows, place.row + 1);
-  BeginLane(name, kind, static_cast<double>(rows) * kRowHeight + 6);
-  top_ += 3;
+  BeginLane(name, kind,
+            std::max(kLeastLane, static_cast<double>(rows) * kRowHeight + 2 * kLanePadding));
+  top_ += kLanePadding;
   for (std::size_t index = 0; index < bars.size(); ++index) DrawBar(bars[index], placed[index]);
-  top_ -= 3;
+  top_ -= kLanePadding;
   EndLane();
 }
 
 std::string Chart::Colour(std::uint32_t process) const {
   const auto found = std::ranges::find(timeline_.processes, process, &Span::process);
   const auto index = static_cast<std::size_t>(found - timeline_.processes.begin());
-  return fmt::format("p{}", index % kColours);
+  return fmt::format("p{}", index % kProcessColours);
 }
 
 void Chart::AddOutside() {
   std::vector<Bar> bars;
   for (const OutsideEvent& event : timeline_.outside) {
-    // A registry path's last part says enough; the whole is in the title.
-    const std::string text = event.text.substr(event.text.find_last_of('\\') + 1);
-    bars.push_back({event.time, event.time, text, "outside",
-                    fmt::format("{}\nat {}", event.text, TimeText(event.time))});
+    bars.push_back({event.time, event.time, ShortText(event.text), "outside",
+                    fmt::format("{}\nat {}", event.text, MomentText(event.time))});
   }
   if (!bars.empty()) AddBars("from outside", "events", bars);
 }
@@ -157,12 +155,12 @@ void Chart::AddProcesses() {
       bars.push_back({call.begin, call.end, call.call, Colour(process.process),
                       SpanTitle(call.call + " = " + result, call.begin, call.end)});
     }
-    const double life_y = top_ + 3 + kRowHeight / 2;
+    const double life_y = top_ + kLanePadding + kRowHeight / 2;
     const double from = kLeft + scale_.At(process.begin);
     const double to = std::max(from + 2, kLeft + scale_.At(process.end));
     plot_.Line(from, life_y, to, life_y, "life " + Colour(process.process));
+    if (process.killed) plot_.Line(to, life_y - 12, to, life_y + 12, "killed");
     AddBars(process.name, fmt::format("process {}", process.process), bars);
-    if (process.killed) plot_.Text(to + 2, life_y + 5, "✕", "killed", process.name + " killed");
   }
 }
 
@@ -209,8 +207,9 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
   const auto y_of = [&](std::uint32_t value) {
     return bottom - (height_ - 4 - kRoomAbove) * static_cast<double>(value) / most;
   };
-  std::string line;
-  double label_end = 0;
+  std::string line = fmt::format("M{:.1f} {:.1f}H{:.1f}", kMargin, y_of(levels[0].value), kLeft);
+  plot_.Text(kMargin, y_of(levels[0].value) - 5, text(levels[0].value), "level", "before the run");
+  double label_end = kMargin;
   for (std::size_t index = 0; index < levels.size(); ++index) {
     const Level& level = levels[index];
     const bool is_last = index + 1 == levels.size();
@@ -218,20 +217,21 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
     const double x = kLeft + scale_.At(level.time);
     const double end = kLeft + scale_.At(until);
     const double y = y_of(level.value);
-    line += fmt::format("{}{:.1f} {:.1f}H{:.1f}", line.empty() ? "M" : "L", x, y, end);
+    line += fmt::format("H{:.1f}V{:.1f}H{:.1f}", x, y, end);
     const std::string label = text(level.value);
     plot_.Rectangle(x, top_, std::max(kLeastBar, end - x), height_, "hit",
                     SpanTitle(label, level.time, until));
-    const bool changes = index == 0 || levels[index - 1].value != level.value;
-    if ((until == level.time && !is_last) || !changes || x + 3 < label_end) continue;
+    const bool changes = index > 0 && levels[index - 1].value != level.value;
+    if (!changes || (until == level.time && !is_last) || x + 3 < label_end) continue;
     plot_.Text(x + 3, y - 5, label, "level");
     label_end = x + 3 + TextWidth(label) + kTextGap;
   }
-  const double first = kLeft + scale_.At(levels.front().time);
   const double last = kLeft + scale_.At(timeline_.length_ms);
-  plot_.Path(fmt::format("{}V{:.1f}H{:.1f}Z", line, bottom, first), classes + " area");
+  plot_.Text(last + kTextGap, y_of(levels.back().value) + 4, text(levels.back().value), "level",
+             "after the run");
+  plot_.Path(fmt::format("{}V{:.1f}H{:.1f}Z", line, bottom, kMargin), classes + " area");
   plot_.Path(line, classes + " curve");
-  plot_.Line(first, bottom, last, bottom, "base");
+  plot_.Line(kMargin, bottom, last, bottom, "base");
 }
 
 void Chart::AddVolume() {
@@ -289,43 +289,23 @@ void Chart::AddLeds() {
 }
 
 void Chart::AddAxis() {
-  std::vector<std::pair<double, double>> taken;
+  const double text_y = kAxisHeight - 12;
   for (const TimeScale::Interval& interval : scale_.intervals()) {
     if (!interval.cut) continue;
-    const double from = kLeft + interval.from + 4;
-    const double width = interval.to - interval.from - 8;
+    const double from = kLeft + interval.from + 3;
+    const double width = interval.to - interval.from - 6;
     back_.Rectangle(from, 4, width, top_ - 4, "gap");
     const std::string text = TimeText(interval.end - interval.begin);
-    plot_.Text(from + width / 2, kAxisHeight - 12, text, "axis gaptext",
+    plot_.Text(from + width / 2, text_y, text, "axis gaptext",
                fmt::format("{} in which nothing changes", text));
-    taken.emplace_back(from - 2, from + width + 2);
   }
-  AddTicks(std::move(taken));
+  for (const TimeScale::Tick& tick : scale_.Ticks(TextWidth("0"))) {
+    back_.Line(kLeft + tick.at, kAxisHeight - 24, kLeft + tick.at, top_, "tick");
+    plot_.Text(kLeft + tick.at + 4, text_y, tick.text, "axis");
+  }
   for (const OutsideEvent& event : timeline_.outside) {
     const double x = kLeft + scale_.At(event.time);
     back_.Line(x, kAxisHeight, x, top_, "moment");
-  }
-}
-
-void Chart::AddTicks(std::vector<std::pair<double, double>> taken) {
-  constexpr double kRoom = 76;
-  const std::uint64_t step = scale_.TickStep(kRoom);
-  for (const TimeScale::Interval& interval : scale_.intervals()) {
-    if (interval.cut) continue;
-    for (std::uint64_t tick = (interval.begin + step - 1) / step * step; tick <= interval.end;
-         tick += step) {
-      const double x = kLeft + scale_.At(tick);
-      const std::string text = TimeText(tick);
-      const double half = tick == 0 ? 0 : TextWidth(text) / 2;
-      const double from = tick == 0 ? x : x - half;
-      const double to = from + TextWidth(text);
-      const bool is_free = std::ranges::none_of(
-          taken, [&](const auto& other) { return Overlap(other, from - 4, to + 4) > 0; });
-      if (!is_free) continue;
-      taken.emplace_back(from, to);
-      back_.Line(x, kAxisHeight - 6, x, top_, "tick");
-      plot_.Text(from, kAxisHeight - 12, text, "axis");
-    }
   }
 }
 

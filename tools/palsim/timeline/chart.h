@@ -3,7 +3,6 @@
 #define TOOLS_PALSIM_TIMELINE_CHART_H_
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tools/palsim/timeline/svg.h"
@@ -11,6 +10,9 @@
 #include "tools/palsim/timeline/timeline.h"
 
 namespace palsim {
+
+// How many classes p0, p1, ... the page has for processes; behind the last they begin anew.
+constexpr std::size_t kProcessColours = 6;
 
 class Chart {
  public:
@@ -41,7 +43,6 @@ class Chart {
   void AddVibrations();
   void AddLeds();
   void AddAxis();
-  void AddTicks(std::vector<std::pair<double, double>> taken);
 
   // Opens a lane; what is drawn then stands between top_ and the height.
   void BeginLane(const std::string& name, const std::string& kind, double height);

@@ -42,6 +42,17 @@ std::optional<std::uint32_t> NumberAfter(std::string_view text, std::string_view
   return NumberAt(text.substr(found + words.size()));
 }
 
+std::string ShortText(const std::string& text) {
+  const std::size_t quote = text.find(" \"");
+  const std::size_t end = text.find('"', quote + 2);
+  if (!text.starts_with("HKEY_") || end == std::string::npos) return text;
+  const std::string name = text.substr(quote + 2, end - quote - 2);
+  const std::string data = text.substr(end + 1);
+  if (!data.starts_with("=dword:")) return name + data;
+  const auto number = NumberAt("0x" + data.substr(7));
+  return number ? name + " = " + std::to_string(*number) : name + data;
+}
+
 std::optional<SoundBeginning> SoundBegun(std::string_view text) {
   constexpr std::string_view kLooping = " ms, looping";
   std::optional<std::string_view> rest = Behind(text, "sound begins ");

@@ -20,6 +20,9 @@ namespace palsim {
 [[nodiscard]] std::optional<std::uint32_t> NumberAfter(std::string_view text,
                                                        std::string_view words);
 
+// A registry line as its value alone, "Headset = 1"; any other text as it is.
+[[nodiscard]] std::string ShortText(const std::string& text);
+
 // "sound begins \Windows\a.wav 120 ms, looping"
 struct SoundBeginning {
   std::string path;

@@ -57,6 +57,8 @@ text { font: 12px system-ui, "Segoe UI", Roboto, "DejaVu Sans", sans-serif; fill
 .tick { stroke: var(--tick); }
 .moment { stroke: var(--moment); stroke-dasharray: 3 4; opacity: .55; }
 .gap { fill: url(#break); opacity: .8; }
+text.out, text.level { paint-order: stroke; stroke: var(--card); stroke-width: 4px;
+  stroke-linejoin: round; }
 text.axis { font-size: 11px; fill: var(--muted); }
 text.gaptext { text-anchor: middle; font-weight: 600; }
 .life { stroke-width: 2; opacity: .55; }
@@ -74,7 +76,7 @@ text.in.led { fill: var(--led-ink); }
 .bar.blinks { fill: url(#blink); stroke: var(--led); }
 text.in.blinks { fill: var(--ink); }
 .bar:hover { filter: brightness(1.12); }
-text.killed { fill: var(--moment); font-size: 15px; font-weight: 700; }
+.killed { stroke: var(--moment); stroke-width: 4; }
 .curve { fill: none; stroke: var(--own); stroke-width: 2; }
 .area { fill: var(--own); opacity: .16; pointer-events: none; }
 .curve, .base { pointer-events: none; }
@@ -91,7 +93,8 @@ td.time { text-align: right; white-space: nowrap; font-variant-numeric: tabular-
 td.who { white-space: nowrap; }
 td.who i { display: inline-block; width: 9px; height: 9px; border-radius: 2px; margin-right: 7px;
   background: var(--own, var(--gap)); }
-td.what { overflow-wrap: anywhere; min-width: 260px; }
+td.what { overflow-wrap: anywhere; min-width: 260px; width: 66%; }
+th:first-child { text-align: right; }
 td.kind { color: var(--muted); }
 details { color: var(--muted); }
 summary { cursor: pointer; }
@@ -99,11 +102,12 @@ details div { font: 12px/1.5 ui-monospace, "DejaVu Sans Mono", monospace; overfl
 @media (max-width: 600px) {
   main { padding: 18px 12px 40px; }
   h1 { font-size: 21px; }
-  .names { flex-basis: 96px; }
+  .names { flex-basis: 112px; }
   .name { padding-left: 8px; padding-right: 4px; }
-  .name b { font-size: 12px; }
+  .name b { font-size: 11.5px; }
   th, td { padding: 4px 8px; }
-  td.what { min-width: 180px; }
+  td.what { min-width: 0; }
+  th:nth-child(3), td.kind { display: none; }
 }
 )";
 
@@ -125,13 +129,13 @@ std::string EntryRow(const Timeline& timeline, const sim::JournalEntry& entry) {
   std::string colour;
   for (std::size_t index = 0; index < timeline.processes.size(); ++index) {
     if (timeline.processes[index].process == entry.process_id) {
-      colour = fmt::format("p{}", index % 6);
+      colour = fmt::format("p{}", index % kProcessColours);
     }
   }
   return fmt::format(
       "<tr><td class=\"time\">{}</td><td class=\"who {}\"><i></i>{}</td><td class=\"kind\">{}</td>"
       "<td class=\"what\">{}</td></tr>\n",
-      TimeText(entry.time_ms), colour, EscapeHtml(name), sim::EffectName(entry.effect),
+      MomentText(entry.time_ms), colour, EscapeHtml(name), sim::EffectName(entry.effect),
       EscapeHtml(ReadableText(entry)));
 }
 
@@ -139,13 +143,13 @@ std::string FoldedRow(const std::vector<const sim::JournalEntry*>& lines) {
   if (lines.empty()) return {};
   std::string folded;
   for (const sim::JournalEntry* line : lines) {
-    folded += fmt::format("<div>{} {}: {}</div>\n", TimeText(line->time_ms),
+    folded += fmt::format("<div>{} {}: {}</div>\n", MomentText(line->time_ms),
                           CategoryText(line->category), EscapeHtml(line->text));
   }
   return fmt::format(
       "<tr><td class=\"time\">{}</td><td></td><td class=\"kind\">trace</td><td class=\"what\">"
       "<details><summary>{} line{} in the event log</summary>\n{}</details></td></tr>\n",
-      TimeText(lines.front()->time_ms), lines.size(), lines.size() == 1 ? "" : "s", folded);
+      MomentText(lines.front()->time_ms), lines.size(), lines.size() == 1 ? "" : "s", folded);
 }
 
 std::string Table(const Timeline& timeline) {

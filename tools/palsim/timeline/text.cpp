@@ -53,23 +53,11 @@ class Row {
 };
 
 std::string AxisLine(const TimeScale& scale) {
-  constexpr std::size_t kRoom = 9;
   Row row(scale);
-  std::size_t free = 0;
-  const std::uint64_t step = scale.TickStep(kRoom);
   for (const TimeScale::Interval& interval : scale.intervals()) {
-    if (interval.cut) {
-      row.Fill(interval.begin, interval.end, "~");
-      free = static_cast<std::size_t>(interval.to) + 1;
-      continue;
-    }
-    for (std::uint64_t tick = (interval.begin + step - 1) / step * step; tick <= interval.end;
-         tick += step) {
-      if (static_cast<std::size_t>(scale.At(tick)) < free) continue;
-      row.Write(tick, fmt::format("|{}", TimeText(tick)));
-      free = static_cast<std::size_t>(scale.At(tick)) + kRoom;
-    }
+    if (interval.cut) row.Fill(interval.begin, interval.end, "~");
   }
+  for (const TimeScale::Tick& tick : scale.Ticks(1)) row.Write(tick.time, "|" + tick.text);
   return row.Line("");
 }
 
@@ -88,12 +76,25 @@ std::string ProcessLines(const Timeline& timeline, const TimeScale& scale) {
 std::string MutexLines(const Timeline& timeline, const TimeScale& scale) {
   std::string lines;
   for (const MutexLine& mutex : timeline.mutexes) {
-    Row row(scale);
-    for (const WaitSpan& wait : mutex.waits) row.Fill(wait.begin, wait.end, "·");
-    for (const HoldSpan& hold : mutex.holds) row.Fill(hold.begin, hold.end, "▒");
-    lines += row.Line(mutex.name);
+    Row holds(scale);
+    for (const HoldSpan& hold : mutex.holds) holds.Fill(hold.begin, hold.end, "▒");
+    lines += holds.Line(mutex.name);
+    Row waits(scale);
+    for (const WaitSpan& wait : mutex.waits) waits.Fill(wait.begin, wait.end, "·");
+    if (!mutex.waits.empty()) lines += waits.Line("  waited for");
   }
   return lines;
+}
+
+// The level behind each change.
+std::string LevelLine(std::string_view label, const std::vector<Level>& levels,
+                      const TimeScale& scale, std::uint32_t (*number)(std::uint32_t)) {
+  if (levels.empty()) return {};
+  Row row(scale);
+  for (const Level& level : levels) {
+    row.Write(level.time, fmt::format("{:<4}", number(level.value)));
+  }
+  return row.Line(label);
 }
 
 std::string SoundLines(const Timeline& timeline, const TimeScale& scale) {
@@ -101,6 +102,9 @@ std::string SoundLines(const Timeline& timeline, const TimeScale& scale) {
   Row sounds(scale);
   for (const SoundSpan& sound : timeline.sounds) sounds.Fill(sound.begin, sound.end, "♪");
   if (!timeline.sounds.empty()) lines += sounds.Line("sound");
+  lines += LevelLine("volume %", timeline.volume, scale,
+                     [](std::uint32_t word) { return (word & 0xFFFF) * 100 / 0xFFFF; });
+  lines += LevelLine("gain", timeline.gain, scale, [](std::uint32_t gain) { return gain; });
   Row vibrations(scale);
   for (const VibrationSpan& span : timeline.vibrations) vibrations.Fill(span.begin, span.end, "≈");
   if (!timeline.vibrations.empty()) lines += vibrations.Line("vibration");
@@ -135,7 +139,7 @@ std::string Entries(const Timeline& timeline) {
   std::string last_name;
   for (const sim::JournalEntry& entry : timeline.run.entries) {
     if (IsForTheLogAlone(entry)) continue;
-    std::string time = TimeText(entry.time_ms);
+    std::string time = MomentText(entry.time_ms);
     std::string name = timeline.ProcessName(entry.process_id);
     const bool same_time = time == last_time;
     const bool same_name = same_time && name == last_name;
@@ -155,6 +159,10 @@ std::string ReadableText(const sim::JournalEntry& entry) {
     if (equals == std::string::npos) return "calls " + entry.text;
     return fmt::format("{} returns {}", entry.text.substr(0, equals + 1),
                        entry.text.substr(equals + 4));
+  }
+  if (entry.effect == Effect::kProcess) {
+    const auto [name, what] = SplitAtWord(entry.text, {"started", "ended", "killed"});
+    return what.empty() ? entry.text : what == "killed" ? "is killed" : what;
   }
   if (const auto word = NumberAfter(entry.text, "volume ");
       entry.effect == Effect::kAudio && word) {

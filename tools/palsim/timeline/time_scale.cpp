@@ -2,14 +2,16 @@
 
 #include <algorithm>
 
+#include "tools/palsim/scenario/values.h"
 #include "tools/palsim/timeline/timeline.h"
 
 namespace palsim {
 namespace {
 
-// A spell is cut where it is long by itself and a good part of the whole run.
+// A spell is cut where it is long by itself, and longer than all shorter ones together by a
+// quarter.
 constexpr std::uint64_t kShortestCut = 400;
-constexpr std::uint64_t kCutPart = 5;
+constexpr double kCutRatio = 1.25;
 // No moment shall be drawn wider than this, however short the run.
 constexpr double kMostPerMs = 2;
 
@@ -19,10 +21,12 @@ std::uint64_t CutLimit(const std::vector<std::uint64_t>& moments) {
     lengths.push_back(moments[index] - moments[index - 1]);
   }
   std::ranges::sort(lengths);
-  // From the longest on: what is longer than a part of all that is shorter than it.
   std::uint64_t shorter = 0;
   for (const std::uint64_t length : lengths) {
-    if (length >= kShortestCut && length > kCutPart * shorter / 4) return length - 1;
+    const double least = kCutRatio * static_cast<double>(shorter);
+    if (shorter > 0 && length >= kShortestCut && static_cast<double>(length) > least) {
+      return length - 1;
+    }
     shorter += length;
   }
   return moments.back();
@@ -81,6 +85,34 @@ std::uint64_t TimeScale::TickStep(double least) const {
     step = turn % 3 == 1 ? step / 2 * 5 : step * 2;  // 1, 2, 5, 10
   }
   return step;
+}
+
+std::vector<TimeScale::Tick> TimeScale::Ticks(double character_width) const {
+  constexpr double kCharacters = 11;
+  const double room = kCharacters * character_width;
+  const std::uint64_t step = TickStep(room);
+  std::vector<Tick> ticks;
+  double free = 0;
+  for (std::size_t index = 0; index < intervals_.size(); ++index) {
+    const Interval& interval = intervals_[index];
+    if (interval.cut) continue;
+    const auto cut = std::find_if(intervals_.begin() + static_cast<std::ptrdiff_t>(index),
+                                  intervals_.end(), [](const Interval& next) { return next.cut; });
+    const double end = cut == intervals_.end() ? width() + room : cut->from;
+    const auto add = [&](std::uint64_t time) {
+      Tick tick{time, At(time), MomentText(time)};
+      const double to = tick.at + character_width * static_cast<double>(tick.text.size() + 1);
+      if (tick.at < free || to > end) return;
+      free = to;
+      ticks.push_back(std::move(tick));
+    };
+    if (index > 0 && intervals_[index - 1].cut) add(interval.begin);
+    for (std::uint64_t time = (interval.begin + step - 1) / step * step; time <= interval.end;
+         time += step) {
+      if (time < interval.end || index + 1 == intervals_.size()) add(time);
+    }
+  }
+  return ticks;
 }
 
 }  // namespace palsim

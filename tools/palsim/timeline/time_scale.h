@@ -4,6 +4,7 @@
 #define TOOLS_PALSIM_TIMELINE_TIME_SCALE_H_
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace palsim {
@@ -34,10 +35,20 @@ class TimeScale {
   [[nodiscard]] double At(std::uint64_t time_ms) const;
   [[nodiscard]] double width() const { return intervals_.empty() ? 0 : intervals_.back().to; }
   [[nodiscard]] const std::vector<Interval>& intervals() const { return intervals_; }
-  // The distance of two ticks: 1, 2 or 5 times a power of ten, so that they stand `least` apart.
-  [[nodiscard]] std::uint64_t TickStep(double least) const;
+
+  // Times to write on the axis, each with its text beginning at its place: round ones, and where
+  // the axis goes on behind a cut. No text is in another's way, or in a cut.
+  struct Tick {
+    std::uint64_t time = 0;
+    double at = 0;
+    std::string text;
+  };
+  [[nodiscard]] std::vector<Tick> Ticks(double character_width) const;
 
  private:
+  // 1, 2 or 5 times a power of ten.
+  [[nodiscard]] std::uint64_t TickStep(double least) const;
+
   std::vector<Interval> intervals_;
   double per_ms_ = 1;
 };
