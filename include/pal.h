@@ -5,6 +5,7 @@
 #ifndef PAL_H_
 #define PAL_H_
 
+#include "palled.h"
 #include "palmfgopt.h"
 #include "palonewire.h"
 #include "palreg.h"
