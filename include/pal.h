@@ -5,6 +5,7 @@
 #ifndef PAL_H_
 #define PAL_H_
 
+#include "palbeep.h"
 #include "palled.h"
 #include "palmfgopt.h"
 #include "palonewire.h"
