@@ -17,7 +17,7 @@ using palsim::UsageError;
 
 std::string ParseFailure(const std::string& text) {
   try {
-    ParseScenario("s", text);
+    static_cast<void>(ParseScenario("s", text));
   } catch (const UsageError& error) {
     return error.what();
   }
@@ -80,9 +80,9 @@ class ScenarioStage : public ::testing::Test {
 
 constexpr const char* kFlash =
     "set HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300\n"
-    "scanner starts\n"
+    "scanner starts\nscanner calls PALLEDInit\n"
     "scanner begins PALLEDGrLedToggle 2 as flash\n"
-    "wait for flash\n";
+    "wait for flash\nscanner calls PALLEDTerm\n";
 
 TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
   struct Case {
@@ -91,42 +91,42 @@ TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
   for (const Case& test : {
            Case{"expect flash returned S_OK", ""},
            Case{"expect flash returned E_FAIL",
-                "s:5: expected flash to return E_FAIL; there was 0x00000000 S_OK"},
+                "s:7: expected flash to return E_FAIL; there was 0x00000000 S_OK"},
            Case{"expect flash was killed",
-                "s:5: expected flash to be killed; there was 0x00000000 S_OK"},
+                "s:7: expected flash to be killed; there was 0x00000000 S_OK"},
            Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300", ""},
            Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = \"300\"",
-                "s:5: expected HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur to be \"300\"; there "
+                "s:7: expected HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur to be \"300\"; there "
                 "was dword:0000012c"},
            Case{"expect value HKLM\\None\\Such = 1",
-                "s:5: expected HKLM\\None\\Such to be dword:00000001; there was no such value"},
+                "s:7: expected HKLM\\None\\Such to be dword:00000001; there was no such value"},
            Case{"expect no value HKLM\\None\\Such", ""},
            Case{"expect no value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur",
-                "s:5: expected no HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur; there was "
+                "s:7: expected no HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur; there was "
                 "dword:0000012c"},
            Case{"expect led LED 3 on at 0 ms\nexpect led LED 3 off after 300 ms", ""},
            Case{"expect led LED 3 on by scanner at 0 ms", ""},
            Case{"expect led LED 3 off at 301 ms",
-                "s:5: expected led 'LED 3 off' at 301 ms; there was it at 300 ms"},
+                "s:7: expected led 'LED 3 off' at 301 ms; there was it at 300 ms"},
            Case{"expect led LED 3 on\nexpect led LED 3 off after 299 ms",
-                "s:6: expected led 'LED 3 off' at 299 ms; there was it at 300 ms"},
+                "s:8: expected led 'LED 3 off' at 299 ms; there was it at 300 ms"},
            Case{"expect led LED 3 off\nexpect led LED 3 on",
-                "s:6: expected led 'LED 3 on'; there was no led line"},
+                "s:8: expected led 'LED 3 on'; there was no led line"},
            Case{"expect led LED 6 on",
-                "s:5: expected led 'LED 6 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
+                "s:7: expected led 'LED 6 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
                 "       300 ms p1 LED 3 off"},
            Case{"expect 2 times led LED 3 *", ""},
            Case{"expect 1 times led LED 3 *",
-                "s:5: expected 1 times led 'LED 3 *'; there was 2 times"},
+                "s:7: expected 1 times led 'LED 3 *'; there was 2 times"},
            Case{"expect no led LED 6 *", ""},
            Case{"from here\nexpect no led *", ""},
            Case{"from here\nfrom the start\nexpect led LED 3 on", ""},
            Case{"expect no led *3 on",
-                "s:5: expected no led '*3 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
+                "s:7: expected no led '*3 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
                 "       300 ms p1 LED 3 off"},
            Case{"expect volume 0x12345678",
-                "s:5: expected the volume to be 0x12345678; there was 0x99999999"},
-           Case{"expect gain 1", "s:5: expected the gain to be 1; there was 50"},
+                "s:7: expected the volume to be 0x12345678; there was 0xCCCCCCCC"},
+           Case{"expect gain 1", "s:7: expected the gain to be 1; there was 85"},
        }) {
     sim::Device fresh;
     sim::LoadDevice(fresh, PROJECT_DIR "/devices/rm21");
@@ -148,8 +148,9 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
            Case{"scanner starts\nscanner is killed\nscanner ends", "s:3: no process scanner runs"},
            Case{"wait for scanner", "s:1: no call scanner was begun"},
            Case{"scanner starts\nexpect scanner returned S_OK", "s:2: scanner has made no call"},
-           Case{"scanner starts\nscanner begins PALLEDGrLedToggle 0\nexpect scanner returned S_OK",
-                "s:3: scanner still runs; 'wait for scanner' before"},
+           Case{"scanner starts\nscanner calls PALLEDInit\nscanner begins PALLEDGrLedToggle 0\n"
+                "expect scanner returned S_OK",
+                "s:4: scanner still runs; 'wait for scanner' before"},
            Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
            Case{"delete HKLM\\None\\Such", "s:1: the registry has no HKLM\\None\\Such"},
            Case{"remove \\None", "s:1: the device has no \\None"},
@@ -164,18 +165,18 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
 TEST_F(ScenarioStage, OutParametersAreCompared) {
   Play(
       "set HKLM\\SOFTWARE\\Dravonel\\PAL\\IntGrLed = 7\n"
-      "scanner starts\nscanner calls PALLEDGrLedGetState 0 out\n"
+      "scanner starts\nscanner calls PALLEDInit\nscanner calls PALLEDGrLedGetState 0 out\n"
       "expect scanner argument 2 = 7\nexpect scanner argument 2 = 8\n"
-      "expect scanner argument 1 = 0\n");
+      "expect scanner argument 1 = 0\nscanner calls PALLEDTerm\n");
   EXPECT_EQ(said, (std::vector<std::string>{
-                      "s:5: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
-                      "s:6: expected argument 1 of scanner to be 0 (0x0); there was no "
+                      "s:6: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
+                      "s:7: expected argument 1 of scanner to be 0 (0x0); there was no "
                       "out-parameter in this place"}));
 }
 
 TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
   Play(
-      "scanner starts\nsettings starts\n"
+      "scanner starts\nscanner calls PALLEDInit\nsettings starts\nsettings calls PALLEDInit\n"
       "scanner begins PALLEDGrLedToggle 0\n"
       "wait until scanner takes DVLORQPAL_LED_MUTEX\n"
       "settings begins PALLEDSysLightOn\n"
@@ -184,14 +185,14 @@ TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
       "expect scanner was killed\nexpect settings returned S_OK\n"
       "expect mutex DVLORQPAL_LED_MUTEX abandoned by scanner at 20 ms\n"
       "expect mutex DVLORQPAL_LED_MUTEX taken by settings after 0 ms\n"
-      "expect no led LED 3 off\n");
+      "expect no led LED 3 off\nsettings calls PALLEDTerm\n");
   EXPECT_EQ(said, std::vector<std::string>{});
   EXPECT_EQ(expectations, 5u);
 }
 
 TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {
   Play(
-      "scanner starts\nfail call 2 of RegQueryValueExW with error 5\n"
+      "scanner starts\nscanner calls PALLEDInit\nfail call 2 of RegQueryValueExW with error 5\n"
       "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned S_OK\n"
       "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 5\n"
       "no more faults\n"
@@ -241,8 +242,8 @@ TEST_P(ScenarioFile, IsAsExpected) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Shipped, ScenarioFile, ::testing::ValuesIn(ScenarioFiles()),
-                         [](const ::testing::TestParamInfo<std::string>& info) {
-                           std::string name = std::filesystem::path(info.param).stem().string();
+                         [](const ::testing::TestParamInfo<std::string>& file) {
+                           std::string name = std::filesystem::path(file.param).stem().string();
                            std::ranges::replace(name, '-', '_');
                            return name;
                          });

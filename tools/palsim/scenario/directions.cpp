@@ -1,6 +1,7 @@
 // What processes do, and what happens to them from outside.
 #include <fmt/format.h>
 
+#include "platform/sim/hardware/hardware.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/argument.h"
@@ -88,6 +89,18 @@ void PlayWaitUntil(Stage& stage, const Filled& filled) {
 void PlayWaitUntilTaken(Stage& stage, const Filled& filled) {
   RunUntil(stage, JournalLine(sim::Effect::kMutex, filled.Text("MUTEX") + " taken",
                               stage.process(filled.Text("PROCESS")).id()));
+}
+
+void PlaySetVolume(Stage& stage, const Filled& filled) {
+  const auto volume = static_cast<std::uint32_t>(ParseNumber(filled.Text("NUMBER")));
+  stage.device().hardware().audio.levels.volume = volume;
+  stage.device().Note(sim::Effect::kAudio, fmt::format("volume 0x{:08X}", volume));
+}
+
+void PlaySetGain(Stage& stage, const Filled& filled) {
+  const auto gain = static_cast<std::uint32_t>(ParseNumber(filled.Text("NUMBER")));
+  stage.device().hardware().audio.levels.gain = gain;
+  stage.device().Note(sim::Effect::kAudio, fmt::format("gain {}", gain));
 }
 
 void PlaySetValue(Stage& stage, const Filled& filled) {

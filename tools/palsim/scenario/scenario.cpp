@@ -39,12 +39,18 @@ Statement ParseStatement(const Words& line) {
 }
 
 // What a statement says about the file itself; false for one that is played.
-bool TakeHeading(Scenario& scenario, const Statement& statement) {
+bool TakeHeading(Scenario& scenario, const Statement& statement, std::string_view line) {
   if (statement.form->play != nullptr) return false;
-  const auto& [name, words] = statement.filled.parts().front();
-  if (name == "TITLE") scenario.title = Joined(words);
-  if (name == "ABOUT") scenario.about.push_back(Joined(words));
-  if (name == "SAMPLE") scenario.device = Joined(words);
+  // Prose keeps its quotes and blanks.
+  constexpr std::string_view kBlanks = " \t\r";
+  line.remove_prefix(line.find_first_not_of(kBlanks));
+  line.remove_prefix(std::min(line.find_first_of(kBlanks), line.size()));
+  line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+  const std::string text(line.substr(0, line.find_last_not_of(kBlanks) + 1));
+  const std::string_view name = statement.filled.parts().front().first;
+  if (name == "TITLE") scenario.title = text;
+  if (name == "ABOUT") scenario.about.push_back(text);
+  if (name == "SAMPLE") scenario.device = statement.filled.Text(name);
   return true;
 }
 
@@ -62,7 +68,8 @@ Scenario ParseScenario(const std::string& name, std::string_view text) {
       if (words.empty()) continue;
       Statement statement = ParseStatement(words);
       statement.line = number;
-      if (!TakeHeading(scenario, statement)) scenario.statements.push_back(std::move(statement));
+      if (TakeHeading(scenario, statement, line)) continue;
+      scenario.statements.push_back(std::move(statement));
     } catch (const UsageError& error) {
       faults += fmt::format("{}{}:{}: {}", faults.empty() ? "" : "\n", name, number, error.what());
     }

@@ -25,6 +25,8 @@ const std::vector<StatementForm>& StatementForms() {
       {"wait until EFFECT TEXT...", "until the journal has this line, since the last call",
        &PlayWaitUntil},
 
+      {"set volume = NUMBER", "the wave volume changes", &PlaySetVolume},
+      {"set gain = NUMBER", "the codec's gain changes", &PlaySetGain},
       {"set VALUE = DATA...", R"(a registry value becomes 5, "a text", or hex 0A 01)",
        &PlaySetValue},
       {"delete VALUE", "a registry value goes", &PlayDeleteValue},
@@ -50,6 +52,7 @@ const std::vector<StatementForm>& StatementForms() {
       {"expect no EFFECT TEXT...", "the journal has no such line", &ExpectNoLine},
       {"expect COUNT times EFFECT TEXT...", "how many such lines it has", &ExpectLineCount},
       {"expect EFFECT TEXT... by PROCESS at TIME", "by whom and when", &ExpectLine},
+      {"expect EFFECT TEXT... by PROCESS after DELAY", "by whom and how long after", &ExpectLine},
       {"expect EFFECT TEXT... by PROCESS", "by whom", &ExpectLine},
       {"expect EFFECT TEXT... at TIME", "when, since the run began", &ExpectLine},
       {"expect EFFECT TEXT... after DELAY", "how long after the line found before", &ExpectLine},

@@ -18,6 +18,8 @@ void PlayWaitUntil(Stage& stage, const Filled& filled);
 void PlayWaitUntilTaken(Stage& stage, const Filled& filled);
 
 // From outside.
+void PlaySetVolume(Stage& stage, const Filled& filled);
+void PlaySetGain(Stage& stage, const Filled& filled);
 void PlaySetValue(Stage& stage, const Filled& filled);
 void PlayDeleteValue(Stage& stage, const Filled& filled);
 void PlaySignal(Stage& stage, const Filled& filled);

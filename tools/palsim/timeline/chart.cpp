@@ -10,7 +10,7 @@
 namespace palsim {
 namespace {
 
-constexpr ScaleSizes kSizes{.width = 960, .least_interval = 10, .gap = 68};
+constexpr ScaleSizes kSizes{.width = 880, .least_interval = 10, .gap = 68};
 constexpr double kLeft = 58;  // before the axis begins: the levels before the run
 constexpr double kMargin = 8;
 constexpr double kRight = 160;  // for the last labels

@@ -86,13 +86,14 @@ std::string MutexLines(const Timeline& timeline, const TimeScale& scale) {
   return lines;
 }
 
-// The level behind each change.
+// The level at the start and behind each change.
 std::string LevelLine(std::string_view label, const std::vector<Level>& levels,
                       const TimeScale& scale, std::uint32_t (*number)(std::uint32_t)) {
   if (levels.empty()) return {};
   Row row(scale);
-  for (const Level& level : levels) {
-    row.Write(level.time, fmt::format("{:<4}", number(level.value)));
+  for (std::size_t index = 0; index < levels.size(); ++index) {
+    if (index > 0 && levels[index - 1].value == levels[index].value) continue;
+    row.Write(levels[index].time, fmt::format("{:<4}", number(levels[index].value)));
   }
   return row.Line(label);
 }
@@ -127,6 +128,17 @@ std::string LevelsText(const std::vector<Level>& volume, const std::vector<Level
     text += fmt::format("{}gain {}", text.empty() ? "" : ", ", (gain.*pick)().value);
   }
   return text;
+}
+
+std::string Wrapped(std::string_view text) {
+  constexpr std::size_t kWidth = 92;
+  std::string lines;
+  while (text.size() > kWidth && text.rfind(' ', kWidth) != std::string_view::npos) {
+    const std::size_t blank = text.rfind(' ', kWidth);
+    lines += fmt::format("  {}\n", text.substr(0, blank));
+    text.remove_prefix(blank + 1);
+  }
+  return lines + fmt::format("  {}\n", text);
 }
 
 bool IsForTheLogAlone(const sim::JournalEntry& entry) {
@@ -175,7 +187,7 @@ std::string ReadableText(const sim::JournalEntry& entry) {
 std::string TimelineText(const Timeline& timeline) {
   const TimeScale scale(MomentsOf(timeline), kSizes);
   std::string text = timeline.run.title + "\n";
-  for (const std::string& about : timeline.run.about) text += "  " + about + "\n";
+  for (const std::string& about : timeline.run.about) text += Wrapped(about);
   text += "\n" + AxisLine(scale) + ProcessLines(timeline, scale) + MutexLines(timeline, scale) +
           SoundLines(timeline, scale) + "\n";
   const std::string before = LevelsText(timeline.volume, timeline.gain, &std::vector<Level>::front);

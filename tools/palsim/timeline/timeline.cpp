@@ -29,6 +29,7 @@ class Builder {
       for (const Row& row : kRows) {
         if (row.effect == entry.effect) (this->*row.take)(entry);
       }
+      if (entry.process_id == 0) TakeOutside(entry);
       last_seen_[{entry.process_id, entry.thread_id}] = entry.time_ms;
     }
     timeline_.length_ms = timeline_.run.end_ms - timeline_.run.start_ms;
@@ -41,7 +42,7 @@ class Builder {
     Effect effect;
     void (Builder::*take)(const JournalEntry& entry);
   };
-  static const std::array<Row, 11> kRows;
+  static const std::array<Row, 7> kRows;
 
   template <class Kind>
   static Kind Begun(const JournalEntry& entry) {
@@ -201,7 +202,7 @@ class Builder {
   }
 
   void TakeOutside(const JournalEntry& entry) {
-    if (entry.process_id == 0) timeline_.outside.push_back({entry.time_ms, entry.text});
+    timeline_.outside.push_back({entry.time_ms, entry.text});
   }
 
   void CloseWhatIsOpen() {
@@ -232,7 +233,7 @@ class Builder {
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint64_t> last_seen_;  // of each thread
 };
 
-const std::array<Builder::Row, 11> Builder::kRows{{
+const std::array<Builder::Row, 7> Builder::kRows{{
     {Effect::kProcess, &Builder::TakeProcess},
     {Effect::kCall, &Builder::TakeCall},
     {Effect::kMutex, &Builder::TakeMutex},
@@ -240,10 +241,6 @@ const std::array<Builder::Row, 11> Builder::kRows{{
     {Effect::kAudio, &Builder::TakeAudio},
     {Effect::kVibration, &Builder::TakeVibration},
     {Effect::kLed, &Builder::TakeLed},
-    {Effect::kRegistry, &Builder::TakeOutside},
-    {Effect::kEvent, &Builder::TakeOutside},
-    {Effect::kFile, &Builder::TakeOutside},
-    {Effect::kDriver, &Builder::TakeOutside},
 }};
 
 }  // namespace
