@@ -38,7 +38,7 @@ std::string NumberLabel(std::uint32_t value) {
 Chart::Chart(const Timeline& timeline)
     : timeline_(timeline),
       scale_(MomentsOf(timeline), kSizes),
-      width_(kLeft + scale_.width() + kRight),
+      width_(kLeft + std::max(kSizes.width, scale_.width()) + kRight),
       top_(kAxisHeight) {
   AddOutside();
   AddProcesses();
@@ -209,6 +209,7 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
   };
   std::string line = fmt::format("M{:.1f} {:.1f}H{:.1f}", kMargin, y_of(levels[0].value), kLeft);
   plot_.Text(kMargin, y_of(levels[0].value) - 5, text(levels[0].value), "level", "before the run");
+  const double last = kLeft + scale_.At(timeline_.length_ms);
   double label_end = kMargin;
   for (std::size_t index = 0; index < levels.size(); ++index) {
     const Level& level = levels[index];
@@ -222,11 +223,11 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
     plot_.Rectangle(x, top_, std::max(kLeastBar, end - x), height_, "hit",
                     SpanTitle(label, level.time, until));
     const bool changes = index > 0 && levels[index - 1].value != level.value;
-    if (!changes || (until == level.time && !is_last) || x + 3 < label_end) continue;
+    const bool runs_into_last = x + 3 + TextWidth(label) > last;
+    if (!changes || until == level.time || x + 3 < label_end || runs_into_last) continue;
     plot_.Text(x + 3, y - 5, label, "level");
     label_end = x + 3 + TextWidth(label) + kTextGap;
   }
-  const double last = kLeft + scale_.At(timeline_.length_ms);
   plot_.Text(last + kTextGap, y_of(levels.back().value) + 4, text(levels.back().value), "level",
              "after the run");
   plot_.Path(fmt::format("{}V{:.1f}H{:.1f}Z", line, bottom, kMargin), classes + " area");

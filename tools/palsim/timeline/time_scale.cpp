@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint64_t kShortestCut = 400;
 constexpr double kCutRatio = 1.25;
 // No moment shall be drawn wider than this, however short the run.
-constexpr double kMostPerMs = 2;
+constexpr double kMostPerMs = 4;
 
 std::uint64_t CutLimit(const std::vector<std::uint64_t>& moments) {
   std::vector<std::uint64_t> lengths;
@@ -43,7 +43,7 @@ std::vector<std::uint64_t> MomentsOf(const Timeline& timeline) {
     for (const WaitSpan& wait : mutex.waits) moments.push_back(wait.begin);
   }
   std::ranges::sort(moments);
-  moments.erase(std::ranges::unique(moments).begin(), moments.end());
+  moments.erase(std::unique(moments.begin(), moments.end()), moments.end());
   return moments;
 }
 
