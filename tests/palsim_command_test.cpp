@@ -143,6 +143,41 @@ TEST_F(Palsim, ChecksThePasswordOfTheSampleDevice) {
   }
 }
 
+TEST_F(Palsim, PlaysAScenarioAndShowsItsTimeline) {
+  const std::string good = folder.Write("good.scenario",
+                                        "title A light\ndevice rm21\nscanner starts\n"
+                                        "scanner calls PALLEDInit\nscanner calls PALLEDGrLedOn\n"
+                                        "expect led LED 3 on\nscanner calls PALLEDTerm\n");
+  EXPECT_EQ(Run("run " + good), 1) << "no device yet";
+  EXPECT_EQ(Run("run " + good + " --new"), 0) << output;
+  EXPECT_EQ(output, "good.scenario: 1 expectations hold\n");
+  const std::string page = (folder.path() / "page.html").string();
+  const std::string sound = (folder.path() / "sound.wav").string();
+  EXPECT_EQ(Run("timeline --html " + page + " --wav " + sound), 0);
+  EXPECT_EQ(output, "");
+  EXPECT_GT(std::filesystem::file_size(page), 1000u);
+  EXPECT_EQ(std::filesystem::file_size(sound), 44u) << "a run without length";
+  EXPECT_EQ(Run("timeline"), 0);
+  EXPECT_TRUE(output.starts_with("A light\n")) << output;
+  EXPECT_TRUE(Printed("PALLEDGrLedOn() returns 0x00000000 S_OK")) << output;
+
+  const std::string bad = folder.Write("bad.scenario", "expect led LED 3 on\n");
+  EXPECT_EQ(Run("run " + bad), 1);
+  EXPECT_EQ(output,
+            "bad.scenario:1: expected led 'LED 3 on'; there was no led line\n"
+            "bad.scenario: 1 of 1 expectations do not hold\n");
+  const std::string before = RunTool("palsim " + unit.string() + " journal").output;
+  const std::string wrong = folder.Write("wrong.scenario", "scanner starts\nscanner dances\n");
+  EXPECT_EQ(Run("run " + wrong), 2);
+  EXPECT_TRUE(Printed("palsim: wrong.scenario:2: ")) << output;
+  EXPECT_EQ(Run("run " + folder.Write("rx.scenario", "device rx\n")), 2);
+  EXPECT_TRUE(Printed("rx.scenario is for the device rx, and this is rm21")) << output;
+  EXPECT_EQ(Run("run none.scenario"), 2);
+  EXPECT_TRUE(Printed("none.scenario is no file that can be read")) << output;
+  EXPECT_EQ(Run("journal"), 0);
+  EXPECT_EQ(output, before) << "nothing was played";
+}
+
 TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
   struct Case {
     std::string arguments;

@@ -1,5 +1,7 @@
 #include "platform/sim/device.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -58,6 +60,22 @@ void Device::set_on_clock(std::function<void(std::uint64_t)> on_clock) {
 void Device::ShuffleTurns(std::uint32_t seed) {
   const Scheduler::Lock lock(kernel_->mutex);
   kernel_->scheduler.Shuffle(seed);
+}
+
+void Device::Note(Effect effect, std::string text) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->Log(nullptr, effect, std::move(text));
+}
+
+bool Device::SetEvent(std::string_view name) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  const auto found = kernel_->events.find(ToUtf16(name));
+  const auto event = found == kernel_->events.end() ? nullptr : found->second.lock();
+  if (event == nullptr) return false;
+  kernel_->Log(nullptr, Effect::kEvent, fmt::format("{} set", name));
+  event->set_signalled(true);
+  event->ServeWaiters(kernel_->scheduler);
+  return true;
 }
 
 void Device::PlanFault(Fault fault) {

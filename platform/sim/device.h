@@ -109,6 +109,11 @@ class Device {
   // Hands the turn over at platform calls too, in an order that follows from the seed alone.
   void ShuffleTurns(std::uint32_t seed);
 
+  // What comes from outside of every process. A note stands in the journal as the device's own.
+  void Note(Effect effect, std::string text);
+  // Sets a named event; false where no process has one of this name.
+  bool SetEvent(std::string_view name);
+
   // Faults. A plan stays until it is cleared.
   void PlanFault(Fault fault);
   void ClearFaults();
@@ -195,6 +200,9 @@ class Process {
   void Run(const std::function<void()>& body);
   // Starts another thread of this process.
   Thread Start(std::function<void()> body);
+
+  // Puts a line into the journal, as from the thread of this process that runs just now.
+  void Note(Effect effect, std::string text) const;
 
   // Detaches and unloads. What is still open is recorded as misuse.
   void End();

@@ -17,8 +17,9 @@ struct EffectRow {
   Effect effect;
   std::string_view name;
 };
-constexpr std::array<EffectRow, 14> kEffects{{
+constexpr std::array<EffectRow, 15> kEffects{{
     {Effect::kProcess, "process"},
+    {Effect::kCall, "call"},
     {Effect::kRegistry, "registry"},
     {Effect::kFile, "file"},
     {Effect::kEvent, "event"},

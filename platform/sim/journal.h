@@ -13,6 +13,7 @@ namespace sim {
 
 enum class Effect : std::uint8_t {
   kProcess,    // a process starts or ends
+  kCall,       // an export is called, or answers; noted by whoever calls it
   kRegistry,   // a value is written or deleted, a key is created or deleted
   kFile,       // a file is written or created
   kEvent,      // a named event is set, reset or pulsed

@@ -1,6 +1,7 @@
 #include "tools/palsim/commands.h"
 
-#include <fmt/core.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <charconv>
@@ -96,6 +97,7 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
     std::filesystem::copy(sample / part, folder / part, std::filesystem::copy_options::recursive);
   }
   Session session(folder);  // what is not sound is said now and not at the first call
+  if (options.quiet) return kSuccess;
   fmt::print("{}: a new device of model {}\n", folder.string(), session.identity().name);
   return kSuccess;
 }
@@ -103,6 +105,7 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
 int Call(const std::filesystem::path& folder, const CallOptions& options) {
   Session session(folder);
   session.set_process_name(options.process_name);
+  session.set_title(fmt::format("{} {}", options.name, fmt::join(options.arguments, " ")));
   const std::optional<sim::Effect> only = ParseEffect(options.only);
   if (options.journal || only) session.PrintJournal(only);
   if (options.real_time) {

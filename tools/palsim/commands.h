@@ -16,6 +16,7 @@ constexpr int kUsage = 2;
 struct NewOptions {
   std::string sample = "rm21";
   bool force = false;
+  bool quiet = false;
 };
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 [[nodiscard]] std::vector<std::string> SampleNames();
@@ -30,6 +31,25 @@ struct CallOptions {
   bool real_time = false;
 };
 int Call(const std::filesystem::path& folder, const CallOptions& options);
+
+// What is made of a run: each file where it has a name.
+struct TimelineOptions {
+  bool text = false;  // on the terminal
+  std::string html;
+  std::string wav;
+};
+// Of the device's last run.
+int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
+
+struct RunOptions {
+  std::string file;
+  bool fresh = false;    // on a new device, of the sample that the scenario is for
+  bool journal = false;  // print every effect as it comes
+  TimelineOptions timeline;
+};
+// Plays a scenario; kFailure where an expectation does not hold.
+int Run(const std::filesystem::path& folder, const RunOptions& options);
+void PrintStatements();
 
 struct JournalOptions {
   std::string effect;    // empty: all

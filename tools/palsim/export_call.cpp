@@ -1,6 +1,7 @@
 #include "tools/palsim/export_call.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -16,28 +17,43 @@ namespace palsim {
 namespace {
 
 CallOutcome OutcomeOf(HRESULT result) {
-  return {result < 0, ResultText(result), {}};
+  return {result < 0, static_cast<std::uint32_t>(result), ResultText(result), {}};
 }
 // An answer such as yes or no.
 CallOutcome OutcomeOf(DWORD answer) {
-  return {false, fmt::format("{}", answer), {}};
+  return {false, answer, fmt::format("{}", answer), {}};
 }
 
-template <class Result, class... Arguments>
-CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::string_view name,
-                   const std::vector<std::string>& texts) {
+template <class... Arguments>
+std::tuple<Argument<Arguments>...> Read(std::string_view name,
+                                        const std::vector<std::string>& texts) {
   if (texts.size() != sizeof...(Arguments)) {
     throw UsageError(
         fmt::format("{} takes {} argument(s), {} given", name, sizeof...(Arguments), texts.size()));
   }
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    std::tuple<Argument<Arguments>...> arguments{Argument<Arguments>(texts[Index])...};
+    return std::tuple<Argument<Arguments>...>{Argument<Arguments>(texts[Index])...};
+  }
+  (std::index_sequence_for<Arguments...>());
+}
+
+template <class Result, class... Arguments>
+void Check(const sim::Export<Result(Arguments...)>& /*function*/, std::string_view name,
+           const std::vector<std::string>& texts) {
+  Read<Arguments...>(name, texts);
+}
+
+template <class Result, class... Arguments>
+CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::string_view name,
+                   const std::vector<std::string>& texts) {
+  auto arguments = Read<Arguments...>(name, texts);
+  return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     const auto result = function(std::get<Index>(arguments).value()...);
     CallOutcome outcome = OutcomeOf(result);
     const std::array<std::string, sizeof...(Index)> answers{std::get<Index>(arguments).answer()...};
     for (std::size_t index = 0; index < answers.size(); ++index) {
       if (answers[index].empty()) continue;
-      outcome.answers.push_back(fmt::format("argument {}: {}", index + 1, answers[index]));
+      outcome.answers.push_back({index + 1, answers[index]});
     }
     return outcome;
   }
@@ -47,12 +63,17 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
 struct ExportRow {
   std::string_view name;
   CallOutcome (*call)(const sim::Exports&, const std::vector<std::string>&);
+  void (*check)(const std::vector<std::string>&);
 };
 
 constexpr std::array kExports{
-#define PAL_EXPORT(name)                                                                        \
-  ExportRow{#name, [](const sim::Exports& exports, const std::vector<std::string>& arguments) { \
-              return Invoke(exports.name, #name, arguments);                                    \
+#define PAL_EXPORT(name)                                                                 \
+  ExportRow{#name,                                                                       \
+            [](const sim::Exports& exports, const std::vector<std::string>& arguments) { \
+              return Invoke(exports.name, #name, arguments);                             \
+            },                                                                           \
+            [](const std::vector<std::string>& arguments) {                              \
+              Check(sim::Exports{}.name, #name, arguments);                              \
             }},
 #include "exports.inc"
 #undef PAL_EXPORT
@@ -81,6 +102,12 @@ std::string Suggestion(std::string_view name) {
   return "; 'palsim --exports' lists them";
 }
 
+const ExportRow& Find(std::string_view name) {
+  const auto* const row = std::ranges::find(kExports, name, &ExportRow::name);
+  if (row != kExports.end()) return *row;
+  throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
+}
+
 }  // namespace
 
 std::vector<std::string_view> ExportNames() {
@@ -89,15 +116,21 @@ std::vector<std::string_view> ExportNames() {
   return names;
 }
 
+void CheckCall(std::string_view name, const std::vector<std::string>& arguments) {
+  Find(name).check(arguments);
+}
+
 CallOutcome CallExport(sim::Process& process, std::string_view name,
                        const std::vector<std::string>& arguments) {
-  const auto* const row = std::ranges::find(kExports, name, &ExportRow::name);
-  if (row == kExports.end()) {
-    throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
-  }
+  const ExportRow& row = Find(name);
+  row.check(arguments);
+  const std::string call = fmt::format("{}({})", name, fmt::join(arguments, ", "));
+  process.Note(sim::Effect::kCall, sim::Escape(call));
   const std::size_t restarts_before = process.device().restarts().size();
   try {
-    return row->call(process.exports(), arguments);
+    CallOutcome outcome = row.call(process.exports(), arguments);
+    process.Note(sim::Effect::kCall, sim::Escape(fmt::format("{} = {}", call, outcome.result)));
+    return outcome;
   } catch (const sim::ProcessKilled&) {
     const std::vector<sim::RestartKind> restarts = process.device().restarts();
     if (restarts.size() == restarts_before) throw;
@@ -107,7 +140,9 @@ CallOutcome CallExport(sim::Process& process, std::string_view name,
 
 void PrintOutcome(std::string_view name, const CallOutcome& outcome) {
   fmt::print("{} = {}\n", name, outcome.result);
-  for (const std::string& answer : outcome.answers) fmt::print("  {}\n", answer);
+  for (const Answer& answer : outcome.answers) {
+    fmt::print("  argument {}: {}\n", answer.argument, answer.text);
+  }
 }
 
 }  // namespace palsim

@@ -13,13 +13,22 @@ namespace palsim {
 
 [[nodiscard]] std::vector<std::string_view> ExportNames();
 
+struct Answer {
+  std::size_t argument = 0;  // which out-parameter, from 1
+  std::string text;          // what it holds: 5 (0x5)
+};
+
 struct CallOutcome {
   bool failed = false;
-  std::string result;                // number and name, or that the device restarted under the call
-  std::vector<std::string> answers;  // what the out-parameters hold: "argument 2: 5 (0x5)"
+  std::uint32_t code = 0;
+  std::string result;  // the code and its name, or that the device restarted
+  std::vector<Answer> answers;
 };
 
 // Throws UsageError for a name that is no export and for arguments that do not fit its declaration.
+void CheckCall(std::string_view name, const std::vector<std::string>& arguments);
+
+// Throws as CheckCall does. The call and its answer stand in the journal.
 CallOutcome CallExport(sim::Process& process, std::string_view name,
                        const std::vector<std::string>& arguments);
 

@@ -16,6 +16,9 @@ Examples:
                                                            call an export and watch its effects
   palsim /tmp/unit call PALMFGOpt_ConfigStoreRegUpdate --fail RegSetValueExW:2:5
                                                            the second write fails with error 5
+  palsim /tmp/unit run scenarios/good-read.scenario --new --timeline
+                                                           play a text with processes and events
+  palsim /tmp/unit timeline --html run.html --wav run.wav  look at it, and listen
   palsim /tmp/unit info                                    which device this is
   palsim /tmp/unit keys                                    what the buttons do, key by key
   palsim /tmp/unit scan                                    how the scan engine stands
@@ -33,10 +36,13 @@ class CommandLine {
     app_.footer(kExamples);
     app_.set_help_all_flag("--help-all", "Show the help of every command");
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
+    app_.add_flag_callback("--statements", &PrintStatements, "List what a scenario can say");
     app_.add_option("DEVICE", folder_, "The device's folder")->required();
     app_.require_subcommand(1);
     AddNew();
     AddCall();
+    AddRun();
+    AddTimeline();
     AddJournal();
     AddTrace();
     AddRegistry();
@@ -60,6 +66,11 @@ class CommandLine {
   }
 
  private:
+  static void PrintStatements() {
+    palsim::PrintStatements();
+    throw CLI::Success();
+  }
+
   static void PrintExports() {
     for (const std::string_view name : palsim::ExportNames()) fmt::print("{}\n", name);
     throw CLI::Success();
@@ -91,6 +102,30 @@ class CommandLine {
     command->callback([this] { status_ = palsim::Call(folder_, call_); });
   }
 
+  void AddRun() {
+    auto* command = app_.add_subcommand("run", "Play a scenario");
+    command->add_option("FILE", run_.file, "The scenario's text")->required();
+    command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
+    command->add_flag("--journal", run_.journal, "Print every effect as it comes");
+    command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
+    AddFiles(*command, run_.timeline);
+    command->callback([this] { status_ = palsim::Run(folder_, run_); });
+  }
+
+  void AddTimeline() {
+    auto* command = app_.add_subcommand("timeline", "Show the last run on a time axis");
+    AddFiles(*command, timeline_);
+    command->callback([this] {
+      timeline_.text = timeline_.html.empty() && timeline_.wav.empty();
+      status_ = palsim::ShowTimeline(folder_, timeline_);
+    });
+  }
+
+  static void AddFiles(CLI::App& command, palsim::TimelineOptions& options) {
+    command.add_option("--html", options.html, "Write the timeline as a page for a browser");
+    command.add_option("--wav", options.wav, "Write the run's sound");
+  }
+
   void AddJournal() {
     auto* command = app_.add_subcommand("journal", "Show the effects of all runs");
     command->add_option("--effect", journal_.effect, "Only this kind, such as registry or trace");
@@ -116,6 +151,8 @@ class CommandLine {
   std::string folder_;
   palsim::NewOptions new_;
   palsim::CallOptions call_;
+  palsim::RunOptions run_;
+  palsim::TimelineOptions timeline_;
   palsim::JournalOptions journal_;
   palsim::TraceOptions trace_;
   std::string registry_path_;

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "tools/palsim/argument.h"
+
 namespace palsim {
 namespace {
 
@@ -68,6 +70,22 @@ std::string Meaning(std::uint32_t code) {
 std::string ResultText(HRESULT result) {
   const auto code = static_cast<std::uint32_t>(result);
   return fmt::format("0x{:08X} {}", code, Meaning(code));
+}
+
+std::uint32_t ParseResult(const std::string& text) {
+  constexpr std::string_view kSystemError = "system error ";
+  const auto* const row = std::ranges::find(kResults, text, &NumberName::name);
+  if (row != kResults.end()) return row->number;
+  if (text.starts_with(kSystemError)) {
+    return kWin32Facility |
+           (static_cast<std::uint32_t>(ParseNumber(text.substr(kSystemError.size()))) & 0xFFFF);
+  }
+  try {
+    return static_cast<std::uint32_t>(ParseNumber(text));
+  } catch (const UsageError&) {
+    throw UsageError(
+        fmt::format("'{}' is no result (use S_OK, E_FAIL, system error 2 or a number)", text));
+  }
 }
 
 std::string CategoryText(std::uint32_t category) {

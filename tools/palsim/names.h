@@ -12,6 +12,9 @@ namespace palsim {
 
 // "0x80004005 E_FAIL", "0x80070002 system error 2", "0x83ED0007 keypad: code 7".
 [[nodiscard]] std::string ResultText(HRESULT result);
+// The code that a person means: a name such as E_FAIL, "system error 2", or a number. Throws
+// UsageError.
+[[nodiscard]] std::uint32_t ParseResult(const std::string& text);
 // "error keypad" for 0xC3ED0000.
 [[nodiscard]] std::string CategoryText(std::uint32_t category);
 

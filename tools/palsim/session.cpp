@@ -4,27 +4,21 @@
 
 #include <fstream>
 
+#include "platform/sim/hardware/hardware.h"
+
 namespace palsim {
-
-std::filesystem::path JournalFile(const std::filesystem::path& folder) {
-  return folder / "journal.log";
-}
-
-std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder) {
-  if (!std::filesystem::exists(folder / "device.toml")) {
-    throw sim::DeviceFolderError(folder.string() + " is no device: it has no device.toml");
-  }
-  std::vector<sim::JournalEntry> entries;
-  std::ifstream file(JournalFile(folder));
-  for (std::string line; std::getline(file, line);) {
-    std::optional<sim::JournalEntry> entry = sim::FromLine(line);
-    if (entry) entries.push_back(std::move(*entry));
-  }
-  return entries;
-}
 
 Session::Session(std::filesystem::path folder) : folder_(std::move(folder)) {
   identity_ = sim::LoadDevice(device_, folder_);
+  record_.device = fmt::format("{}: {}", identity_.name, identity_.description);
+  record_.start_ms = device_.now_ms();
+  record_.volume = device_.hardware().audio.levels.volume;
+  record_.gain = device_.hardware().audio.levels.gain;
+}
+
+void Session::set_title(std::string title, std::vector<std::string> about) {
+  record_.title = std::move(title);
+  record_.about = std::move(about);
 }
 
 sim::Process& Session::process() {
@@ -44,10 +38,10 @@ void Session::PrintJournal(std::optional<sim::Effect> only) {
 void Session::Save() {
   process_.reset();
   device_.Advance(0);  // services of the device go on with what they were asked for
+  record_.entries = device_.journal().entries();
+  record_.end_ms = device_.now_ms();
   std::ofstream file(JournalFile(folder_), std::ios::app);
-  for (const sim::JournalEntry& entry : device_.journal().entries()) {
-    file << sim::ToLine(entry) << '\n';
-  }
+  WriteRun(file, record_);
   if (!file.flush()) {
     throw sim::DeviceFolderError(JournalFile(folder_).string() + " cannot be written");
   }

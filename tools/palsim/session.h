@@ -10,13 +10,9 @@
 
 #include "platform/sim/device.h"
 #include "platform/sim/device_folder.h"
+#include "tools/palsim/run_record.h"
 
 namespace palsim {
-
-// The journal of all runs of a device, kept beside its state.
-[[nodiscard]] std::filesystem::path JournalFile(const std::filesystem::path& folder);
-// Throws sim::DeviceFolderError where the folder is no device; a device without runs has none.
-[[nodiscard]] std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder);
 
 class Session {
  public:
@@ -27,17 +23,23 @@ class Session {
   [[nodiscard]] const sim::DeviceIdentity& identity() const { return identity_; }
   // The calling process, attached at its first use; another one after a restart of the device.
   [[nodiscard]] sim::Process& process();
+  // What is played, for the journal's heading.
+  void set_title(std::string title, std::vector<std::string> about = {});
   void set_process_name(std::string name) { process_name_ = std::move(name); }
   // Prints each journal line as it comes, of one effect or of all.
   void PrintJournal(std::optional<sim::Effect> only = std::nullopt);
 
-  // Detaches, appends the journal and saves the device. What was done wrong is said on stderr.
+  // Detaches, appends the run to the journal and saves the device. What was done wrong is said on
+  // stderr.
   void Save();
+  // The run that was saved.
+  [[nodiscard]] const RunRecord& record() const { return record_; }
 
  private:
   std::filesystem::path folder_;
   sim::Device device_;
   sim::DeviceIdentity identity_;
+  RunRecord record_;
   std::string process_name_ = "palsim.exe";
   std::unique_ptr<sim::Process> process_;
 };

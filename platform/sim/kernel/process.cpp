@@ -160,6 +160,13 @@ Thread Process::Start(std::function<void()> body) {
   return {thread, state_};
 }
 
+void Process::Note(Effect effect, std::string text) const {
+  const ThreadState* current = CurrentThread();
+  const bool is_own = current != nullptr && &current->process == state_.get();
+  const Scheduler::Lock lock(state_->kernel.mutex);
+  state_->kernel.Log(is_own ? current : state_->main_thread.get(), effect, std::move(text));
+}
+
 void Process::End() {
   if (state_->library == nullptr) return;
   RequireDriver(state_->kernel);

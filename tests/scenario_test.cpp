@@ -1,0 +1,251 @@
+// Scenarios: what their text may say, what happens when they are played, and that an expectation
+// can fail.
+#include "tools/palsim/scenario/scenario.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/sim/device_folder.h"
+#include "tests/support/device_test.h"
+#include "tools/palsim/scenario/stage.h"
+
+namespace {
+
+using palsim::ParseScenario;
+using palsim::UsageError;
+
+std::string ParseFailure(const std::string& text) {
+  try {
+    static_cast<void>(ParseScenario("s", text));
+  } catch (const UsageError& error) {
+    return error.what();
+  }
+  return "understood";
+}
+
+TEST(ScenarioText, SaysWhatIsNotUnderstood) {
+  struct Case {
+    std::string line, message;
+  };
+  for (const Case& test : {
+           Case{"dance", "s:1: 'dance' is no statement; 'palsim --statements' lists them"},
+           Case{"scanner call PALLEDInit", "s:1: 'scanner call PALLEDInit' is no statement"},
+           Case{"wait 5 minutes",
+                "s:1: '5 minutes' is no time of a day at most (use 120 ms or 2 s)"},
+           Case{"wait -5 ms", "s:1: '-5 ms' is no time"},
+           Case{"wait 90000000 s", "s:1: '90000000 s' is no time"},
+           Case{"wait until light on", "s:1: 'light' is no effect in the journal"},
+           Case{"scanner calls PALLEDGrLedToggl 1",
+                "s:1: there is no export PALLEDGrLedToggl; did you mean PALLEDGrLedToggle?"},
+           Case{"scanner calls PALLEDGrLedToggle", "s:1: PALLEDGrLedToggle takes 1 argument(s)"},
+           Case{"scanner begins PALLEDGrLedToggle x as flash", "s:1: 'x' is no 32-bit number"},
+           Case{"set TethGRI = 5", "s:1: 'TethGRI' is no registry value"},
+           Case{"set HKLM\\A\\B = 5 6", "s:1: data is a number"},
+           Case{"set HKLM\\A\\B = hex 0A 100", "s:1: '100' is no byte"},
+           Case{"set HKLM\\A\\B = \"open", "s:1: a text has no closing quote"},
+           Case{"fail call 0 of Sleep", "s:1: a count is a number from 1 up"},
+           Case{"fail every call of Sleeep", "s:1: Sleeep is no platform call"},
+           Case{"write Windows/x = text", "s:1: 'Windows/x' is no path of the device"},
+           Case{"expect scanner returned S_FINE", "s:1: 'S_FINE' is no result"},
+           Case{"expect no lamp *", "s:1: 'lamp' is no effect in the journal"},
+           Case{"\n# a comment\nscanner starts # and why\n  dance  # not this",
+                "s:4: 'dance' is no"},
+           Case{"dance\njump", "\ns:2: 'jump' is no statement"},
+       }) {
+    EXPECT_NE(ParseFailure(test.line).find(test.message), std::string::npos)
+        << test.line << ": " << ParseFailure(test.line);
+  }
+}
+
+class ScenarioStage : public ::testing::Test {
+ protected:
+  void SetUp() override { sim::LoadDevice(device, PROJECT_DIR "/devices/rm21"); }
+
+  // Plays a text; what did not hold, or what could not be played, is in `said`.
+  void Play(const std::string& text) {
+    palsim::Stage stage(device, [this](const std::string& message) { said.push_back(message); });
+    try {
+      stage.Play(ParseScenario("s", text));
+    } catch (const UsageError& error) {
+      said.emplace_back(error.what());
+    }
+    expectations = stage.expectations();
+  }
+
+  sim::Device device;
+  std::vector<std::string> said;
+  std::size_t expectations = 0;
+};
+
+constexpr const char* kFlash =
+    "set HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300\n"
+    "scanner starts\nscanner calls PALLEDInit\n"
+    "scanner begins PALLEDGrLedToggle 2 as flash\n"
+    "wait for flash\nscanner calls PALLEDTerm\n";
+
+TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
+  struct Case {
+    std::string line, said;  // nothing said: it holds
+  };
+  for (const Case& test : {
+           Case{"expect flash returned S_OK", ""},
+           Case{"expect flash returned E_FAIL",
+                "s:7: expected flash to return E_FAIL; there was 0x00000000 S_OK"},
+           Case{"expect flash was killed",
+                "s:7: expected flash to be killed; there was 0x00000000 S_OK"},
+           Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300", ""},
+           Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = \"300\"",
+                "s:7: expected HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur to be \"300\"; there "
+                "was dword:0000012c"},
+           Case{"expect value HKLM\\None\\Such = 1",
+                "s:7: expected HKLM\\None\\Such to be dword:00000001; there was no such value"},
+           Case{"expect no value HKLM\\None\\Such", ""},
+           Case{"expect no value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur",
+                "s:7: expected no HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur; there was "
+                "dword:0000012c"},
+           Case{"expect led LED 3 on at 0 ms\nexpect led LED 3 off after 300 ms", ""},
+           Case{"expect led LED 3 on by scanner at 0 ms", ""},
+           Case{"expect led LED 3 off at 301 ms",
+                "s:7: expected led 'LED 3 off' at 301 ms; there was it at 300 ms"},
+           Case{"expect led LED 3 on\nexpect led LED 3 off after 299 ms",
+                "s:8: expected led 'LED 3 off' at 299 ms; there was it at 300 ms"},
+           Case{"expect led LED 3 off\nexpect led LED 3 on",
+                "s:8: expected led 'LED 3 on'; there was no led line"},
+           Case{"expect led LED 6 on",
+                "s:7: expected led 'LED 6 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
+                "       300 ms p1 LED 3 off"},
+           Case{"expect 2 times led LED 3 *", ""},
+           Case{"expect 1 times led LED 3 *",
+                "s:7: expected 1 times led 'LED 3 *'; there was 2 times"},
+           Case{"expect no led LED 6 *", ""},
+           Case{"from here\nexpect no led *", ""},
+           Case{"from here\nfrom the start\nexpect led LED 3 on", ""},
+           Case{"expect no led *3 on",
+                "s:7: expected no led '*3 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
+                "       300 ms p1 LED 3 off"},
+           Case{"expect volume 0x12345678",
+                "s:7: expected the volume to be 0x12345678; there was 0xCCCCCCCC"},
+           Case{"expect gain 1", "s:7: expected the gain to be 1; there was 85"},
+       }) {
+    sim::Device fresh;
+    sim::LoadDevice(fresh, PROJECT_DIR "/devices/rm21");
+    std::string found;
+    palsim::Stage stage(fresh, [&](const std::string& message) { found = message; });
+    stage.Play(ParseScenario("s", kFlash + test.line));
+    EXPECT_EQ(found, test.said) << test.line;
+    EXPECT_EQ(stage.failures(), test.said.empty() ? 0u : 1u) << test.line;
+  }
+}
+
+TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
+  struct Case {
+    std::string text, said;
+  };
+  for (const Case& test : {
+           Case{"scanner calls PALLEDInit", "s:1: no process scanner runs now"},
+           Case{"scanner starts\nscanner starts", "s:2: scanner has started already"},
+           Case{"scanner starts\nscanner is killed\nscanner ends", "s:3: no process scanner runs"},
+           Case{"wait for scanner", "s:1: no call scanner was begun"},
+           Case{"scanner starts\nexpect scanner returned S_OK", "s:2: scanner has made no call"},
+           Case{"scanner starts\nscanner calls PALLEDInit\nscanner begins PALLEDGrLedToggle 0\n"
+                "expect scanner returned S_OK",
+                "s:4: scanner still runs; 'wait for scanner' before"},
+           Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
+           Case{"delete HKLM\\None\\Such", "s:1: the registry has no HKLM\\None\\Such"},
+           Case{"remove \\None", "s:1: the device has no \\None"},
+       }) {
+    said.clear();
+    Play(test.text);
+    ASSERT_EQ(said.size(), 1u) << test.text;
+    EXPECT_TRUE(said[0].starts_with(test.said)) << said[0];
+  }
+}
+
+TEST_F(ScenarioStage, OutParametersAreCompared) {
+  Play(
+      "set HKLM\\SOFTWARE\\Dravonel\\PAL\\IntGrLed = 7\n"
+      "scanner starts\nscanner calls PALLEDInit\nscanner calls PALLEDGrLedGetState 0 out\n"
+      "expect scanner argument 2 = 7\nexpect scanner argument 2 = 8\n"
+      "expect scanner argument 1 = 0\nscanner calls PALLEDTerm\n");
+  EXPECT_EQ(said, (std::vector<std::string>{
+                      "s:6: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
+                      "s:7: expected argument 1 of scanner to be 0 (0x0); there was no "
+                      "out-parameter in this place"}));
+}
+
+TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
+  Play(
+      "scanner starts\nscanner calls PALLEDInit\nsettings starts\nsettings calls PALLEDInit\n"
+      "scanner begins PALLEDGrLedToggle 0\n"
+      "wait until scanner takes DVLORQPAL_LED_MUTEX\n"
+      "settings begins PALLEDSysLightOn\n"
+      "wait 20 ms\n"
+      "scanner is killed\nwait for scanner\nwait for settings\n"
+      "expect scanner was killed\nexpect settings returned S_OK\n"
+      "expect mutex DVLORQPAL_LED_MUTEX abandoned by scanner at 20 ms\n"
+      "expect mutex DVLORQPAL_LED_MUTEX taken by settings after 0 ms\n"
+      "expect no led LED 3 off\nsettings calls PALLEDTerm\n");
+  EXPECT_EQ(said, std::vector<std::string>{});
+  EXPECT_EQ(expectations, 5u);
+}
+
+TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {
+  Play(
+      "scanner starts\nscanner calls PALLEDInit\nfail call 2 of RegQueryValueExW with error 5\n"
+      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned S_OK\n"
+      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 5\n"
+      "no more faults\n"
+      "fail every call of RegQueryValueExW\n"
+      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 31\n"
+      "no more faults\nkill at call 1 of NLedSetDevice\n"
+      "scanner calls PALLEDGrLedOn\nexpect scanner was killed\n");
+  EXPECT_EQ(said, std::vector<std::string>{});
+}
+
+TEST_F(ScenarioStage, WaitingForALineEndsAtSomeTime) {
+  Play("scanner starts\nwait until led LED 3 on\n");
+  EXPECT_EQ(said, std::vector<std::string>{
+                      "s:2: expected to see led 'LED 3 on'; there was none within 60 s"});
+}
+
+TEST_F(ScenarioStage, WhatComesFromOutsideStandsInTheJournal) {
+  Play(
+      "write \\Windows\\note.txt = \"two  blanks\"\nset HKLM\\System\\New\\Value = \"text\"\n"
+      "delete HKLM\\System\\New\\Value\nremove \\Windows\\note.txt\n");
+  EXPECT_EQ(said, std::vector<std::string>{});
+  EXPECT_EQ(device.journal().Texts(),
+            (std::vector<std::string>{"\\Windows\\note.txt written: 11 bytes",
+                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\"=\"text\"",
+                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\" deleted",
+                                      "\\Windows\\note.txt removed"}));
+}
+
+std::vector<std::string> ScenarioFiles() {
+  std::vector<std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(PROJECT_DIR "/scenarios")) {
+    files.push_back(entry.path().string());
+  }
+  std::ranges::sort(files);
+  return files;
+}
+
+class ScenarioFile : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(ScenarioFile, IsAsExpected) {
+  const palsim::Scenario scenario = palsim::ReadScenario(GetParam());
+  sim::Device device;
+  sim::LoadDevice(device, std::filesystem::path(PROJECT_DIR "/devices") / scenario.device);
+  palsim::Stage stage(device, [](const std::string& message) { ADD_FAILURE() << message; });
+  stage.Play(scenario);
+  EXPECT_GT(stage.expectations(), 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shipped, ScenarioFile, ::testing::ValuesIn(ScenarioFiles()),
+                         [](const ::testing::TestParamInfo<std::string>& file) {
+                           std::string name = std::filesystem::path(file.param).stem().string();
+                           std::ranges::replace(name, '-', '_');
+                           return name;
+                         });
+
+}  // namespace

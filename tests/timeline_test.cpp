@@ -1,0 +1,252 @@
+// A run on a time axis: what is made of a journal, how long gaps are cut, the page, and the sound.
+#include "tools/palsim/timeline/timeline.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+#include "platform/sim/hardware/wave_file.h"
+#include "tests/support/device_test.h"
+#include "tools/palsim/run_record.h"
+#include "tools/palsim/timeline/page.h"
+#include "tools/palsim/timeline/sound_of_run.h"
+#include "tools/palsim/timeline/text.h"
+#include "tools/palsim/timeline/time_scale.h"
+
+namespace {
+
+using palsim::MakeTimeline;
+using palsim::Timeline;
+using palsim::TimeScale;
+
+Timeline FromJournal(const std::string& lines, unsigned end_ms) {
+  std::istringstream text("= run Two <tones>\n= device rm21: a handheld\n= start 5000\n= end " +
+                          std::to_string(5000 + end_ms) + "\n= volume 2863311530\n= gain 50\n" +
+                          lines);
+  return MakeTimeline(palsim::ReadRuns(text).at(0));
+}
+
+constexpr const char* kTwoBeeps =
+    "     5.000 p1 t1 process a.exe started\n"
+    "     5.000 p2 t1 process b.exe started\n"
+    "     5.000 p1 t2 call PALBEEPKeyClick()\n"
+    "     5.000 p1 t2 mutex M taken\n"
+    "     5.000 p1 t2 audio volume 0x80004000\n"
+    "     5.000 p1 t2 audio sound begins \\a b.wav 100 ms\n"
+    "     5.020 p2 t2 call PALBEEPKeyClick()\n"
+    "     5.060 p1 t1 process a.exe killed\n"
+    "     5.060 p1 t2 mutex M abandoned\n"
+    "     5.060 p1 t2 audio sound stops \\a b.wav\n"
+    "     5.060 p2 t2 mutex M taken\n"
+    "     5.060 p2 t2 trace 0xC3EB0000 <b> & \"quotes\"\n"
+    "     5.060 p2 t2 audio sound begins \\loop.wav 40 ms, looping\n"
+    "     5.060 p2 t2 mutex M released\n"
+    "     5.060 p2 t2 call PALBEEPKeyClick() = 0x00000000 S_OK\n"
+    "     5.070 p0 t0 registry HKEY_LOCAL_MACHINE\\K \"Headset\"=dword:00000001\n"
+    "     5.070 p2 t1 vibration preset 2 for 250 ms\n"
+    "     5.070 p2 t1 led LED 3 on\n"
+    "     5.100 p2 t1 led LED 3 blinks\n"
+    "    35.100 p2 t1 led LED 3 off\n"
+    "    35.100 p2 t1 process b.exe ended\n";
+
+TEST(TimelineModel, KnowsWhoDidWhatWhen) {
+  const Timeline timeline = FromJournal(kTwoBeeps, 30100);
+  ASSERT_EQ(timeline.processes.size(), 2u);
+  EXPECT_TRUE(timeline.processes[0].killed);
+  EXPECT_EQ(timeline.processes[0].end, 60u);
+  EXPECT_EQ(timeline.processes[0].calls.at(0).result, "") << "it did not return";
+  EXPECT_EQ(timeline.processes[1].calls.at(0).result, "0x00000000 S_OK");
+  ASSERT_EQ(timeline.mutexes.size(), 1u);
+  EXPECT_TRUE(timeline.mutexes[0].holds.at(0).abandoned);
+  ASSERT_EQ(timeline.mutexes[0].waits.size(), 1u);
+  EXPECT_EQ(timeline.mutexes[0].waits[0].process, 2u);
+  EXPECT_EQ(timeline.mutexes[0].waits[0].begin, 20u);
+  EXPECT_EQ(timeline.mutexes[0].waits[0].end, 60u);
+  ASSERT_EQ(timeline.sounds.size(), 2u);
+  EXPECT_EQ(timeline.sounds[0].path, "\\a b.wav");
+  EXPECT_TRUE(timeline.sounds[0].stopped);
+  EXPECT_EQ(timeline.sounds[1].end, 30100u) << "it loops to the end";
+  EXPECT_EQ(timeline.volume.at(0).value, 0xAAAAAAAAu);
+  EXPECT_EQ(timeline.volume.at(1).value, 0x80004000u);
+  EXPECT_EQ(timeline.vibrations.at(0).end, 320u);
+  ASSERT_EQ(timeline.leds.at(0).spans.size(), 2u);
+  EXPECT_TRUE(timeline.leds[0].spans[1].blinks);
+  EXPECT_EQ(timeline.leds[0].spans[1].begin, 100u);
+  ASSERT_EQ(timeline.outside.size(), 2u);
+  EXPECT_EQ(timeline.outside[0].text, "a.exe killed");
+}
+
+TEST(TimelineModel, KnowsAWaitInVainFromTheEventLog) {
+  const Timeline timeline = FromJournal(
+      "     5.000 p1 t1 mutex M taken\n"
+      "     7.500 p2 t1 trace 0xC3EB0000 PALWaitForMutex - ERROR timeout. hMutex: 0x4, ret: 0x102, "
+      "dur: 2000\\r\\n\n",
+      3000);
+  ASSERT_EQ(timeline.mutexes.at(0).waits.size(), 1u);
+  EXPECT_TRUE(timeline.mutexes[0].waits[0].in_vain);
+  EXPECT_EQ(timeline.mutexes[0].waits[0].begin, 500u);
+}
+
+TEST(RunRecords, KeepRunsApart) {
+  palsim::RunRecord run;
+  run.title = "one\ntwo";
+  run.volume = 7;
+  run.entries.push_back({.time_ms = 3, .process_id = 1, .thread_id = 1, .text = "a started"});
+  std::stringstream file("     1.000 p1 t1 process old started\nno entry\n");
+  file.seekp(0, std::ios::end);
+  palsim::WriteRun(file, run);
+  run.volume.reset();
+  palsim::WriteRun(file, run);
+  const std::vector<palsim::RunRecord> runs = palsim::ReadRuns(file);
+  ASSERT_EQ(runs.size(), 3u);
+  EXPECT_EQ(runs[0].start_ms, 1000u);
+  EXPECT_EQ(runs[1].title, "one\\ntwo");
+  EXPECT_EQ(runs[1].volume, 7u);
+  EXPECT_EQ(runs[1].entries.size(), 1u);
+  EXPECT_FALSE(runs[2].volume.has_value());
+}
+
+TEST(TimelineScale, CutsWhatIsLongAndIdleAlone) {
+  struct Case {
+    std::vector<std::uint64_t> moments;
+    std::vector<bool> cut;
+  };
+  for (const Case& test : {
+           Case{{0, 100, 200, 300}, {false, false, false}},
+           Case{{0, 100, 30100, 30200}, {false, true, false}},
+           Case{{0, 100, 2100, 32100, 32200}, {false, true, true, false}},
+           Case{{0, 1000, 2000, 3000}, {false, false, false}},
+           Case{{0, 100, 450, 460}, {false, false, false}},
+           Case{{0, 5000}, {false}},
+           Case{{0}, {}},
+       }) {
+    const TimeScale scale(test.moments, {.width = 600, .least_interval = 10, .gap = 50});
+    std::vector<bool> cut;
+    for (const TimeScale::Interval& interval : scale.intervals()) {
+      cut.push_back(interval.cut);
+      EXPECT_GE(interval.to - interval.from, interval.cut ? 50 : 10);
+      EXPECT_DOUBLE_EQ(scale.At(interval.end), interval.to);
+    }
+    EXPECT_EQ(cut, test.cut);
+    EXPECT_LT(scale.width(), 800);
+  }
+}
+
+TEST(TimelineScale, TicksKeepApartAndOutOfCuts) {
+  const TimeScale scale({0, 100, 110, 111, 30100, 30200, 99000},
+                        {.width = 600, .least_interval = 10, .gap = 50});
+  const std::vector<TimeScale::Tick> ticks = scale.Ticks(7);
+  ASSERT_GE(ticks.size(), 3u);
+  EXPECT_EQ(ticks[0].time, 0u);
+  EXPECT_TRUE(std::ranges::any_of(ticks, [](const auto& tick) { return tick.time == 30100; }))
+      << "where the axis goes on";
+  for (std::size_t index = 0; index < ticks.size(); ++index) {
+    const double end = ticks[index].at + 7.0 * static_cast<double>(ticks[index].text.size());
+    const double next = index + 1 < ticks.size() ? ticks[index + 1].at : end;
+    EXPECT_LE(end, next) << ticks[index].text;
+    for (const TimeScale::Interval& interval : scale.intervals()) {
+      const bool overlaps = end > interval.from && ticks[index].at < interval.to;
+      EXPECT_FALSE(interval.cut && overlaps) << ticks[index].text;
+    }
+  }
+}
+
+TEST(TimelinePage, StandsAloneAndEscapesWhatItShows) {
+  const std::string page = TimelinePage(FromJournal(kTwoBeeps, 30100));
+  EXPECT_NE(page.find("<h1>Two &lt;tones&gt;</h1>"), std::string::npos);
+  EXPECT_NE(page.find("&lt;b&gt; &amp; &quot;quotes&quot;"), std::string::npos);
+  for (const char* foreign : {"<script", "http:", "https:", "@import", "<b> &", "nan", "inf\""}) {
+    EXPECT_EQ(page.find(foreign), std::string::npos) << foreign;
+  }
+  for (const char* shown : {"a.exe killed", "Headset = 1", "b.exe waits", "blinks 30 s",
+                            "loop.wav 40 ms, looping", "preset 2 250 ms", "prefers-color-scheme"}) {
+    EXPECT_NE(page.find(shown), std::string::npos) << shown;
+  }
+}
+
+TEST(TimelineText, ShowsLevelsBeforeAndAfterAndEveryEffectInOrder) {
+  const std::string text = TimelineText(FromJournal(kTwoBeeps, 30100));
+  std::size_t from = 0;
+  for (const char* part :
+       {"Two <tones>", "before  volume 67 % (0xAAAAAAAA), gain 50", "calls PALBEEPKeyClick()",
+        "volume left 25 %, right 50 % (0x80004000)", "60 ms  a.exe          is killed",
+        "PALBEEPKeyClick() returns 0x00000000 S_OK", "vibrates: preset 2 for 250 ms",
+        "30.100 s  b.exe          LED 3 off", "after  volume left 25 %, right 50 %"}) {
+    const std::size_t found = text.find(part, from);
+    ASSERT_NE(found, std::string::npos) << part << "\n" << text;
+    from = found;
+  }
+}
+
+// A wave file of 8 bits, mono, with one sample value.
+std::vector<std::uint8_t> Tone(std::uint8_t sample, std::uint8_t frames) {
+  std::vector<std::uint8_t> file{'R', 'I', 'F',  'F', 0,   0,   0,    0,      'W', 'A', 'V',
+                                 'E', 'f', 'm',  't', ' ', 16,  0,    0,      0,   1,   0,
+                                 1,   0,   0xE8, 3,   0,   0,   0xE8, 3,      0,   0,   1,
+                                 0,   8,   0,    'd', 'a', 't', 'a',  frames, 0,   0,   0};
+  file[4] = static_cast<std::uint8_t>(36 + frames);
+  file.insert(file.end(), frames, sample);
+  return file;
+}
+
+class RunSoundTest : public ::testing::Test {
+ protected:
+  // The sample of a channel at a time.
+  [[nodiscard]] int At(unsigned ms, unsigned channel) const {
+    const std::size_t frame = ms * palsim::kSoundRate / 1000 + 1;
+    const std::size_t at = 44 + frame * 4 + channel * 2;
+    return static_cast<std::int16_t>(static_cast<std::uint8_t>(sound.wav.at(at)) |
+                                     static_cast<std::uint8_t>(sound.wav.at(at + 1)) << 8);
+  }
+  void Render(const std::string& journal, unsigned end_ms) {
+    files.Write("\\loud.wav", Tone(192, 100));  // half of the loudest, 100 ms
+    files.Write("\\low.wav", Tone(64, 100));
+    sound = palsim::SoundOfRun(FromJournal(journal, end_ms), files);
+  }
+
+  sim::FileSystem files;
+  palsim::RunSound sound;
+};
+
+TEST_F(RunSoundTest, HasTheLengthOfTheRunAndTheLevelsOfItsVolume) {
+  Render(
+      "     5.000 p1 t1 audio volume 0x8000FFFF\n"
+      "     5.100 p1 t1 audio sound begins \\loud.wav 100 ms\n"
+      "     5.200 p1 t1 audio sound ends \\loud.wav\n"
+      "     5.300 p1 t1 audio volume 0xFFFF0000\n"
+      "     5.300 p1 t1 audio sound begins \\loud.wav 100 ms\n"
+      "     5.350 p1 t1 audio sound stops \\loud.wav\n",
+      500);
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(sound.wav.data());
+  const auto wave = sim::ReadWaveFile({bytes, sound.wav.size()});
+  ASSERT_TRUE(wave.has_value());
+  EXPECT_EQ(wave->length_ms(), 500u);
+  EXPECT_EQ(wave->channels, 2);
+  struct Case {
+    unsigned ms;
+    int left, right;
+  };
+  for (const Case& test : {Case{50, 0, 0}, Case{150, 16384, 8192}, Case{250, 0, 0},
+                           Case{320, 0, 16384}, Case{370, 0, 0}, Case{450, 0, 0}}) {
+    EXPECT_EQ(At(test.ms, 0), test.left) << test.ms;
+    EXPECT_EQ(At(test.ms, 1), test.right) << test.ms;
+  }
+}
+
+TEST_F(RunSoundTest, RepeatsLoopsMixesAndSaysWhatIsMissing) {
+  Render(
+      "     5.000 p1 t1 audio volume 0xFFFFFFFF\n"
+      "     5.000 p1 t1 audio sound begins \\loud.wav 100 ms, looping\n"
+      "     5.150 p2 t1 audio sound begins \\low.wav 100 ms\n"
+      "     5.250 p2 t1 audio sound ends \\low.wav\n"
+      "     5.300 p3 t1 audio sound begins \\none.wav 10 ms\n"
+      "     5.400 p1 t1 audio sound stops \\loud.wav\n",
+      500);
+  EXPECT_EQ(At(120, 0), 16384) << "the second turn of the loop";
+  EXPECT_EQ(At(200, 0), 0) << "both together";
+  EXPECT_EQ(At(390, 0), 16384);
+  EXPECT_EQ(At(410, 0), 0) << "stopped";
+  EXPECT_EQ(sound.missing, std::vector<std::string>{"\\none.wav"});
+}
+
+}  // namespace

@@ -1,0 +1,89 @@
+// The commands that play a scenario and show what a run was.
+#include <fmt/format.h>
+
+#include "platform/sim/host_file.h"
+#include "tools/palsim/commands.h"
+#include "tools/palsim/scenario/scenario.h"
+#include "tools/palsim/scenario/stage.h"
+#include "tools/palsim/session.h"
+#include "tools/palsim/timeline/page.h"
+#include "tools/palsim/timeline/sound_of_run.h"
+#include "tools/palsim/timeline/text.h"
+#include "tools/palsim/timeline/timeline.h"
+#include "tools/palsim/usage_error.h"
+
+namespace palsim {
+namespace {
+
+void WriteFile(const std::string& file, std::string_view bytes) {
+  sim::ReplaceHostFile(file, file + ".new", bytes);
+}
+
+void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOptions& options) {
+  const Timeline timeline = MakeTimeline(run);
+  if (options.text) fmt::print("{}", TimelineText(timeline));
+  if (!options.html.empty()) WriteFile(options.html, TimelinePage(timeline));
+  if (options.wav.empty()) return;
+  const RunSound sound = SoundOfRun(timeline, files);
+  WriteFile(options.wav, sound.wav);
+  for (const std::string& path : sound.missing) {
+    fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n", path);
+  }
+}
+
+void MakeDeviceFor(const Scenario& scenario, const std::filesystem::path& folder) {
+  NewOptions options{.force = true, .quiet = true};
+  if (!scenario.device.empty()) options.sample = scenario.device;
+  NewDevice(folder, options);
+}
+
+void CheckDevice(const Scenario& scenario, const Session& session) {
+  if (scenario.device.empty() || scenario.device == session.identity().name) return;
+  throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
+                               scenario.device, session.identity().name));
+}
+
+}  // namespace
+
+int Run(const std::filesystem::path& folder, const RunOptions& options) {
+  const Scenario scenario = ReadScenario(options.file);
+  if (options.fresh) MakeDeviceFor(scenario, folder);
+  Session session(folder);
+  CheckDevice(scenario, session);
+  session.set_title(scenario.title, scenario.about);
+  if (options.journal) session.PrintJournal();
+  std::size_t expectations = 0;
+  std::size_t failures = 0;
+  {
+    Stage stage(session.device(),
+                [](const std::string& message) { fmt::print(stderr, "{}\n", message); });
+    stage.Play(scenario);
+    expectations = stage.expectations();
+    failures = stage.failures();
+  }
+  session.Save();
+  Show(session.record(), session.device().files(), options.timeline);
+  if (failures > 0) {
+    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, failures,
+               expectations);
+    return kFailure;
+  }
+  fmt::print("{}: {} expectations hold\n", scenario.name, expectations);
+  return kSuccess;
+}
+
+int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options) {
+  const std::vector<RunRecord> runs = ReadRuns(folder);
+  if (runs.empty()) throw UsageError(folder.string() + " has no run to show");
+  Session session(folder);
+  Show(runs.back(), session.device().files(), options);
+  return kSuccess;
+}
+
+void PrintStatements() {
+  for (const StatementForm& form : StatementForms()) {
+    fmt::print("  {:<46} {}\n", form.pattern, form.meaning);
+  }
+}
+
+}  // namespace palsim

@@ -1,0 +1,42 @@
+// The journal file of a device: one run after the other, each with what was played in lines that
+// begin with "=".
+#ifndef TOOLS_PALSIM_RUN_RECORD_H_
+#define TOOLS_PALSIM_RUN_RECORD_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/journal.h"
+
+namespace palsim {
+
+struct RunRecord {
+  std::string title;               // what was played: a scenario's title, or the command
+  std::vector<std::string> about;  // its paragraphs
+  std::string device;              // "rm21: A handheld with ..."
+  std::uint64_t start_ms = 0;      // on the device's clock
+  std::uint64_t end_ms = 0;
+  // The levels at the start, where the device has an audio driver.
+  std::optional<std::uint32_t> volume;
+  std::optional<std::uint32_t> gain;
+  std::vector<sim::JournalEntry> entries;
+};
+
+void WriteRun(std::ostream& file, const RunRecord& run);
+// Lines that are no entries are left out; entries before the first run's heading are a run without
+// one.
+[[nodiscard]] std::vector<RunRecord> ReadRuns(std::istream& file);
+
+// The journal of all runs of a device, kept beside its state.
+[[nodiscard]] std::filesystem::path JournalFile(const std::filesystem::path& folder);
+// Throws sim::DeviceFolderError where the folder is no device; a device without runs has none.
+[[nodiscard]] std::vector<RunRecord> ReadRuns(const std::filesystem::path& folder);
+[[nodiscard]] std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder);
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_RUN_RECORD_H_

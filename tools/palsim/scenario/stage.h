@@ -1,0 +1,93 @@
+// Where a scenario is played: the device with the processes that the scenario has started, and how
+// far its expectations have read the journal.
+#ifndef TOOLS_PALSIM_SCENARIO_STAGE_H_
+#define TOOLS_PALSIM_SCENARIO_STAGE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/device.h"
+#include "tools/palsim/export_call.h"
+#include "tools/palsim/scenario/scenario.h"
+
+namespace palsim {
+
+class Stage {
+ public:
+  using OnFailure = std::function<void(const std::string& message)>;
+  // `on_failure` is told of each expectation that does not hold: "good-read.scenario:7: ...".
+  Stage(sim::Device& device, OnFailure on_failure);
+
+  // Plays a scenario to its end, waits for what still runs and ends its processes. Throws
+  // UsageError, with the line, where a statement cannot be played.
+  void Play(const Scenario& scenario);
+  [[nodiscard]] std::size_t expectations() const { return expectations_; }
+  [[nodiscard]] std::size_t failures() const { return failures_; }
+
+  // For the statements.
+  [[nodiscard]] sim::Device& device() { return device_; }
+  [[nodiscard]] std::uint64_t run_time_ms() const { return device_.now_ms() - start_ms_; }
+
+  void StartProcess(const std::string& name);
+  // Throws UsageError where none of this name lives.
+  [[nodiscard]] sim::Process& process(const std::string& name);
+  // Of the one that started last under this name, whether it lives or not.
+  [[nodiscard]] std::uint32_t ProcessId(const std::string& name) const;
+  // Ends it as its owner would, or kills it.
+  void EndProcess(const std::string& name, bool kill);
+
+  // Runs a call to its end; its outcome has the process's name.
+  void Call(const std::string& process, const std::string& name,
+            const std::vector<std::string>& arguments);
+  // Starts one in a thread of its own; its outcome has the name `as`.
+  void Begin(const std::string& process, const std::string& name,
+             const std::vector<std::string>& arguments, const std::string& as);
+  void AwaitCall(const std::string& as);
+  // What a call gave; nothing where it was killed. Throws UsageError where there was none, or where
+  // it still runs.
+  [[nodiscard]] const std::optional<CallOutcome>& outcome(const std::string& of);
+
+  // Counts an expectation; where it does not hold, says so.
+  void Expect(bool holds, const std::string& expected, const std::string& found);
+
+  // The journal as expectations read it: from where they look, and how far they have come.
+  [[nodiscard]] const std::vector<sim::JournalEntry>& journal() const;
+  [[nodiscard]] std::size_t journal_start() const { return journal_start_; }
+  [[nodiscard]] std::uint64_t TimeOf(const sim::JournalEntry& entry) const;
+  std::size_t look_from = 0;
+  std::size_t position = 0;
+  std::uint64_t matched_ms = 0;  // of the last line that was found
+  std::size_t wait_from = 0;     // for waiting until a line is there
+
+ private:
+  struct RunningCall {
+    sim::Thread thread;
+    std::shared_ptr<std::optional<CallOutcome>> outcome;
+  };
+  void PlayStatement(const Statement& statement);
+  void Finish();
+
+  sim::Device& device_;
+  OnFailure on_failure_;
+  std::uint64_t start_ms_;
+  std::size_t journal_start_;
+  std::string place_;  // file and line of the statement that is played
+  std::size_t expectations_ = 0;
+  std::size_t failures_ = 0;
+  std::vector<std::unique_ptr<sim::Process>> processes_;  // in the order of their start
+  std::map<std::string, RunningCall> running_;
+  std::map<std::string, std::optional<CallOutcome>> outcomes_;
+};
+
+// A file name for a process of a scenario: "scanner" is scanner.exe.
+[[nodiscard]] std::string ProcessFileName(const std::string& name);
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_SCENARIO_STAGE_H_

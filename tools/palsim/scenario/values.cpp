@@ -1,0 +1,145 @@
+#include "tools/palsim/scenario/values.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "platform/sim/device.h"
+#include "platform/sim/kernel/faults.h"
+#include "platform/sim/text.h"
+#include "platform/wince.h"
+#include "tools/palsim/argument.h"
+#include "tools/palsim/export_call.h"
+#include "tools/palsim/names.h"
+
+namespace palsim {
+namespace {
+
+constexpr std::int64_t kLongestTime = 24LL * 60 * 60 * 1000;
+
+void CheckExport(const Filled& filled) {
+  std::vector<std::string> arguments;
+  for (const Word& word : filled.words("ARGUMENTS")) arguments.push_back(word.text);
+  CheckCall(filled.Text("EXPORT"), arguments);
+}
+
+void CheckEffect(const Filled& filled) {
+  const std::string name = filled.Text("EFFECT");
+  if (sim::EffectFromName(name)) return;
+  throw UsageError("'" + name +
+                   "' is no effect in the journal, and as a whole the line is no other statement; "
+                   "'palsim --statements' lists them");
+}
+
+void CheckPlatformCall(const Filled& filled) {
+  const std::string name = filled.Text("API");
+  if (!sim::CallFromName(name)) throw UsageError(name + " is no platform call");
+}
+
+void CheckPath(const Filled& filled) {
+  const std::string path = filled.Text("PATH");
+  if (path.starts_with('\\') && sim::FileSystem::IsPathAllowed(path)) return;
+  throw UsageError("'" + path + "' is no path of the device, such as \\Windows\\name");
+}
+
+void CheckCount(const Filled& filled) {
+  const std::int64_t count = ParseNumber(filled.Text("COUNT"));
+  constexpr std::int64_t kMost = 1000000;
+  if (count < 1 || count > kMost) throw UsageError("a count is a number from 1 up");
+}
+
+// What is checked of a word in capitals.
+struct ValueCheck {
+  std::string_view name;
+  void (*check)(const Filled& filled);
+};
+
+constexpr std::array kChecks{
+    ValueCheck{"TIME",
+               [](const Filled& filled) { static_cast<void>(ParseTime(filled.words("TIME"))); }},
+    ValueCheck{"DELAY",
+               [](const Filled& filled) { static_cast<void>(ParseTime(filled.words("DELAY"))); }},
+    ValueCheck{"EXPORT", &CheckExport},
+    ValueCheck{
+        "VALUE",
+        [](const Filled& filled) { static_cast<void>(ParseValuePath(filled.Text("VALUE"))); }},
+    ValueCheck{"DATA",
+               [](const Filled& filled) { static_cast<void>(ParseData(filled.words("DATA"))); }},
+    ValueCheck{"RESULT",
+               [](const Filled& filled) { static_cast<void>(ParseResult(filled.Text("RESULT"))); }},
+    ValueCheck{"NUMBER",
+               [](const Filled& filled) { static_cast<void>(ParseNumber(filled.Text("NUMBER"))); }},
+    ValueCheck{"COUNT", &CheckCount},
+    ValueCheck{"EFFECT", &CheckEffect},
+    ValueCheck{"API", &CheckPlatformCall},
+    ValueCheck{"PATH", &CheckPath},
+};
+
+sim::RegistryValue Bytes(const Words& words) {
+  sim::RegistryValue value{.name = {}, .type = REG_BINARY, .data = {}};
+  for (std::size_t index = 1; index < words.size(); ++index) {
+    const std::string& text = words[index].text;
+    std::uint8_t byte = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), byte, 16);
+    if (error != std::errc() || end != text.data() + text.size()) {
+      throw UsageError("'" + text + "' is no byte such as 0A");
+    }
+    value.data.push_back(byte);
+  }
+  return value;
+}
+
+}  // namespace
+
+void CheckValues(const Filled& filled) {
+  for (const auto& [name, words] : filled.parts()) {
+    const auto* const row = std::ranges::find(kChecks, name, &ValueCheck::name);
+    if (row != kChecks.end()) row->check(filled);
+  }
+}
+
+std::uint32_t ParseTime(const Words& words) {
+  const bool in_seconds = words.at(1).text == "s";
+  std::int64_t time = -1;
+  if (in_seconds || words.at(1).text == "ms") time = ParseNumber(words.at(0).text);
+  if (in_seconds && time > 0) time *= 1000;
+  if (time >= 0 && time <= kLongestTime) return static_cast<std::uint32_t>(time);
+  throw UsageError(
+      fmt::format("'{}' is no time of a day at most (use 120 ms or 2 s)", Joined(words)));
+}
+
+std::string TimeText(std::uint64_t ms) {
+  return ms >= 1000 && ms % 1000 == 0 ? fmt::format("{} s", ms / 1000) : MomentText(ms);
+}
+
+std::string MomentText(std::uint64_t ms) {
+  if (ms < 10000) return fmt::format("{} ms", ms);
+  return fmt::format("{}.{:03} s", ms / 1000, ms % 1000);
+}
+
+ValuePath ParseValuePath(const std::string& text) {
+  const std::size_t last = text.find_last_of('\\');
+  std::u16string path = sim::ToUtf16(text);
+  std::u16string_view rest = path;
+  const sim::Registry roots;
+  if (last == std::string::npos || roots.TakeRoot(rest) == nullptr) {
+    throw UsageError("'" + text + "' is no registry value, such as HKLM\\Software\\Key\\Name");
+  }
+  return {text.substr(0, last), text.substr(last + 1)};
+}
+
+sim::RegistryValue ParseData(const Words& words) {
+  if (!words.empty() && !words[0].quoted && words[0].text == "hex") return Bytes(words);
+  if (words.size() != 1) {
+    throw UsageError("data is a number, a \"text\", or bytes such as hex 0A 01");
+  }
+  if (words[0].quoted) {
+    return {.name = {}, .type = REG_SZ, .data = sim::StringData(sim::ToUtf16(words[0].text))};
+  }
+  const auto number = static_cast<std::uint32_t>(ParseNumber(words[0].text));
+  return {.name = {}, .type = REG_DWORD, .data = sim::DwordData(number)};
+}
+
+}  // namespace palsim

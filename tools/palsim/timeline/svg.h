@@ -1,0 +1,34 @@
+// SVG and HTML text, piece by piece.
+#ifndef TOOLS_PALSIM_TIMELINE_SVG_H_
+#define TOOLS_PALSIM_TIMELINE_SVG_H_
+
+#include <string>
+#include <string_view>
+
+namespace palsim {
+
+// With what HTML would take for its own replaced.
+[[nodiscard]] std::string EscapeHtml(std::string_view text);
+// About how wide a text of the chart is, in its units.
+[[nodiscard]] double TextWidth(std::string_view text);
+
+class Svg {
+ public:
+  // A title is what shows when the pointer stays over the shape; it may be empty.
+  void Rectangle(double x, double y, double width, double height, std::string_view classes,
+                 std::string_view title = {});
+  void Line(double x1, double y1, double x2, double y2, std::string_view classes);
+  void Path(std::string_view data, std::string_view classes);
+  void Text(double x, double y, std::string_view text, std::string_view classes,
+            std::string_view title = {});
+  // The whole element.
+  [[nodiscard]] std::string Element(double width, double height, std::string_view classes,
+                                    std::string_view label) const;
+
+ private:
+  std::string body_;
+};
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_TIMELINE_SVG_H_
