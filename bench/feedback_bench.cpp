@@ -4,6 +4,7 @@
 
 #include "bench/bare_trace.h"
 #include "platform/sim/exports.h"
+#include "platform/wince.h"
 #include "tests/support/beeper_device.h"
 #include "tests/support/wave_file.h"
 
