@@ -309,7 +309,7 @@ HRESULT StopTagSearch() {
 
 HRESULT PALAPI PALBEEPInit() {
   if (beep_mutex.load(std::memory_order_relaxed) == nullptr) {
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("DVLORQPAL_BEEP_MUTEX"));
+    HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("DVLORQPAL_BEEP_MUTEX"));
     if (mutex == nullptr) {
       kTrace.Error("PALBEEPInit - Error creating mutex. winerr:0x%x", GetLastError());
     }
@@ -323,7 +323,7 @@ HRESULT PALAPI PALBEEPInit() {
 }
 
 HRESULT PALAPI PALBEEPTerm() {
-  const HANDLE mutex = beep_mutex.load(std::memory_order_relaxed);
+  HANDLE mutex = beep_mutex.load(std::memory_order_relaxed);
   if (pal::Failed(PALWaitForMutex(pal::Facility::kBeeper, mutex, pal::kMutexTimeoutMs))) {
     kTrace.Error("PALBEEPTerm - Mutex wait failed. winerr:0x%x", GetLastError());
   }
