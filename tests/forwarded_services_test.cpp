@@ -108,6 +108,12 @@ class ForwardedServices : public DeviceTest {
   void Install(Entries entries = AllEntries(), const char* folder = "\\Windows") {
     device.InstallModule({"DVLORQPAL.dll", std::move(entries), folder});
   }
+  // A process with nothing in the journal yet, whatever its start wrote there, and with a last
+  // error that no call has touched since.
+  void Begin(sim::Process& process) {
+    device.journal().Clear();
+    process.Run([] { SetLastError(0x55); });
+  }
   Lines ProviderLoads() {
     Lines lines = device.journal().Texts(sim::Effect::kModule);
     std::erase_if(lines, [](const std::string& line) { return line.starts_with("DVLEvent"); });
@@ -172,6 +178,7 @@ TEST_F(ForwardedServices, LoadTheProviderOnceAndHaveItLogItsVersion) {
   });
   Install(std::move(entries));
   sim::Process process(device);
+  Begin(process);
   process.exports().PALSysio_DVLEnableCamera(1);
   EXPECT_EQ(provider.seen_address, 99u) << "its version comes first";
   const unsigned lookups = device.calls("GetProcAddressW");
@@ -180,7 +187,7 @@ TEST_F(ForwardedServices, LoadTheProviderOnceAndHaveItLogItsVersion) {
   process.exports().PALSysio_DVLEnableCameraClock(1);
   EXPECT_EQ(device.calls("GetProcAddressW"), lookups + 1);
   EXPECT_EQ(CategorisedLines(),
-            Lines{"0x442C0000 Loading DVLORQPAL.dll,winerr:0x0,proc:0x1\\r\\n"});
+            Lines{"0x442C0000 Loading DVLORQPAL.dll,winerr:0x55,proc:0x1\\r\\n"});
   EXPECT_EQ(ProviderLoads(), Lines{"DVLORQPAL.dll loaded"});
 }
 
@@ -189,11 +196,11 @@ TEST_F(ForwardedServices, TakeTheProviderBesideTheProgram) {
   sim::Process elsewhere(device, "elsewhere.exe");
   sim::Process process(device, R"(\Tools\Deep\tool.exe)");
   EXPECT_EQ(elsewhere.exports().PALSysio_DVLEnableCamera(1), E_FAIL);
-  device.journal().Clear();
+  Begin(process);
   provider.result = TRUE;
   EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), S_OK);
-  EXPECT_EQ(TraceLines(), (Lines{"Loading DVLORQPAL.dll,winerr:0x0,proc:0x2\\r\\n",
-                                 R"(Loading \Tools\Deep\DVLORQPAL.dll,winerr:0x0,proc:0x2\r\n)"}));
+  EXPECT_EQ(TraceLines(), (Lines{"Loading DVLORQPAL.dll,winerr:0x55,proc:0x2\\r\\n",
+                                 R"(Loading \Tools\Deep\DVLORQPAL.dll,winerr:0x55,proc:0x2\r\n)"}));
   EXPECT_EQ(ProviderLoads(), Lines{R"(\Tools\Deep\DVLORQPAL.dll loaded)"});
 }
 
@@ -221,15 +228,15 @@ TEST_F(ForwardedServices, AreMissingWhereOnlyThisLibraryBearsTheName) {
 }
 
 TEST_F(ForwardedServices, SayWhatFailedToLoad) {
-  device.PlanFault({.call = "LoadLibraryW", .nth = 2, .error = 126});
   sim::Process process(device);
-  process.exports().PALVER_LogVersion();  // the event log's own load is the first
+  process.exports().PALVER_LogVersion();
+  Begin(process);
+  device.PlanFault({.call = "LoadLibraryW", .error = 8});
   DWORD address = 1;
   EXPECT_EQ(process.exports().PALSysio_MmMapIoSpace(1, 2, 3, 4, &address), E_FAIL);
   EXPECT_EQ(address, 0u);
   EXPECT_EQ(CategorisedLines(),
-            (Lines{"0x442F0000 Loaded PAL version: 0.0.0.0\\r\\n",
-                   "0x442C0000 Loading DVLORQPAL.dll,winerr:0x7e,proc:0x1\\r\\n",
+            (Lines{"0x442C0000 Loading DVLORQPAL.dll,winerr:0x8,proc:0x1\\r\\n",
                    R"(0x442C0000 Loading \Program Files\DVLORQPAL.dll,winerr:0x7e,proc:0x1\r\n)",
                    "0xC42C0000 All PAL load attempts failed. proc:0x1\\r\\n"}));
 }
@@ -237,6 +244,7 @@ TEST_F(ForwardedServices, SayWhatFailedToLoad) {
 TEST_F(ForwardedServices, LookOncePerExportForAMissingEntry) {
   Install({});
   sim::Process process(device);
+  Begin(process);
   for (int call = 0; call < 2; ++call) {
     DWORD address = 1;
     EXPECT_EQ(process.exports().PALSysio_MmMapIoSpace(1, 2, 3, 4, &address), E_FAIL);
@@ -244,11 +252,12 @@ TEST_F(ForwardedServices, LookOncePerExportForAMissingEntry) {
     EXPECT_EQ(process.exports().PALSysio_ImagerFreePhysMem(1), S_OK);
     EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), E_FAIL);
   }
-  EXPECT_EQ(CategorisedLines(), (Lines{"0x442C0000 Loading DVLORQPAL.dll,winerr:0x0,proc:0x1\\r\\n",
-                                       "0xC42C0000 PALVER_LogVersion not supported\\r\\n",
-                                       "0xC42C0000 PALSysio_MmMapIoSpace not supported\\r\\n",
-                                       "0xC42C0000 PALSysio_ImagerFreePhysMem not supported\\r\\n",
-                                       "0xC42C0000 PALSysio_DVLEnableCamera not supported\\r\\n"}));
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{"0x442C0000 Loading DVLORQPAL.dll,winerr:0x55,proc:0x1\\r\\n",
+                   "0xC42C0000 PALVER_LogVersion not supported\\r\\n",
+                   "0xC42C0000 PALSysio_MmMapIoSpace not supported\\r\\n",
+                   "0xC42C0000 PALSysio_ImagerFreePhysMem not supported\\r\\n",
+                   "0xC42C0000 PALSysio_DVLEnableCamera not supported\\r\\n"}));
 }
 
 TEST_F(ForwardedServices, AProviderThatComesLaterServesTheExportsThatHaveNotLooked) {

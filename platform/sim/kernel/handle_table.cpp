@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/sim/text.h"
+
 namespace sim {
 
 std::uintptr_t HandleTable::Add(std::shared_ptr<Object> object, std::uint32_t process_id) {
@@ -36,8 +38,9 @@ std::vector<std::string> HandleTable::CloseAll(std::uint32_t process_id) {
   std::vector<std::string> closed;
   std::erase_if(entries_, [&](const auto& entry) {
     if (entry.second.process_id != process_id) return false;
-    closed.push_back(
-        fmt::format("{} {:#x}", ObjectKindName(entry.second.object->kind()), entry.first));
+    const Object& object = *entry.second.object;
+    closed.push_back(fmt::format("{} {:#x}", ObjectKindName(object.kind()), entry.first));
+    if (!object.name().empty()) closed.back() += " " + ToUtf8(object.name());
     return true;
   });
   std::ranges::sort(closed);
