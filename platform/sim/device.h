@@ -209,7 +209,8 @@ class Process {
   // Ends without detach, wherever its threads are; its mutexes are abandoned.
   void Kill();
 
-  // What the process holds: handles and registry keys, heap blocks of the library.
+  // What the process holds beyond what its library took when it attached: handles and registry keys;
+  // and the library's heap blocks.
   [[nodiscard]] unsigned open_handles() const;
   [[nodiscard]] unsigned heap_blocks() const;
 

@@ -114,6 +114,8 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
   BindExports(*state_);
   CallEntry(*state_, DLL_PROCESS_ATTACH);
   LogProcess(*state_, "attached");
+  const Scheduler::Lock lock(kernel.mutex);
+  state_->handles_at_start = kernel.handles.Count(state_->id);
 }
 
 Process::~Process() {
@@ -200,7 +202,7 @@ void Process::Kill() {
 
 unsigned Process::open_handles() const {
   const Scheduler::Lock lock(state_->kernel.mutex);
-  return state_->kernel.handles.Count(state_->id);
+  return state_->kernel.handles.Count(state_->id) - state_->handles_at_start;
 }
 
 unsigned Process::heap_blocks() const {

@@ -90,6 +90,7 @@ class ProcessState {
   // Those that have a thread of the host: all but the driver.
   std::vector<std::shared_ptr<ThreadState>> threads;
   std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by path, with their counts
+  unsigned handles_at_start = 0;  // those that the library took when it attached
   std::unordered_map<void*, std::size_t> heap;
   // Of a process that a program started:
   const std::shared_ptr<ProcessObject> object = std::make_shared<ProcessObject>();
