@@ -121,7 +121,7 @@ template <class Body>
 void Measure(benchmark::State& state, const Body& body) {
   sim::Device device;
   Prepare(device);
-  BeepingProcess process(device);
+  sim::Process process(device);
   process.Run([&] {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("DVLORQPAL_BEEP_MUTEX"));
     for ([[maybe_unused]] auto iteration : state) body(process.exports(), mutex);

@@ -20,9 +20,7 @@ void Measure(benchmark::State& state, const Body& body) {
                              "BattSuspendTimeout", 300);
   device.registry().SetDword("HKCU\\ControlPanel\\Backlight", "AmbientDeltaIndex", 3);
   sim::Process process(device);
-  process.exports().PALPWRInit();
   process.Run([&] { body(process.exports(), state); });
-  process.exports().PALPWRTerm();
 }
 
 void BareWrite(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {

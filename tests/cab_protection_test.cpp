@@ -34,13 +34,13 @@ class CabProtection : public DeviceTest {
   }
   HRESULT Set(DWORD enable) {
     const HRESULT result = process.exports().PALSecurity_SetCabFilePasswordProtect(enable);
-    EXPECT_EQ(process.open_handles(), 0U);
+    EXPECT_EQ(process.new_handles(), 0U);
     return result;
   }
   DWORD IsOn() {
     DWORD enabled = 99;
     EXPECT_EQ(process.exports().PALSecurity_GetCabFilePasswordProtect(&enabled), S_OK);
-    EXPECT_EQ(process.open_handles(), 0U);
+    EXPECT_EQ(process.new_handles(), 0U);
     return enabled;
   }
 

@@ -21,7 +21,7 @@ constexpr const char* kRadio = "HKLM\\Software\\Microsoft\\RIL";
 
 class Capabilities : public DeviceTest {
  protected:
-  void TearDown() override { EXPECT_EQ(process.open_handles(), 0u); }
+  void TearDown() override { EXPECT_EQ(process.new_handles(), 0u); }
   DWORD Installed(const std::string& name) {
     const DWORD state = exports.PALDevCap_GetDevCapsA(name.c_str());
     const std::u16string wide(name.begin(), name.end());

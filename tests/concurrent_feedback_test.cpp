@@ -15,8 +15,8 @@ class ConcurrentFeedback : public DeviceTest {
   ConcurrentFeedback() : DeviceTest(sim::Concurrency::kParallel) { FurnishBeeper(device); }
 
   void RunInTwoProcesses(const std::vector<std::function<void(const sim::Exports&)>>& bodies) {
-    BeepingProcess first(device, "first.exe");
-    BeepingProcess second(device, "second.exe");
+    sim::Process first(device, "first.exe");
+    sim::Process second(device, "second.exe");
     std::vector<sim::Thread> threads;
     for (sim::Process* process :
          {static_cast<sim::Process*>(&first), static_cast<sim::Process*>(&second)}) {

@@ -49,13 +49,11 @@ TEST_F(ConcurrentLeds, FlashesOfAllProcessesNeverOverlap) {
   for (auto& process : processes) {
     process = std::make_unique<sim::Process>(device);
     const sim::Exports& exports = process->exports();
-    EXPECT_EQ(exports.PALLEDInit(), S_OK);
     threads.push_back(process->Start([&exports] { SwitchAndAsk(exports); }));
     threads.push_back(process->Start([&exports] { SwitchAndAsk(exports); }));
     threads.push_back(process->Start([&exports] { VibrateAndProbe(exports); }));
   }
   for (sim::Thread& thread : threads) EXPECT_TRUE(thread.Join());
-  for (const auto& process : processes) EXPECT_EQ(process->exports().PALLEDTerm(), S_OK);
   // Each flash finds the LED off and leaves it so, and none waits for 2000 ms.
   EXPECT_EQ(TraceLines("NLedCtrl(id:3"), std::vector<std::string>{});
   EXPECT_EQ(TraceLines("PALWaitForMutex"), std::vector<std::string>{});

@@ -42,27 +42,23 @@ TEST_F(ConcurrentPower, OneStopEndsWhatTwoThreadsStarted) {
   for (int round = 0; round < 20; ++round) {
     device.journal().Clear();
     sim::Process process(device);
-    process.exports().PALPWRInit();
     ControlFromTwoThreads(process);
     device.Advance(1);
     EXPECT_EQ(process.exports().PALPWRSuspendCtrl(kStop), S_OK);
     device.Advance(kLongestPeriodMs);
     EXPECT_EQ(Begun(), 8u);
     EXPECT_EQ(Ended(), 8u);
-    process.exports().PALPWRTerm();
   }
 }
 
 TEST_F(ConcurrentPower, AProcessEndsUnderItsThreads) {
   for (int round = 0; round < 30; ++round) {
     sim::Process process(device);
-    process.exports().PALPWRInit();
     ControlFromTwoThreads(process);
     if (round % 3 == 1) device.Advance(static_cast<std::uint32_t>(round) * 1000);
     if (round % 3 == 2) {
       process.Kill();
     } else {
-      process.exports().PALPWRTerm();
       process.End();
     }
     const std::size_t resets = device.journal().Texts(sim::Effect::kPower).size();
@@ -76,10 +72,8 @@ TEST_F(ConcurrentPower, TheLastThreadUnloadsTheLibrary) {
   for (int round = 0; round < 20; ++round) {
     device.journal().Clear();
     sim::Process process(device);
-    process.exports().PALPWRInit();
     ControlFromTwoThreads(process);
     EXPECT_EQ(process.exports().PALPWRSuspendCtrl(kStop), S_OK);
-    process.exports().PALPWRTerm();
     process.Run([] {
       const HMODULE library = LoadLibraryW(TEXT("\\Program Files\\Dravonel\\DVLORQPAL.dll"));
       FreeLibrary(library);

@@ -31,7 +31,7 @@ TEST_F(ConcurrentScanner, TwoThreadsDriveOneEngine) {
   EXPECT_TRUE(first.Join());
   EXPECT_TRUE(second.Join());
   EXPECT_EQ(exports.PALSysio_Close(), S_OK);
-  EXPECT_EQ(process.open_handles(), 0U);
+  EXPECT_EQ(process.new_handles(), 0U);
 }
 
 TEST_F(ConcurrentScanner, TwoProcessesCheckPasswordsAtOnce) {

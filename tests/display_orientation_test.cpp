@@ -122,9 +122,9 @@ TEST(OrientationOfADevice, IsKeptInItsFolderAsTheBootOptionIs) {
   };
   for (const Case& test :
        {Case{90, 3, 180, Result(0x83EE0002), 256, ""},
-        Case{90, 3, 270, Result(0x80070002), 5, state + "rotation = 270\nboot_option = 5\n"},
-        Case{270, 5, 90, Result(0x80070002), 0, state + "rotation = 90\nboot_option = 0\n"},
-        Case{90, 0, 0, Result(0x83EE0002), 0, state + "rotation = 90\nboot_option = 0\n"}}) {
+        Case{90, 3, 270, Result(0x80070002), 5, state + "boot_option = 5\nrotation = 270\n"},
+        Case{270, 5, 90, Result(0x80070002), 0, state + "boot_option = 0\nrotation = 90\n"},
+        Case{90, 0, 0, Result(0x83EE0002), 0, state + "boot_option = 0\nrotation = 90\n"}}) {
     sim::Device device;
     sim::LoadDevice(device, folder.path());
     {

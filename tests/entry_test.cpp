@@ -49,7 +49,7 @@ TEST_F(Entry, StartsTheFamiliesInOrder) {
   device.PlanFault({.call = "CreateEventW", .from_then_on = true});
   const sim::Process process(device);
   Lines started;
-  for (const std::string& line : TraceLines("PAL")) {
+  for (const std::string& line : device.journal().Texts(sim::Effect::kTrace)) {
     const std::string name = line.substr(0, line.find(' '));
     if (name.ends_with("Init")) AddOnce(started, name);
   }

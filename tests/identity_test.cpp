@@ -603,7 +603,7 @@ TEST_F(Identity, AnyCallMayFail) {
     const std::array known{S_OK, E_FAIL, kSourceFailed};
     EXPECT_NE(std::ranges::find(known, answer.result), known.end()) << answer.result;
     EXPECT_EQ(answer.text == "untouched", answer.result != S_OK);
-    EXPECT_EQ(caller.open_handles() + caller.heap_blocks(), 0u);
+    EXPECT_EQ(caller.new_handles() + caller.heap_blocks(), 0u);
     return device.calls(call) - before >= nth;
   };
   for (DWORD detail = 0; detail <= PAL_DETAIL_ETHERNET_ADDRESS; ++detail) {

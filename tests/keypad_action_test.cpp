@@ -241,7 +241,7 @@ TEST_F(KeypadAction, StopsAtAFailure) {
     const Lines changes = Changes();
     EXPECT_EQ(std::count(changes.begin(), changes.end(), kFlushed), test.flushed ? 1 : 0);
     EXPECT_EQ(std::count(changes.begin(), changes.end(), kSignalled), test.signalled ? 1 : 0);
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
   }
 }
 

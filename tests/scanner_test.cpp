@@ -216,7 +216,7 @@ TEST_F(Scanner, FailsEveryOperationWithoutADriver) {
     EXPECT_EQ(Control(mode), E_FAIL);
   }
   EXPECT_EQ(device.calls("DeviceIoControl"), 0U);
-  EXPECT_EQ(process->open_handles(), 0U);
+  EXPECT_EQ(process->new_handles(), 0U);
   EXPECT_EQ(TraceLines("PALSysio_Init()"),
             Lines{"PALSysio_Init() CreateFile( SCD1: )error: 0x37\\r\\n"});
   EXPECT_EQ(TraceLines("Exit PALSysio_Open"),
@@ -228,7 +228,7 @@ TEST_F(Scanner, HasOneHandleHoweverOftenItIsOpened) {
   Fit(kEng17);
   Start();
   EXPECT_EQ(exports().PALSysio_Open(), S_OK);
-  EXPECT_EQ(process->open_handles(), 1U);
+  EXPECT_EQ(process->new_handles(), 1U);
   EXPECT_EQ(exports().PALSysio_SetScanEnable(1), S_OK) << "the driver has one user at a time";
 
   sim::Process other(device, "other.exe");
@@ -239,12 +239,12 @@ TEST_F(Scanner, HasOneHandleHoweverOftenItIsOpened) {
 
   device.PlanFault({.call = "CreateFileW"});
   EXPECT_EQ(exports().PALSysio_Open(), S_OK);
-  EXPECT_EQ(process->open_handles(), 0U) << "the old handle went, a new one did not come";
+  EXPECT_EQ(process->new_handles(), 0U) << "the old handle went, a new one did not come";
   EXPECT_EQ(exports().PALSysio_SetScanEnable(1), E_FAIL);
   EXPECT_EQ(exports().PALSysio_Open(), S_OK);
   EXPECT_EQ(exports().PALSysio_Close(), S_OK);
   EXPECT_EQ(exports().PALSysio_Close(), S_OK);
-  EXPECT_EQ(process->open_handles(), 0U);
+  EXPECT_EQ(process->new_handles(), 0U);
 }
 
 TEST_F(Scanner, BringsACommonEngineUpWithoutMutex) {
@@ -271,7 +271,7 @@ TEST_F(Scanner, BringsAnEngineOnTheSpiClockUpUnderTheMutex) {
                             "enable 01 0", "set power 0", std::string(kMutexName) + " released"}));
     EXPECT_EQ(TakeSent(),
               (Lines{"set download 00", "set SPI clock 01", "enable 01", "set power 01"}));
-    EXPECT_EQ(process->open_handles(), 1U) << "the driver's alone";
+    EXPECT_EQ(process->new_handles(), 1U) << "the driver's alone";
     exports().PALSysio_Close();
   }
 }
@@ -334,7 +334,7 @@ TEST_F(Scanner, GoesOnWithoutTheMutex) {
     }
     EXPECT_EQ(releases.size(), test.is_released ? 1U : 0U);
     EXPECT_EQ(TakeSent().size(), 4U);
-    EXPECT_EQ(process->open_handles(), 1U);
+    EXPECT_EQ(process->new_handles(), 1U);
     EXPECT_TRUE(holder.Join());
     exports().PALSysio_Close();
   }

@@ -80,9 +80,9 @@ class ScenarioStage : public ::testing::Test {
 
 constexpr const char* kFlash =
     "set HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300\n"
-    "scanner starts\nscanner calls PALLEDInit\n"
+    "scanner starts\n"
     "scanner begins PALLEDGrLedToggle 2 as flash\n"
-    "wait for flash\nscanner calls PALLEDTerm\n";
+    "wait for flash\n";
 
 TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
   struct Case {
@@ -91,42 +91,42 @@ TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
   for (const Case& test : {
            Case{"expect flash returned S_OK", ""},
            Case{"expect flash returned E_FAIL",
-                "s:7: expected flash to return E_FAIL; there was 0x00000000 S_OK"},
+                "s:5: expected flash to return E_FAIL; there was 0x00000000 S_OK"},
            Case{"expect flash was killed",
-                "s:7: expected flash to be killed; there was 0x00000000 S_OK"},
+                "s:5: expected flash to be killed; there was 0x00000000 S_OK"},
            Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = 300", ""},
            Case{"expect value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur = \"300\"",
-                "s:7: expected HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur to be \"300\"; there "
+                "s:5: expected HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur to be \"300\"; there "
                 "was dword:0000012c"},
            Case{"expect value HKLM\\None\\Such = 1",
-                "s:7: expected HKLM\\None\\Such to be dword:00000001; there was no such value"},
+                "s:5: expected HKLM\\None\\Such to be dword:00000001; there was no such value"},
            Case{"expect no value HKLM\\None\\Such", ""},
            Case{"expect no value HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur",
-                "s:7: expected no HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur; there was "
+                "s:5: expected no HKLM\\SOFTWARE\\Dravonel\\PAL\\BTGrLedOnDur; there was "
                 "dword:0000012c"},
            Case{"expect led LED 3 on at 0 ms\nexpect led LED 3 off after 300 ms", ""},
            Case{"expect led LED 3 on by scanner at 0 ms", ""},
            Case{"expect led LED 3 off at 301 ms",
-                "s:7: expected led 'LED 3 off' at 301 ms; there was it at 300 ms"},
+                "s:5: expected led 'LED 3 off' at 301 ms; there was it at 300 ms"},
            Case{"expect led LED 3 on\nexpect led LED 3 off after 299 ms",
-                "s:8: expected led 'LED 3 off' at 299 ms; there was it at 300 ms"},
+                "s:6: expected led 'LED 3 off' at 299 ms; there was it at 300 ms"},
            Case{"expect led LED 3 off\nexpect led LED 3 on",
-                "s:8: expected led 'LED 3 on'; there was no led line"},
+                "s:6: expected led 'LED 3 on'; there was no led line"},
            Case{"expect led LED 6 on",
-                "s:7: expected led 'LED 6 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
-                "       300 ms p1 LED 3 off"},
+                "s:5: expected led 'LED 6 on'; there was this alone:\n         0 ms p2 LED 3 on\n"
+                "       300 ms p2 LED 3 off"},
            Case{"expect 2 times led LED 3 *", ""},
            Case{"expect 1 times led LED 3 *",
-                "s:7: expected 1 times led 'LED 3 *'; there was 2 times"},
+                "s:5: expected 1 times led 'LED 3 *'; there was 2 times"},
            Case{"expect no led LED 6 *", ""},
            Case{"from here\nexpect no led *", ""},
            Case{"from here\nfrom the start\nexpect led LED 3 on", ""},
            Case{"expect no led *3 on",
-                "s:7: expected no led '*3 on'; there was this alone:\n         0 ms p1 LED 3 on\n"
-                "       300 ms p1 LED 3 off"},
+                "s:5: expected no led '*3 on'; there was this alone:\n         0 ms p2 LED 3 on\n"
+                "       300 ms p2 LED 3 off"},
            Case{"expect volume 0x12345678",
-                "s:7: expected the volume to be 0x12345678; there was 0xCCCCCCCC"},
-           Case{"expect gain 1", "s:7: expected the gain to be 1; there was 85"},
+                "s:5: expected the volume to be 0x12345678; there was 0xCCCCCCCC"},
+           Case{"expect gain 1", "s:5: expected the gain to be 1; there was 85"},
        }) {
     sim::Device fresh;
     sim::LoadDevice(fresh, PROJECT_DIR "/devices/rm21");
@@ -148,7 +148,7 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
            Case{"scanner starts\nscanner is killed\nscanner ends", "s:3: no process scanner runs"},
            Case{"wait for scanner", "s:1: no call scanner was begun"},
            Case{"scanner starts\nexpect scanner returned S_OK", "s:2: scanner has made no call"},
-           Case{"scanner starts\nscanner calls PALLEDInit\nscanner begins PALLEDGrLedToggle 0\n"
+           Case{"scanner starts\nscanner begins PALLEDGrLedToggle 0\n"
                 "expect scanner returned S_OK",
                 "s:4: scanner still runs; 'wait for scanner' before"},
            Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
@@ -165,9 +165,9 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
 TEST_F(ScenarioStage, OutParametersAreCompared) {
   Play(
       "set HKLM\\SOFTWARE\\Dravonel\\PAL\\IntGrLed = 7\n"
-      "scanner starts\nscanner calls PALLEDInit\nscanner calls PALLEDGrLedGetState 0 out\n"
+      "scanner starts\nscanner calls PALLEDGrLedGetState 0 out\n"
       "expect scanner argument 2 = 7\nexpect scanner argument 2 = 8\n"
-      "expect scanner argument 1 = 0\nscanner calls PALLEDTerm\n");
+      "expect scanner argument 1 = 0\n");
   EXPECT_EQ(said, (std::vector<std::string>{
                       "s:6: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
                       "s:7: expected argument 1 of scanner to be 0 (0x0); there was no "
@@ -176,7 +176,7 @@ TEST_F(ScenarioStage, OutParametersAreCompared) {
 
 TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
   Play(
-      "scanner starts\nscanner calls PALLEDInit\nsettings starts\nsettings calls PALLEDInit\n"
+      "scanner starts\nsettings starts\nsettings calls PALLEDInit\n"
       "scanner begins PALLEDGrLedToggle 0\n"
       "wait until scanner takes DVLORQPAL_LED_MUTEX\n"
       "settings begins PALLEDSysLightOn\n"
@@ -192,7 +192,7 @@ TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
 
 TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {
   Play(
-      "scanner starts\nscanner calls PALLEDInit\nfail call 2 of RegQueryValueExW with error 5\n"
+      "scanner starts\nfail call 2 of RegQueryValueExW with error 5\n"
       "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned S_OK\n"
       "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 5\n"
       "no more faults\n"
@@ -214,11 +214,12 @@ TEST_F(ScenarioStage, WhatComesFromOutsideStandsInTheJournal) {
       "write \\Windows\\note.txt = \"two  blanks\"\nset HKLM\\System\\New\\Value = \"text\"\n"
       "delete HKLM\\System\\New\\Value\nremove \\Windows\\note.txt\n");
   EXPECT_EQ(said, std::vector<std::string>{});
-  EXPECT_EQ(device.journal().Texts(),
-            (std::vector<std::string>{"\\Windows\\note.txt written: 11 bytes",
-                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\"=\"text\"",
-                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\" deleted",
-                                      "\\Windows\\note.txt removed"}));
+  EXPECT_EQ(
+      device.journal().Texts(),
+      (std::vector<std::string>{"dvlkbd.exe started: ", "\\Windows\\note.txt written: 11 bytes",
+                                "HKEY_LOCAL_MACHINE\\System\\New \"Value\"=\"text\"",
+                                "HKEY_LOCAL_MACHINE\\System\\New \"Value\" deleted",
+                                "\\Windows\\note.txt removed"}));
 }
 
 std::vector<std::string> ScenarioFiles() {

@@ -57,8 +57,8 @@ TEST_F(SimProcess, RunsAProgramBesideItsParent) {
     EXPECT_NE(id, GetCurrentProcessId());
     Close(started);
   });
-  EXPECT_EQ(ProcessLines(),
-            (Lines{"caller.exe started", "caller.exe attached", "tool.exe started: a b", "tool.exe ended with 7"}));
+  EXPECT_EQ(ProcessLines(), (Lines{"caller.exe started", "caller.exe attached",
+                                   "tool.exe started: a b", "tool.exe ended with 7"}));
 }
 
 TEST_F(SimProcess, StartsThreadsOfItsOwn) {
@@ -208,7 +208,7 @@ TEST_F(SimProcess, ImportsARegistryFile) {
   EXPECT_EQ(ProcessLines().back(), "orqautoreg.exe ended with 0");
   EXPECT_EQ(device.registry().GetDword("HKLM\\Software\\A", "n"), 5u);
   EXPECT_EQ(
-      device.journal().Texts(sim::Effect::kRegistry),
+      Texts(sim::Effect::kRegistry),
       (Lines{"\\Temp\\a.reg:4: neither a key, a value nor a comment", "\\Temp\\a.reg imported"}));
 }
 

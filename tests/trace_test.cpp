@@ -58,39 +58,46 @@ TEST_F(Trace, CutsALineThatIsLongerThanItsBuffer) {
 
 TEST_F(Trace, TriesToLoadAMissingEventLogOncePerLine) {
   device.RemoveModule("DVLEventLog.dll");
-  process.Run([&] {
-    for (int line = 0; line < 3; ++line) process->trace(1, kCategory, "line");
+  InternalsProcess fresh(device, "fresh.exe");
+  fresh.Run([&] {
+    for (int line = 0; line < 3; ++line) fresh->trace(1, kCategory, "line");
   });
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kModule),
-            std::vector<std::string>(3, "DVLEventlog.dll not found"));
+  EXPECT_EQ(Texts(sim::Effect::kModule), std::vector<std::string>(3, "DVLEventlog.dll not found"));
   EXPECT_EQ(DebugLines(), std::vector<std::string>(3, "line\\r\\n"));
 }
 
 TEST_F(Trace, FreesAnEventLogWithoutItsEntryAndTriesAgain) {
   device.InstallModule({"DVLEventLog.dll", {}});
-  process.Run([&] {
-    process->trace(0, kCategory, "lost");
-    process->trace(0, kCategory, "lost too");
+  InternalsProcess fresh(device, "fresh.exe");
+  const unsigned loads = device.calls("LoadLibraryW");
+  const unsigned frees = device.calls("FreeLibrary");
+  fresh.Run([&] {
+    fresh->trace(0, kCategory, "lost");
+    fresh->trace(0, kCategory, "lost too");
   });
-  EXPECT_EQ(device.calls("FreeLibrary"), 1u);
-  device.InstallModule(sim::Device().modules().back());
-  process.Run([&] {
-    process->trace(0, kCategory, "found");
-    process->trace(0, kCategory, "kept");
+  EXPECT_EQ(device.calls("FreeLibrary") - frees, 2u) << "the start left one";
+  for (const sim::Module& module : sim::Device().modules()) device.InstallModule(module);
+  fresh.Run([&] {
+    fresh->trace(0, kCategory, "found");
+    fresh->trace(0, kCategory, "kept");
   });
   EXPECT_EQ(TraceLines(), (std::vector<std::string>{"found", "kept"}));
-  EXPECT_EQ(device.calls("LoadLibraryW"), 3u);
+  EXPECT_EQ(device.calls("LoadLibraryW") - loads, 3u);
 }
 
 TEST_F(Trace, TheOlderVariantLooksOnceAndNeverFrees) {
   device.InstallModule({"DVLEventLog.dll", {}});
-  process.Run([&] {
-    process->sysio_trace(0, kCategory, "lost");
-    process->sysio_trace(0, kCategory, "lost too");
+  InternalsProcess fresh(device, "fresh.exe");
+  const unsigned loads = device.calls("LoadLibraryW");
+  const unsigned lookups = device.calls("GetProcAddressW");
+  const unsigned frees = device.calls("FreeLibrary");
+  fresh.Run([&] {
+    fresh->sysio_trace(0, kCategory, "lost");
+    fresh->sysio_trace(0, kCategory, "lost too");
   });
-  EXPECT_EQ(device.calls("LoadLibraryW"), 1u);
-  EXPECT_EQ(device.calls("GetProcAddressW"), 1u);
-  EXPECT_EQ(device.calls("FreeLibrary"), 0u);
+  EXPECT_EQ(device.calls("LoadLibraryW") - loads, 1u);
+  EXPECT_EQ(device.calls("GetProcAddressW") - lookups, 1u);
+  EXPECT_EQ(device.calls("FreeLibrary"), frees);
 }
 
 TEST_F(Trace, LeavesTheLastErrorAlone) {

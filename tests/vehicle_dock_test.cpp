@@ -29,7 +29,7 @@ class VehicleDock : public DeviceTest {
   // The answer; the driver is closed again after it.
   DWORD IsAttached() {
     const DWORD answer = process.exports().PALOneWire_IsVehicleDockAttached();
-    EXPECT_EQ(process.open_handles(), 0u);
+    EXPECT_EQ(process.new_handles(), 0u);
     return answer;
   }
   std::vector<std::string> ErrorLines() {

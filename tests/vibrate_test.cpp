@@ -69,6 +69,7 @@ TEST_F(VibratorTest, TellsThatTheDriverRefuses) {
 
 TEST_F(VibratorTest, PresetIsKeptInTheRegistry) {
   DWORD preset = 77;
+  device.registry().RemoveTree(kSettings);
   EXPECT_EQ(exports.PALVIBSetVibratePreset(4), kFileNotFound);
   EXPECT_EQ(exports.PALVIBGetVibratePreset(&preset), kFileNotFound);
   EXPECT_EQ(exports.PALVIBGetVibratePreset(nullptr), E_FAIL);

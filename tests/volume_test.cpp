@@ -25,9 +25,7 @@ class Volume : public DeviceTest {
   void Delete(const char16_t* name) {
     EXPECT_TRUE(device.registry().Find(kBeeperKey)->DeleteValue(name));
   }
-  std::vector<std::string> RegistryWrites() {
-    return device.journal().Texts(sim::Effect::kRegistry);
-  }
+  std::vector<std::string> RegistryWrites() { return Texts(sim::Effect::kRegistry); }
 
   sim::Process process{device};
 };

@@ -209,9 +209,9 @@ class Process {
   // Ends without detach, wherever its threads are; its mutexes are abandoned.
   void Kill();
 
-  // What the process holds beyond what its library took when it attached: handles and registry keys;
-  // and the library's heap blocks.
+  // What the process holds: handles and registry keys, heap blocks of the library.
   [[nodiscard]] unsigned open_handles() const;
+  [[nodiscard]] unsigned new_handles() const;  // those beyond what the library took as it attached
   [[nodiscard]] unsigned heap_blocks() const;
 
  private:

@@ -27,12 +27,3 @@ void FurnishBeeper(sim::Device& device) {
   device.hardware().audio.levels = {0x77777777, 5};
   device.hardware().leds.vibrator.emplace();
 }
-
-BeepingProcess::BeepingProcess(sim::Device& device, std::string name)
-    : sim::Process(device, std::move(name)) {
-  exports().PALBEEPInit();
-}
-
-BeepingProcess::~BeepingProcess() {
-  if (alive()) exports().PALBEEPTerm();
-}

@@ -19,13 +19,4 @@ inline constexpr std::uint32_t kLevelWords[] = {0,          0x33333333, 0x666666
 // of each event is "\<value name>.wav" and takes 100 ms. No scanner has an indicator.
 void FurnishBeeper(sim::Device& device);
 
-// A process with its beeper ready.
-class BeepingProcess : public sim::Process {
- public:
-  explicit BeepingProcess(sim::Device& device, std::string name = "caller.exe");
-  ~BeepingProcess();
-  BeepingProcess(const BeepingProcess&) = delete;
-  BeepingProcess& operator=(const BeepingProcess&) = delete;
-};
-
 #endif  // TESTS_SUPPORT_BEEPER_DEVICE_H_

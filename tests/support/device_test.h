@@ -21,8 +21,10 @@ class DeviceTest : public ::testing::Test {
   // Looks for misuse here and not in TearDown: the processes of a fixture have ended by now.
   ~DeviceTest() override;
 
-  // The lines of the event log, without their stamps and without those that the library writes when
-  // it attaches and detaches.
+  // What the journal holds of one effect, but for what the library does when it attaches and
+  // detaches.
+  [[nodiscard]] std::vector<std::string> Texts(sim::Effect effect);
+  // The lines of the event log, without their stamps, in the same way.
   // Those of them that begin so.
   [[nodiscard]] std::vector<std::string> TraceLines(std::string_view prefix = {});
   // "0xC3F00000 the line" for each.
@@ -31,7 +33,7 @@ class DeviceTest : public ::testing::Test {
   sim::Device device;
 
  private:
-  std::vector<const sim::JournalEntry*> TraceEntries();
+  std::vector<const sim::JournalEntry*> EntriesOf(sim::Effect effect);
 };
 
 #endif  // TESTS_SUPPORT_DEVICE_TEST_H_

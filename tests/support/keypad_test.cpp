@@ -77,7 +77,7 @@ void KeypadTest::ForEachFailingCall(const std::function<void()>& arrange,
       device.ClearFaults();
       calls = device.calls(call) - before;
       check(call + " " + std::to_string(nth));
-      EXPECT_EQ(process.open_handles(), 0u);
+      EXPECT_EQ(process.new_handles(), 0u);
     }
   }
 }

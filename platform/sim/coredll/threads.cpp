@@ -30,6 +30,7 @@ void FreeLibraryAndExitThread(HMODULE module, DWORD /*exit_code*/) {
   {
     Call call(CallId::FreeLibraryAndExitThread);
     sim::FreeLoaded(call, module, &call.thread());
+    call.thread().calls_in_library = 0;  // it does not come back to it
   }
   throw sim::ThreadExit();
 }

@@ -202,7 +202,11 @@ void Process::Kill() {
 
 unsigned Process::open_handles() const {
   const Scheduler::Lock lock(state_->kernel.mutex);
-  return state_->kernel.handles.Count(state_->id) - state_->handles_at_start;
+  return state_->kernel.handles.Count(state_->id);
+}
+
+unsigned Process::new_handles() const {
+  return open_handles() - state_->handles_at_start;
 }
 
 unsigned Process::heap_blocks() const {
