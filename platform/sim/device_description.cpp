@@ -102,6 +102,7 @@ void ReadState(const Part& part, Device& device) {
   if (node == nullptr) return;
   const auto& state = part.As<toml::table>(*node, "a table: [state]");
   std::vector<std::string_view> allowed;
+  allowed.reserve(kKeptNumbers.size());
   for (const KeptNumber& number : kKeptNumbers) allowed.push_back(number.key);
   part.Allow(state, allowed);
   for (const KeptNumber& number : kKeptNumbers) {

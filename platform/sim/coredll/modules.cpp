@@ -38,7 +38,7 @@ FARPROC FindExport(Call& call, LPCWSTR name) {
 
 }  // namespace
 
-BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving) {
+BOOL FreeLoaded(Call& call, HMODULE module) {
   const auto loaded = FindLoaded(call, module);
   if (loaded == call.process().modules.end()) {
     call.Misuse("was given a library that is not loaded");
@@ -47,7 +47,7 @@ BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving) {
   if (--loaded->second > 0) return TRUE;
   const std::string name = loaded->first;
   call.process().modules.erase(loaded);
-  if (name == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process(), leaving);
+  if (name == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process());
   call.Log(Effect::kModule, name + " freed");
   return TRUE;
 }
@@ -75,7 +75,7 @@ HINSTANCE LoadLibraryW(LPCWSTR name) {
 BOOL FreeLibrary(HMODULE module) {
   Call call(CallId::FreeLibrary);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
-  return sim::FreeLoaded(call, module, nullptr);
+  return sim::FreeLoaded(call, module);
 }
 
 FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {
