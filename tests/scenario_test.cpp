@@ -150,7 +150,7 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
            Case{"scanner starts\nexpect scanner returned S_OK", "s:2: scanner has made no call"},
            Case{"scanner starts\nscanner begins PALLEDGrLedToggle 0\n"
                 "expect scanner returned S_OK",
-                "s:4: scanner still runs; 'wait for scanner' before"},
+                "s:3: scanner still runs; 'wait for scanner' before"},
            Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
            Case{"delete HKLM\\None\\Such", "s:1: the registry has no HKLM\\None\\Such"},
            Case{"remove \\None", "s:1: the device has no \\None"},
@@ -169,8 +169,8 @@ TEST_F(ScenarioStage, OutParametersAreCompared) {
       "expect scanner argument 2 = 7\nexpect scanner argument 2 = 8\n"
       "expect scanner argument 1 = 0\n");
   EXPECT_EQ(said, (std::vector<std::string>{
-                      "s:6: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
-                      "s:7: expected argument 1 of scanner to be 0 (0x0); there was no "
+                      "s:5: expected argument 2 of scanner to be 8 (0x8); there was 7 (0x7)",
+                      "s:6: expected argument 1 of scanner to be 0 (0x0); there was no "
                       "out-parameter in this place"}));
 }
 
