@@ -54,23 +54,30 @@ constinit std::atomic<HANDLE> beep_mutex{nullptr};
 constinit WCHAR device_model[256] = {};
 
 // What StopTagSearch puts back. A tag search that is not running has nothing saved.
+//
+// It is used under the mutex, but for a beep whose wait timed out. Such a one sees no level that
+// was never saved: the device has one processor, so that other threads see the stores in the order
+// in which the compiler leaves them. It may miss a level that is saved just then, or see another
+// beep's.
 class SavedLevel {
  public:
   // At the start of a tag search.
   void Save(std::optional<DWORD> level) {
     if (!level) return;
     level_.store(*level, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_release);
     is_saved_.store(true, std::memory_order_relaxed);
   }
   // At the start of any other beep: one that comes during a tag search takes its place.
   void Update(std::optional<DWORD> level) {
     if (is_saved_.load(std::memory_order_relaxed)) Save(level);
   }
-  [[nodiscard]] std::optional<DWORD> Take() {
+  [[nodiscard]] std::optional<DWORD> Get() const {
     if (!is_saved_.load(std::memory_order_relaxed)) return std::nullopt;
-    is_saved_.store(false, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_acquire);
     return level_.load(std::memory_order_relaxed);
   }
+  void Clear() { is_saved_.store(false, std::memory_order_relaxed); }
 
  private:
   std::atomic<DWORD> level_{0};
@@ -103,18 +110,24 @@ Levels ReadLevels() {
   return levels;
 }
 
-// Puts back what there is, and traces and tells what fails.
-HRESULT RestoreLevels(const Levels& levels, HRESULT result, pal::TraceSource::Format<> gain_failed,
-                      pal::TraceSource::Format<> volume_failed) {
-  if (levels.gain && pal::Failed(PALBEEPRestoreGain(*levels.gain))) {
-    kTrace.Error(gain_failed);
-    result = E_FAIL;
+// Puts `level` back, which is then empty. E_FAIL, with its line, and `level` as it was where that
+// fails; else `result`.
+HRESULT RestoreLevel(std::optional<DWORD>& level, HRESULT (*restore)(DWORD level),
+                     pal::TraceSource::Format<> failed, HRESULT result) {
+  if (!level) return result;
+  if (pal::Failed(restore(*level))) {
+    kTrace.Error(failed);
+    return E_FAIL;
   }
-  if (levels.volume && pal::Failed(PALBEEPRestoreVol(*levels.volume))) {
-    kTrace.Error(volume_failed);
-    result = E_FAIL;
-  }
+  level.reset();
   return result;
+}
+
+// Puts back what there is, and leaves in `levels` what could not be put back.
+HRESULT RestoreLevels(Levels& levels, HRESULT result, pal::TraceSource::Format<> gain_failed,
+                      pal::TraceSource::Format<> volume_failed) {
+  result = RestoreLevel(levels.gain, &PALBEEPRestoreGain, gain_failed, result);
+  return RestoreLevel(levels.volume, &PALBEEPRestoreVol, volume_failed, result);
 }
 
 HRESULT ReadHardwareState(const WCHAR* name, DWORD& state) {
@@ -220,7 +233,7 @@ HRESULT PlayEvent(int count, const WCHAR* name, DWORD flags) {
 // it found itself.
 HRESULT PlayDvlSynchronousBeep(int count, const WCHAR* name, DWORD flags) {
   kTrace.Info("PlayDvlSynchronousBeep(%d,%ls,0x%x) - Entry", count, name, flags);
-  const Levels found = ReadLevels();
+  Levels found = ReadLevels();
   if (flags == kPlayThrough) {
     saved_volume.Update(found.volume);
     saved_gain.Update(found.gain);
@@ -298,11 +311,15 @@ HRESULT BadRead() {
 }
 
 HRESULT StopTagSearch() {
-  const HRESULT result = StopAudioFile();
+  HRESULT result = StopAudioFile();
   kTrace.Info("PALBEEPStopTagSearch - Restore cur wave vol and gain");
-  return RestoreLevels({saved_volume.Take(), saved_gain.Take()}, result,
-                       "PALBEEPStopTagSearch - Failed to restore gain",
-                       "PALBEEPStopTagSearch - Failed to restore volume");
+  Levels saved{saved_volume.Get(), saved_gain.Get()};
+  result = RestoreLevels(saved, result, "PALBEEPStopTagSearch - Failed to restore gain",
+                         "PALBEEPStopTagSearch - Failed to restore volume");
+  // What failed is for the next stop.
+  if (!saved.volume) saved_volume.Clear();
+  if (!saved.gain) saved_gain.Clear();
+  return result;
 }
 
 }  // namespace

@@ -343,7 +343,10 @@ HRESULT PALAPI PALBEEPGetHeadsetBeeperVolume(DWORD* level) {
 }
 
 HRESULT PALAPI PALBEEPSetSpeakerGain(DWORD in_vol_index, DWORD in_gain) {
-  return SetGain(in_vol_index, in_gain);
+  kTrace.Info("PALBEEPSetSpeakerGain(in:%d,in:%d) - Entry", in_vol_index, in_gain);
+  const HRESULT result = SetGain(in_vol_index, in_gain);
+  kTrace.Info("0x%x=PALBEEPSetSpeakerGain(in:%d,in:%d) - Exit", result, in_vol_index, in_gain);
+  return result;
 }
 
 HRESULT PALAPI PALBEEPGetSpeakerGain(DWORD in_vol_index, DWORD* gain) {

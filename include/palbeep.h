@@ -8,28 +8,38 @@
  * "Software\Dravonel\BeeperVol". They are REG_DWORD; a file is the REG_SZ of its whole path. Some
  * functions take a volume index instead, the row of one of these values:
  *
- *     index  volume            gain
- *     0      "Off"             "OffGain"
- *     1      "VeryLow"         "VeryLowGain"
- *     2      "Low"             "LowGain"
- *     3      "Med"             "MedGain"
- *     4      "High"            "HighGain"
- *     5      "VeryHigh"        "VeryHighGain"
- *     6      "CurrentVol"      "CurGain"             the speaker's setting
- *     7      "DefaultVol"      "DefGain"
- *     8      "CurrentHeadset"  "CurHeadsetGain"      the headset's setting
- *     9      "DefaultHeadset"  "DefaultHeadsetGain"
+ * | index | volume           | gain                 | of                    |
+ * |-------|------------------|----------------------|-----------------------|
+ * | 0     | "Off"            | "OffGain"            | the level off         |
+ * | 1     | "VeryLow"        | "VeryLowGain"        | the level very low    |
+ * | 2     | "Low"            | "LowGain"            | the level low         |
+ * | 3     | "Med"            | "MedGain"            | the level medium      |
+ * | 4     | "High"           | "HighGain"           | the level high        |
+ * | 5     | "VeryHigh"       | "VeryHighGain"       | the level very high   |
+ * | 6     | "CurrentVol"     | "CurGain"            | the speaker's setting |
+ * | 7     | "DefaultVol"     | "DefGain"            | the speaker's default |
+ * | 8     | "CurrentHeadset" | "CurHeadsetGain"     | the headset's setting |
+ * | 9     | "DefaultHeadset" | "DefaultHeadsetGain" | the headset's default |
  *
  * The good-read indicator says, for each kind of scanner, how a good read is felt and heard. The
  * kinds are 0 the internal scanner, 1 a tethered one, 2 a Bluetooth one, 3 an RFID reader; their
  * values "IntGRI", "TethGRI", "BTGRI" and "RFIDGRI" are REG_DWORD under HKEY_LOCAL_MACHINE
  * "SOFTWARE\Dravonel\PAL":
  *
- *     0 nothing   1 one tone   2 two tones   3 vibration   4 vibration, one tone
- *     5 vibration, two tones   any other: nothing
+ * | value     | vibration | tones |
+ * |-----------|-----------|-------|
+ * | 0         | no        | 0     |
+ * | 1         | no        | 1     |
+ * | 2         | no        | 2     |
+ * | 3         | yes       | 0     |
+ * | 4         | yes       | 1     |
+ * | 5         | yes       | 2     |
+ * | any other | no        | 0     |
  *
- * The functions may be called from any thread of any process. Beeps take turns over all processes
- * by the named mutex "DVLORQPAL_BEEP_MUTEX", for which each waits 2000 ms at most; one that gets no
+ * The functions here may be called from any thread of any process, but for PALBEEPInit and
+ * PALBEEPTerm, which no other call of the same process may overlap; the library calls them when a
+ * process attaches and detaches. Beeps take turns over all processes by the named mutex
+ * "DVLORQPAL_BEEP_MUTEX", for which each, and PALBEEPTerm, waits 2000 ms at most; one that gets no
  * turn until then goes on without it. The other functions take no lock. Steps and failures are
  * traced with facility 1003.
  */
@@ -198,8 +208,9 @@ HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
  * @retval E_FAIL        the volume could not be put back, or could not be set to 0 for a silent
  *                       tone; without a tone, the vibration's failure
  * @retval 0x8007xxxx    the error of reading the file's path: 0x80070002 where there is none,
- *                       0x800700EA where it has 260 units or more. Without a tone, the error of
- *                       reading the indicator, or that of the vibration.
+ *                       0x800700EA where its value has more than 520 bytes, or 260 units without
+ *                       an end. Without a tone, the error of reading the indicator, or that of the
+ *                       vibration.
  */
 HRESULT PALAPI PALBEEPGoodReadEx(DWORD in_scan_type);
 
@@ -242,7 +253,8 @@ HRESULT PALAPI PALBEEPStartTagSearch(void);
 
 /**
  * Stops the sound of the tag search and puts volume and gain back. Where this process has started
- * none, volume and gain are left alone.
+ * none, volume and gain are left alone. A volume that could not be put back is put back by the next
+ * stop.
  *
  * @retval S_OK          done
  * @retval E_INVALIDARG  there is no mutex (PALBEEPInit); nothing was done

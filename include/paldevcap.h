@@ -34,7 +34,24 @@ typedef enum PALCapabilityState {
 /**
  * Tells whether a capability is installed.
  *
- * What a plug-in says holds before what the device says.
+ * What a plug-in says holds before what the device says:
+ *
+ * | capability      | answers                                                                     |
+ * |-----------------|-----------------------------------------------------------------------------|
+ * | Camera          | as PalSysinfo_IsCameraInstalled                                             |
+ * | Wifi            | 1, 2 or 3 as the network interfaces tell, see below                         |
+ * | Bluetooth       | as PalSysinfo_IsBluetoothInstalled                                          |
+ * | InternalScanner | as PalSysinfo_IsIntScannerInstalled                                         |
+ * | Vibrate         | 1, or 2 where PALVIBIsInstalled fails                                       |
+ * | WWAN            | as PalSysinfo_IsWwanInstalled                                               |
+ * | GPS             | as PalSysinfo_IsGpsInstalled                                                |
+ * | Compass         | as PalSysinfo_IsCompassInstalled                                            |
+ * | Accelerometer   | as PalSysinfo_IsAccelInstalled                                              |
+ * | Pedometer       | as PalSysinfo_IsPedometerInstalled                                          |
+ *
+ * Wifi is installed where an interface of type 6 is described as "AR6K_SD1" or "TIWLN1", in
+ * whatever case; those with the indexes from 0 to their count are asked for, but none above 256.
+ * 3 where GetNumberOfInterfaces fails, or counts more than 256 and none that was asked for is it.
  *
  * @param name  The capability's name, 8-bit text, with a terminator.
  *
@@ -43,7 +60,7 @@ typedef enum PALCapabilityState {
  * @retval 1  installed
  * @retval 2  not installed
  * @retval 3  the question failed: @p name is null, there was no memory for a name that is none of
- *            the ten, or an error below a probe (see there)
+ *            the ten, or the capability's answer in the table
  */
 DWORD PALAPI PALDevCap_GetDevCapsA(const char* name);
 /** As PALDevCap_GetDevCapsA, in UTF-16. A name of more than 127 characters answers 0. */

@@ -7,7 +7,7 @@
  *
  * The functions here may be called from any thread of any process, but for PALLEDInit and
  * PALLEDTerm, which no other call of the same process may overlap; the library calls them when a
- * process attaches and detaches. All but PALLEDIsGrLedOn wait for the named mutex
+ * process attaches and detaches. All but PALLEDInit and PALLEDIsGrLedOn wait for the named mutex
  * "DVLORQPAL_LED_MUTEX", at most 2000 ms. A wait that takes longer, or finds the mutex abandoned,
  * is traced, and the function goes on.
  *

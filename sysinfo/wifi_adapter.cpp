@@ -11,7 +11,8 @@ constexpr pal::TraceSource kTrace{pal::Facility::kDeviceInformation};
 
 constexpr std::array kAdapterNames{"AR6K_SD1", "TIWLN1"};
 constexpr DWORD kEthernet = 6;
-// A device never has so many; a driver that says so would keep the caller for ever.
+// No device has more. A driver that says so cannot be believed, and asking for each would keep the
+// caller for ever.
 constexpr DWORD kMaxInterfaces = 256;
 
 bool IsWifiAdapter(const MIB_IFROW& row) {
@@ -42,5 +43,6 @@ DWORD PalDevCap_IsWifiInstalled() {
                 reinterpret_cast<const char*>(row.bDescr));
     return PAL_CAPABILITY_INSTALLED;
   }
-  return PAL_CAPABILITY_NOT_INSTALLED;
+  // Of those that were not asked for nothing is known.
+  return count > kMaxInterfaces ? PAL_CAPABILITY_ERROR : PAL_CAPABILITY_NOT_INSTALLED;
 }

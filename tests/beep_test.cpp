@@ -85,6 +85,10 @@ TEST_F(Beep, GoodReadIsFeltAndHeardAsItsScannerSays) {
   device.journal().Clear();
   EXPECT_EQ(process.exports().PALBEEPGoodReadEx(4), E_INVALIDARG);
   EXPECT_TRUE(device.journal().entries().empty());
+  SetIndicator("TethGRI", 6);
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(1), S_OK);
+  EXPECT_EQ(CategorisedLines(), BeeperLog({"PALBEEPGoodReadEx(in_scan_type:1) - Entry",
+                                           "0x0=PALBEEPGoodReadEx(in_scan_type:1) - Exit"}));
 }
 
 TEST_F(Beep, WithoutAnIndicatorNothingIsSensedAndTheReadsResultTold) {
@@ -154,6 +158,63 @@ TEST_F(Beep, EveryEventHasItsSoundAndItsLines) {
     now += 100;
     EXPECT_EQ(TraceLines(test.last_line).size(), 1u);
   }
+}
+
+// With the slips that readers of the log know: the gain's read shows the message that sets it, its
+// restore begins under another name, the key click ends as it begins. The error of a call that
+// worked is what the process's start left.
+TEST_F(Beep, LogOfAKeyClickWithAHeadset) {
+  SetState("Bluetooth", 0x10);
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(CategorisedLines(),
+            BeeperLog({
+                "PALBEEPKeyClick() - Entry",
+                "PlayDvlSynchronousBeep(1,KeyClick,0x20000) - Entry",
+                "PALBEEPGetCurGain - 0x0=waveInMessage(NULL,0x113,0x2,out:5). winerr:0x2",
+                "IsBTHeadsetConnected - 0x10 = dwState:0x10 & dwBT_HANDSFREE:0x10",
+                "IsBTHeadsetConnected - 0x0 = dwState:0x10 & dwBT_HANDSFREE_AUDIO:0x20",
+                "IsBTHeadsetConnected - 0x0 = dwState:0x10 & dwBT_HANDSFREE_AUDIO:0x4",
+                "IsBTHeadsetConnected - Headset active",
+                "PlayDvlSynchronousBeep - HeadsetActive",
+                "*",
+                "SetVolume - Applying sys vol:0x99999999 to CurrentVol",
+                "*",
+                "PALBEEPGetSpeakerGain(in:3,*) - Entry",
+                "0x0=PALBEEPGetSpeakerGain(in:3,*) - Exit",
+                "PALBEEPRestoreWaveVol(in:5) - Entry",
+                "0x0=PALBEEPRestoreGain(in:5) - Exit",
+                "0x0=PlayDvlSynchronousBeep(1,KeyClick,0x20000) - Exit",
+                "0x0=PALBEEPKeyClick() - Entry",
+            }));
+}
+
+TEST_F(Beep, LogOfATagSearch) {
+  SetState("Headset", 2);
+  EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), S_OK);
+  EXPECT_EQ(process.exports().PALBEEPStopTagSearch(), S_OK);
+  EXPECT_EQ(CategorisedLines(),
+            BeeperLog({
+                "PALBEEPStartTagSearch() - Entry",
+                "PlayDvlSynchronousBeep(1,TagSearch,0x20009) - Entry",
+                "PALBEEPGetCurGain - 0x0=waveInMessage(NULL,0x113,0x2,out:5). winerr:0x2",
+                "IsBTHeadsetConnected - 0x0 = dwState:0x0 & dwBT_HANDSFREE:0x10",
+                "IsBTHeadsetConnected - 0x0 = dwState:0x0 & dwBT_HANDSFREE_AUDIO:0x20",
+                "IsBTHeadsetConnected - 0x0 = dwState:0x0 & dwBT_HANDSFREE_AUDIO:0x4",
+                "IsUSBHeadsetConnected - USB Headset active. reg_key:2",
+                "PlayDvlSynchronousBeep - HeadsetActive",
+                "*",
+                "SetVolume - Applying sys vol:0x99999999 to CurrentVol",
+                "*",
+                "PALBEEPGetSpeakerGain(in:3,*) - Entry",
+                "0x0=PALBEEPGetSpeakerGain(in:3,*) - Exit",
+                "0x0=PlayDvlSynchronousBeep(1,TagSearch,0x20009) - Exit",
+                "0x0=PALBEEPStartTagSearch() - Exit",
+                "PALBEEPStopTagSearch() - Entry",
+                "PALBEEPStopTagSearch - Restore cur wave vol and gain",
+                "PALBEEPRestoreWaveVol(in:5) - Entry",
+                "0x0=PALBEEPRestoreGain(in:5) - Exit",
+                "0x0=PALBEEPStopTagSearch() - Exit",
+            }));
 }
 
 // In the order in which they happen: gain, volume, sound, and both back.
@@ -237,6 +298,11 @@ TEST_F(Beep, MutedBeeperIsSilent) {
   device.PlanFault({.call = "waveOutSetVolume"});
   EXPECT_EQ(process.exports().PALBEEPKeyClick(), E_FAIL) << "the setter's result";
   device.ClearFaults();
+  device.hardware().audio.levels = levels_after = kBefore;
+  SetState("Headset", 1);
+  device.registry().SetDword(kBeeperKey, "CurrentHeadset", 0);
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(device.hardware().audio.levels, kBefore);
   EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), S_OK);
   EXPECT_TRUE(Sensed().empty());
   EXPECT_EQ(process.exports().PALBEEPStopTagSearch(), S_OK);
@@ -273,12 +339,13 @@ TEST_F(Beep, PathsThatLeadNowhereAreSilent) {
 }
 
 // What cannot be read is not changed, and what was changed is put back.
-TEST_F(Beep, DriverFailuresLeaveNothingChanged) {
+TEST_F(Beep, DriverFailuresLeaveNothingElseChanged) {
   SetState("Headset", 1);
   struct Case {
     sim::Fault fault;
     HRESULT result;
-    std::vector<std::string> levels;
+    std::vector<std::string> heard;
+    sim::AudioLevels levels = kBefore;
   };
   const std::string sound_begins = "sound begins \\KeyClick.wav 100 ms";
   const std::string sound_ends = "sound ends \\KeyClick.wav";
@@ -292,19 +359,28 @@ TEST_F(Beep, DriverFailuresLeaveNothingChanged) {
              {"volume 0x33333333", sound_begins, sound_ends, "gain 5", "volume 0x77777777"}},
         Case{{.call = "waveOutSetVolume"},
              S_OK,
-             {"gain 30", sound_begins, sound_ends, "gain 5", "volume 0x77777777"}}}) {
+             {"gain 30", sound_begins, sound_ends, "gain 5", "volume 0x77777777"}},
+        // Then what the driver does not take back. Of a gain this is not told.
+        Case{{.call = "waveInMessage", .nth = 3},
+             S_OK,
+             {"gain 30", "volume 0x33333333", sound_begins, sound_ends, "volume 0x77777777"},
+             {0x77777777, 30}},
+        Case{{.call = "waveOutSetVolume", .nth = 2},
+             E_FAIL,
+             {"gain 30", "volume 0x33333333", sound_begins, sound_ends, "gain 5"},
+             {0x33333333, 5}}}) {
+    device.hardware().audio.levels = kBefore;
     device.journal().Clear();
     device.PlanFault(test.fault);
     EXPECT_EQ(process.exports().PALBEEPKeyClick(), test.result);
     device.ClearFaults();
-    EXPECT_EQ(Heard(), test.levels);
-    EXPECT_EQ(device.hardware().audio.levels, kBefore);
+    EXPECT_EQ(Heard(), test.heard);
+    EXPECT_EQ(device.hardware().audio.levels, levels_after = test.levels);
+    EXPECT_EQ(TraceLines("PlayDvlSynchronousBeep - Failed"),
+              test.result == S_OK
+                  ? std::vector<std::string>{}
+                  : std::vector<std::string>{"PlayDvlSynchronousBeep - Failed to restore volume"});
   }
-  device.PlanFault({.call = "waveOutSetVolume", .nth = 2});
-  EXPECT_EQ(process.exports().PALBEEPKeyClick(), E_FAIL);
-  EXPECT_EQ(TraceLines("PlayDvlSynchronousBeep - ").back(),
-            "PlayDvlSynchronousBeep - Failed to restore volume");
-  levels_after = {0x33333333, 5};
 }
 
 TEST_F(Beep, TagSearchKeepsItsLevelsUntilItIsStopped) {
@@ -337,6 +413,34 @@ TEST_F(Beep, TagSearchKeepsItsLevelsUntilItIsStopped) {
   EXPECT_EQ(device.hardware().audio.levels, kSearching);
   EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
   levels_after = kSearching;
+}
+
+TEST_F(Beep, TagSearchWithoutAFileKeepsItsLevelsToo) {
+  SetState("Headset", 1);
+  Delete(kBeeperKey, u"TagSearch");
+  EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), kMissing);
+  EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x33333333, 30}));
+  EXPECT_EQ(process.exports().PALBEEPStopTagSearch(), S_OK);
+  EXPECT_TRUE(Sensed().empty());
+}
+
+TEST_F(Beep, TagSearchIsPutBackByTheNextStopWhereTheFirstCannot) {
+  const auto& exports = process.exports();
+  SetState("Headset", 1);
+  EXPECT_EQ(exports.PALBEEPStartTagSearch(), S_OK);
+  device.PlanFault({.call = "waveOutSetVolume"});
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), E_FAIL);
+  device.ClearFaults();
+  EXPECT_EQ(TraceLines("PALBEEPStopTagSearch - ").back(),
+            "PALBEEPStopTagSearch - Failed to restore volume");
+  EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x33333333, 5}));
+  device.hardware().audio.levels.gain = 9;  // is put back already
+  for (const std::uint32_t volume : {kBefore.volume, 0x22222222u}) {
+    EXPECT_EQ(exports.PALBEEPStopTagSearch(), S_OK);
+    EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{volume, 9}));
+    device.hardware().audio.levels.volume = 0x22222222;  // no further stop changes it
+  }
+  levels_after = {0x22222222, 9};
 }
 
 TEST_F(Beep, TagSearchThatWasNotStartedOrSavedIsNotPutBack) {
@@ -373,6 +477,14 @@ TEST_F(Beep, WithoutItsMutexNothingIsHeardOrFelt) {
     EXPECT_EQ(result, E_INVALIDARG);
   }
   EXPECT_TRUE(Heard().empty());
+  device.journal().Clear();
+  device.PlanFault({.call = "CreateMutexW", .error = 8});
+  EXPECT_EQ(exports.PALBEEPInit(), S_OK);
+  device.ClearFaults();
+  EXPECT_EQ(exports.PALBEEPTerm(), S_OK);
+  EXPECT_EQ(CategorisedLines().front(),
+            "0xC3EB0000 PALBEEPInit - Error creating mutex. winerr:0x8");
+  EXPECT_EQ(CategorisedLines().back(), "0xC3EB0000 PALBEEPTerm - Mutex wait failed. winerr:0x57");
   EXPECT_EQ(exports.PALBEEPInit(), S_OK);
   EXPECT_EQ(exports.PALBEEPInit(), S_OK);
   EXPECT_EQ(other.new_handles(), 1u);
@@ -434,12 +546,12 @@ TEST_F(Beep, WaiterGoesOnAfterTwoSeconds) {
 TEST_F(Beep, AnyOtherCallMayFail) {
   SetState("Headset", 1);
   SetIndicator("IntGRI", 5);
-  for (const char* name :
-       {"RegOpenKeyExW", "RegQueryValueExW", "RegSetValueExW", "WaitForSingleObject",
-        "ReleaseMutex", "NLedSetDevice", "PlaySoundW", "LoadLibraryW"}) {
+  for (const char* name : {"RegOpenKeyExW", "RegQueryValueExW", "RegSetValueExW",
+                           "WaitForSingleObject", "ReleaseMutex", "NLedSetDevice", "PlaySoundW"}) {
     unsigned count = device.calls(name);
     EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), S_OK);
     count = device.calls(name) - count;
+    ASSERT_GT(count, 0u) << name;
     for (unsigned nth = 1; nth <= count; ++nth) {
       device.PlanFault({.call = name, .nth = nth});
       const HRESULT result = process.exports().PALBEEPGoodReadEx(0);

@@ -149,6 +149,23 @@ TEST_F(Capabilities, LinesOfAProbeStandInsideThoseThatAskIt) {
              "0x1=PalSysinfo_IsWwanInstalled() - Exit", "0x1=PalSysinfo_IsGpsInstalled() - Exit"}));
 }
 
+TEST_F(Capabilities, LogOfACameraThatCannotBeAskedFor) {
+  EXPECT_EQ(exports.PALDevCap_GetDevCapsA("Camera"), 3u);
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{
+                "0x440F0000 PalSysinfo_IsCameraInstalled() - Entry",
+                "0x43F00000 Entry PALMFGOpt_InternalDevice2Type,SECOND_INTERNAL_DEVICE_OFFSET:2 ",
+                "0x43F00000 Entry LoadCFGDatacoll, dwMaxDataSizeBytes:1024",
+                "0xC3F00000 LoadCFGDatacoll - CreateFile() error, GetLastError:0x2",
+                "0x43F00000 Exit LoadCFGDatacoll, hr:0x80070002, dwBytesRead:0, "
+                "*pdwDataSizeBytes:0",
+                "0xC3F00000 PALMFGOpt_InternalDevice2Type error hr:0x80070002, dwDataSizeBytes:0",
+                "0xC40F0000 PalIsCameraInstalled - "
+                "0x80070002=PALMFGOpt_InternalDevice2Type()\\r\\n",
+                "0x440F0000 0x3=PalSysinfo_IsCameraInstalled() - Exit",
+            }));
+}
+
 TEST_F(Capabilities, HaveAStateForEachWayTheyCanBe) {
   FitEverything();
   sim::Hardware& hardware = device.hardware();
@@ -220,6 +237,8 @@ TEST_F(Capabilities, WifiAdapterIsLookedForByNameAndType) {
            {{usb, {std::string(256, 'T'), 6, 1}}, 2, 3},
            {{usb, {"TIWLN1", 6, 2}}, 1, 3},  // its index is the count itself
            {{usb, {"TIWLN1", 6, 3}}, 2, 3},
+           {std::vector(256, usb), 2, 257},
+           {std::vector(257, usb), 3, 257},  // more than a device has: the rest is not asked for
        }) {
     device.hardware().interfaces = test.interfaces;
     const unsigned before = device.calls("GetIfEntry");

@@ -89,6 +89,29 @@ TEST_F(Palsim, GoesOnBehindARestart) {
   EXPECT_FALSE(Printed("misuse")) << output;
 }
 
+TEST_F(Palsim, KeepsLevelsAndLedsFromCommandToCommand) {
+  ASSERT_EQ(Run("new"), 0) << output;
+  EXPECT_EQ(Run("call PALLEDIsGrLedOn"), 1);
+  EXPECT_EQ(Run("call PALLEDGrLedOn"), 0) << output;
+  EXPECT_EQ(Run("call PALLEDIsGrLedOn"), 0);
+  EXPECT_EQ(output, "PALLEDIsGrLedOn = 0x00000000 S_OK\n");
+  const auto levels = [this] {
+    std::ifstream file(unit / "device.toml");
+    std::string line;
+    while (std::getline(file, line) && line.find("{ volume") == std::string::npos) {
+    }
+    return line;
+  };
+  EXPECT_EQ(levels(), "");
+  std::ofstream(unit / "registry.reg", std::ios::app)
+      << "\n[HKEY_LOCAL_MACHINE\\System\\State\\Hardware]\n\"Headset\"=dword:00000001\n";
+  EXPECT_EQ(Run("call PALBEEPSetSpeakerGain 4 70"), 0) << output;
+  EXPECT_EQ(Run("call PALBEEPStartTagSearch"), 0) << output;
+  EXPECT_EQ(levels(), "audio = { volume = 0x66666666, gain = 70 }");
+  EXPECT_EQ(Run("call PALBEEPStopTagSearch"), 0) << output;
+  EXPECT_EQ(levels(), "audio = { volume = 0x66666666, gain = 70 }") << "another process's";
+}
+
 TEST_F(Palsim, ShowsWhichDeviceItIs) {
   ASSERT_EQ(Run("new --sample greywing"), 0);
   EXPECT_EQ(Run("info"), 0);

@@ -70,7 +70,6 @@ TEST_F(Volume, RefusesUndefinedNumbersAndNullAndChangesNothing) {
   EXPECT_EQ(exports.PALBEEPSetHeadsetGain(0xFFFFFFFF), E_FAIL);
   EXPECT_EQ(exports.PALBEEPGetVolume(nullptr), E_FAIL);
   EXPECT_EQ(exports.PALBEEPGetHeadsetBeeperVolume(nullptr), E_FAIL);
-  EXPECT_EQ(exports.PALBEEPGetSpeakerGain(3, nullptr), E_FAIL);
   EXPECT_EQ(exports.PALBEEPGetHeadsetGain(nullptr), E_FAIL);
   EXPECT_EQ(exports.PALBEEPGetGRI(0, nullptr), E_FAIL);
   EXPECT_EQ(gain, kUntouched);
@@ -84,6 +83,35 @@ TEST_F(Volume, RefusesUndefinedNumbersAndNullAndChangesNothing) {
                                     }));
   EXPECT_EQ(TraceLines("PALBEEPSetVolume").front(),
             "PALBEEPSetVolume - ERROR Invalid input setting: 0x6");
+  device.journal().Clear();
+  EXPECT_EQ(exports.PALBEEPGetSpeakerGain(3, nullptr), E_FAIL);
+  EXPECT_EQ(CategorisedLines(), BeeperLog({"PALBEEPGetSpeakerGain(in:3,*) - Entry",
+                                           "!GetSpecificVolGain() - Input invalid",
+                                           "0x80004005=PALBEEPGetSpeakerGain(in:3,*) - Exit"}));
+}
+
+TEST_F(Volume, LogOfASettingAndOfSteps) {
+  struct Case {
+    DWORD setting;
+    std::vector<std::string> log;
+  };
+  const std::string to_medium = "SetVolume - Applying sys vol:0x99999999 to CurrentVol";
+  const std::string to_high = "SetVolume - Applying sys vol:0xcccccccc to CurrentVol";
+  for (const Case& test :
+       {Case{4,
+             {to_high, "*", "0x0=waveOutSetVolume(0x4->0xcccccccc) winerr:0x2",
+              " Checking current CPL Volume  ", "SetCPLVol - Checking current CPL Volume ",
+              "SetCPLVol - Current CPL Vol is updated from Dravonel Settings Volume"}},
+        Case{8,
+             {"*", to_high, "*", "DecrementBeepVolume - cur_vol: 0x4",
+              "DecrementBeepVolume - new_vol: 0x3", to_medium, "*"}},
+        Case{9,
+             {"*", to_medium, "*", "IncrementBeepVolume - cur_vol: 0x3",
+              "IncrementBeepVolume - new_vol: 0x4", to_high, "*"}}}) {
+    device.journal().Clear();
+    EXPECT_EQ(process.exports().PALBEEPSetVolume(test.setting), S_OK);
+    EXPECT_EQ(CategorisedLines(), BeeperLog(test.log)) << test.setting;
+  }
 }
 
 TEST_F(Volume, IsNotShownAgainWhereItIsShownAlready) {
@@ -148,6 +176,12 @@ TEST_F(Volume, GainsAreKeptByIndex) {
   const auto& exports = process.exports();
   EXPECT_EQ(exports.PALBEEPSetSpeakerGain(9, 100), S_OK);
   EXPECT_EQ(Value("DefaultHeadsetGain"), 100u);
+  EXPECT_EQ(CategorisedLines(), BeeperLog({
+                                    "PALBEEPSetSpeakerGain(in:9,in:100) - Entry",
+                                    "SetGain(DefaultHeadsetGain,100) - Entry",
+                                    "0x0=SetGain(9,100) - Exit",
+                                    "0x0=PALBEEPSetSpeakerGain(in:9,in:100) - Exit",
+                                }));
   DWORD gain = kUntouched;
   EXPECT_EQ(exports.PALBEEPGetSpeakerGain(9, &gain), S_OK);
   EXPECT_EQ(gain, 100u);
@@ -215,9 +249,17 @@ TEST_F(Volume, IndicatorsAreKeptByScanType) {
   EXPECT_EQ(exports.PALBEEPSetGRI(4, 1), E_FAIL);
   EXPECT_EQ(exports.PALBEEPGetGRI(4, &value), E_FAIL);
   device.registry().RemoveTree(kIndicatorKey);
+  device.journal().Clear();
   EXPECT_EQ(exports.PALBEEPSetGRI(1, 1), kMissing);
-  EXPECT_EQ(TraceLines().back(),
-            "SetGRI - ERROR writing TethGRI. scantype: 1, procid: 0x1, hr: 0x80070002\\r\\n");
+  EXPECT_EQ(exports.PALBEEPGetGRI(3, &value), kMissing);
+  EXPECT_EQ(exports.PALBEEPSetGRI(0, 6), E_FAIL);
+  EXPECT_EQ(CategorisedLines(),
+            BeeperLog({
+                "!SetGRI - ERROR writing TethGRI. scantype: 1, procid: 0x1, hr: 0x80070002\\r\\n",
+                "!GetGRI - ERROR reading numbeeps from reg. scantype: RFIDGRI, procid: 0x1, hr: "
+                "0x80070002\\r\\n",
+                "!PALBEEPSetGRI - Invalid input: 6\\r\\n",
+            }));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_BEEPER_DEVICE_H_
 
 #include <string>
+#include <vector>
 
 #include "platform/sim/device.h"
 
@@ -18,5 +19,9 @@ inline constexpr std::uint32_t kLevelWords[] = {0,          0x33333333, 0x666666
 // connected; the system's volume is 0x77777777 and its gain 5, which belong to no level. The sound
 // of each event is "\<value name>.wav" and takes 100 ms. No scanner has an indicator.
 void FurnishBeeper(sim::Device& device);
+
+// The beeper's lines of the event log with their categories: of a failure where a line begins with
+// '!', else of information. "*" stands for the lines of a refresh of such a device's levels.
+std::vector<std::string> BeeperLog(const std::vector<std::string>& lines);
 
 #endif  // TESTS_SUPPORT_BEEPER_DEVICE_H_
