@@ -9,7 +9,6 @@
 // its load back or the process ends and the platform has ended its threads first.
 #include <algorithm>
 #include <atomic>
-#include <cstdint>
 
 #include "frame/own_module.h"
 #include "frame/unique_handle.h"
@@ -31,10 +30,8 @@ constexpr DWORD kStackBytes = 2048;
 constexpr DWORD kLongestPeriod = 45;
 constexpr DWORD kPeriodWithoutTimeouts = 20;
 
-// The stop flag of all keep-awake threads of the process is the lowest bit: one stop ends them all.
-// Clearing it counts on into the bits above it, so that each stop after that is another number.
-constexpr DWORD kStopFlag = 1;
-constinit std::atomic<DWORD> stop_state{0};
+// Shared by all keep-awake threads of the process: one stop ends them all.
+constinit std::atomic<bool> stop_requested{false};
 
 DWORD MinutesOrZero(HRESULT(PALAPI* get)(DWORD* minutes)) {
   DWORD minutes = 0;
@@ -49,38 +46,33 @@ DWORD PeriodSeconds() {
   return period == 0 ? kPeriodWithoutTimeouts : period;
 }
 
-// Any stop but the one from before the thread's start, which that may be about to clear.
-bool IsToStop(DWORD state_before_start) {
-  const DWORD state = stop_state.load(std::memory_order_relaxed);
-  return (state & kStopFlag) != 0 && state != state_before_start;
-}
-
-DWORD WINAPI KeepAwake(LPVOID argument) {
-  const auto state_before_start = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(argument));
+DWORD WINAPI KeepAwake(LPVOID own_module) {
   kPowerTrace.Info("Temporarily suspend power off\r\n");
   const DWORD period_ms = PeriodSeconds() * 1000;
   do {
     SystemIdleTimerReset();
     Sleep(period_ms);
-  } while (!IsToStop(state_before_start));
+  } while (!stop_requested.load(std::memory_order_relaxed));
   kPowerTrace.Info("Resume power off\r\n");
-  FreeLibraryAndExitThread(pal::OwnModule(), 0);
+  FreeLibraryAndExitThread(static_cast<HMODULE>(own_module), 0);
 }
 
-// Clears a stop from before the new thread, also for earlier threads that have not seen it yet. One
-// that comes after the flag was looked at stands, and where there is no new thread every stop does.
+// The flag is cleared before the thread exists: a stop that follows at once is not lost, and a
+// thread that has not seen the stop before goes on. Where this start comes to nothing, that stop is
+// put back; one that another thread gives in this very moment may then be lost, or be seen a period
+// later.
 HRESULT Start() {
   pal::UniqueModule own_module = pal::HoldOwnModule();
   if (!own_module) return kNoThread;
-  DWORD state = stop_state.load(std::memory_order_relaxed);
-  const pal::UniqueThread thread(CreateThread(nullptr, kStackBytes, &KeepAwake,
-                                              reinterpret_cast<LPVOID>(std::uintptr_t{state}), 0,
-                                              nullptr));
-  if (!thread) return kNoThread;
-  static_cast<void>(own_module.Release());  // the thread's
-  if ((state & kStopFlag) != 0) {
-    stop_state.compare_exchange_strong(state, state + 1, std::memory_order_relaxed);
+  const bool was_requested = stop_requested.load(std::memory_order_relaxed);
+  stop_requested.store(false, std::memory_order_relaxed);
+  const pal::UniqueThread thread(
+      CreateThread(nullptr, kStackBytes, &KeepAwake, own_module.get(), 0, nullptr));
+  if (!thread) {
+    if (was_requested) stop_requested.store(true, std::memory_order_relaxed);
+    return kNoThread;
   }
+  static_cast<void>(own_module.Release());  // the thread's
   return S_OK;
 }
 
@@ -88,6 +80,6 @@ HRESULT Start() {
 
 HRESULT PALAPI PALPWRSuspendCtrl(DWORD command) {
   if (command == kStart) return Start();
-  if (command == kStop) stop_state.fetch_or(kStopFlag, std::memory_order_relaxed);
+  if (command == kStop) stop_requested.store(true, std::memory_order_relaxed);
   return S_OK;
 }
