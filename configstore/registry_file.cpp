@@ -105,18 +105,14 @@ HRESULT LoadRegistry(const WCHAR* directory, const WCHAR* file_name, DWORD clear
   return PALInitCheckAndLoadRegFile(directory, file_name, clear_trees);
 }
 
-const WCHAR* Shown(const WCHAR* text) {
-  return text != nullptr ? text : TEXT("(null)");
-}
-
 }  // namespace
 
 HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_name,
                                    DWORD clear_trees) {
-  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", Shown(directory), Shown(file_name),
-              clear_trees);
+  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", pal::ShownText(directory),
+              pal::ShownText(file_name), clear_trees);
   const HRESULT result = LoadRegistry(directory, file_name, clear_trees);
-  kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, Shown(directory),
-              Shown(file_name), clear_trees);
+  kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, pal::ShownText(directory),
+              pal::ShownText(file_name), clear_trees);
   return result;
 }

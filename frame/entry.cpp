@@ -22,14 +22,9 @@ struct Family {
 // Started from the first row to the last and ended from the last to the first. The rows at both
 // ends stand for families that have nothing to do on these devices.
 constexpr Family kFamilies[] = {
-    {nullptr, &PALDoNothing},
-    {&PALBEEPInit, &PALBEEPTerm},
-    {&PALDISPInit, &PALDISPTerm},
-    {&PALLEDInit, &PALLEDTerm},
-    {&PALKEYInit, &PALKEYTerm},
-    {&PALPWRInit, &PALPWRTerm},
-    {&PALDoNothing, &PALDoNothing},
-    {&PALDoNothing, &PALDoNothing},
+    {nullptr, &PALDoNothing},       {&PALBEEPInit, &PALBEEPTerm},   {&PALDISPInit, &PALDISPTerm},
+    {&PALLEDInit, &PALLEDTerm},     {&PALKEYInit, &PALKEYTerm},     {&PALPWRInit, &PALPWRTerm},
+    {&PALDoNothing, &PALDoNothing}, {&PALDoNothing, &PALDoNothing},
 };
 
 // What a family answers is left to its own exports: the library loads in any case.

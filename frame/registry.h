@@ -4,9 +4,8 @@
 // traces. Results, where a helper says nothing else:
 //   S_OK        done
 //   E_FAIL      a null path, name, buffer or out-pointer; nothing was opened or changed
-//   0x8007xxxx  the error of the open, the query or the write: 0x80070002 where the key or the
-//   value
-//               does not exist, 0x800700EA where the value is larger than the buffer
+//   0x8007xxxx  the error of the open, the query or the write: 0x80070002 where the key or
+//               the value does not exist, 0x800700EA where the value is larger than the buffer
 // The setters but PALRegCreateSetDword need a key that exists. Out-parameters are written on
 // success only. No getter checks the type of the value.
 #ifndef FRAME_REGISTRY_H_

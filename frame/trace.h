@@ -48,6 +48,11 @@ inline const char* WideTextAs8Bit(const WCHAR* text) {
   return reinterpret_cast<const char*>(text);
 }
 
+// A text that may be null, for the lines of calls that show their argument before they look at it.
+inline const WCHAR* ShownText(const WCHAR* text) {
+  return text != nullptr ? text : TEXT("(null)");
+}
+
 class TraceSource {
  public:
   template <typename... Arguments>

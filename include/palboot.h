@@ -32,8 +32,8 @@ typedef enum PALBootOption {
  *
  * @param option  A PALBootOption, 48 to 50: the character, not its digit's value.
  *
- * @retval S_OK   the request was made, and the terminal goes on because the power manager refused
- *                it or because the kernel control failed
+ * @retval S_OK   the terminal goes on: the restart was refused, or it was not requested because the
+ *                kernel control failed
  * @retval E_FAIL @p option is none of the three; nothing was requested
  */
 HRESULT PALAPI PALBOOT_BootTerminal(LONG option);

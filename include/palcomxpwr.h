@@ -2,9 +2,10 @@
  * @file palcomxpwr.h
  * @brief Power of the COM ports.
  *
- * The ports of this family are always powered. The functions here do nothing and stand here so that
- * programs written for other platforms link and run: neither touches a driver or the registry. They
- * may be called from any thread of any process. Each call is traced with facility 1102.
+ * This interface switches nothing and always answers 0 for a port's power. It stands here so that
+ * programs written for other platforms link and run: no function touches a driver or the registry.
+ * All may be called from any thread of any process. Setting and getting are traced with facility
+ * 1102.
  */
 #ifndef PALCOMXPWR_H_
 #define PALCOMXPWR_H_
@@ -36,22 +37,24 @@ typedef struct PALComPortPower {
 /**
  * Changes nothing, and traces the request.
  *
- * @param port   The port's name, such as "COM1:", as null-terminated UTF-16. Not null.
+ * @param port   The port's name, such as "COM1:", as null-terminated UTF-16. It is traced alone;
+ *               null is traced as "(null)".
  * @param power  What was wished; both fields are traced. Not null.
  *
- * @retval S_OK   always with arguments that are not null
- * @retval E_FAIL @p port or @p power is null; nothing is traced
+ * @retval S_OK   always with a @p power that is not null
+ * @retval E_FAIL @p power is null; nothing is traced
  */
 HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* power);
 
 /**
- * Tells that a port is not powered by this interface, whichever it is.
+ * Answers 0 for a port's power, whichever port it is, and traces the question.
  *
- * @param port           The port's name, such as "COM1:", as null-terminated UTF-16. Not null.
+ * @param port           The port's name, such as "COM1:", as null-terminated UTF-16. It is traced
+ *                       alone; null is traced as "(null)".
  * @param[in,out] power  Out: `enable` is 0; `port_id` stays and is traced. Not null.
  *
- * @retval S_OK   always with arguments that are not null
- * @retval E_FAIL @p port or @p power is null; nothing is written or traced
+ * @retval S_OK   always with a @p power that is not null
+ * @retval E_FAIL @p power is null; nothing is traced
  */
 HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power);
 

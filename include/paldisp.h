@@ -81,7 +81,10 @@ HRESULT PALAPI PALDISPGetBrightLightDisplayBrightnessDelta(DWORD* level);
  */
 HRESULT PALAPI PALDISPSetKeypadBacklightMode(DWORD mode);
 
-/** Reads it, as PALDISPGetDisplayBrightnessAmbient does. */
+/**
+ * Reads it, as PALDISPGetDisplayBrightnessAmbient does.
+ * @param[out] mode any number, as it is stored. Not null; not written on failure
+ */
 HRESULT PALAPI PALDISPGetKeypadBacklightMode(DWORD* mode);
 
 /**
@@ -92,7 +95,10 @@ HRESULT PALAPI PALDISPGetKeypadBacklightMode(DWORD* mode);
  */
 HRESULT PALAPI PALDISPSetKeypadBacklightAmbient(DWORD threshold);
 
-/** Reads it, as PALDISPGetDisplayBrightnessAmbient does. */
+/**
+ * Reads it, as PALDISPGetDisplayBrightnessAmbient does.
+ * @param[out] threshold any number, as it is stored. Not null; not written on failure
+ */
 HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold);
 
 /**

@@ -104,8 +104,9 @@ HRESULT PALAPI PALKEYGetNumButtons(DWORD* count);
  * Gives a button's name, such as "Left Side Top".
  *
  * A button is supported where plane 0 of the active layout has a record of kind 7 with the button's
- * scan code, the handle's included. A plane 0 of more than 1024 bytes supports none. The numbers 1
- * and 4 are never supported.
+ * scan code, the handle's included. A plane 0 of more than 1024 bytes supports none, and neither
+ * does a layout whose path is missing, empty, unreadable or of more than 260 characters. The
+ * numbers 1 and 4 are never supported.
  *
  * @param button       0 to 7.
  * @param[out] name    Room for 18 bytes (PAL_KEY_BUTTON_NAME_LENGTH); receives the 8-bit text with
@@ -134,7 +135,8 @@ HRESULT PALAPI PALKEYGetButtonName(LONG button, char* name, DWORD* length);
  *
  * @retval S_OK        answered
  * @retval 0x83ED0007  the button is not supported, as in PALKEYGetButtonName
- * @retval E_FAIL      the path of the active layout cannot be read, or @p action is null
+ * @retval E_FAIL      @p action is null; or the path of the active layout, which was read when the
+ *                     button was looked for, can then no longer be read
  */
 HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
 
@@ -144,8 +146,14 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
  * Writes the two event names of the action as texts without terminator. The records of buttons 5, 6
  * and 7 are rewritten to signal their event when the action was PAL_KEY_ACTION_WINDOWS_DEFAULT,
  * once the original ones are saved under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL"; they are
- * restored from there with PAL_KEY_ACTION_WINDOWS_DEFAULT. A plane that has no record of the button
- * is left out. What a call has written before it fails stays written.
+ * restored from there with PAL_KEY_ACTION_WINDOWS_DEFAULT. A plane that has no record of the
+ * button, or cannot be read, is left out, and so is the restoring of one that was never saved. A
+ * plane whose original cannot be saved keeps it: also where the saved plane has 4096 bytes and
+ * more. What a call has written before it fails stays written.
+ *
+ * Not reported: a failure in planes 0 and 1, a plane of the layout of 4096 bytes and more (it is
+ * left as it is), a saved plane of 682 records that has no room for another, and a plane or a name
+ * under "EVENTS\STATE" whose write fails.
  *
  * @param button  0 to 7.
  * @param action  A PALKeyAction, 1 to 7.
@@ -153,10 +161,12 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
  * @retval S_OK        done
  * @retval 0x83ED0005  @p action is not 1 to 7; nothing was changed
  * @retval 0x83ED0007  the button is not supported, as in PALKEYGetButtonName; nothing was changed
- * @retval E_FAIL      the layout has no key "EVENTS\DELTA" or "EVENTS\STATE"; an event name cannot
- *                     be written; the records of plane 2 cannot be read, saved or written; or the
- *                     driver's key "Drivers\HID\ClientDrivers\DVLKeyboard" cannot be opened, and
- *                     the driver is then not told
+ * @retval E_FAIL      the layout has no key "EVENTS\DELTA" or "EVENTS\STATE"; the name under
+ *                     "EVENTS\DELTA" cannot be written; for plane 2 the layout's key or that of the
+ *                     saved records cannot be opened, the saved plane cannot be read or has 4096
+ *                     bytes and more, or the layout's plane can no longer be read once its
+ *                     record is saved; or the driver's key "Drivers\HID\ClientDrivers\DVLKeyboard"
+ *                     cannot be opened, and the driver is then not told
  */
 HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action);
 

@@ -86,8 +86,8 @@ HRESULT PALAPI PALPWRGetDeviceOff_ExtPwr(DWORD* minutes);
  *
  * @param seconds 0 (never), 60, 120, 180, 240, 300, 360 or 660
  *
- * @retval S_OK       stored, and the power manager was told where there is an event to tell it
- * with; or not one of these values, and nothing was changed
+ * @retval S_OK       stored, and the power manager was told where there is an event to tell it by;
+ *                    or not one of these values, and nothing was changed
  * @retval 0x8007xxxx the system error of the registry, and nothing was stored: 0x80070002 where the
  *                    key is missing; or of setting the event, after the value was stored
  */
@@ -121,7 +121,8 @@ HRESULT PALAPI PALPWRGetScreenOff_ExtPwr(DWORD* seconds);
  *
  * @param option 0 to 255; its meaning and what else is refused are the driver's
  *
- * @retval S_OK       the driver has taken it
+ * @retval S_OK       the driver has taken it; also where it cannot be opened and the system gives
+ *                    no error for that
  * @retval 19         the driver refused it. No HRESULT: taken for one it is a success
  * @retval 0x8007xxxx the driver cannot be opened: 0x80070037 where the device has none, 0x80070020
  *                    while another has it open
@@ -133,7 +134,8 @@ HRESULT PALAPI PALPWRSetBootOption(DWORD option);
  *
  * @param[out] option 0 to 255. Not null; not written on failure
  *
- * @retval S_OK       answered
+ * @retval S_OK       answered; also where the driver cannot be opened and the system gives no error
+ *                    for that, and then @p option is not written
  * @retval E_FAIL     @p option is null; the driver was not opened
  * @retval 19         the driver does not answer. No HRESULT: taken for one it is a success
  * @retval 0x8007xxxx as for PALPWRSetBootOption
@@ -175,8 +177,8 @@ HRESULT PALAPI PALPWRGetPwrButton(DWORD* option);
  * does. A thread that has not ended by the next command 0 goes on.
  *
  * A thread keeps the library loaded in its process until it ends. Stop it before you free the
- * library: it could otherwise be stopped no more and would run to the end of the process, which
- * ends it in any case.
+ * library: it could otherwise be stopped only by loading it again, and would run to the end of the
+ * process, which ends it in any case.
  *
  * @param command 0 start, 1 stop; any other does nothing
  *

@@ -9,8 +9,8 @@
  * Two kinds of engine differ in the order of steps and in the trigger. The engines ENG14 and ENG13
  * (internal device types 37 and 38, see PALMFGOpt_InternalDeviceType) are enabled before they get
  * power and disabled before they lose it, have their trigger on the SPI clock line, where it is
- * inverted, and share hardware with the camera. All other engines get and lose their power first
- * and have a trigger of their own. PALSysio_Open learns of an engine 37 or 38,
+ * inverted, and are brought up under a system-wide mutex. All other engines get and lose their
+ * power first and have a trigger of their own. PALSysio_Open learns of an engine 37 or 38,
  * PALSysio_InternalScannerInterfaceInit of every engine; before either the engine counts as one of
  * the others.
  *
@@ -19,7 +19,9 @@
  * callers make their calls one after another. Every driver operation is traced with facility 1009,
  * a failure with the system error: 6 where the driver is not open.
  *
- * A switch is off at 0 and on at any other number; the trace shows the number as it was given.
+ * A switch is off at 0 and on at any other number. The trace shows the number as it was given, with
+ * two exceptions: PALSysio_DVLSetScanPower shows 1 for any number but 0, and the operation that
+ * PALSysio_SetScanFlashEnable leads to shows the mode, 0 for download and 1 for normal.
  */
 #ifndef PALSCAN_H_
 #define PALSCAN_H_
@@ -146,8 +148,8 @@ HRESULT PALAPI PALSysio_GetBaudRateRange(DWORD port, DWORD* minimum, DWORD* maxi
  * operation and makes PAL_SCANNER_POWER_UP of it.
  *
  * The engines 37 and 38 also get their trigger let go, and all of it is done under the system-wide
- * mutex "DCEDRIVER_INIT_SEPARATOR", which the camera's driver takes too. It is waited for at most
- * 60000 ms; the steps are made also where it could not be had.
+ * mutex "DCEDRIVER_INIT_SEPARATOR". It is waited for at most 60000 ms; the steps are made also
+ * where it could not be had.
  *
  * The power counts as on afterwards, whatever the driver said. Steps that the driver refuses are
  * traced and do not change the result.

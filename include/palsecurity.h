@@ -53,11 +53,12 @@ HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
  *
  * A member has a key of its name under HKEY_LOCAL_MACHINE "Software\Dravonel\SN" with two values,
  * whose types do not matter: the salt "s", and the hash "h", the SHA-1 of the salt's bytes followed
- * by the password's UTF-16 characters without terminator. A member without this key, or with a
- * value missing or empty, accepts the empty password alone.
+ * by the password's UTF-16 characters without terminator. A member without this key, or whose key
+ * cannot be opened, or with a value missing or empty, accepts the empty password alone.
  *
  * SHA-1 comes from the platform's CryptoAPI (provider type 1, default container). The first check
- * ever on a device finds no key set there and makes one: its answer is 1 whatever the password.
+ * that needs it, one of a member with hash and salt, finds no key set there and makes one: its
+ * answer is 1 whatever the password.
  *
  * @param member    The member's name: at most 238 characters, so that the key's path stays below
  *                  260. May be null, which is no member.
@@ -65,8 +66,9 @@ HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
  *
  * @return A yes/no value and no HRESULT: 0 where the password is right. 1 where it is wrong, where
  *         @p member is null or too long, and where it cannot be checked: the hash or the salt
- *         cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but for values
- *         and names.
+ *         cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but for
+ *         values, names that are too long, and a provider that fails for another reason than a
+ *         missing key set.
  */
 DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password);
 

@@ -12,8 +12,11 @@
  * the driver. A driver is hidden by storing that text as "Dll__" in its place.
  *
  * The functions here may be called from any thread of any process. They take no lock: of two
- * callers that switch at once either may win, and the two may leave drivers of both kinds. Each
- * step and each failure is traced with facility 1103.
+ * callers that switch at once either may win, and the two may leave drivers of both kinds.
+ *
+ * The steps on the bus, the end of a walk through the client drivers, and failures are traced with
+ * facility 1103. These failures have no line of their own: a null pointer, a "DeviceName" that
+ * cannot be read or written, and a "Dll" that cannot be read.
  */
 #ifndef PALSTORE_H_
 #define PALSTORE_H_
@@ -86,7 +89,8 @@ HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled);
 
 /**
  * Lets the device take USB disks or not: gives every client driver's text the name "Dll" or
- * "Dll__". The text is written under its new name before the old one is deleted.
+ * "Dll__". The text is written under its new name, over any value that stands there, and then the
+ * value under the old name is deleted.
  *
  * Drivers that have no text under the old name are passed over, so that a second call changes
  * nothing. The walk goes in the registry's order and ends at the first failure: the drivers before
@@ -94,7 +98,7 @@ HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled);
  *
  * @param enable  Not 0: disks are taken; 0: they are not.
  *
- * @retval S_OK        every driver has the name
+ * @retval S_OK        no driver has a text under the old name any more
  * @retval 0x8007xxxx  the system error of opening the drivers' key (0x80070002 where it does not
  *                     exist), of listing or opening a driver, or of reading, writing or deleting
  *                     its text; 0x800700EA where that is longer than 520 bytes

@@ -4,9 +4,13 @@
  *
  * That library, the provider, differs from platform to platform and is named "DVLORQPAL.dll" as
  * this one is. The first call of a process that needs it loads it: by its name, and failing that
- * from the folder of the process's program. What turns out to be this library itself is not used.
- * With its first call each service here looks up the provider's export of the same name and keeps
- * what it found until the process ends, be it that there is none. The provider is never freed.
+ * from the folder of the process's program; while none is found, the first call of each further
+ * service looks again. What turns out to be this library itself is not used. With its first call
+ * each service here looks up the provider's export of the same name and keeps what it found until
+ * the process ends, be it that there is none. The provider is never freed.
+ *
+ * Only one copy of this library may be installed: a second one in another folder would be taken for
+ * the provider, and the two would forward to each other without end.
  *
  * The functions here may be called from any thread of any process. They take no lock and add no
  * rule of their own to those of the provider. Only the loading and a missing export are traced,

@@ -16,6 +16,14 @@ std::span<WCHAR> LayoutText(pal::LayoutPath& path, size_t at) {
   return std::span(path).subspan(at, pal::kMaxLayoutUnits + 1);
 }
 
+// The name of an event or of its value, for a line that takes 8-bit text. Empty where it has 32
+// characters and more, which none has.
+std::array<char, 32> NarrowName(const WCHAR* name) {
+  std::array<char, 32> narrow{};
+  static_cast<void>(pal::Narrow(narrow, name));
+  return narrow;
+}
+
 bool ReadActiveLayout(pal::LayoutPath& layout) {
   pal::UniqueRegistryKey key;
   return pal::OpenKeypadKey(pal::kKeyboardPath, key) == ERROR_SUCCESS &&
@@ -90,8 +98,8 @@ HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name,
   LONG error = pal::OpenKeypadKey(path, key);
   if (error == ERROR_SUCCESS) error = pal::WriteEventName(key.get(), value_name, event_name);
   const HRESULT result = error == ERROR_SUCCESS ? S_OK : E_FAIL;
-  kKeypadTrace.Info("%s(%s,%s) Complete hr=%x\r\n", kName, pal::WideTextAs8Bit(event_name),
-                    pal::WideTextAs8Bit(value_name), result);
+  kKeypadTrace.Info("%s(%s,%s) Complete hr=%x\r\n", kName, NarrowName(event_name).data(),
+                    NarrowName(value_name).data(), result);
   return result;
 }
 
@@ -107,12 +115,13 @@ bool ButtonIsSupported(LONG button) {
   kKeypadTrace.Info("ButtonIsSupported(%d) - Read \\%ls: %ls\r\n", button, plane_name,
                     layout.data());
   BYTE plane[kSupportBytes];
-  DWORD bytes = 0;
-  if (pal::Failed(pal::ReadShiftPlane(layout.data(), plane_name, plane, bytes))) return false;
+  const pal::PlaneReading reading = pal::ReadShiftPlane(layout.data(), plane_name, plane);
+  if (pal::Failed(reading.opened)) return false;
   bool found = false;
-  pal::ForEachKeyRecord(std::span(plane).first(bytes), [&](DWORD, std::span<BYTE> key_record) {
-    found = found || pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
-  });
+  pal::ForEachKeyRecord(
+      std::span(plane).first(reading.bytes), [&](DWORD, std::span<BYTE> key_record) {
+        found = found || pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
+      });
   if (found) {
     kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x found\r\n", button, record->scan_code);
   } else {

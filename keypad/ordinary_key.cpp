@@ -21,7 +21,8 @@ HRESULT SaveAndSignalEvent(const char* function, const WCHAR* layout, size_t pla
   HRESULT result = pal::ReadKeyRecord(function, layout, plane, button, record);
   if (!record) return result;
   const WCHAR* const plane_name = pal::kShiftPlanes[plane];
-  result = SetKeyValues(pal::kKeypadSettingsPath, plane_name, button, *record);
+  // What cannot be saved is not given up.
+  result = SetKeyValues(pal::kKeypadSettingsPath, plane_name, button, *record, E_FAIL);
   if (pal::Failed(result)) return result;
   ModifyKeyDataForEventTrigger(button.event_value_name, *record);
   return SetKeyValues(layout, plane_name, button, *record);
@@ -30,9 +31,8 @@ HRESULT SaveAndSignalEvent(const char* function, const WCHAR* layout, size_t pla
 HRESULT Restore(const char* function, const WCHAR* layout, size_t plane,
                 const pal::ButtonRecord& button) {
   std::optional<pal::KeyRecord> record;
-  const HRESULT result =
-      pal::ReadKeyRecord(function, pal::kKeypadSettingsPath, plane, button, record);
-  if (!record) return result;
+  static_cast<void>(pal::ReadKeyRecord(function, pal::kKeypadSettingsPath, plane, button, record));
+  if (!record) return S_OK;  // nothing was saved, and nothing is to be done
   return SetKeyValues(layout, pal::kShiftPlanes[plane], button, *record);
 }
 

@@ -22,7 +22,8 @@ inline constexpr size_t kWindowsDefault = PAL_KEY_ACTION_WINDOWS_DEFAULT - 1;
 // not the ordinary one, or for the state's event.
 //
 // The result of the last plane; earlier ones' failures show in the trace alone. A plane without a
-// record of the button is skipped, and one whose record cannot be saved keeps it.
+// record of the button is skipped, and one whose record cannot be saved keeps it; among the saved
+// planes one of kMaxPlaneBytes and more takes no record, which is E_FAIL.
 [[nodiscard]] HRESULT SetupKeyForScanKeys(const pal::LayoutPath& layout,
                                           const pal::ButtonRecord& button, DWORD current_action,
                                           bool is_state);
@@ -31,15 +32,16 @@ inline constexpr size_t kWindowsDefault = PAL_KEY_ACTION_WINDOWS_DEFAULT - 1;
 // button, or where `action` is not the ordinary one, or for the state's event.
 //
 // The result of the last plane; earlier ones' failures show in the trace alone. A plane for which
-// no record was saved is skipped.
+// no record was saved, or can be read, is skipped with S_OK.
 [[nodiscard]] HRESULT SetupKeyForWinDefkeys(const pal::LayoutPath& layout,
                                             const pal::ButtonRecord& button, size_t action,
                                             bool is_state);
 
 namespace pal {
 
-// Reads a button's record of plane `plane` (0 to 2). Where there is none, or where it cannot be
-// read, an error line says so for `function`, and `record` is nothing.
+// Reads a button's record of plane `plane` (0 to 2), with the result of GetKeyValues. Where there
+// is none, or where it cannot be read, an error line says so for `function`, and `record` is
+// nothing.
 [[nodiscard]] HRESULT ReadKeyRecord(const char* function, const WCHAR* layout, size_t plane,
                                     const ButtonRecord& button, std::optional<KeyRecord>& record);
 

@@ -7,8 +7,10 @@
 // DWORD "FixActive" under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" is 1, and no call does
 // anything any more.
 //
-// False where the layout is not found, where plane 2 cannot be read or written, or where the
-// driver's key cannot be opened.
+// False where the layout is not found, where its key cannot be opened for plane 2, where plane 2
+// becomes unreadable between its reading and its rewriting, or where the driver's key cannot be
+// opened. An event or a record that is not there or cannot be read, a plane that is full and a
+// write that fails go unreported.
 bool FixScanKeyEvents();
 
 #endif  // KEYPAD_SCAN_KEY_REPAIR_H_

@@ -49,14 +49,15 @@ void Append(std::span<BYTE> plane, DWORD& bytes, const pal::KeyRecord& record) {
   TraceRecord(kAdded, offset, record);
 }
 
-HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRecord& record) {
+HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRecord& record,
+                  HRESULT full_result) {
   BYTE plane[pal::kMaxPlaneBytes];
-  DWORD bytes = 0;
-  const HRESULT result = pal::ReadShiftPlane(layout, plane_name, plane, bytes);
-  if (pal::Failed(result)) return result;
+  const pal::PlaneReading reading = pal::ReadShiftPlane(layout, plane_name, plane);
+  if (pal::Failed(reading.read)) return reading.read;
+  DWORD bytes = reading.bytes;
   const bool is_full = bytes == pal::kMaxPlaneBytes;
   if (is_full || !Replace(std::span(plane).first(bytes), record)) Append(plane, bytes, record);
-  if (is_full) return result;
+  if (is_full) return full_result;
   return PALRegSetBinary(HKEY_LOCAL_MACHINE, layout, plane_name, plane, bytes);
 }
 
@@ -64,20 +65,20 @@ HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRe
 
 namespace pal {
 
-HRESULT ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::span<BYTE> plane,
-                       DWORD& bytes) {
+PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::span<BYTE> plane) {
   std::fill(plane.begin(), plane.end(), BYTE{0});
-  bytes = 0;
   UniqueRegistryKey key;
-  LONG error = OpenRegistryKey(HKEY_LOCAL_MACHINE, layout, KEY_QUERY_VALUE, key);
-  if (error != ERROR_SUCCESS) return HResultFromWin32(error);
+  const LONG open_error = OpenRegistryKey(HKEY_LOCAL_MACHINE, layout, KEY_QUERY_VALUE, key);
+  const HRESULT opened = HResultFromWin32(open_error);
+  if (open_error != ERROR_SUCCESS) return {0, opened, opened};
   const auto room = static_cast<DWORD>(plane.size());
   DWORD size = room;
-  error = RegQueryValueExW(key.get(), plane_name, nullptr, nullptr, plane.data(), &size);
-  if (error == ERROR_FILE_NOT_FOUND) return S_OK;
-  if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) return HResultFromWin32(error);
-  bytes = std::min(size, room);
-  return S_OK;
+  const LONG error = RegQueryValueExW(key.get(), plane_name, nullptr, nullptr, plane.data(), &size);
+  if (error == ERROR_SUCCESS) return {size, opened, S_OK};
+  // What a query that fails leaves in its buffer is anybody's guess.
+  std::fill(plane.begin(), plane.end(), BYTE{0});
+  if (error == ERROR_MORE_DATA) return {room, opened, S_OK};
+  return {0, opened, error == ERROR_FILE_NOT_FOUND ? S_OK : HResultFromWin32(error)};
 }
 
 }  // namespace pal
@@ -86,22 +87,22 @@ HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::Bu
                      pal::KeyRecord& record) {
   kKeypadTrace.Info("GetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
   BYTE plane[pal::kMaxPlaneBytes];
-  DWORD bytes = 0;
-  const HRESULT result = pal::ReadShiftPlane(layout, plane_name, plane, bytes);
-  pal::ForEachKeyRecord(std::span(plane).first(bytes), [&](DWORD offset, std::span<BYTE> found) {
-    if (!pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code)) return;
-    TraceRecord(kFound, offset, found);
-    std::copy(found.begin(), found.end(), record.begin());
-    TraceRecord(kCopied, offset, found);
-  });
-  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "GetKeyValues", result);
-  return result;
+  const pal::PlaneReading reading = pal::ReadShiftPlane(layout, plane_name, plane);
+  pal::ForEachKeyRecord(std::span(plane).first(reading.bytes),
+                        [&](DWORD offset, std::span<BYTE> found) {
+                          if (!pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code)) return;
+                          TraceRecord(kFound, offset, found);
+                          std::copy(found.begin(), found.end(), record.begin());
+                          TraceRecord(kCopied, offset, found);
+                        });
+  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "GetKeyValues", reading.opened);
+  return reading.opened;
 }
 
 HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::ButtonRecord& button,
-                     const pal::KeyRecord& record) {
+                     const pal::KeyRecord& record, HRESULT full_result) {
   kKeypadTrace.Info("SetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
-  const HRESULT result = SetRecord(layout, plane_name, record);
+  const HRESULT result = SetRecord(layout, plane_name, record, full_result);
   kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "SetKeyValues", result);
   return result;
 }

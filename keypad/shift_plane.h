@@ -39,31 +39,44 @@ constexpr void ForEachKeyRecord(std::span<BYTE> plane, Visit visit) {
   }
 }
 
-// Reads a plane of a layout, of whatever registry type. `bytes` is its size: 0 where the layout has
-// no such plane, and plane.size() where it is larger than that, with nothing but zeros read.
-//
-// S_OK        the layout's key is there
-// 0x8007xxxx  the error of opening the key, or of reading a plane that exists
-[[nodiscard]] HRESULT ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name,
-                                     std::span<BYTE> plane, DWORD& bytes);
+// What came of reading a plane.
+struct PlaneReading {
+  // 0 where the layout has no such plane or it cannot be read. The whole room where the plane is
+  // larger than that, with nothing but zeros read.
+  DWORD bytes;
+  // S_OK        the layout's key was opened
+  // 0x8007xxxx  the error of opening it
+  HRESULT opened;
+  // S_OK        the plane was read, or there is none, or it is larger than the room
+  // 0x8007xxxx  the error of opening the key, or of reading a plane that exists
+  HRESULT read;
+};
+
+// Reads a plane of a layout, of whatever registry type.
+[[nodiscard]] PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name,
+                                          std::span<BYTE> plane);
 
 }  // namespace pal
 
-// Finds a button's record in a plane; of several the last. Without one `record` stays as it was.
+// Finds a button's record in a plane; of several the last. Without one `record` stays as it was,
+// also where the plane is missing or cannot be read.
 //
-// S_OK        the plane was read, or there is none
-// 0x8007xxxx  of pal::ReadShiftPlane
+// S_OK        the layout's key was opened
+// 0x8007xxxx  the error of opening it
 [[nodiscard]] HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
                                    const pal::ButtonRecord& button, pal::KeyRecord& record);
 
 // Puts a button's record in place of every one with the same kind and scan code, or behind the last
 // one. A plane that has no room for it is written back as it was, and one of kMaxPlaneBytes and
-// more is not written at all: both are an error in a trace line and no failure.
+// more is not written at all; an error line tells of both.
 //
-// S_OK        the plane was written, as far as PALRegSetBinary can tell
-// 0x8007xxxx  of pal::ReadShiftPlane, and nothing was written; or of opening the key to write
+// S_OK         the plane was written, as far as PALRegSetBinary can tell
+// full_result  the plane has kMaxPlaneBytes or more
+// 0x8007xxxx   the plane exists and cannot be read, and nothing was written; or the error of
+//              opening the key
 [[nodiscard]] HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
-                                   const pal::ButtonRecord& button, const pal::KeyRecord& record);
+                                   const pal::ButtonRecord& button, const pal::KeyRecord& record,
+                                   HRESULT full_result = S_OK);
 
 // Makes a record signal the event of a button ("Event5" gives event 5).
 void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record);

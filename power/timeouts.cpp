@@ -16,7 +16,7 @@ namespace {
 
 constexpr const WCHAR* kKey = TEXT("System\\CurrentControlSet\\Control\\Power\\Timeouts");
 // For the lines that show it in 8 bits.
-constexpr const char* kKeyName = "System\\CurrentControlSet\\Control\\Power\\Timeouts";
+constexpr const char* kKeyName = R"(System\CurrentControlSet\Control\Power\Timeouts)";
 
 constexpr HRESULT kInvalidInput = pal::FamilyFailure(pal::Facility::kPower, 0x11);
 constexpr HRESULT kNoReloadEvent = pal::FamilyFailure(pal::Facility::kPower, 0x0D);
@@ -171,7 +171,7 @@ constexpr Timeout kScreenOffOnExternalPower{
 
 // `written` is the answer of the write before it.
 HRESULT SignalReload(const Timeout& timeout, HRESULT written) {
-  const HANDLE event = pal::ReloadEvent();
+  auto* const event = pal::ReloadEvent();
   if (event == nullptr) {
     timeout.trace_no_event(event);
     return timeout.answers.no_event;

@@ -12,8 +12,8 @@ constexpr pal::TraceSource kTrace{pal::Facility::kScanner};
 
 constexpr DWORD kCameraMutexTimeoutMs = 60000;
 
-// Keeps the camera's driver away. Apart from pal::MutexGuard: it has lines of its own, tells a
-// time-out from a mutex that it got, and releases only what it owns.
+// Keeps other holders of the name away. Apart from pal::MutexGuard: it has lines of its own, tells
+// a time-out from a mutex that it got, and releases only what it owns.
 class CameraMutex {
  public:
   CameraMutex() : mutex_(CreateMutexW(nullptr, FALSE, TEXT("DCEDRIVER_INIT_SEPARATOR"))) {
@@ -46,7 +46,7 @@ void BringUp(const pal::ScanEngine& engine) {
   pal::SetScanPowerState(true);
 }
 
-HRESULT BringUpApartFromCamera(const pal::ScanEngine& engine) {
+HRESULT BringUpUnderMutex(const pal::ScanEngine& engine) {
   const CameraMutex mutex;
   BringUp(engine);
   return mutex.result();
@@ -58,7 +58,7 @@ HRESULT InitInterface() {
   if (pal::Failed(PALMFGOpt_InternalDeviceType(&type, &s6_installed))) return S_OK;
   const pal::ScanEngine& engine = pal::LearnScanEngine(type);
   kTrace.Info("Internal DevType: %d\r\n", type);
-  if (engine.is_on_spi_clock) return BringUpApartFromCamera(engine);
+  if (engine.is_on_spi_clock) return BringUpUnderMutex(engine);
   BringUp(engine);
   return S_OK;
 }

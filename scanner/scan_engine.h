@@ -12,7 +12,7 @@ namespace pal {
 using ScanSwitch = HRESULT (*)(BOOL on);
 
 struct ScanEngine {
-  // Whether the trigger is the SPI clock line, which the camera's driver uses too.
+  // Whether the trigger is the SPI clock line; the engine is then brought up under a mutex.
   bool is_on_spi_clock;
   ScanOperation trigger;
   std::array<ScanSwitch, 2> switching_order;  // on and off alike

@@ -34,8 +34,9 @@ UniqueProvider AcquireProvider() {
   UniqueProvider provider = Acquire(0);
   if (provider) return provider;
   const DWORD error = GetLastError();
+  if (error != static_cast<DWORD>(NTE_BAD_KEYSET)) return {};
   kTrace.Error("Error during CryptAcquireContext. flag:NULL, win32err:0x%x", error);
-  if (error == static_cast<DWORD>(NTE_BAD_KEYSET) && !Acquire(CRYPT_NEWKEYSET)) {
+  if (!Acquire(CRYPT_NEWKEYSET)) {
     kTrace.Error("Error during CryptAcquireContext. flag: CRYPT_NEWKEYSET, win32err:0x%x",
                  GetLastError());
   }

@@ -9,8 +9,9 @@
 
 namespace pal {
 
-// SHA-1 of the salt and of the password's characters. False, and traced why, where CryptoAPI fails
-// or has no key set yet; in that case one is made for the next call.
+// SHA-1 of the salt and of the password's characters. False where CryptoAPI fails or has no key set
+// yet; in that case one is made for the next call. Every failure is traced but one: a provider that
+// cannot be acquired for another reason than a missing key set.
 [[nodiscard]] bool HashPassword(std::span<const BYTE> salt, WideText password, SecretBytes& hash);
 
 // Takes the same time wherever the two differ.

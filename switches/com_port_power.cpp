@@ -9,15 +9,16 @@ constexpr pal::TraceSource kTrace{pal::Facility::kConfigStoreAccess};
 }  // namespace
 
 HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* power) {
-  if (port == nullptr || power == nullptr) return E_FAIL;
-  kTrace.Info("SetPower: %ls, fEnable:%d, portId:%d - Does nothing", port, power->enable,
-              power->port_id);
+  if (power == nullptr) return E_FAIL;
+  kTrace.Info("SetPower: %ls, fEnable:%d, portId:%d - Does nothing", pal::ShownText(port),
+              power->enable, power->port_id);
   return S_OK;
 }
 
 HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power) {
-  if (port == nullptr || power == nullptr) return E_FAIL;
+  if (power == nullptr) return E_FAIL;
   power->enable = 0;
-  kTrace.Info("PALCOMxPwr_GetPower: Comx:%ls, portId:%d - Does nothing", port, power->port_id);
+  kTrace.Info("PALCOMxPwr_GetPower: Comx:%ls, portId:%d - Does nothing", pal::ShownText(port),
+              power->port_id);
   return S_OK;
 }

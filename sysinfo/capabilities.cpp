@@ -112,7 +112,7 @@ DWORD PALAPI PALDevCap_EnabledA(const char* name) {
 }
 
 DWORD PALAPI PALDevCap_EnabledW(const WCHAR* name) {
-  const WCHAR* const shown = name != nullptr ? name : TEXT("(null)");
+  const WCHAR* const shown = pal::ShownText(name);
   kTrace.Info("PALDevCap_EnabledW(%ls) - Entry", shown);
   DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
   if (name == nullptr) {

@@ -8,10 +8,10 @@ namespace {
 
 constexpr const char* kSkin = "HKCR\\tdyskin\\Shell\\Open\\Command";
 constexpr const char* kCab = "HKCR\\cabfile\\Shell\\Open\\Command";
-constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
 constexpr HRESULT kMoreData = static_cast<HRESULT>(0x800700EA);
 
 using Bytes = std::vector<std::uint8_t>;
+using Lines = std::vector<std::string>;
 
 Bytes Units(const std::string& text) {
   Bytes bytes;
@@ -21,6 +21,20 @@ Bytes Units(const std::string& text) {
 // A command with its terminator.
 Bytes Command(const std::string& text) {
   return Units(text + '\0');
+}
+
+// The line of a command that fails with a system error.
+std::string NotOpened(const std::string& class_name, int error) {
+  return "0xC4460000 Failed to open HKLM\\" + class_name +
+         "\\Shell\\Open\\Command. dwRet = " + std::to_string(error);
+}
+std::string NotRead(const std::string& class_name, int error) {
+  return "0xC4460000 Failed to get HKEY_CLASSES_ROOT\\" + class_name +
+         "\\Shell\\Open\\Command default value. dwRet = " + std::to_string(error);
+}
+std::string NotWritten(const std::string& class_name, int error) {
+  return "0xC4460000 Error writing cabchck.exe to HKEY_CLASSES_ROOT\\" + class_name +
+         "\\Shell\\Open\\Command. dwRet = " + std::to_string(error);
 }
 
 class CabProtection : public DeviceTest {
@@ -84,17 +98,12 @@ TEST_F(CabProtection, IsOnWhereEitherCommandBeginsWithTheChecker) {
 }
 
 TEST_F(CabProtection, IsOffWithoutCommands) {
-  EXPECT_EQ(IsOn(), 0U);
-  device.registry().Create(kSkin);
-  EXPECT_EQ(IsOn(), 0U);
-  EXPECT_EQ(CategorisedLines(),
-            (std::vector<std::string>{
-                "0xC4460000 Failed to open HKLM\\tdyskin\\Shell\\Open\\Command. dwRet = 2",
-                "0xC4460000 Failed to open HKLM\\cabfile\\Shell\\Open\\Command. dwRet = 2",
-                "0xC4460000 Failed to get HKEY_CLASSES_ROOT\\tdyskin\\Shell\\Open\\Command default "
-                "value. dwRet = 2",
-                "0xC4460000 Failed to open HKLM\\cabfile\\Shell\\Open\\Command. dwRet = 2",
-            }));
+  for (const std::string& no_skin : {NotOpened("tdyskin", 2), NotRead("tdyskin", 2)}) {
+    device.journal().Clear();
+    EXPECT_EQ(IsOn(), 0U);
+    EXPECT_EQ(CategorisedLines(), (Lines{no_skin, NotOpened("cabfile", 2)}));
+    device.registry().Create(kSkin);
+  }
   EXPECT_EQ(process.exports().PALSecurity_GetCabFilePasswordProtect(nullptr), E_FAIL);
 }
 
@@ -132,6 +141,7 @@ TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
   struct Case {
     Bytes command;
     HRESULT result;
+    int error = 13;  // of the trace
   };
   const Bytes good = Command("wceload.exe");
   for (const Case& test : {
@@ -139,8 +149,9 @@ TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
            Case{Units("wceload"), E_FAIL},
            Case{Units("wceload" + std::string(249, ' ')), E_FAIL},  // 512 bytes, no terminator
            Case{{'w'}, E_FAIL},
-           Case{Command("wceload" + std::string(249, ' ')), kMoreData},  // 514 bytes
+           Case{Command("wceload" + std::string(249, ' ')), kMoreData, 234},  // 514 bytes
        }) {
+    device.journal().Clear();
     Put(kSkin, test.command);
     Put(kCab, good);
     EXPECT_EQ(Set(1), test.result);
@@ -151,24 +162,47 @@ TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
     EXPECT_EQ(Set(1), test.result);
     EXPECT_EQ(Get(kSkin), Command("cabchck.exe"));
     EXPECT_EQ(Get(kCab), test.command);
+    EXPECT_EQ(CategorisedLines(),
+              (Lines{NotRead("tdyskin", test.error), NotRead("cabfile", test.error)}));
   }
 }
 
 TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
+  struct Case {
+    sim::Fault fault;
+    std::string line;
+    bool first_is_switched = false;
+  };
   const Bytes good = Command("wceload.exe");
-  EXPECT_EQ(Set(1), kNotFound);
-  device.registry().Create(kSkin);
-  Put(kCab, good);
-  EXPECT_EQ(Set(1), kNotFound);
-  EXPECT_EQ(Get(kCab), good);
-  Put(kSkin, good);
-  device.PlanFault({.call = "RegSetValueExW", .error = 5});
-  EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070005));
-  EXPECT_EQ(Get(kSkin), good);
-  EXPECT_EQ(Get(kCab), good);
-  EXPECT_EQ(TraceLines().back(),
-            "Error writing cabchck.exe to HKEY_CLASSES_ROOT\\tdyskin\\Shell\\Open\\Command. "
-            "dwRet = 5");
+  for (const Case& test : {
+           Case{{.call = "RegOpenKeyExW"}, NotOpened("tdyskin", 5)},
+           Case{{.call = "RegOpenKeyExW", .nth = 2}, NotOpened("cabfile", 5), true},
+           Case{{.call = "RegQueryValueExW"}, NotRead("tdyskin", 5)},
+           Case{{.call = "RegQueryValueExW", .nth = 2}, NotRead("cabfile", 5), true},
+           Case{{.call = "RegSetValueExW"}, NotWritten("tdyskin", 5)},
+           Case{{.call = "RegSetValueExW", .nth = 2}, NotWritten("cabfile", 5), true},
+       }) {
+    Put(kSkin, good);
+    Put(kCab, good);
+    device.journal().Clear();
+    sim::Fault fault = test.fault;
+    fault.error = 5;
+    device.PlanFault(fault);
+    EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070005));
+    device.ClearFaults();
+    EXPECT_EQ(Get(kSkin), test.first_is_switched ? Command("cabchck.exe") : good) << test.line;
+    EXPECT_EQ(Get(kCab), good) << test.line;
+    EXPECT_EQ(CategorisedLines(), Lines{test.line});
+  }
+}
+
+TEST_F(CabProtection, IsNotSwitchedWithoutCommands) {
+  for (const std::string& line : {NotOpened("tdyskin", 2), NotRead("tdyskin", 2)}) {
+    device.journal().Clear();
+    EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070002));
+    EXPECT_EQ(CategorisedLines(), Lines{line});
+    device.registry().Create(kSkin);
+  }
 }
 
 }  // namespace

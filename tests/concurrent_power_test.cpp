@@ -51,6 +51,26 @@ TEST_F(ConcurrentPower, OneStopEndsWhatTwoThreadsStarted) {
   }
 }
 
+TEST_F(ConcurrentPower, StartsThatFailLoseNoStop) {
+  for (int round = 0; round < 50; ++round) {
+    device.journal().Clear();
+    sim::Process process(device);
+    const sim::Exports& pal = process.exports();
+    EXPECT_EQ(pal.PALPWRSuspendCtrl(kStart), S_OK);
+    device.Advance(1);
+    device.PlanFault({.call = "CreateThread", .from_then_on = true});
+    sim::Thread failing = process.Start([&pal] {
+      for (int start = 0; start < 20; ++start) EXPECT_EQ(pal.PALPWRSuspendCtrl(kStart), 20);
+    });
+    sim::Thread stopping = process.Start([&pal] { pal.PALPWRSuspendCtrl(kStop); });
+    EXPECT_TRUE(failing.Join());
+    EXPECT_TRUE(stopping.Join());
+    device.ClearFaults();
+    device.Advance(20000);
+    EXPECT_EQ(Ended(), 1u);
+  }
+}
+
 TEST_F(ConcurrentPower, AProcessEndsUnderItsThreads) {
   for (int round = 0; round < 30; ++round) {
     sim::Process process(device);

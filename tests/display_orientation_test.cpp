@@ -55,6 +55,8 @@ TEST_F(Orientation, ARefusedChangeLeavesEverythingAsItWas) {
     EXPECT_EQ(pal.PALDISPSetOrientation(angle), Result(0x83EE0001)) << angle;
   }
   EXPECT_EQ(device.calls("ChangeDisplaySettingsEx"), 0u);
+  EXPECT_EQ(CategorisedLines().at(1),
+            "0xC3EE0000 PALSetScreenOrientation - ERROR input.  in: 45\\r\\n");
   device.journal().Clear();
   display.orientations = {0, 1};
   EXPECT_EQ(pal.PALDISPSetOrientation(270), Result(0x83EE0002));

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 
-#include "keypad/button_table.h"
 #include "platform/sim/programs/keypad_driver.h"
-#include "platform/sim/text.h"
 #include "tests/support/keypad_test.h"
 
 namespace {
@@ -16,6 +14,39 @@ constexpr HRESULT kOutOfRange = static_cast<HRESULT>(0x83ED0005);
 constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x83ED0007);
 const std::string kFlushed = R"(HKEY_LOCAL_MACHINE\Drivers\HID\ClientDrivers\DVLKeyboard flushed)";
 const std::string kSignalled = "DVL_KEYBOARD_CHANGE_USB set";
+
+struct EventPair {
+  std::u16string delta, state;
+};
+
+struct Button {
+  LONG id;
+  std::string name;
+  std::uint8_t scan_code;
+  std::string event;
+  EventPair reader;  // of action 3
+};
+const std::vector<Button> kButtons = {
+    {0, "Handle", 0, "Event1", {u"RFIDDCE_CENTER_DELTA", u"RFIDDCE_CENTER_STATE"}},
+    {2, "Left Side Bottom", 0x91, "Event2", {u"RFIDDCE_LEFT_DELTA", u"RFIDDCE_LEFT_STATE"}},
+    {3, "Middle", 0x90, "Event1", {u"RFIDDCE_MIDDLE_DELTA", u"RFIDDCE_MIDDLE_STATE"}},
+    {5, "Left Side Top", 0x43, "Event5", {u"RFIDDCE_LEFT_DELTA", u"RFIDDCE_LEFT_STATE"}},
+    {6, "Right Side Top", 0x3F, "Event6", {u"RFIDDCE_RIGHT_DELTA", u"RFIDDCE_RIGHT_STATE"}},
+    {7, "Right Side Bottom", 0x40, "Event7", {u"RFIDDCE_RIGHT_DELTA", u"RFIDDCE_RIGHT_STATE"}},
+};
+
+EventPair EventsOf(const Button& button, LONG action) {
+  const std::vector<EventPair> events = {
+      {u"DeltaLeftScan", u"StateLeftScan"},
+      {u"DVL_RFID_TRIGGER_EVENT", u"DVL_RFID_TRIGGER_STATE"},
+      button.reader,
+      {u"DeltaCameraScan", u"StateCameraScan"},
+      {u"DeltaFlashlight", u"StateFlashlight"},
+      {u"DeltaWindowsDefault", u"StateWindowsDefault"},
+      {u"DeltaOEMTriggerEvent", u"StateOEMTriggerEvent"},
+  };
+  return events.at(static_cast<std::size_t>(action) - 1);
+}
 
 class KeypadAction : public KeypadTest {
  protected:
@@ -38,30 +69,28 @@ class KeypadAction : public KeypadTest {
 };
 
 TEST_F(KeypadAction, GoesThereAndBackForEveryButton) {
-  for (const pal::ButtonRecord* button : pal::kButtonRecords) {
-    if (button == nullptr) continue;
-    const bool is_handle = button->id == 0;
-    const bool is_key = button->id >= 5;
+  for (const Button& button : kButtons) {
+    const bool is_handle = button.id == 0;
+    const bool is_key = button.id >= 5;
     const std::string layout = is_handle ? kHandleLayout : kLayout;
-    const std::string event = sim::ToUtf8(button->event_value_name);
     for (LONG action = 1; action <= 7; ++action) {
-      SCOPED_TRACE(fmt::format("{} {}", button->name, action));
+      SCOPED_TRACE(fmt::format("{} {}", button.name, action));
       Arrange();
       const Planes before = PlanesOf(kLayout);
-      ASSERT_EQ(Set(button->id, action), S_OK);
-      EXPECT_EQ(Get(button->id), static_cast<DWORD>(action));
-      const auto& names = button->action_events[static_cast<std::size_t>(action) - 1];
-      EXPECT_EQ(EventOf(layout, "DELTA", event), Unterminated(names.delta));
-      EXPECT_EQ(EventOf(layout, "STATE", event), Unterminated(names.state));
+      ASSERT_EQ(Set(button.id, action), S_OK);
+      EXPECT_EQ(Get(button.id), static_cast<DWORD>(action));
+      const EventPair events = EventsOf(button, action);
+      EXPECT_EQ(EventOf(layout, "DELTA", button.event), Unterminated(events.delta));
+      EXPECT_EQ(EventOf(layout, "STATE", button.event), Unterminated(events.state));
 
       Planes expected = before;
       Planes saved;
       for (std::size_t plane = 0; is_key && plane < expected.size(); ++plane) {
-        Bytes record = RecordOf(*before[plane], button->scan_code);
+        Bytes record = RecordOf(*before[plane], button.scan_code);
         saved[plane] = record;
         if (action == 6) continue;  // restored at once
         record[3] = record[4] = 2;
-        record[5] = static_cast<std::uint8_t>(event.back() - '0');
+        record[5] = static_cast<std::uint8_t>(button.event.back() - '0');
         Replace(*expected[plane], record);
       }
       EXPECT_EQ(PlanesOf(kLayout), expected);
@@ -75,8 +104,8 @@ TEST_F(KeypadAction, GoesThereAndBackForEveryButton) {
         EXPECT_EQ(last, (Lines{kFlushed, kSignalled}));
       }
 
-      EXPECT_EQ(Set(button->id, 6), S_OK);
-      EXPECT_EQ(Get(button->id), 6u);
+      EXPECT_EQ(Set(button.id, 6), S_OK);
+      EXPECT_EQ(Get(button.id), 6u);
       EXPECT_EQ(PlanesOf(kLayout), before);
       EXPECT_EQ(PlanesOf(kSettings), saved) << "the copy stays";
     }
@@ -131,7 +160,7 @@ TEST_F(KeypadAction, IsReadFromBothEvents) {
        }) {
     SCOPED_TRACE(test.what);
     Arrange();
-    const std::string name = sim::ToUtf8(pal::FindButton(test.button)->event_value_name);
+    const std::string name = test.button == 3 ? "Event1" : fmt::format("Event{}", test.button);
     SetEvents(kLayout, name, test.delta.value_or(Bytes{}), test.state.value_or(Bytes{}));
     if (!test.delta) Delete(std::string(kLayout) + "\\EVENTS\\DELTA", name);
     if (!test.state) Delete(std::string(kLayout) + "\\EVENTS\\STATE", name);
@@ -143,9 +172,14 @@ TEST_F(KeypadAction, IsReadFromBothEvents) {
 }
 
 TEST_F(KeypadAction, IsUnknownWithoutTheKeysOfTheEvents) {
+  const Bytes delta = Unterminated(u"DeltaLeftScan");
+  const Bytes state = Unterminated(u"StateLeftScan");
   for (const std::string kind : {"STATE", "DELTA"}) {
+    Arrange();
+    SetEvents(kLayout, "Event5", delta, state);
+    SetEvents(kHandleLayout, "Event1", delta, state);
     device.registry().RemoveTree(std::string(kLayout) + "\\EVENTS\\" + kind);
-    SetEvents(kHandleLayout, "Event1", Unterminated(u"DeltaLeftScan"), Unterminated(u"x"));
+    EXPECT_EQ(Get(0), 1u) << "the handle has keys of its own";
     EXPECT_EQ(Get(5), 255u);
     EXPECT_EQ(
         CategorisedLines()[CategorisedLines().size() - 2],
@@ -174,17 +208,23 @@ TEST_F(KeypadAction, IsRefusedCleanly) {
   EXPECT_EQ(Changes(), Lines{});
 }
 
-TEST_F(KeypadAction, NamesTheSupportedButtons) {
+TEST_F(KeypadAction, NamesTheButtonOfEachScanCode) {
   DWORD count = 0;
   EXPECT_EQ(process.exports().PALKEYGetNumButtons(&count), S_OK);
   EXPECT_EQ(count, 8u);
   EXPECT_EQ(process.exports().PALKEYGetNumButtons(nullptr), E_FAIL);
   std::array<char, PAL_KEY_BUTTON_NAME_LENGTH> name{};
   DWORD length = 0;
-  EXPECT_EQ(process.exports().PALKEYGetButtonName(7, name.data(), &length), S_OK);
-  EXPECT_STREQ(name.data(), "Right Side Bottom");
-  EXPECT_EQ(length, 17u) << "with its end it fills the buffer";
-  EXPECT_EQ(process.exports().PALKEYGetButtonName(1, name.data(), &length), kNotSupported);
+  for (const Button& button : kButtons) {
+    device.registry().SetBinary(kLayout, "ShiftPlane0", {7, button.scan_code, 0, 1, 0, 0});
+    for (LONG id = 0; id < 8; ++id) {
+      EXPECT_EQ(process.exports().PALKEYGetButtonName(id, name.data(), &length),
+                id == button.id ? S_OK : kNotSupported)
+          << button.name << ' ' << id;
+    }
+    EXPECT_EQ(name.data(), button.name);
+    EXPECT_EQ(length, button.name.size());
+  }
   EXPECT_EQ(process.exports().PALKEYGetButtonName(7, nullptr, &length), E_FAIL);
   EXPECT_EQ(process.exports().PALKEYGetButtonName(7, name.data(), nullptr), E_FAIL);
   EXPECT_STREQ(name.data(), "Right Side Bottom");
@@ -245,20 +285,23 @@ TEST_F(KeypadAction, StopsAtAFailure) {
   }
 }
 
-// Whichever single call fails: one of the described results, and every plane either as it was or
-// with the button's record changed and nothing else.
+// Whichever single call fails: one of the described results, every plane either as it was or with
+// the button's record changed and nothing else, and no copy but of the original.
 TEST_F(KeypadAction, SurvivesAFailureOfAnyCall) {
   const Planes before = PlanesOf(kLayout);
   ASSERT_EQ(Set(5, 1), S_OK);
   const Planes after = PlanesOf(kLayout);
+  const Planes saved = PlanesOf(kSettings);
   HRESULT result = S_OK;
   ForEachFailingCall(
       [&] { Arrange(); }, [&] { result = Set(5, 1); },
       [&](const std::string& call) {
         EXPECT_TRUE(result == S_OK || result == E_FAIL || result == kNotSupported) << call;
         const Planes planes = PlanesOf(kLayout);
+        const Planes copies = PlanesOf(kSettings);
         for (std::size_t plane = 0; plane < planes.size(); ++plane) {
           EXPECT_TRUE(planes[plane] == before[plane] || planes[plane] == after[plane]) << call;
+          EXPECT_TRUE(!copies[plane] || copies[plane] == saved[plane]) << call;
         }
       });
 }

@@ -1,4 +1,6 @@
 // Layouts and shift planes that are odd: what is read, what is rewritten, and what stays.
+#include <algorithm>
+
 #include "tests/support/keypad_test.h"
 
 namespace {
@@ -35,26 +37,36 @@ TEST_F(KeypadLayout, IsFoundByAPathOfAnyAllowedForm) {
     const char* what;
     std::optional<Bytes> data;
     bool supported;
+    HRESULT shift_result;
+    std::string repair_result;
+    std::uint32_t type = REG_SZ;
   };
+  const HRESULT not_found = static_cast<HRESULT>(0x80070002);
+  const HRESULT more_data = static_cast<HRESULT>(0x800700EA);
+  const std::string fail = "0x80004005";
   for (const Case& test : {
-           Case{"terminated", Unterminated(path) + end, true},
-           Case{"unterminated", Unterminated(path), true},
-           Case{"half a unit behind it", Unterminated(path) + Bytes{0x41}, true},
-           Case{"259 units", Unterminated(padded(259)) + end, true},
-           Case{"260 units, unterminated", Unterminated(padded(260)), true},
-           Case{"260 units", Unterminated(padded(260)) + end, false},
-           Case{"much longer", Unterminated(padded(2000)), false},
-           Case{"empty", Bytes{}, false},
-           Case{"only its end", end, false},
-           Case{"half a unit", Bytes{0x41}, false},
-           Case{"of no layout", Unterminated(u"Hardware\\Other"), false},
-           Case{"missing", std::nullopt, false},
+           Case{"terminated", Unterminated(path) + end, true, S_OK, "0x0"},
+           Case{"unterminated", Unterminated(path), true, S_OK, "0x0"},
+           Case{"of another type", Unterminated(path), true, S_OK, "0x0", REG_DWORD},
+           Case{"half a unit behind it", Unterminated(path) + Bytes{0x41}, true, S_OK, "0x0"},
+           Case{"259 units", Unterminated(padded(259)) + end, true, S_OK, "0x0"},
+           Case{"260 units, unterminated", Unterminated(padded(260)), true, S_OK, "0x0"},
+           Case{"260 units", Unterminated(padded(260)) + end, false, more_data, fail},
+           Case{"much longer", Unterminated(padded(2000)), false, more_data, fail},
+           Case{"empty", Bytes{}, false, not_found, "0x0"},
+           Case{"only its end", end, false, not_found, "0x0"},
+           Case{"half a unit", Bytes{0x41}, false, not_found, "0x0"},
+           Case{"of no layout", Unterminated(u"Hardware\\Other"), false, not_found, "0x80070002"},
+           Case{"missing", std::nullopt, false, not_found, fail},
        }) {
     SCOPED_TRACE(test.what);
-    Arrange();
-    device.registry().SetRaw(kKeyboard, "CurrentActiveLayoutKey", REG_SZ,
-                             test.data.value_or(Bytes{}));
-    if (!test.data) Delete(kKeyboard, "CurrentActiveLayoutKey");
+    const auto arrange = [&] {
+      Arrange();
+      device.registry().SetRaw(kKeyboard, "CurrentActiveLayoutKey", test.type,
+                               test.data.value_or(Bytes{}));
+      if (!test.data) Delete(kKeyboard, "CurrentActiveLayoutKey");
+    };
+    arrange();
     EXPECT_EQ(IsSupported(5), test.supported);
     EXPECT_EQ(Set(5, 4), test.supported ? S_OK : kNotSupported);
     const Bytes written = EventOf(kLayout, "STATE", "Event5");
@@ -62,6 +74,22 @@ TEST_F(KeypadLayout, IsFoundByAPathOfAnyAllowedForm) {
     if (test.supported) {
       EXPECT_EQ(Get(5), 4u);
     }
+
+    arrange();
+    const std::string shift_keys = std::string(kLayout) + "\\ShiftKeys";
+    device.registry().SetBinary(shift_keys, "ShiftKeyA", {2, 0, 0, 0});
+    DWORD behavior = 77;
+    EXPECT_EQ(process.exports().PALKEYGetShiftBehavior(&behavior), test.shift_result);
+    EXPECT_EQ(behavior, test.supported ? 1u : 77u);
+    EXPECT_EQ(process.exports().PALKEYSetShiftBehavior(2), test.shift_result);
+    EXPECT_EQ(device.registry().FindValue(shift_keys, "ShiftKeyA")->data,
+              (Bytes{static_cast<std::uint8_t>(test.supported ? 4 : 2), 0, 0, 0}));
+
+    device.registry().SetDword(kSettings, "FixActive", 0);
+    EXPECT_EQ(process.exports().PALKEYInit(), S_OK);
+    EXPECT_EQ(TraceLines().back(), "FixScanKeyEvents Complete hr=" + test.repair_result + "\\r\\n");
+    EXPECT_EQ(EventOf(kLayout, "DELTA", "Event5"),
+              test.supported ? Unterminated(u"DeltaWindowsDefault") : Bytes{});
   }
 }
 
@@ -153,6 +181,7 @@ TEST_F(KeypadLayout, SavesRecordsBesideThoseThatAreThere) {
     Bytes there;
     Bytes saved;
     std::string error;
+    bool taken_over = true;  // else the save has failed, and the layout keeps its record
   };
   for (const Case& test : {
            Case{"another button's", kButton6, kButton6 + kButton5, ""},
@@ -162,15 +191,26 @@ TEST_F(KeypadLayout, SavesRecordsBesideThoseThatAreThere) {
            Case{"4089 bytes", OtherRecords(681) + Bytes(3), OtherRecords(681) + kButton5, ""},
            Case{"682 records", OtherRecords(682), OtherRecords(682),
                 full + "4092 dwBufLen=6\\r\\n"},
-           Case{"4096 bytes", Bytes(4096, 7), Bytes(4096, 7), full + "4096 dwBufLen=6\\r\\n"},
-           Case{"more", Bytes(5000, 7), Bytes(5000, 7), full + "4096 dwBufLen=6\\r\\n"},
+           Case{"4096 bytes", Bytes(4096, 7), Bytes(4096, 7), full + "4096 dwBufLen=6\\r\\n",
+                false},
+           Case{"more", Bytes(5000, 7), Bytes(5000, 7), full + "4096 dwBufLen=6\\r\\n", false},
        }) {
     SCOPED_TRACE(test.what);
     Arrange();
     Put(kLayout, "ShiftPlane2", kButton5);
     Put(kSettings, "ShiftPlane2", test.there);
-    EXPECT_EQ(Set(5, 1), S_OK);
+    device.journal().Clear();
+    EXPECT_EQ(Set(5, 1), test.taken_over ? S_OK : E_FAIL);
     EXPECT_EQ(PlanesOf(kSettings)[2], test.saved);
+    EXPECT_EQ(PlanesOf(kLayout)[2], test.taken_over ? kButton5Signals : kButton5);
+    const auto changes = Changes();
+    EXPECT_EQ(std::count_if(changes.begin(), changes.end(),
+                            [](const std::string& change) {
+                              return change.starts_with(
+                                  R"(HKEY_LOCAL_MACHINE\Software\Dravonel\PAL "ShiftPlane2"=)");
+                            }),
+              test.taken_over ? 1 : 0)
+        << "also the plane that has no room is written back";
     const auto errors = TraceLines(full);
     EXPECT_EQ(errors.empty() ? "" : errors.front(), test.error);
   }
@@ -185,12 +225,51 @@ TEST_F(KeypadLayout, RestoresARecordThatTheLayoutHasLost) {
   const Planes before = PlanesOf(kLayout);
   EXPECT_EQ(Set(5, 6), S_OK);
   EXPECT_EQ(PlanesOf(kLayout)[0], before[0]) << "nothing was saved for it";
-  EXPECT_EQ(PlanesOf(kLayout)[1], PlanesOf(kSettings)[1]);
+  EXPECT_EQ(PlanesOf(kLayout)[1], (Bytes{7, 0x43, 1, 1, 1, 0x22}));
   EXPECT_EQ(PlanesOf(kLayout)[2], kButton6 + original);
   EXPECT_EQ(
       TraceLines("SetupKeyForWinDefkeys: Did not get Values for Left Side Top button in shift ")
           .size(),
       1u);
+}
+
+TEST_F(KeypadLayout, RestoresNothingWhereNothingWasSaved) {
+  const std::string line =
+      "SetupKeyForWinDefkeys: Did not get Values for Left Side Top button in shift plane ";
+  ASSERT_EQ(Set(5, 1), S_OK);
+  const Planes signals = PlanesOf(kLayout);
+  device.registry().RemoveTree(kSettings);
+  EXPECT_EQ(Set(5, 6), S_OK);
+  EXPECT_EQ(Get(5), 6u);
+  EXPECT_EQ(PlanesOf(kLayout), signals);
+  EXPECT_EQ(TraceLines(line).size(), 3u);
+  EXPECT_EQ(device.registry().Find(kSettings), nullptr) << "the key is not created";
+}
+
+// The queries from the 15th on are those of plane 2: for its record, for the saved plane, and once
+// more for the plane that the record goes back to.
+TEST_F(KeypadLayout, WritesOverNoPlaneThatItCannotRead) {
+  struct Case {
+    const char* what;
+    unsigned query;
+    HRESULT result;
+    Bytes saved;
+  };
+  for (const Case& test :
+       {Case{"not found", 15, S_OK, kButton6}, Case{"not saved", 16, E_FAIL, kButton6},
+        Case{"not rewritten", 17, E_FAIL, kButton6 + kButton5}}) {
+    SCOPED_TRACE(test.what);
+    Arrange();
+    Put(kLayout, "ShiftPlane2", kButton5);
+    Put(kSettings, "ShiftPlane2", kButton6);
+    device.PlanFault({.call = "RegQueryValueExW", .nth = test.query, .error = 5});
+    EXPECT_EQ(Set(5, 1), test.result);
+    device.ClearFaults();
+    EXPECT_EQ(PlanesOf(kLayout)[2], kButton5);
+    EXPECT_EQ(PlanesOf(kSettings)[2], test.saved);
+    EXPECT_EQ(TraceLines("SetupKeyForScanKeys: Did not get Values for Left Side Top button").size(),
+              test.query == 15 ? 1u : 0u);
+  }
 }
 
 }  // namespace

@@ -113,24 +113,41 @@ TEST_F(KeypadRepair, PassesOverPlanesWithoutTheButton) {
   EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent).size(), 1u) << "the driver is told";
 }
 
-// Plane 2 alone ends the repair: its reading is the third of the planes'.
+// Each plane is opened for its record, and to be read and written again; the last open is that of
+// the driver's key. The last two queries are those of plane 2.
 TEST_F(KeypadRepair, EndsAtPlane2AndNotBefore) {
-  Init();
-  const unsigned opens = [&] {
-    Arrange();
-    device.registry().RemoveTree(kSettings);
-    const unsigned before = device.calls("RegOpenKeyExW");
+  struct Case {
+    const char* what;
+    std::string call;
+    unsigned before_last;
+    bool signalled;
+  };
+  for (const Case& test : {
+           Case{"record of plane 0", "RegOpenKeyExW", 9, true},
+           Case{"plane 1 to write", "RegOpenKeyExW", 4, true},
+           Case{"record of plane 2", "RegOpenKeyExW", 3, false},
+           Case{"plane 2 to read", "RegOpenKeyExW", 2, false},
+           Case{"plane 2 to write", "RegOpenKeyExW", 1, false},
+           Case{"driver", "RegOpenKeyExW", 0, false},
+           Case{"unreadable record of plane 2", "RegQueryValueExW", 1, true},
+           Case{"unreadable plane 2", "RegQueryValueExW", 0, false},
+       }) {
+    SCOPED_TRACE(test.what);
+    const auto arrange = [&] {
+      Arrange();
+      device.registry().RemoveTree(kSettings);
+    };
+    arrange();
+    const unsigned before = device.calls(test.call);
     Init();
-    return device.calls("RegOpenKeyExW") - before;
-  }();
-  // The last opens: read and write of planes 0, 1 and 2, and the driver's key.
-  for (const unsigned plane : {0u, 1u, 2u}) {
-    Arrange();
-    device.registry().RemoveTree(kSettings);
-    device.PlanFault({.call = "RegOpenKeyExW", .nth = opens - 6 + 2 * plane, .error = 5});
+    const unsigned calls = device.calls(test.call) - before;
+    arrange();
+    const Planes planes = PlanesOf(kLayout);
+    device.PlanFault({.call = test.call, .nth = calls - test.before_last, .error = 5});
     Init();
     device.ClearFaults();
-    EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent).size(), plane == 2 ? 0u : 1u) << plane;
+    EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent).size(), test.signalled ? 1u : 0u);
+    EXPECT_EQ(PlanesOf(kLayout), planes);
     ExpectNeverAgain();
   }
 }

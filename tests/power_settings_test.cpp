@@ -205,14 +205,35 @@ TEST_F(PowerSettings, DeviceOffIsReadInWholeMinutes) {
     EXPECT_EQ(pal.PALPWRGetDeviceOff_Batt(&minutes), S_OK);
     EXPECT_EQ(minutes, test.minutes);
   }
-  pal.PALPWRSetDeviceOff_ExtPwr(30);
-  EXPECT_EQ(TraceLines(),
-            (Lines{"GetDeviceOff_Batt - sys_val: 150sec, user_val: 2min\\r\\n",
-                   "GetDeviceOff_Batt - sys_val: 59sec, user_val: 0min\\r\\n",
-                   "GetDeviceOff_Batt - sys_val: -1sec, user_val: 71582788min\\r\\n",
-                   fmt::format("SetDeviceOff_ExtPwr - user_val: 30, adjusted_val: 1800, "
-                               "procid: 0x{:x}\\r\\n",
-                               process.id())}));
+}
+
+TEST_F(PowerSettings, EveryStepThatSucceedsIsInformation) {
+  device.hardware().drivers = {std::make_shared<sim::ConfigurationDriver>()};
+  for (const Timeout& timeout : Timeouts()) {
+    EXPECT_EQ(timeout.set(pal, timeout.allowed.back()), S_OK);
+    DWORD read = kUntouched;
+    EXPECT_EQ(timeout.get(pal, &read), S_OK);
+  }
+  DWORD option = kUntouched;
+  EXPECT_EQ(pal.PALPWRSetPwrButton(4), S_OK);
+  EXPECT_EQ(pal.PALPWRGetPwrButton(&option), S_OK);
+  EXPECT_EQ(pal.PALPWRSetBootOption(0xFE), S_OK);
+  EXPECT_EQ(pal.PALPWRGetBootOption(&option), S_OK);
+  Lines expected{
+      "SetDeviceOff_Batt - user_val: 30, adjusted_val: 1800\\r\\n",
+      "GetDeviceOff_Batt - sys_val: 1800sec, user_val: 30min\\r\\n",
+      fmt::format("SetDeviceOff_ExtPwr - user_val: 30, adjusted_val: 1800, procid: 0x{:x}\\r\\n",
+                  process.id()),
+      "GetDeviceOff_ExtPwr - sys_val: 1800sec, user_val: 30min\\r\\n",
+      "SetScreenOff_Batt - input: 660\\r\\n",
+      "GetScreenOff_Batt - timeout: 660\\r\\n",
+      "SetScreenOff_ExtPwr - input: 1800\\r\\n",
+      "GetScreenOff_ExtPwr - timeout: 1800\\r\\n",
+      "PALPWRSetPwrButton - Entry.  in_opt: 4\\r\\n",
+      "SetPwrButton - Entry.  val: 0x800000",
+      fmt::format("PALPWRGetBootOption - bootoption: 0xfe, proc_id: 0x{:x}\\r\\n", process.id())};
+  for (std::string& line : expected) line.insert(0, "0x43EF0000 ");
+  EXPECT_EQ(CategorisedLines(), expected);
 }
 
 TEST_F(PowerSettings, PowerButtonStoresACodeForEveryOptionAndZeroForOthers) {
@@ -319,6 +340,23 @@ TEST_F(PowerSettings, InitKeepsBothEventsOrNone) {
                    cannot_signal,
                    "PALPWRInit - ERROR display event. win32err: 0x12008, hr: 0x83ef2008\\r\\n",
                    cannot_signal}));
+}
+
+TEST_F(PowerSettings, TheConfigurationDriverHasOneUser) {
+  const auto driver = std::make_shared<sim::ConfigurationDriver>(std::uint8_t{3});
+  device.hardware().drivers = {driver};
+  HANDLE opened = INVALID_HANDLE_VALUE;
+  process.Run([&] {
+    opened = CreateFileW(TEXT("CFG1:"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
+                         nullptr);
+  });
+  DWORD option = kUntouched;
+  EXPECT_EQ(pal.PALPWRSetBootOption(4), Result(0x80070020));
+  EXPECT_EQ(pal.PALPWRGetBootOption(&option), Result(0x80070020));
+  EXPECT_EQ(option, kUntouched);
+  EXPECT_EQ(driver->boot_option(), 3);
+  process.Run([&] { CloseHandle(opened); });
+  EXPECT_EQ(pal.PALPWRGetBootOption(&option), S_OK);
 }
 
 // An auto-reset event wakes one of those that wait for a change.

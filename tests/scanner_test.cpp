@@ -47,6 +47,14 @@ class Scanner : public DeviceTest {
     device.journal().Clear();
     return sent;
   }
+  // The scanner's own lines: those of the device type are another family's.
+  Lines ScannerLines() {
+    Lines lines = CategorisedLines();
+    std::erase_if(lines, [](const std::string& line) {
+      return !line.starts_with("0x43F1") && !line.starts_with("0xC3F1");
+    });
+    return lines;
+  }
   // What one thread of a process does beside the driving one.
   static void HoldMutex(DWORD ms) {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("DCEDRIVER_INIT_SEPARATOR"));
@@ -175,12 +183,9 @@ TEST_F(Scanner, TracesASessionOfAnEngineOnTheSpiClock) {
   EXPECT_EQ(exports().PALSysio_DVLSetScanPower(1), E_FAIL);
   EXPECT_EQ(Control(PAL_SCANNER_IDLE), E_FAIL);
   exports().PALSysio_Close();
-  Lines lines = CategorisedLines();
-  // Lines of the device type are another family's; the handle differs from run to run.
-  std::erase_if(lines, [](const std::string& line) {
-    return !line.starts_with("0x43F1") && !line.starts_with("0xC3F1");
-  });
+  Lines lines = ScannerLines();
   ASSERT_GE(lines.size(), 3U);
+  // The handle differs from run to run.
   EXPECT_TRUE(lines[2].starts_with("0x43F10000 Exit PALSysio_Open g_hOEMScanDLL: 0x"));
   EXPECT_TRUE(lines[2].ends_with(", hr: 0x0\\r\\n")) << lines[2];
   lines.erase(lines.begin() + 2);
@@ -201,6 +206,49 @@ TEST_F(Scanner, TracesASessionOfAnEngineOnTheSpiClock) {
                           "0x43F10000 PALSysio_ControlScanPower: PAL_SCANNER_IDLE\\r\\n",
                           "0xC3F10000 ScanSetEnable( 0 ) err: 21\\r\\n",
                           "0x43F10000 PALSysio_Close\\r\\n"}));
+}
+
+TEST_F(Scanner, TracesTheBringUpAndThePowersSteps) {
+  struct Case {
+    BYTE code;
+    Lines bring_up, down, up;  // without their category
+  };
+  const std::string up = "PALSysio_ControlScanPower: PAL_SCANNER_POWER_UP";
+  const std::string down = "PALSysio_ControlScanPower: PAL_SCANNER_POWER_DOWN";
+  const std::string power_on = "PALSysio_SetScanPower( 1 ) success";
+  const std::string power_off = "PALSysio_SetScanPower( 0 ) success";
+  const std::string enabled = "ScanSetEnable( 1 ) success";
+  const std::string disabled = "ScanSetEnable( 0 ) success";
+  const std::string entry = "Entry PALSysio_InternalScannerInterfaceInit";
+  const std::string normal = "ScanSetOperationalMode( 1 ) success";
+  const std::string exit = "Exit PALSysio_InternalScannerInterfaceInit";
+  for (const Case& test : {
+           Case{kEng17,
+                {entry, "Internal DevType: 34", normal, up, power_on, enabled, exit},
+                {down, power_off, disabled},
+                {up, power_on, enabled}},
+           Case{kEng13,
+                {entry, "Internal DevType: 38", "Got camera mutex.", normal,
+                 "PALSysio_SetScanTrigger SPIClk line",
+                 "PALSysio_SetScanTrigger( fTriggerOn:0 ) success", up, enabled, power_on, exit},
+                {down, disabled, power_off},
+                {up, enabled, power_on}},
+       }) {
+    Fit(test.code);
+    Start();
+    const auto expect_lines = [&](Lines lines) {
+      for (std::string& line : lines) line = "0x43F10000 " + line + "\\r\\n";
+      EXPECT_EQ(ScannerLines(), lines);
+      device.journal().Clear();
+    };
+    EXPECT_EQ(exports().PALSysio_InternalScannerInterfaceInit(), S_OK);
+    expect_lines(test.bring_up);
+    EXPECT_EQ(Control(PAL_SCANNER_POWER_DOWN), S_OK);
+    expect_lines(test.down);
+    EXPECT_EQ(Control(PAL_SCANNER_POWER_UP), S_OK);
+    expect_lines(test.up);
+    exports().PALSysio_Close();
+  }
 }
 
 TEST_F(Scanner, FailsEveryOperationWithoutADriver) {
@@ -252,8 +300,6 @@ TEST_F(Scanner, BringsACommonEngineUpWithoutMutex) {
   Start();
   EXPECT_EQ(exports().PALSysio_InternalScannerInterfaceInit(), S_OK);
   EXPECT_TRUE(device.journal().Texts(sim::Effect::kMutex).empty());
-  EXPECT_EQ(TraceLines("Internal DevType"), Lines{"Internal DevType: 34\\r\\n"});
-  EXPECT_EQ(TraceLines().back(), "Exit PALSysio_InternalScannerInterfaceInit\\r\\n");
   EXPECT_EQ(TakeSent(), (Lines{"set download 00", "set power 01", "enable 01"}));
 }
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/sim/hardware/configuration_driver.h"
+#include "platform/sim/hardware/hardware.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -64,6 +66,29 @@ TEST_F(SimPlatform, NamesWhatIsMissing) {
       EXPECT_EQ(GetLastError(), static_cast<DWORD>(test.error));
     }
   });
+}
+
+TEST_F(SimPlatform, RecordsAnOpenThatADriverIsNotMadeFor) {
+  struct Case {
+    DWORD access, share, disposition;
+  };
+  device.hardware().drivers = {std::make_shared<sim::ConfigurationDriver>()};
+  sim::Process process(device);
+  constexpr DWORD kBoth = GENERIC_READ | GENERIC_WRITE;
+  process.Run([] {
+    for (const Case& test :
+         {Case{GENERIC_READ, 0, OPEN_EXISTING}, Case{kBoth, FILE_SHARE_READ, OPEN_EXISTING},
+          Case{kBoth, 0, CREATE_ALWAYS}}) {
+      EXPECT_EQ(CreateFileW(TEXT("CFG1:"), test.access, test.share, nullptr, test.disposition, 0,
+                            nullptr),
+                INVALID_HANDLE_VALUE);
+    }
+  });
+  const std::string misuse = "caller.exe: CreateFileW was given the access ";
+  EXPECT_EQ(device.TakeMisuse(),
+            (std::vector<std::string>{misuse + "0x80000000, share 0 and disposition 3 for CFG1:",
+                                      misuse + "0xc0000000, share 1 and disposition 3 for CFG1:",
+                                      misuse + "0xc0000000, share 0 and disposition 2 for CFG1:"}));
 }
 
 TEST_F(SimPlatform, RecordsEveryMisuseOfAHandle) {

@@ -116,18 +116,20 @@ TEST_F(ComPortPower, DoesNothingButTrace) {
   const unsigned calls = device.calls("RegOpenKeyExW") + device.calls("CreateFileW");
   PALComPortPower power{1, 3};
   EXPECT_EQ(exports.PALCOMxPwr_SetPower(TEXT("COM3:"), &power), S_OK);
-  EXPECT_EQ(exports.PALCOMxPwr_GetPower(TEXT("COM3:"), &power), S_OK);
-  EXPECT_EQ(power.enable, 0u);
-  EXPECT_EQ(power.port_id, 3u);
-  EXPECT_EQ(CategorisedLines(),
-            (Lines{"0x444E0000 SetPower: COM3:, fEnable:1, portId:3 - Does nothing",
-                   "0x444E0000 PALCOMxPwr_GetPower: Comx:COM3:, portId:3 - Does nothing"}));
-  EXPECT_EQ(exports.PALCOMxPwr_SetPower(nullptr, &power), E_FAIL);
+  EXPECT_EQ(exports.PALCOMxPwr_SetPower(nullptr, &power), S_OK);
+  for (const WCHAR* port : {TEXT("COM3:"), static_cast<const WCHAR*>(nullptr)}) {
+    power.enable = 1;
+    EXPECT_EQ(exports.PALCOMxPwr_GetPower(port, &power), S_OK);
+    EXPECT_EQ(power.enable, 0u);
+    EXPECT_EQ(power.port_id, 3u);
+  }
   EXPECT_EQ(exports.PALCOMxPwr_SetPower(TEXT("COM3:"), nullptr), E_FAIL);
   EXPECT_EQ(exports.PALCOMxPwr_GetPower(TEXT("COM3:"), nullptr), E_FAIL);
-  power.enable = 1;
-  EXPECT_EQ(exports.PALCOMxPwr_GetPower(nullptr, &power), E_FAIL);
-  EXPECT_EQ(power.enable, 1u);
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{"0x444E0000 SetPower: COM3:, fEnable:1, portId:3 - Does nothing",
+                   "0x444E0000 SetPower: (null), fEnable:1, portId:3 - Does nothing",
+                   "0x444E0000 PALCOMxPwr_GetPower: Comx:COM3:, portId:3 - Does nothing",
+                   "0x444E0000 PALCOMxPwr_GetPower: Comx:(null), portId:3 - Does nothing"}));
   EXPECT_EQ(device.calls("RegOpenKeyExW") + device.calls("CreateFileW"), calls);
 }
 

@@ -221,6 +221,29 @@ TEST_F(UsbFunction, IsNotToldByABusThatFails) {
   EXPECT_EQ(process.exports().PALStore_GetUsbFuncDriver(nullptr), kBadInput);
 }
 
+TEST_F(UsbFunction, IsUnknownWhereTheVolumeCannotBeRead) {
+  bus->set_told_name(u"Mass_Storage_Class");
+  const std::string key = "\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class";
+  for (const std::string call : {"RegOpenKeyExW", "RegQueryValueExW", ""}) {
+    if (call.empty()) {
+      device.registry().RemoveTree(kKey);
+    } else {
+      device.PlanFault({.call = call, .error = 5});
+    }
+    device.journal().Clear();
+    DWORD option = 9;
+    EXPECT_EQ(Get(option), kUnknownClient) << call;
+    EXPECT_EQ(option, 9u);
+    device.ClearFaults();
+    EXPECT_EQ(CategorisedLines(),
+              (Lines{"0x444F0000 GetClientOption - Client name: Mass_Storage_Class, len: 38\\r\\n",
+                     "0x444F0000 PALStore_GetUsbFuncDriver - Mass storage client. Read " + key +
+                         " : DeviceName\\r\\n",
+                     "0x444F0000 PALStore_GetUsbFuncDriver - Return. iOpt:-1, "
+                     "hr:0x844f0005\\r\\n"}));
+  }
+}
+
 TEST(UsbFunctionDescription, KeepsItsClientsAndTheirRefusals) {
   const TemporaryFolder folder;
   static_cast<void>(
@@ -427,6 +450,28 @@ TEST_F(UsbHostStorage, LeavesAWalkThatFailsWhereItWas) {
     EXPECT_EQ(ErrorLines(), test.error.empty() ? Lines{} : Lines{test.error + ". dwRet = 5"});
     EXPECT_EQ(InfoLines(), Lines{});
     EXPECT_EQ(Enable(test.enable), S_OK) << "a second walk finishes the first";
+  }
+}
+
+TEST_F(UsbHostStorage, IsNotToldByAWalkThatFails) {
+  struct Case {
+    sim::Fault fault;
+    Lines errors;
+  };
+  AddDrivers();
+  for (const Case& test : {
+           Case{{.call = "RegEnumKeyExW", .error = 5},
+                {"Error enumerating USB Mass Storage Client drivers. dwRet = 5"}},
+           Case{{.call = "RegOpenKeyExW", .nth = 2, .error = 5},
+                {"Error opening HKLM\\" + kPath + "\\2. dwRet = 5"}},
+           Case{{.call = "RegQueryValueExW", .error = 5}, {}},
+       }) {
+    device.journal().Clear();
+    device.PlanFault(test.fault);
+    EXPECT_EQ(Enabled(), std::pair(static_cast<HRESULT>(0x80070005), 0U)) << test.fault.call;
+    device.ClearFaults();
+    EXPECT_EQ(ErrorLines(), test.errors);
+    EXPECT_EQ(InfoLines(), Lines{});
   }
 }
 

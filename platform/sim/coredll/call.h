@@ -50,7 +50,8 @@ class Call {
   std::shared_ptr<Object> FindObject(const void* handle);
   template <class Handle = HANDLE>
   Handle AddHandle(std::shared_ptr<Object> object) {
-    return reinterpret_cast<Handle>(kernel_.handles.Add(std::move(object), process().id));
+    return reinterpret_cast<Handle>(
+        kernel_.handles.Add(std::move(object), process().id, thread_.id));
   }
 
  private:

@@ -18,12 +18,15 @@ LONG ChangeDisplaySettingsEx(LPCWSTR device, DEVMODEW* mode, HWND window, DWORD 
                       parameter == nullptr && mode->dmSize == sizeof(*mode) &&
                       mode->dmFields == DM_DISPLAYORIENTATION;
   if (!usable) return DISP_CHANGE_BADPARAM;
+  if (flags != CDS_TEST && flags != CDS_RESET) {
+    call.Misuse(fmt::format("was given the flags {:#x}", flags));
+    return DISP_CHANGE_BADFLAGS;
+  }
   sim::Display& display = call.kernel().hardware.display;
   if (flags == CDS_TEST) {
     mode->dmDisplayOrientation = display.orientation();
     return DISP_CHANGE_SUCCESSFUL;
   }
-  if (flags != 0 && flags != CDS_RESET) return DISP_CHANGE_BADFLAGS;
   const auto* const wanted =
       std::ranges::find(sim::kRotations, mode->dmDisplayOrientation, &sim::Rotation::code);
   if (wanted == sim::kRotations.end() ||

@@ -33,11 +33,20 @@ std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD di
   return error == ERROR_SUCCESS ? node : nullptr;
 }
 
-HANDLE OpenDriver(Call& call, std::string_view name) {
+// A driver is there or is not, and its one user reads and writes and shares it with nobody.
+HANDLE OpenDriver(Call& call, std::string_view name, DWORD access, DWORD share, DWORD disposition) {
   for (const auto& driver : call.kernel().hardware.drivers) {
     if (!EqualNoCase(driver->name(), name)) continue;
-    const auto error = static_cast<LONG>(driver->Open());
-    if (error != ERROR_SUCCESS) return call.Fail(error, INVALID_HANDLE_VALUE);
+    const bool has_one_user = driver->users() == DriverUsers::kOne;
+    const bool is_usable =
+        disposition == OPEN_EXISTING &&
+        (!has_one_user || (access == (GENERIC_READ | GENERIC_WRITE) && share == 0));
+    if (!is_usable) {
+      call.Misuse(fmt::format("was given the access {:#x}, share {} and disposition {} for {}",
+                              access, share, disposition, driver->name()));
+      return call.Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
+    }
+    if (!driver->Open()) return call.Fail(ERROR_SHARING_VIOLATION, INVALID_HANDLE_VALUE);
     return call.AddHandle(std::make_shared<DriverObject>(driver));
   }
   return call.Fail(ERROR_DEV_NOT_EXIST, INVALID_HANDLE_VALUE);
@@ -70,7 +79,7 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
   const std::u16string_view wide(name);
   if (wide.size() >= MAX_PATH) return call.Fail(sim::kNameTooLong, INVALID_HANDLE_VALUE);
   std::string path = sim::ToUtf8(wide);
-  if (sim::IsDriverName(wide)) return sim::OpenDriver(call, path);
+  if (sim::IsDriverName(wide)) return sim::OpenDriver(call, path, access, share, disposition);
 
   LONG error = ERROR_SUCCESS;
   auto node = sim::NodeToOpen(call, path, disposition, error);

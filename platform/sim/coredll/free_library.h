@@ -6,9 +6,8 @@
 
 namespace sim {
 
-// Gives back one load of a library. `leaving` (or nullptr) is a thread that does not return into
-// it.
-BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving);
+// Gives back one load of a library.
+BOOL FreeLoaded(Call& call, HMODULE module);
 
 }  // namespace sim
 

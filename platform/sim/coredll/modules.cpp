@@ -49,13 +49,13 @@ FARPROC FindEntry(Call& call, const std::string& path, const std::string& name) 
 
 }  // namespace
 
-BOOL FreeLoaded(Call& call, HMODULE module, const ThreadState* leaving) {
+BOOL FreeLoaded(Call& call, HMODULE module) {
   const auto loaded = FindLoaded(call, module);
   if (loaded == call.process().modules.end()) return call.Fail(ERROR_INVALID_HANDLE, FALSE);
   if (--loaded->second > 0) return TRUE;
   const std::string path = loaded->first;
   call.process().modules.erase(loaded);
-  if (path == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process(), leaving);
+  if (path == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process());
   call.Log(Effect::kModule, Shown(path) + " freed");
   return TRUE;
 }
@@ -83,7 +83,7 @@ HINSTANCE LoadLibraryW(LPCWSTR name) {
 BOOL FreeLibrary(HMODULE module) {
   Call call(CallId::FreeLibrary);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
-  return sim::FreeLoaded(call, module, nullptr);
+  return sim::FreeLoaded(call, module);
 }
 
 FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {

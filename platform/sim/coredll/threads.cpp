@@ -29,8 +29,8 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, DWORD /*stack_bytes*/,
 void FreeLibraryAndExitThread(HMODULE module, DWORD /*exit_code*/) {
   {
     Call call(CallId::FreeLibraryAndExitThread);
-    sim::FreeLoaded(call, module, &call.thread());
-    call.thread().calls_in_library = 0;  // it does not come back to it
+    call.thread().left_library = true;
+    sim::FreeLoaded(call, module);
   }
   throw sim::ThreadExit();
 }

@@ -1,4 +1,4 @@
-// The configuration driver "CFG1:", which keeps the boot option.
+// The configuration driver "CFG1:", which keeps the boot option. It has one user at a time.
 #ifndef PLATFORM_SIM_HARDWARE_CONFIGURATION_DRIVER_H_
 #define PLATFORM_SIM_HARDWARE_CONFIGURATION_DRIVER_H_
 
@@ -14,7 +14,7 @@ class ConfigurationDriver : public Driver {
   static constexpr std::uint32_t kSetBootOption = 100001;
 
   explicit ConfigurationDriver(std::uint8_t boot_option = 0)
-      : Driver("CFG1:"), first_option_(boot_option) {}
+      : Driver("CFG1:", DriverUsers::kOne), first_option_(boot_option) {}
 
   [[nodiscard]] std::uint8_t boot_option() const { return set_option_.value_or(first_option_); }
   // What programs have set, if anything.

@@ -21,14 +21,19 @@ struct DriverRequest {
   std::vector<std::string> changes{};  // what changed in the hardware, for the journal
 };
 
+// How many may have a driver open at a time.
+enum class DriverUsers : std::uint8_t { kMany, kOne };
+
 class Driver {
  public:
-  explicit Driver(std::string name) : name_(std::move(name)) {}
+  explicit Driver(std::string name, DriverUsers users = DriverUsers::kMany)
+      : name_(std::move(name)), users_(users) {}
   virtual ~Driver() = default;
   Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
 
   [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] DriverUsers users() const { return users_; }
   // The name of a control code, for the journal; empty for one that the driver does not know, which
   // is then refused and recorded as misuse.
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
@@ -38,10 +43,14 @@ class Driver {
   [[nodiscard]] virtual std::string Describe(const DriverRequest& request) const {
     return std::string(CodeName(request.code));
   }
-  // Called when a program opens the driver; 0, or the system error with which that fails. Each open
-  // that succeeds has its close.
-  virtual std::uint32_t Open() { return 0; }
-  virtual void Close() {}
+  // For a program that opens the driver: false while its one user has it. Each open that succeeds
+  // has its close.
+  [[nodiscard]] bool Open() {
+    if (users_ == DriverUsers::kOne && is_open_) return false;
+    is_open_ = true;
+    return true;
+  }
+  void Close() { is_open_ = false; }
   // Does what the code says. 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
   // The device restarts: what does not outlive that is as after power-up.
@@ -49,6 +58,8 @@ class Driver {
 
  private:
   std::string name_;
+  DriverUsers users_;
+  bool is_open_ = false;  // of one with many users: means nothing
 };
 
 }  // namespace sim

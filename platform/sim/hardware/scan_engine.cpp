@@ -11,7 +11,6 @@
 namespace sim {
 namespace {
 
-constexpr std::uint32_t kSharingViolation = 32;  // ERROR_SHARING_VIOLATION
 constexpr std::uint32_t kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
 
 struct CodeRow {
@@ -78,12 +77,6 @@ std::string_view ScanDriver::CodeName(std::uint32_t code) const {
 
 std::string ScanDriver::Describe(const DriverRequest& request) const {
   return fmt::format("{} {:02X}", CodeName(request.code), fmt::join(request.in, " "));
-}
-
-std::uint32_t ScanDriver::Open() {
-  if (is_open_) return kSharingViolation;
-  is_open_ = true;
-  return 0;
 }
 
 std::uint32_t ScanDriver::Control(DriverRequest& request) {

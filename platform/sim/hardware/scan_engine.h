@@ -28,7 +28,8 @@ class ScanDriver : public Driver {
   static constexpr std::uint32_t kSetTrigger = 0x22006C;
   static constexpr std::uint32_t kSetSpiClock = 0x2200D0;  // the inverted trigger of some engines
 
-  explicit ScanDriver(const ScanEngineState& state = {}) : Driver("SCD1:"), state_(state) {}
+  explicit ScanDriver(const ScanEngineState& state = {})
+      : Driver("SCD1:", DriverUsers::kOne), state_(state) {}
 
   [[nodiscard]] const ScanEngineState& state() const { return state_; }
   // Whether the engine is no longer as it was made.
@@ -37,14 +38,11 @@ class ScanDriver : public Driver {
 
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
   [[nodiscard]] std::string Describe(const DriverRequest& request) const override;
-  std::uint32_t Open() override;
-  void Close() override { is_open_ = false; }
   std::uint32_t Control(DriverRequest& request) override;
 
  private:
   ScanEngineState state_;
   bool has_changed_ = false;
-  bool is_open_ = false;
 };
 
 // The device's, or nullptr.

@@ -8,10 +8,11 @@
 
 namespace sim {
 
-std::uintptr_t HandleTable::Add(std::shared_ptr<Object> object, std::uint32_t process_id) {
+std::uintptr_t HandleTable::Add(std::shared_ptr<Object> object, std::uint32_t process_id,
+                                std::uint32_t thread_id) {
   const std::uintptr_t handle = next_;
   next_ += kStep;
-  entries_.emplace(handle, Entry{std::move(object), process_id});
+  entries_.emplace(handle, Entry{std::move(object), process_id, thread_id});
   return handle;
 }
 
@@ -34,10 +35,14 @@ unsigned HandleTable::Count(std::uint32_t process_id) const {
       entries_, [&](const auto& entry) { return entry.second.process_id == process_id; }));
 }
 
-std::vector<std::string> HandleTable::CloseAll(std::uint32_t process_id) {
+std::vector<std::string> HandleTable::CloseAll(std::uint32_t process_id,
+                                               const std::vector<std::uint32_t>& silent_threads) {
   std::vector<std::string> closed;
   std::erase_if(entries_, [&](const auto& entry) {
     if (entry.second.process_id != process_id) return false;
+    if (std::ranges::find(silent_threads, entry.second.thread_id) != silent_threads.end()) {
+      return true;
+    }
     const Object& object = *entry.second.object;
     closed.push_back(fmt::format("{} {:#x}", ObjectKindName(object.kind()), entry.first));
     if (!object.name().empty()) closed.back() += " " + ToUtf8(object.name());

@@ -14,7 +14,8 @@ namespace sim {
 
 class HandleTable {
  public:
-  std::uintptr_t Add(std::shared_ptr<Object> object, std::uint32_t process_id);
+  std::uintptr_t Add(std::shared_ptr<Object> object, std::uint32_t process_id,
+                     std::uint32_t thread_id);
 
   // The object behind a handle of this process; where there is none, nullptr and what is wrong.
   struct Found {
@@ -25,13 +26,15 @@ class HandleTable {
   void Close(std::uintptr_t handle) { entries_.erase(handle); }
 
   [[nodiscard]] unsigned Count(std::uint32_t process_id) const;
-  // Closes what a process still holds and says what it was.
-  std::vector<std::string> CloseAll(std::uint32_t process_id);
+  // Closes what a process still holds and says what it was, but for what these threads opened.
+  std::vector<std::string> CloseAll(std::uint32_t process_id,
+                                    const std::vector<std::uint32_t>& silent_threads);
 
  private:
   struct Entry {
     std::shared_ptr<Object> object;
     std::uint32_t process_id;
+    std::uint32_t thread_id;  // that opened it
   };
   static constexpr std::uintptr_t kFirst = 0x00010000;
   static constexpr std::uintptr_t kStep = 4;

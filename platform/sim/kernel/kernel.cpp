@@ -122,7 +122,7 @@ void Kernel::BeginKill(ProcessState& process) {
 
 void Kernel::CloseEverything(ProcessState& process, bool is_misuse) {
   StopSound(*process.main_thread);
-  for (const std::string& left : handles.CloseAll(process.id)) {
+  for (const std::string& left : handles.CloseAll(process.id, process.cut_off)) {
     if (is_misuse) Misuse(*process.main_thread, "left open at the end: " + left);
   }
   if (is_misuse && !process.heap.empty()) {

@@ -21,9 +21,9 @@ void CallEntry(ProcessState& process, std::uint32_t reason) {
   RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
 }
 
-void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process, const ThreadState* leaving) {
+void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process) {
   for (const auto& thread : process.threads) {
-    if (thread.get() == leaving || thread->object->ended || thread->calls_in_library == 0) continue;
+    if (!thread->RunsInLibrary()) continue;
     process.kernel.Misuse(
         *thread, fmt::format("the library is unloaded while thread {} runs in it", thread->id));
   }

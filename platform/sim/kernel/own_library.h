@@ -11,9 +11,8 @@ void CallEntry(ProcessState& process, std::uint32_t reason);
 
 // What its last free does: the entry runs for the detach and the exports are gone. The copy itself
 // stays mapped to the end of the process, so that a thread that still runs in it is recorded as
-// misuse and does no harm to the host. `leaving` (or nullptr) never returns into it. Wants the lock
-// held and gives it up meanwhile.
-void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process, const ThreadState* leaving);
+// misuse and does no harm to the host. Wants the lock held and gives it up meanwhile.
+void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process);
 
 }  // namespace sim
 

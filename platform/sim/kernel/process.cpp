@@ -41,7 +41,10 @@ void EndThreads(ProcessState& process) {
       kernel.scheduler.WakeUp(*thread->strand, Wake::kKilled);
     }
   }
-  for (const auto& thread : process.threads) AwaitEnd(*thread);
+  for (const auto& thread : process.threads) {
+    AwaitEnd(*thread);
+    if (thread->killed) process.cut_off.push_back(thread->id);
+  }
   process.threads.clear();
 }
 

@@ -34,6 +34,10 @@ class ThreadState {
 
   // Whether it must go no further: its process was killed, or ends and this is not its main thread.
   [[nodiscard]] bool MustLeave() const;
+  // Whether it is somewhere in the library's code, or will return there.
+  [[nodiscard]] bool RunsInLibrary() const {
+    return calls_in_library > 0 && !left_library && !object->ended;
+  }
 
   ProcessState& process;
   const std::uint32_t id;
@@ -42,6 +46,7 @@ class ThreadState {
   bool blocked = false;  // it gave its turn up in a platform call
   std::vector<Mutex*> owned;
   std::atomic<unsigned> calls_in_library = 0;  // how many it has not returned from
+  bool left_library = false;                   // it never will
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
   // Of a thread that is not the driver:
@@ -89,6 +94,8 @@ class ProcessState {
   std::shared_ptr<ThreadState> main_thread;
   // Those that have a thread of the host: all but the driver.
   std::vector<std::shared_ptr<ThreadState>> threads;
+  // Those that its end met in the middle of something: what they held is the platform's to close.
+  std::vector<std::uint32_t> cut_off;
   std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by path, with their counts
   unsigned handles_at_start = 0;  // those that the library took when it attached
   std::unordered_map<void*, std::size_t> heap;

@@ -18,7 +18,7 @@ void Kernel::Restart(const ThreadState& thread, RestartKind kind) {
   for (const auto& process : ending) {
     BeginKill(*process);
     // Not its heap: a thread that runs beside this one uses that until its next platform call.
-    handles.CloseAll(process->id);
+    handles.CloseAll(process->id, {});
   }
   processes.clear();
   mutexes.clear();
