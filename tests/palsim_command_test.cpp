@@ -1,11 +1,16 @@
 // palsim as a person runs it: commands one after another on one device folder.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
 #include <string>
 
 #include "tests/support/command_line.h"
+#include "tools/palsim/names.h"
 
 namespace {
 
@@ -51,6 +56,119 @@ TEST_F(Palsim, ShowsAnAnswerThatIsNoResultAsANumber) {
   ASSERT_EQ(Run("new"), 0);
   EXPECT_EQ(Run("call PALOneWire_IsVehicleDockAttached"), 0);
   EXPECT_EQ(output, "PALOneWire_IsVehicleDockAttached = 1\n");
+}
+
+TEST_F(Palsim, ReadsArgumentsAndShowsAnswersByTheirTypes) {
+  struct Case {
+    std::string call, output;
+  };
+  ASSERT_EQ(Run("new"), 0);
+  for (const Case& test : {
+           Case{"PALKEYGetButtonName 3 out null", "= 0x80004005 E_FAIL\n  argument 2: \"\"\n"},
+           Case{"PALKEYGetButtonName 3 18 out",
+                "= 0x00000000 S_OK\n  argument 2: \"Middle\"\n  argument 3: 6 (0x6)\n"},
+           Case{"PALKEYGetButtonName 3 4 out",
+                "= 0x00000000 S_OK\n  argument 2: \"Middle\" written past the room given\n"
+                "  argument 3: 6 (0x6)\n"},
+           Case{"PALKEYGetButtonName 1 out out",
+                "= 0x83ED0007 keypad: button not supported\n  argument 2: \"\"\n"
+                "  argument 3: 0 (0x0)\n"},
+           Case{"PALSysinfo_GetModelExW 64 64",
+                "= 0x00000000 S_OK\n  argument 1: \"RM21\"\n  argument 2: 10 (0xA)\n"},
+           Case{"PALStore_SetUsbFuncDriver PAL_USB_MASS_STORAGE_1", "= 0x00000000 S_OK\n"},
+           Case{"PALStore_GetUsbFuncDriver out",
+                "= 0x00000000 S_OK\n  argument 1: 2 (0x2) PAL_USB_MASS_STORAGE_1\n"},
+           Case{"PALStore_SetUsbHostMassStorageEnable FALSE", "= 0x00000000 S_OK\n"},
+           Case{"PALStore_GetUsbHostMassStorageEnable 7",
+                "= 0x00000000 S_OK\n  argument 1: 0 (0x0)\n"},
+           Case{"PALDISPGetOrientation out", "= 0x00000000 S_OK\n  argument 1: 0 (0x0)\n"},
+           Case{"PALDISPSetOrientation 45", "= 0x83EE0001 display: no such orientation\n"},
+           Case{"PALCOMxPwr_GetPower COM1: 1:2", "= 0x00000000 S_OK\n  argument 2: 0:2\n"},
+       }) {
+    Run("call " + test.call);
+    EXPECT_EQ(output, test.call.substr(0, test.call.find(' ')) + " " + test.output);
+  }
+}
+
+// Of every export, whatever types its parameters have: with null or 0 for each it comes back, and
+// the device goes on.
+TEST_F(Palsim, CallsEveryExport) {
+  ASSERT_EQ(Run("new"), 0);
+  std::ifstream definition(PROJECT_DIR "/exports.def");
+  std::string commands;
+  std::size_t exports = 0;
+  std::string line;
+  while (std::getline(definition, line)) {
+    if (!line.starts_with(' ')) continue;
+    std::istringstream words(line);
+    std::string name;
+    words >> name;
+    ++exports;
+    const CommandResult usage = RunTool("palsim --usage " + name);
+    ASSERT_EQ(usage.status, 0) << usage.output;
+    ASSERT_TRUE(usage.output.starts_with(name)) << usage.output;
+    commands += "call " + name;
+    std::istringstream lines(usage.output);
+    std::getline(lines, line);
+    while (std::getline(lines, line)) {
+      commands += line.find("null") != std::string::npos ? " null" : " 0";
+    }
+    commands += "\n";
+  }
+  EXPECT_EQ(exports, 186u);
+  EXPECT_EQ(Run("shell", commands), 0);
+  std::size_t answers = 0;
+  std::istringstream lines(output);
+  while (std::getline(lines, line)) {
+    if (line.starts_with("PAL") || line.starts_with("Pal") || line.starts_with("Dll")) ++answers;
+  }
+  EXPECT_EQ(answers, exports) << output;
+}
+
+// Whoever documents a new code gives it a name too.
+TEST(PalsimNames, EveryCodeOfTheHeadersHasAName) {
+  const std::regex code("@retval (0x[08][34][0-9A-F]{6})\\b");
+  std::size_t codes = 0;
+  for (const auto& header : std::filesystem::directory_iterator(PROJECT_DIR "/include")) {
+    std::ifstream file(header.path());
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    for (std::sregex_iterator match(text.begin(), text.end(), code), end; match != end; ++match) {
+      ++codes;
+      const std::string number = (*match)[1];
+      const std::string shown =
+          palsim::ResultText(static_cast<HRESULT>(std::stoul(number, {}, 16)));
+      ASSERT_TRUE(shown.starts_with(number + " ")) << shown;
+      const std::string name = shown.substr(number.size() + 1);
+      EXPECT_TRUE(name.find(": ") != std::string::npos &&
+                  name.find(": code ") == std::string::npos &&
+                  name.find("system error") == std::string::npos)
+          << shown;
+      EXPECT_EQ(palsim::ParseResult(name), std::stoul(number, {}, 16)) << name;
+    }
+  }
+  EXPECT_GT(codes, 20u);
+  EXPECT_EQ(palsim::ResultText(static_cast<HRESULT>(0x83EF0008)),
+            "0x83EF0008 power: system error 8");
+}
+
+// `script` gives the shell a terminal.
+TEST_F(Palsim, CompletesAndRemembersLinesAtATerminal) {
+  ASSERT_EQ(Run("new"), 0);
+  const auto type = [this](const std::string& keys) {
+    const std::string input = folder.Write("keys", keys);
+    const std::string command = "timeout 60 script --quiet --command '" BINARY_DIR "/palsim " +
+                                unit.string() + " shell' /dev/null <" + input + " >/dev/null";
+    return std::system(command.c_str());
+  };
+  EXPECT_EQ(type("cal\tPALKEYGetNumB\tout\nregistry HKL\tHard\t\n"
+                 "call PALStore_SetUsbFuncDriver PAL_USB_RN\t\nquit\n"),
+            0);
+  EXPECT_EQ(type("\x1b[A\x1b[A\n quit\n"), 0);  // the line before the last
+  Run("journal --effect call");
+  EXPECT_TRUE(Printed("PALKEYGetNumButtons(out) = 0x00000000 S_OK")) << output;
+  const std::string set = "PALStore_SetUsbFuncDriver(PAL_USB_RNDIS) = 0x00000000 S_OK";
+  EXPECT_TRUE(Printed(set)) << output;
+  EXPECT_NE(output.find(set), output.rfind(set)) << "once more from the history";
 }
 
 TEST_F(Palsim, PlansFaults) {

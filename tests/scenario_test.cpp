@@ -48,6 +48,10 @@ TEST(ScenarioText, SaysWhatIsNotUnderstood) {
            Case{"fail every call of Sleeep", "s:1: Sleeep is no platform call"},
            Case{"write Windows/x = text", "s:1: 'Windows/x' is no path of the device"},
            Case{"expect scanner returned S_FINE", "s:1: 'S_FINE' is no result"},
+           Case{"expect led 3 is lit", "s:1: lit is not off, on or blink"},
+           Case{"expect engine mood is on", "s:1: mood is not the engine's power"},
+           Case{"expect engine power is pulled", "s:1: power is never pulled, but off or on"},
+           Case{"expect restart hot", "s:1: a restart is warm or cold"},
            Case{"expect no lamp *", "s:1: 'lamp' is no effect in the journal"},
            Case{"\n# a comment\nscanner starts # and why\n  dance  # not this",
                 "s:4: 'dance' is no"},
@@ -126,6 +130,26 @@ TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
                 "       300 ms p2 LED 3 off"},
            Case{"expect volume 0x12345678",
                 "s:5: expected the volume to be 0x12345678; there was 0xCCCCCCCC"},
+           Case{"expect led 3 is off\nexpect engine power is off\nexpect rotation 0\n"
+                "expect boot option 0\nexpect usb client RNDIS\nexpect default usb client RNDIS\n"
+                "expect button 2 signals DeltaLeftScan, StateLeftScan\n"
+                "expect button 5 signals nothing\nexpect button 1 signals nothing\n"
+                "expect no restart",
+                ""},
+           Case{"expect led 3 is on", "s:5: expected LED 3 to be on; there was off"},
+           Case{"expect engine trigger is pulled",
+                "s:5: expected the engine's trigger to be pulled; there was released"},
+           Case{"expect rotation 90", "s:5: expected the rotation to be 90; there was 0"},
+           Case{"expect boot option 1", "s:5: expected the boot option to be 1; there was 0"},
+           Case{"expect usb client none",
+                "s:5: expected the USB client to be none; there was RNDIS"},
+           Case{"expect default usb client Serial_Class",
+                "s:5: expected the default USB client to be Serial_Class; there was RNDIS"},
+           Case{"expect button 5 signals DeltaLeftScan, StateLeftScan",
+                "s:5: expected what button 5 signals to be DeltaLeftScan, StateLeftScan; there was "
+                "nothing"},
+           Case{"expect restart warm",
+                "s:5: expected a restart, warm; there was no further restart"},
            Case{"expect gain 1", "s:5: expected the gain to be 1; there was 85"},
        }) {
     sim::Device fresh;
@@ -153,6 +177,7 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
                 "s:3: scanner still runs; 'wait for scanner' before"},
            Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
            Case{"delete HKLM\\None\\Such", "s:1: the registry has no HKLM\\None\\Such"},
+           Case{"expect led 9 is on", "s:1: the device has no LED 9"},
            Case{"remove \\None", "s:1: the device has no \\None"},
        }) {
     said.clear();
@@ -188,6 +213,21 @@ TEST_F(ScenarioStage, AProcessIsKilledInACallWhenItTakesAMutex) {
       "expect no led LED 3 off\nsettings calls PALLEDTerm\n");
   EXPECT_EQ(said, std::vector<std::string>{});
   EXPECT_EQ(expectations, 5u);
+}
+
+TEST_F(ScenarioStage, ARestartEndsEveryProcessAndTheNextGoOn) {
+  Play(
+      "scanner starts\nsettings starts\nscanner begins PALLEDGrLedToggle 2 as flash\n"
+      "settings calls PALBOOT_BootTerminal PAL_BOOT_COLD\n"
+      "expect settings returned S_OK\nexpect settings was killed\nexpect flash was killed\n"
+      "expect no restart\nexpect restart warm\nexpect restart cold\n"
+      "settings starts\nsettings calls PALBOOT_BootTerminal PAL_BOOT_WARM\nexpect restart warm\n"
+      "scanner starts\nscanner calls PALLEDInit\nexpect scanner returned S_OK\n");
+  EXPECT_EQ(said, (std::vector<std::string>{
+                      "s:5: expected settings to return S_OK; there was no answer: restart, cold",
+                      "s:8: expected no further restart; there was restart, cold",
+                      "s:9: expected a restart, warm; there was restart, cold",
+                      "s:10: expected a restart, cold; there was no further restart"}));
 }
 
 TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {

@@ -8,6 +8,7 @@
 
 #include "platform/sim/journal.h"
 #include "platform/sim/text.h"
+#include "tools/palsim/declarations.h"
 
 namespace palsim {
 namespace {
@@ -17,6 +18,7 @@ constexpr std::size_t kMostUnits = 65536;
 }  // namespace
 
 std::int64_t ParseNumber(const std::string& text) {
+  if (const auto number = EnumeratorNumber(text)) return *number;
   const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
   const char* begin = text.data() + (hexadecimal ? 2 : 0);
   const char* end = text.data() + text.size();

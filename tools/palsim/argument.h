@@ -1,15 +1,19 @@
 // An export's argument by its declared type: from what was typed, and back to what a person reads.
 //
-//   a number          5, -1, 0x1F
+//   a number          5, -1, 0x1F, or a name of the headers: PAL_USB_RNDIS, TRUE
 //   a text            as it is; null for no text
 //   an out-number     out, or the number that it holds before the call; null for none
 //   a port's power    ENABLE:PORT, such as 1:2; null for none
-//   an out-buffer     the number of characters or bytes that it has room for; null for none
+//   an out-buffer     out, or the number of characters or bytes that it has room for; null for none
 #ifndef TOOLS_PALSIM_ARGUMENT_H_
 #define TOOLS_PALSIM_ARGUMENT_H_
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "include/palcomxpwr.h"
@@ -18,7 +22,8 @@
 
 namespace palsim {
 
-// A 32-bit number, decimal, negative, or hexadecimal behind 0x. Throws UsageError.
+// A 32-bit number, decimal, negative, hexadecimal behind 0x, or an enumerator's name. Throws
+// UsageError.
 [[nodiscard]] std::int64_t ParseNumber(const std::string& text);
 // A buffer's size, at most 65536. Throws UsageError.
 [[nodiscard]] std::size_t ParseSize(const std::string& text);
@@ -33,6 +38,7 @@ class Argument {
  public:
   static_assert(std::is_integral_v<Type> && sizeof(Type) <= sizeof(DWORD),
                 "palsim does not know arguments of this type");
+  static constexpr std::string_view kHow = "a number";
   explicit Argument(const std::string& text) : value_(static_cast<Type>(ParseNumber(text))) {}
   Type value() { return value_; }
   [[nodiscard]] std::string answer() const { return {}; }
@@ -44,6 +50,7 @@ class Argument {
 template <>
 class Argument<const char*> {
  public:
+  static constexpr std::string_view kHow = "a text, or null";
   explicit Argument(const std::string& text) : is_null_(IsNull(text)), text_(text) {}
   const char* value() { return is_null_ ? nullptr : text_.c_str(); }
   [[nodiscard]] std::string answer() const { return {}; }
@@ -56,6 +63,7 @@ class Argument<const char*> {
 template <>
 class Argument<const WCHAR*> {
  public:
+  static constexpr std::string_view kHow = "a text, or null";
   explicit Argument(const std::string& text);
   const WCHAR* value() { return is_null_ ? nullptr : text_.c_str(); }
   [[nodiscard]] std::string answer() const { return {}; }
@@ -68,13 +76,15 @@ class Argument<const WCHAR*> {
 template <class Number>
 class OutNumber {
  public:
+  static constexpr std::string_view kHow = "out, or the number that it holds before; or null";
   explicit OutNumber(const std::string& text)
       : is_null_(IsNull(text)),
         value_(is_null_ || text == "out" ? Number{0} : static_cast<Number>(ParseNumber(text))) {}
   Number* value() { return is_null_ ? nullptr : &value_; }
   [[nodiscard]] std::string answer() const {
-    return is_null_ ? std::string() : NumberText(static_cast<std::uint32_t>(value_));
+    return is_null_ ? std::string() : NumberText(number());
   }
+  [[nodiscard]] std::uint32_t number() const { return static_cast<std::uint32_t>(value_); }
 
  private:
   bool is_null_;
@@ -89,23 +99,38 @@ class Argument<LONG*> : public OutNumber<LONG> {
   using OutNumber::OutNumber;
 };
 
+// Behind its room are spare units, so that an export that takes more room for granted shows it and
+// does no harm.
 template <class Unit>
 class OutBuffer {
  public:
+  static constexpr std::string_view kHow = "out, or the room that it has; or null";
   explicit OutBuffer(const std::string& text)
-      : is_null_(IsNull(text)), units_(is_null_ ? 0 : ParseSize(text)) {}
+      : is_null_(IsNull(text)),
+        room_(is_null_ ? 0 : (text == "out" ? kEnough : ParseSize(text))),
+        units_(room_ + kEnough, kSpare) {
+    std::fill_n(units_.begin(), room_, Unit{0});
+  }
   Unit* value() { return is_null_ ? nullptr : units_.data(); }
   [[nodiscard]] std::string answer() const {
     if (is_null_) return {};
+    const auto room_end = units_.begin() + static_cast<std::ptrdiff_t>(room_);
+    const bool fits = std::all_of(room_end, units_.end(), [](Unit unit) { return unit == kSpare; });
+    const std::vector<Unit> written(units_.begin(), fits ? room_end : units_.end());
+    std::string text;
     if constexpr (std::is_same_v<Unit, BYTE>) {
-      return HexText(units_);
+      text = HexText(written);
     } else {
-      return QuotedText(units_);
+      text = QuotedText(written);
     }
+    return fits ? text : text + " written past the room given";
   }
 
  private:
+  static constexpr std::size_t kEnough = 512;
+  static constexpr Unit kSpare = 0x5A;
   bool is_null_;
+  std::size_t room_;
   std::vector<Unit> units_;
 };
 template <>
@@ -124,6 +149,7 @@ class Argument<BYTE*> : public OutBuffer<BYTE> {
 template <>
 class Argument<const PALComPortPower*> {
  public:
+  static constexpr std::string_view kHow = "ENABLE:PORT, or null";
   explicit Argument(const std::string& text);
   PALComPortPower* value() { return is_null_ ? nullptr : &power_; }
   [[nodiscard]] std::string answer() const { return {}; }

@@ -5,31 +5,73 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <stdexcept>
 #include <tuple>
 #include <utility>
 
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/argument.h"
+#include "tools/palsim/declarations.h"
 #include "tools/palsim/names.h"
 
 namespace palsim {
 namespace {
 
 CallOutcome OutcomeOf(HRESULT result) {
-  return {result < 0, static_cast<std::uint32_t>(result), ResultText(result), {}};
+  CallOutcome outcome;
+  outcome.failed = result < 0;
+  outcome.code = static_cast<std::uint32_t>(result);
+  outcome.result = ResultText(result);
+  return outcome;
 }
 // An answer such as yes or no.
 CallOutcome OutcomeOf(DWORD answer) {
-  return {false, answer, fmt::format("{}", answer), {}};
+  CallOutcome outcome;
+  outcome.code = answer;
+  outcome.result = fmt::format("{}", answer);
+  return outcome;
+}
+
+const Declaration& DeclarationOf(std::string_view name) {
+  const Declaration* declaration = FindDeclaration(name);
+  if (declaration != nullptr) return *declaration;
+  throw std::logic_error(fmt::format("no header declares {}", name));
+}
+
+std::string ArgumentWord(const Parameter& parameter) {
+  std::string word(parameter.name);
+  std::ranges::transform(word, word.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::toupper(letter));
+  });
+  return word;
+}
+
+// "PALKEYGetButtonName BUTTON NAME LENGTH".
+std::string UsageLine(const Declaration& declaration) {
+  std::string line(declaration.name);
+  for (const Parameter& parameter : declaration.parameters) {
+    if (!parameter.type.empty()) line += " " + ArgumentWord(parameter);
+  }
+  return line;
+}
+
+template <class ArgumentType>
+Answer AnswerOf(const Parameter& parameter, std::size_t place, ArgumentType& argument) {
+  Answer answer{.argument = place, .text = argument.answer(), .meaning = {}};
+  if constexpr (requires { argument.number(); }) {
+    answer.meaning = EnumeratorName(parameter.enumeration, argument.number());
+  }
+  return answer;
 }
 
 template <class... Arguments>
 std::tuple<Argument<Arguments>...> Read(std::string_view name,
                                         const std::vector<std::string>& texts) {
   if (texts.size() != sizeof...(Arguments)) {
-    throw UsageError(
-        fmt::format("{} takes {} argument(s), {} given", name, sizeof...(Arguments), texts.size()));
+    throw UsageError(fmt::format("{} takes {} argument(s), {} given\n{}", name,
+                                 sizeof...(Arguments), texts.size(), UsageText(name)));
   }
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     return std::tuple<Argument<Arguments>...>{Argument<Arguments>(texts[Index])...};
@@ -50,20 +92,39 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     const auto result = function(std::get<Index>(arguments).value()...);
     CallOutcome outcome = OutcomeOf(result);
-    const std::array<std::string, sizeof...(Index)> answers{std::get<Index>(arguments).answer()...};
-    for (std::size_t index = 0; index < answers.size(); ++index) {
-      if (answers[index].empty()) continue;
-      outcome.answers.push_back({index + 1, answers[index]});
+    const auto& parameters = DeclarationOf(name).parameters;
+    const std::array<Answer, sizeof...(Index)> answers{
+        AnswerOf(parameters.at(Index), Index + 1, std::get<Index>(arguments))...};
+    for (const Answer& answer : answers) {
+      if (!answer.text.empty()) outcome.answers.push_back(answer);
     }
     return outcome;
   }
   (std::index_sequence_for<Arguments...>());
 }
 
+// How each argument is written, by its type and the name that the headers give it.
+template <class Result, class... Arguments>
+std::string Usage(const sim::Export<Result(Arguments...)>& /*function*/, std::string_view name) {
+  const Declaration& declaration = DeclarationOf(name);
+  std::string text = UsageLine(declaration) + "\n";
+  constexpr std::array<std::string_view, sizeof...(Arguments)> kHow{Argument<Arguments>::kHow...};
+  for (std::size_t index = 0; index < kHow.size(); ++index) {
+    const Parameter& parameter = declaration.parameters.at(index);
+    text += fmt::format("  {:<12} {:<12} {}", ArgumentWord(parameter), parameter.type, kHow[index]);
+    const bool is_bool = parameter.type == "BOOL";
+    const auto names = EnumeratorsOf(is_bool ? "BOOL" : parameter.enumeration);
+    if (!names.empty()) text += fmt::format(": {}", fmt::join(names, ", "));
+    text += "\n";
+  }
+  return text;
+}
+
 struct ExportRow {
   std::string_view name;
   CallOutcome (*call)(const sim::Exports&, const std::vector<std::string>&);
   void (*check)(const std::vector<std::string>&);
+  std::string (*usage)();
 };
 
 constexpr std::array kExports{
@@ -74,7 +135,8 @@ constexpr std::array kExports{
             },                                                                           \
             [](const std::vector<std::string>& arguments) {                              \
               Check(sim::Exports{}.name, #name, arguments);                              \
-            }},
+            },                                                                           \
+            [] { return Usage(sim::Exports{}.name, #name); }},
 #include "exports.inc"
 #undef PAL_EXPORT
 };
@@ -82,6 +144,7 @@ constexpr std::array kExports{
 // Of a call that never came back, because its device restarted under it.
 CallOutcome RestartOutcome(sim::RestartKind kind) {
   CallOutcome outcome;
+  outcome.restart = kind;
   outcome.result = fmt::format("no answer: {}", sim::RestartText(kind));
   return outcome;
 }
@@ -116,6 +179,10 @@ std::vector<std::string_view> ExportNames() {
   return names;
 }
 
+std::string UsageText(std::string_view name) {
+  return Find(name).usage();
+}
+
 void CheckCall(std::string_view name, const std::vector<std::string>& arguments) {
   Find(name).check(arguments);
 }
@@ -141,7 +208,8 @@ CallOutcome CallExport(sim::Process& process, std::string_view name,
 void PrintOutcome(std::string_view name, const CallOutcome& outcome) {
   fmt::print("{} = {}\n", name, outcome.result);
   for (const Answer& answer : outcome.answers) {
-    fmt::print("  argument {}: {}\n", answer.argument, answer.text);
+    fmt::print("  argument {}: {}{}{}\n", answer.argument, answer.text,
+               answer.meaning.empty() ? "" : " ", answer.meaning);
   }
 }
 

@@ -2,6 +2,7 @@
 #ifndef TOOLS_PALSIM_EXPORT_CALL_H_
 #define TOOLS_PALSIM_EXPORT_CALL_H_
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,14 +17,20 @@ namespace palsim {
 struct Answer {
   std::size_t argument = 0;  // which out-parameter, from 1
   std::string text;          // what it holds: 5 (0x5)
+  std::string_view meaning;  // its name where that is an enumeration's
 };
 
 struct CallOutcome {
   bool failed = false;
   std::uint32_t code = 0;
-  std::string result;  // the code and its name, or that the device restarted
+  std::string result;                       // the code and its name, or that the device restarted
+  std::optional<sim::RestartKind> restart;  // under the call, which has no code then
   std::vector<Answer> answers;
 };
+
+// How an export is called: "PALKEYGetType TYPE" and a line for each of its arguments. Throws
+// UsageError for a name that is no export.
+[[nodiscard]] std::string UsageText(std::string_view name);
 
 // Throws UsageError for a name that is no export and for arguments that do not fit its declaration.
 void CheckCall(std::string_view name, const std::vector<std::string>& arguments);

@@ -11,6 +11,7 @@
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/keypad_layout.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/session.h"
 
@@ -22,39 +23,9 @@ constexpr std::array<std::string_view, pal::kActionCount> kActionNames = {
     "flashlight", "Windows default", "OEM trigger event",
 };
 
-constexpr const char* kNoText = "-";
-
 std::string ActionText(DWORD action) {
   if (action - 1 >= kActionNames.size()) return fmt::format("{} unknown", action);
   return fmt::format("{} {}", action, kActionNames.at(action - 1));
-}
-
-std::string KeyPath(const WCHAR* path) {
-  return "HKLM\\" + sim::ToUtf8(path);
-}
-
-// A text of the registry up to its end, if it has one.
-std::string TextOf(const sim::Registry& registry, const std::string& path,
-                   const std::string& name) {
-  const sim::RegistryValue* value = registry.FindValue(path, name);
-  if (value == nullptr) return kNoText;
-  std::u16string units = sim::UnitsOf(value->data);
-  units.resize(std::min(units.find(u'\0'), units.size()));
-  return sim::Escape(sim::ToUtf8(units));
-}
-
-// Empty where the device names none.
-std::string ActiveLayout(const sim::Registry& registry) {
-  const std::string path =
-      TextOf(registry, KeyPath(pal::kKeyboardPath), sim::ToUtf8(pal::kActiveLayoutValue));
-  return path == kNoText ? "" : "HKLM\\" + path;
-}
-
-// The two events that the driver signals for an event number of a layout.
-std::string EventsText(const sim::Registry& registry, const std::string& layout,
-                       const std::string& value_name) {
-  return fmt::format("{}, {}", TextOf(registry, layout + "\\EVENTS\\DELTA", value_name),
-                     TextOf(registry, layout + "\\EVENTS\\STATE", value_name));
 }
 
 void ShowButton(Session& session, LONG button) {
@@ -87,10 +58,8 @@ std::string ScanCodeName(BYTE scan_code) {
 void ShowRecord(const sim::Registry& registry, const std::string& layout, std::size_t offset,
                 std::span<const BYTE> record) {
   const bool maps = record[pal::kKeyKind] == pal::kMapsScanCode;
-  const bool signals = maps && record[pal::kKeyOutputClass] == pal::kSignalsEvent &&
-                       record[pal::kKeyOutputClass + 1] == pal::kSignalsEvent;
   std::string meaning;
-  if (signals) {
+  if (SignalsEvent(record)) {
     const int event = record[pal::kKeyEvent];
     meaning = fmt::format("event {}: {}", event,
                           EventsText(registry, layout, fmt::format("Event{}", event)));

@@ -36,6 +36,7 @@ class CommandLine {
     app_.footer(kExamples);
     app_.set_help_all_flag("--help-all", "Show the help of every command");
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
+    app_.add_option_function<std::string>("--usage", &PrintUsage, "How to call an export");
     app_.add_flag_callback("--statements", &PrintStatements, "List what a scenario can say");
     app_.add_option("DEVICE", folder_, "The device's folder")->required();
     app_.require_subcommand(1);
@@ -71,6 +72,11 @@ class CommandLine {
     throw CLI::Success();
   }
 
+  static void PrintUsage(const std::string& name) {
+    fmt::print("{}", palsim::UsageText(name));
+    throw CLI::Success();
+  }
+
   static void PrintExports() {
     for (const std::string_view name : palsim::ExportNames()) fmt::print("{}\n", name);
     throw CLI::Success();
@@ -89,8 +95,9 @@ class CommandLine {
   void AddCall() {
     auto* command = app_.add_subcommand("call", "Call an export of the library");
     command->add_option("EXPORT", call_.name, "Its name")->required();
-    command->add_option("ARGUMENTS", call_.arguments,
-                        "Numbers (5, -1, 0x1F), texts, out or null; for a buffer its size");
+    command->add_option(
+        "ARGUMENTS", call_.arguments,
+        "Numbers (5, -1, 0x1F, PAL_USB_RNDIS), texts, out or null (--usage EXPORT)");
     command->add_option("--process", call_.process_name, "The calling process's name")
         ->capture_default_str();
     command->add_option("--fail", call_.faults, "Make a platform call fail: CALL[:NTH[:ERROR]]")

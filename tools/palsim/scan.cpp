@@ -1,31 +1,16 @@
 // The scan engine: which one it is, as the library tells it, and how it stands.
 #include <fmt/core.h>
 
-#include <array>
-
 #include "configstore/device_names.h"
 #include "platform/sim/exports.h"
-#include "platform/sim/hardware/scan_engine.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/engine_parts.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/session.h"
 
 namespace palsim {
 namespace {
-
-struct StateLine {
-  std::string_view label;
-  bool sim::ScanEngineState::*member;
-  std::array<std::string_view, 2> words;  // cleared, set
-};
-
-constexpr std::array kStateLines{
-    StateLine{"Power", &sim::ScanEngineState::has_power, {"off", "on"}},
-    StateLine{"Scanning", &sim::ScanEngineState::is_enabled, {"disabled", "enabled"}},
-    StateLine{"Operation", &sim::ScanEngineState::is_downloading, {"normal", "flash download"}},
-    StateLine{"Trigger", &sim::ScanEngineState::is_triggered, {"released", "pulled"}},
-};
 
 std::string EngineText(sim::Process& process) {
   DWORD type = 0;
@@ -47,8 +32,8 @@ int ShowScanEngine(const std::filesystem::path& folder) {
     return kFailure;
   }
   fmt::print("{:<11}{}\n", "Engine", EngineText(session.process()));
-  for (const StateLine& line : kStateLines) {
-    fmt::print("{:<11}{}\n", line.label, line.words.at(driver->state().*line.member ? 1 : 0));
+  for (const EnginePart& part : kEngineParts) {
+    fmt::print("{:<11}{}\n", part.label, part.StateIn(driver->state()));
   }
   session.Save();
   return kSuccess;

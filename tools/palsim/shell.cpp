@@ -4,11 +4,14 @@
 
 #include <array>
 #include <iostream>
+#include <optional>
 #include <sstream>
 
 #include "platform/sim/kernel/registry_text.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/completion.h"
 #include "tools/palsim/export_call.h"
+#include "tools/palsim/line_editor.h"
 #include "tools/palsim/session.h"
 
 namespace palsim {
@@ -48,10 +51,16 @@ void RunExports(Session& /*session*/, const Words& /*words*/) {
   for (const std::string_view name : ExportNames()) fmt::print("{}\n", name);
 }
 
+void RunUsage(Session& /*session*/, const Words& words) {
+  if (words.size() != 2) throw UsageError("usage takes one export");
+  fmt::print("{}", UsageText(words[1]));
+}
+
 void RunHelp(Session& session, const Words& words);
 
 constexpr std::array kCommands{
     ShellCommand{"call", "call EXPORT [ARGUMENT...]   call an export", &RunCall},
+    ShellCommand{"usage", "usage EXPORT                how an export is called", &RunUsage},
     ShellCommand{"registry", "registry KEY                show a key with all below it",
                  &RunRegistry},
     ShellCommand{"advance", "advance MS                  let time pass on the device", &RunAdvance},
@@ -71,13 +80,30 @@ void RunLine(Session& session, const Words& words) {
   throw UsageError("there is no command '" + words[0] + "'; 'help' lists them");
 }
 
-bool ReadLine(bool interactive, std::string& line) {
-  if (interactive) {
-    fmt::print("palsim> ");
-    std::fflush(stdout);
-  }
-  return static_cast<bool>(std::getline(std::cin, line));
+std::vector<std::string_view> CommandNames() {
+  std::vector<std::string_view> names{"quit"};
+  for (const ShellCommand& command : kCommands) names.push_back(command.name);
+  return names;
 }
+
+// At a terminal lines are edited; from a pipe or a file they are read as they are.
+class Input {
+ public:
+  Input(const std::filesystem::path& folder, Session& session) {
+    if (isatty(STDIN_FILENO) == 0) return;
+    editor_.emplace(folder / "shell_history", [&session](const std::string& line) {
+      return Completions(line, CommandNames(), session.device().registry());
+    });
+  }
+  [[nodiscard]] bool is_interactive() const { return editor_.has_value(); }
+  bool Read(std::string& line) {
+    if (editor_) return editor_->Read("palsim> ", line);
+    return static_cast<bool>(std::getline(std::cin, line));
+  }
+
+ private:
+  std::optional<LineEditor> editor_;
+};
 
 Words Split(const std::string& line) {
   std::istringstream stream(line);
@@ -91,10 +117,12 @@ Words Split(const std::string& line) {
 int Shell(const std::filesystem::path& folder) {
   Session session(folder);
   session.PrintJournal();
-  const bool interactive = isatty(STDIN_FILENO) != 0;
-  if (interactive) fmt::print("{}: 'help' lists the commands\n", session.identity().name);
+  Input input(folder, session);
+  const bool interactive = input.is_interactive();
+  if (interactive)
+    fmt::print("{}: 'help' lists the commands, Tab completes\n", session.identity().name);
   int status = kSuccess;
-  for (std::string line; ReadLine(interactive, line);) {
+  for (std::string line; input.Read(line);) {
     const Words words = Split(line);
     if (words.empty()) continue;
     if (words[0] == "quit") break;

@@ -13,7 +13,8 @@ std::string ProcessFileName(const std::string& name) {
 }
 
 Stage::Stage(sim::Device& device, OnFailure on_failure)
-    : device_(device),
+    : restarts_seen(device.restarts().size()),
+      device_(device),
       on_failure_(std::move(on_failure)),
       start_ms_(device.now_ms()),
       journal_start_(device.journal().entries().size()) {
@@ -95,6 +96,7 @@ void Stage::Call(const std::string& process, const std::string& name,
   } catch (const sim::ProcessKilled&) {
     outcome.reset();
   }
+  if (outcome && outcome->restart) device_.Advance(0);  // calls under way end, services start
 }
 
 void Stage::Begin(const std::string& process, const std::string& name,

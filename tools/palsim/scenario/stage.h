@@ -64,6 +64,7 @@ class Stage {
   std::size_t position = 0;
   std::uint64_t matched_ms = 0;  // of the last line that was found
   std::size_t wait_from = 0;     // for waiting until a line is there
+  std::size_t restarts_seen;     // that were there at the start, or were expected
 
  private:
   struct RunningCall {

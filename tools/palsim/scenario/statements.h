@@ -41,6 +41,15 @@ void ExpectGain(Stage& stage, const Filled& filled);
 void ExpectNoLine(Stage& stage, const Filled& filled);
 void ExpectLineCount(Stage& stage, const Filled& filled);
 void ExpectLine(Stage& stage, const Filled& filled);
+void ExpectLed(Stage& stage, const Filled& filled);
+void ExpectEngine(Stage& stage, const Filled& filled);
+void ExpectRotation(Stage& stage, const Filled& filled);
+void ExpectBootOption(Stage& stage, const Filled& filled);
+void ExpectUsbClient(Stage& stage, const Filled& filled);
+void ExpectDefaultUsbClient(Stage& stage, const Filled& filled);
+void ExpectButton(Stage& stage, const Filled& filled);
+void ExpectRestart(Stage& stage, const Filled& filled);
+void ExpectNoRestart(Stage& stage, const Filled& filled);
 void LookFromHere(Stage& stage, const Filled& filled);
 void LookFromTheStart(Stage& stage, const Filled& filled);
 

@@ -7,10 +7,12 @@
 #include <charconv>
 
 #include "platform/sim/device.h"
+#include "platform/sim/hardware/leds.h"
 #include "platform/sim/kernel/faults.h"
 #include "platform/sim/text.h"
 #include "platform/wince.h"
 #include "tools/palsim/argument.h"
+#include "tools/palsim/engine_parts.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
 
@@ -50,6 +52,28 @@ void CheckCount(const Filled& filled) {
   if (count < 1 || count > kMost) throw UsageError("a count is a number from 1 up");
 }
 
+void CheckLight(const Filled& filled) {
+  const std::string light = filled.Text("LIGHT");
+  if (!sim::LedStateFromName(light)) throw UsageError(light + " is not off, on or blink");
+}
+
+void CheckEnginePart(const Filled& filled) {
+  const std::string name = filled.Text("PART");
+  const auto* const part = std::ranges::find(kEngineParts, name, &EnginePart::name);
+  if (part == kEngineParts.end()) {
+    throw UsageError(name + " is not the engine's power, scanning, operation or trigger");
+  }
+  const std::string state = filled.Text("STATE");
+  if (std::ranges::find(part->words, state) != part->words.end()) return;
+  throw UsageError(
+      fmt::format("{} is never {}, but {}", name, state, fmt::join(part->words, " or ")));
+}
+
+void CheckRestartKind(const Filled& filled) {
+  const std::string kind = filled.Text("KIND");
+  if (kind != "warm" && kind != "cold") throw UsageError("a restart is warm or cold");
+}
+
 // What is checked of a word in capitals.
 struct ValueCheck {
   std::string_view name;
@@ -75,6 +99,9 @@ constexpr std::array kChecks{
     ValueCheck{"EFFECT", &CheckEffect},
     ValueCheck{"API", &CheckPlatformCall},
     ValueCheck{"PATH", &CheckPath},
+    ValueCheck{"LIGHT", &CheckLight},
+    ValueCheck{"PART", &CheckEnginePart},
+    ValueCheck{"KIND", &CheckRestartKind},
 };
 
 sim::RegistryValue Bytes(const Words& words) {

@@ -1,0 +1,64 @@
+#include "tools/palsim/completion.h"
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+#include "platform/sim/text.h"
+#include "tools/palsim/declarations.h"
+#include "tools/palsim/export_call.h"
+
+namespace palsim {
+namespace {
+
+constexpr std::array<std::string_view, 4> kRoots{"HKLM\\", "HKCU\\", "HKCR\\", "HKU\\"};
+
+bool BeginsWith(std::string_view text, std::string_view beginning) {
+  return text.size() >= beginning.size() &&
+         sim::EqualNoCase(text.substr(0, beginning.size()), beginning);
+}
+
+std::vector<std::string> Beginning(const std::vector<std::string_view>& names,
+                                   const std::string& word) {
+  std::vector<std::string> found;
+  for (const std::string_view name : names) {
+    if (BeginsWith(name, word)) found.emplace_back(name);
+  }
+  return found;
+}
+
+std::vector<std::string> Keys(const sim::Registry& registry, const std::string& word) {
+  const std::size_t last = word.find_last_of('\\');
+  if (last == std::string::npos) return Beginning({kRoots.begin(), kRoots.end()}, word);
+  const std::string above = word.substr(0, last + 1);
+  const auto key = registry.Find(std::string_view(above).substr(0, last));
+  std::vector<std::string> found;
+  if (key == nullptr) return found;
+  for (const auto& child : key->keys()) {
+    const std::string name = sim::ToUtf8(child->name());
+    if (BeginsWith(name, word.substr(last + 1))) found.push_back(above + name);
+  }
+  return found;
+}
+
+}  // namespace
+
+std::vector<std::string> Completions(const std::string& line,
+                                     const std::vector<std::string_view>& commands,
+                                     const sim::Registry& registry) {
+  std::istringstream stream(line);
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  if (words.empty() || line.back() == ' ') words.emplace_back();
+  const std::string& last = words.back();
+  if (words.size() == 1) return Beginning(commands, last);
+  if (words[0] == "registry" && words.size() == 2) return Keys(registry, last);
+  if (words[0] != "call" && words[0] != "usage") return {};
+  if (words.size() == 2) return Beginning(ExportNames(), last);
+  const Declaration* declaration = FindDeclaration(words[1]);
+  const std::size_t place = words.size() - 3;
+  if (declaration == nullptr || place >= declaration->parameters.size()) return {};
+  return Beginning(EnumeratorsOf(declaration->parameters.at(place).enumeration), last);
+}
+
+}  // namespace palsim

@@ -1,0 +1,60 @@
+#include "tools/palsim/declarations.h"
+
+#include <algorithm>
+
+namespace palsim {
+namespace {
+
+constexpr std::array kDeclarations{
+#define PAL_ENUMERATOR(enumeration, name, number)
+#define PAL_DECLARATION(name, result, ...) Declaration{name, result, {{__VA_ARGS__}}},
+#include "export_declarations.inc"
+#undef PAL_DECLARATION
+#undef PAL_ENUMERATOR
+};
+
+struct Enumerator {
+  std::string_view enumeration;
+  std::string_view name;
+  std::uint32_t number;
+};
+
+constexpr std::array kEnumerators{
+    Enumerator{"BOOL", "FALSE", 0},
+    Enumerator{"BOOL", "TRUE", 1},
+#define PAL_ENUMERATOR(enumeration, name, number) Enumerator{enumeration, name, number},
+#define PAL_DECLARATION(name, result, ...)
+#include "export_declarations.inc"
+#undef PAL_DECLARATION
+#undef PAL_ENUMERATOR
+};
+
+}  // namespace
+
+const Declaration* FindDeclaration(std::string_view export_name) {
+  const auto* const row = std::ranges::find(kDeclarations, export_name, &Declaration::name);
+  return row == kDeclarations.end() ? nullptr : row;
+}
+
+std::optional<std::uint32_t> EnumeratorNumber(std::string_view name) {
+  const auto* const row = std::ranges::find(kEnumerators, name, &Enumerator::name);
+  if (row == kEnumerators.end()) return std::nullopt;
+  return row->number;
+}
+
+std::string_view EnumeratorName(std::string_view enumeration, std::uint32_t number) {
+  const auto* const row = std::ranges::find_if(kEnumerators, [&](const Enumerator& enumerator) {
+    return enumerator.enumeration == enumeration && enumerator.number == number;
+  });
+  return row == kEnumerators.end() ? std::string_view() : row->name;
+}
+
+std::vector<std::string_view> EnumeratorsOf(std::string_view enumeration) {
+  std::vector<std::string_view> names;
+  for (const Enumerator& enumerator : kEnumerators) {
+    if (enumerator.enumeration == enumeration) names.push_back(enumerator.name);
+  }
+  return names;
+}
+
+}  // namespace palsim

@@ -1,0 +1,33 @@
+// Lines typed at a terminal: edited, completed with Tab, and remembered from one shell to the next.
+#ifndef TOOLS_PALSIM_LINE_EDITOR_H_
+#define TOOLS_PALSIM_LINE_EDITOR_H_
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace palsim {
+
+// Of the line as it stands before the cursor: what its last word could become.
+using Completer = std::function<std::vector<std::string>(const std::string& line)>;
+
+// There is one terminal, and so one editor at a time.
+class LineEditor {
+ public:
+  // `history` holds the lines of before, if it is there; it gets those of now at the end.
+  LineEditor(std::filesystem::path history, Completer completer);
+  ~LineEditor();
+  LineEditor(const LineEditor&) = delete;
+  LineEditor& operator=(const LineEditor&) = delete;
+
+  // False at the end of what is typed.
+  bool Read(const char* prompt, std::string& line);
+
+ private:
+  std::filesystem::path history_;
+};
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_LINE_EDITOR_H_
