@@ -145,6 +145,14 @@ bool IsForTheLogAlone(const sim::JournalEntry& entry) {
   return std::ranges::find(kForTheLogAlone, entry.effect) != kForTheLogAlone.end();
 }
 
+// Long values, binary ones above all, are for the journal to show whole.
+std::string Shortened(std::string text) {
+  constexpr std::size_t kMost = 120;
+  if (text.size() <= kMost) return text;
+  text.resize(std::min(text.find_last_of(" ,", kMost), kMost));
+  return text + " ...";
+}
+
 std::string Entries(const Timeline& timeline) {
   std::string lines;
   std::string last_time;
@@ -156,7 +164,7 @@ std::string Entries(const Timeline& timeline) {
     const bool same_time = time == last_time;
     const bool same_name = same_time && name == last_name;
     lines += fmt::format("  {:>9}  {:<14} {}\n", same_time ? "" : time, same_name ? "" : name,
-                         ReadableText(entry));
+                         Shortened(ReadableText(entry)));
     last_time = std::move(time);
     last_name = std::move(name);
   }
@@ -173,7 +181,8 @@ std::string ReadableText(const sim::JournalEntry& entry) {
                        entry.text.substr(equals + 4));
   }
   if (entry.effect == Effect::kProcess) {
-    const auto [name, what] = SplitAtWord(entry.text, {"started", "ended", "killed"});
+    const auto [name, what] =
+        SplitAtWord(entry.text, {"started", "attached", "detaches", "ended", "killed"});
     return what.empty() ? entry.text : what == "killed" ? "is killed" : what;
   }
   if (const auto word = NumberAfter(entry.text, "volume ");
