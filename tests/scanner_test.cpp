@@ -237,7 +237,7 @@ TEST_F(Scanner, TracesTheBringUpAndThePowersSteps) {
     Fit(test.code);
     Start();
     const auto expect_lines = [&](Lines lines) {
-      for (std::string& line : lines) line = "0x43F10000 " + line + "\\r\\n";
+      for (std::string& line : lines) line.insert(0, "0x43F10000 ").append("\\r\\n");
       EXPECT_EQ(ScannerLines(), lines);
       device.journal().Clear();
     };

@@ -119,7 +119,7 @@ TEST_F(UsbFunction, StopsAtTheFirstStepThatFails) {
     HRESULT result;
     std::string default_client, volume, error;
   };
-  const std::string kStorage = "Mass_Storage_Class";
+  const std::string storage = "Mass_Storage_Class";
   for (const Case& test : {
            Case{{.call = "CreateFileW", .error = 5},
                 kBusNotOpened,
@@ -132,20 +132,20 @@ TEST_F(UsbFunction, StopsAtTheFirstStepThatFails) {
                 "DSK9:",
                 "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220018). win32err: "
                 "0x1f\\r\\n"},
-           Case{{.call = "RegOpenKeyExW", .error = 2}, kMissing, kStorage, "DSK9:", ""},
+           Case{{.call = "RegOpenKeyExW", .error = 2}, kMissing, storage, "DSK9:", ""},
            Case{{.call = "RegSetValueExW", .error = 5},
                 static_cast<HRESULT>(0x80070005),
-                kStorage,
+                storage,
                 "DSK9:",
                 ""},
            Case{{.call = "CreateFileW", .nth = 2, .error = 55},
                 kBusNotOpened,
-                kStorage,
+                storage,
                 "DSK1:",
                 "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x37\\r\\n"},
            Case{{.call = "DeviceIoControl", .nth = 2, .error = 170},
                 kSelectFailed,
-                kStorage,
+                storage,
                 "DSK1:",
                 "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220010). win32err: "
                 "0xaa\\r\\n"},

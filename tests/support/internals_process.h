@@ -10,7 +10,7 @@
 // They are called within Run or Start.
 class InternalsProcess : public sim::Process {
  public:
-  explicit InternalsProcess(sim::Device& device, std::string name = "caller.exe");
+  explicit InternalsProcess(sim::Device& device, const std::string& name = "caller.exe");
   const Internals* operator->() const { return internals_; }
 
  private:
