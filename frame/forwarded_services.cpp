@@ -5,12 +5,12 @@
 #include <cstddef>
 #include <string_view>
 
+#include "frame/own_module.h"
 #include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
 #include "include/palsysio.h"
-#include "include/palver.h"
 
 namespace {
 
@@ -41,9 +41,8 @@ HMODULE LoadProviderFrom(const WCHAR* path) {
   pal::UniqueModule module(LoadLibraryW(path));
   Trace(pal::Severity::kInfo, "Loading %ls,winerr:0x%x,proc:0x%x\r\n", path, GetLastError(),
         GetCurrentProcessId());
-  if (!module) return nullptr;
+  if (!module || module.get() == pal::OwnModule()) return nullptr;
   const FARPROC log_version = FindExport(module.get(), kVersionExport);
-  if (log_version == reinterpret_cast<FARPROC>(&PALVER_LogVersion)) return nullptr;
   if (log_version != nullptr) log_version();
   return module.Release();
 }

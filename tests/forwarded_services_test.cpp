@@ -227,6 +227,16 @@ TEST_F(ForwardedServices, AreMissingWhereOnlyThisLibraryBearsTheName) {
   EXPECT_EQ(device.calls("FreeLibrary"), 14u) << "every load of itself is given back";
 }
 
+// However looking into it fails, what is loaded is known not to be a provider.
+TEST_F(ForwardedServices, NeverCallThemselves) {
+  for (unsigned nth = 1; nth <= 4; ++nth) {
+    sim::Process process(device);
+    device.PlanFault({.call = "GetProcAddressW", .nth = nth, .error = 127});
+    EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), E_FAIL);
+    device.ClearFaults();
+  }
+}
+
 TEST_F(ForwardedServices, SayWhatFailedToLoad) {
   sim::Process process(device);
   process.exports().PALVER_LogVersion();
