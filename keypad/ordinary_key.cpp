@@ -15,12 +15,23 @@ constexpr std::array<NoValuesFormat, pal::kShiftPlanes.size()> kNoValues = {
     "%s: Did not get Values for %s button in shift plane 2\r\n",
 };
 
+// Whether a record was left by a call that ended before it could write the button's events: it
+// signals the event already, and what it was before is saved. The button still counts as ordinary.
+bool IsLeftHalfway(const WCHAR* plane_name, const pal::ButtonRecord& button,
+                   const pal::KeyRecord& record) {
+  if (!SignalsEvent(button.event_value_name, record)) return false;
+  pal::KeyRecord saved{};
+  const HRESULT result = GetKeyValues(pal::kKeypadSettingsPath, plane_name, button, saved);
+  return pal::Succeeded(result) && saved != pal::KeyRecord{};
+}
+
 HRESULT SaveAndSignalEvent(const char* function, const WCHAR* layout, size_t plane,
                            const pal::ButtonRecord& button) {
   std::optional<pal::KeyRecord> record;
   HRESULT result = pal::ReadKeyRecord(function, layout, plane, button, record);
   if (!record) return result;
   const WCHAR* const plane_name = pal::kShiftPlanes[plane];
+  if (IsLeftHalfway(plane_name, button, *record)) return S_OK;
   // What cannot be saved is not given up.
   result = SetKeyValues(pal::kKeypadSettingsPath, plane_name, button, *record, E_FAIL);
   if (pal::Failed(result)) return result;

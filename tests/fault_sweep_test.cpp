@@ -1,33 +1,350 @@
-// What every export does where the platform fails it or its process ends.
-#include <algorithm>
-#include <set>
+// What every export does where the platform fails it, and what it leaves where its process ends.
+#include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <set>
+#include <span>
+#include <string_view>
+
+#include "platform/sim/kernel/registry_text.h"
 #include "tests/support/device_test.h"
 #include "tests/support/documented_results.h"
 #include "tests/support/export_rows.h"
 
 namespace {
 
-class ExportRowTest : public ::testing::TestWithParam<std::size_t> {};
+using Lines = std::vector<std::string>;
 
-TEST_P(ExportRowTest, passes_untouched) {
-  const ExportRow& row = ExportRows().at(GetParam());
-  SCOPED_TRACE(row.title());
-  sim::Device device;
-  ArrangeFor(row, device);
-  sim::Process process(device);
-  if (row.before) row.before(process);
-  Room room;
-  const DWORD result = row.run(process.exports(), room);
-  EXPECT_TRUE(ResultsByExport().at(row.name).Has(result)) << std::hex << result;
-  if (row.after) row.after(process);
-  process.End();
-  EXPECT_TRUE(room.GuardsHold());
-  EXPECT_EQ(device.misuse(), std::vector<std::string>());
+// Under the sanitizers, which make each run many times longer, calls fail one at a time.
+#ifdef SHORT_SWEEP
+constexpr bool kIsThorough = false;
+#else
+constexpr bool kIsThorough = true;
+#endif
+
+constexpr std::uint32_t kAnyError = 31;  // ERROR_GEN_FAILURE: what a call can always give
+
+struct CallErrors {
+  std::string_view call;
+  std::array<std::uint32_t, 3> errors;  // beside kAnyError; 0: none
+};
+
+// The platform's error numbers; a wait gives 258 where its time has passed.
+constexpr auto kCallErrors = std::to_array<CallErrors>({
+    {"RegOpenKeyExW", {2, 5}},
+    {"RegCreateKeyExW", {5, 14}},
+    {"RegQueryValueExW", {2, 5, 234}},
+    {"RegSetValueExW", {5, 14, 112}},
+    {"RegDeleteValueW", {2, 5}},
+    {"RegDeleteKeyW", {2, 5}},
+    {"RegEnumKeyExW", {5, 234, 259}},
+    {"RegEnumValueW", {5, 234, 259}},
+    {"CreateFileW", {2, 5, 32}},
+    {"ReadFile", {5, 38}},
+    {"WriteFile", {5, 112}},
+    {"DeviceIoControl", {1, 50, 87}},
+    {"KernelIoControl", {50, 87}},
+    {"CreateMutexW", {6, 14}},
+    {"CreateEventW", {6, 14}},
+    {"EventModify", {6}},
+    {"WaitForSingleObject", {6, 258}},
+    {"CreateThread", {8}},
+    {"CreateProcessW", {2, 8}},
+    {"LoadLibraryW", {8, 126}},
+    {"GetProcAddressW", {127}},
+    {"malloc", {14}},
+    {"SystemParametersInfoW", {50, 87}},
+    {"CryptAcquireContextW", {5, 0x80090016}},
+    {"GetAdaptersInfo", {111, 232}},
+    {"GetIfEntry", {2, 13}},
+});
+
+std::vector<std::uint32_t> ErrorsOf(std::string_view call) {
+  std::vector<std::uint32_t> errors{kAnyError};
+  const auto* const row = std::ranges::find(kCallErrors, call, &CallErrors::call);
+  if (row == kCallErrors.end()) return errors;
+  std::ranges::copy_if(row->errors, std::back_inserter(errors),
+                       [](std::uint32_t error) { return error != 0; });
+  return errors;
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ExportRowTest,
-                         ::testing::Range<std::size_t>(0, ExportRows().size()));
+// What came of one call of a row's export.
+struct Outcome {
+  std::optional<DWORD> result;  // nothing: its process ended in it
+  Room room;
+  Lines faulted;
+  Lines writes;  // to registry and files
+  std::uint64_t took_ms = 0;
+};
+
+// A device as a row wants it, with one process after another.
+class Desk {
+ public:
+  explicit Desk(const ExportRow& row) : row_(row) {
+    ArrangeFor(row, device_);
+    StartProcess();
+  }
+
+  void StartProcess() {
+    process_.reset();
+    process_.emplace(device_);
+    if (row_.before) row_.before(*process_);
+  }
+
+  void Call(Outcome& outcome, const std::vector<sim::Fault>& faults = {}) {
+    device_.journal().Clear();
+    const std::uint64_t begin = device_.now_ms();
+    for (const sim::Fault& fault : faults) device_.PlanFault(fault);
+    try {
+      outcome.result = row_.run(process_->exports(), outcome.room);
+    } catch (const sim::ProcessKilled&) {
+    }
+    outcome.faulted = device_.faulted_calls();
+    device_.ClearFaults();
+    outcome.took_ms = device_.now_ms() - begin;
+    for (const sim::JournalEntry& entry : device_.journal().entries()) {
+      const bool is_write =
+          entry.effect == sim::Effect::kRegistry || entry.effect == sim::Effect::kFile;
+      if (is_write) outcome.writes.push_back(entry.text);
+    }
+  }
+
+  // Ends the process, too: what it leaves is misuse.
+  Lines TakeMisuse() {
+    if (row_.after && process_->alive()) row_.after(*process_);
+    process_.reset();
+    return device_.TakeMisuse();
+  }
+  [[nodiscard]] unsigned held_mutexes() const { return process_->held_mutexes(); }
+  [[nodiscard]] std::string registry() { return sim::ExportRegistryText(device_.registry()); }
+
+ private:
+  const ExportRow& row_;
+  sim::Device device_;
+  std::optional<sim::Process> process_;
+};
+
+bool Contain(const Lines& all, const Lines& some) {
+  return std::ranges::all_of(
+      some, [&all](const std::string& line) { return std::ranges::count(all, line) != 0; });
+}
+
+bool IsDocumented(const ExportRow& row, DWORD result) {
+  const auto documented = ResultsByExport().find(row.name);
+  return documented == ResultsByExport().end() ? result == S_OK : documented->second.Has(result);
+}
+
+// What a call must not do, whatever fails; empty where it did nothing of the kind.
+std::string Complaint(const ExportRow& row, const Outcome& reference, const Outcome& outcome) {
+  if (!outcome.room.GuardsHold()) return "wrote beside an out-parameter";
+  if (!outcome.result) return "the process ended";
+  if (!IsDocumented(row, *outcome.result)) {
+    return fmt::format("the result {:#010x} is documented nowhere", *outcome.result);
+  }
+  if (outcome.result == reference.result) {
+    const bool answers = !reference.room.IsUntouched();
+    if (answers && outcome.room.IsUntouched()) return "answered nothing";
+  } else if (row.keeps_out) {
+    const bool holds = outcome.room.IsUntouched()
+                           ? !row.on_failure || row.or_untouched
+                           : row.on_failure && outcome.room.Holds(*row.on_failure);
+    if (!holds) return "an out-parameter does not hold what it should after a failure";
+  }
+  if (!row.writes_otherwise && !Contain(reference.writes, outcome.writes)) {
+    return fmt::format("wrote what it never writes: {}", ::testing::PrintToString(outcome.writes));
+  }
+  return {};
+}
+
+// Tells of the first findings of a row only: one cause has many.
+class Findings {
+ public:
+  explicit Findings(std::string row) : row_(std::move(row)) {}
+  void Add(const std::string& when, std::string_view text) {
+    if (text.empty() || ++count_ > 5) return;
+    ADD_FAILURE() << row_ << ", " << when << ": " << text;
+  }
+
+ private:
+  std::string row_;
+  unsigned count_ = 0;
+};
+
+std::string Shown(const std::vector<sim::Fault>& faults, const Lines& faulted) {
+  std::string text = faulted.empty() ? "untouched" : faulted.front();
+  for (const sim::Fault& fault : faults) {
+    text += fmt::format(", call {} {}with {}", fault.nth,
+                        fault.from_then_on ? "and all that follow " : "", fault.error);
+  }
+  return text;
+}
+
+// Runs a row with faults, and once more without.
+class FaultSweep {
+ public:
+  explicit FaultSweep(const ExportRow& row) : row_(row), findings_(row.title()) {
+    Desk(row).Call(reference_);
+  }
+
+  // Fails one call after another until there is none left to fail.
+  void Run() {
+    for (unsigned nth = 1;; ++nth) {
+      const Lines first = RunWith({{.nth = nth, .error = kAnyError}});
+      if (first.empty()) return;
+      for (const std::uint32_t error : ErrorsOf(first.front())) {
+        if (error != kAnyError) RunWith({{.nth = nth, .error = error}});
+        RunWith({{.nth = nth, .from_then_on = true, .error = error}});
+      }
+      // What is done about a failure fails too.
+      for (unsigned later = nth + 1; kIsThorough; ++later) {
+        const Lines both = RunWith({{.nth = nth, .error = kAnyError}, {.nth = later}});
+        if (both.size() < 2) break;
+      }
+    }
+  }
+  [[nodiscard]] unsigned runs() const { return runs_; }
+
+ private:
+  // The calls that failed.
+  Lines RunWith(const std::vector<sim::Fault>& faults) {
+    ++runs_;
+    Desk desk(row_);
+    Outcome outcome;
+    desk.Call(outcome, faults);
+    const std::string when = Shown(faults, outcome.faulted);
+    findings_.Add(when, Complaint(row_, reference_, outcome));
+    if (desk.held_mutexes() != 0) findings_.Add(when, "a mutex is held");
+    if (row_.once_per_process) desk.StartProcess();
+    Outcome again;
+    desk.Call(again);
+    if (again.result != reference_.result) findings_.Add(when, "does not succeed again");
+    for (const std::string& misuse : desk.TakeMisuse()) findings_.Add(when, misuse);
+    return outcome.faulted;
+  }
+
+  const ExportRow& row_;
+  Findings findings_;
+  Outcome reference_;
+  unsigned runs_ = 0;
+};
+
+// Ends the process of a row between every two calls, and runs it in the next one.
+class KillSweep {
+ public:
+  explicit KillSweep(const ExportRow& row) : row_(row), findings_(row.title()) {
+    Desk desk(row);
+    desk.Call(reference_);
+    registry_ = desk.registry();
+    desk.StartProcess();
+    Outcome again;
+    desk.Call(again);
+    is_repeatable_ = desk.registry() == registry_;
+  }
+
+  void Run() {
+    while (RunWith(runs_ + 1)) ++runs_;
+  }
+  [[nodiscard]] unsigned runs() const { return runs_; }
+
+ private:
+  // False where there is no such call.
+  bool RunWith(unsigned nth) {
+    Desk desk(row_);
+    Outcome killed;
+    desk.Call(killed, {{.nth = nth, .kill = true}});
+    if (killed.faulted.empty()) return false;
+    const std::string when = fmt::format("killed at call {} {}", nth, killed.faulted.front());
+    const bool is_prefix =
+        reference_.writes.size() >= killed.writes.size() &&
+        std::ranges::equal(killed.writes, std::span(reference_.writes).first(killed.writes.size()));
+    // Where it was a program that the row had started, its caller went on.
+    const bool is_caller = !killed.result;
+    if (is_caller && !is_prefix) findings_.Add(when, "wrote what it never writes");
+    desk.StartProcess();
+    Outcome next;
+    desk.Call(next);
+    if (next.result != reference_.result) {
+      findings_.Add(when, "the next process does not succeed");
+    }
+    if (next.took_ms > reference_.took_ms) {
+      findings_.Add(when, fmt::format("the next process takes {} ms", next.took_ms));
+    }
+    if (is_caller && is_repeatable_ && desk.registry() != registry_) {
+      findings_.Add(when, "the next process does not complete what was begun");
+    }
+    for (const std::string& misuse : desk.TakeMisuse()) findings_.Add(when, misuse);
+    return true;
+  }
+
+  const ExportRow& row_;
+  Findings findings_;
+  Outcome reference_;
+  std::string registry_;  // after the row
+  bool is_repeatable_ = false;
+  unsigned runs_ = 0;
+};
+
+// The rows in parts, so that they can be run beside each other.
+constexpr unsigned kParts = 4;
+
+class ExportSweep : public ::testing::TestWithParam<unsigned> {
+ protected:
+  template <class RowSweep>
+  static void Run(const char* what) {
+    unsigned runs = 0;
+    unsigned rows = 0;
+    for (std::size_t at = GetParam(); at < ExportRows().size(); at += kParts, ++rows) {
+      RowSweep sweep(ExportRows().at(at));
+      sweep.Run();
+      runs += sweep.runs();
+    }
+    std::printf("%s: %u runs of %u rows\n", what, runs, rows);
+  }
+};
+
+TEST_P(ExportSweep, says_what_failed_and_leaves_nothing_behind) {
+  Run<FaultSweep>("fault sweep");
+}
+
+TEST_P(ExportSweep, leaves_a_device_that_the_next_process_can_use) {
+  Run<KillSweep>("kill sweep");
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, ExportSweep, ::testing::Range(0u, kParts));
+
+// The library's entry, as a row.
+ExportRow EntryRow() {
+  const auto device = std::make_shared<sim::Device*>();
+  return {.name = "the entry",
+          .run =
+              [device](const sim::Exports&, Room&) {
+                sim::Process(**device, "second.exe").End();
+                return DWORD{0};
+              },
+          .arrange =
+              [device](sim::Device& arranged) {
+                *device = &arranged;
+                arranged.registry().SetDword(R"(HKLM\SOFTWARE\Dravonel\PAL)", "FixActive", 0);
+              },
+          .before =
+              [](sim::Process& process) {
+                process.device().registry().SetDword(R"(HKLM\SOFTWARE\Dravonel\PAL)", "FixActive",
+                                                     0);
+              },
+          .writes_otherwise = true};
+}
+
+TEST(EntrySweep, a_process_starts_and_ends_whatever_fails) {
+  const ExportRow row = EntryRow();
+  FaultSweep faults(row);
+  faults.Run();
+  KillSweep kills(row);
+  kills.Run();
+  std::printf("entry: %u runs with faults, %u killed\n", faults.runs(), kills.runs());
+}
 
 TEST(ExportRows, every_export_but_the_restart_has_one) {
   std::set<std::string> left;

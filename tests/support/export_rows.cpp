@@ -25,7 +25,7 @@ Arrange WithParameter(std::uint16_t id, sim::QueryAnswer answer) {
   return [=](sim::Device& device) { device.hardware().parameters[id] = answer; };
 }
 
-void WithoutRepair(sim::Process& process) {
+void ForgetsRepair(sim::Process& process) {
   process.device().registry().SetDword(kSettings, "FixActive", 0);
 }
 
@@ -98,6 +98,10 @@ void WithProvider(sim::Device& device) {
   for (sim::Module& module : sim::Device().modules()) {
     if (module.name == "DVLORQPAL.dll") device.InstallModule(std::move(module));
   }
+}
+
+void RemovesKeySet(sim::Process& process) {
+  process.device().registry().RemoveTree(kKeySet);
 }
 
 void WithEngineOnSpiClock(sim::Device& device) {
@@ -232,7 +236,7 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALCOMxPwr_GetPower, (u"COM1:", reinterpret_cast<PALComPortPower*>(room.Text(8)))),
 
       // Keypad.
-      ROW(PALKEYInit, (), .before = &WithoutRepair),
+      ROW(PALKEYInit, (), .before = &ForgetsRepair, .writes_otherwise = true),
       ROW(PALKEYTerm, ()),
       ROW(PALKEYGetNumButtons, (room.Number())),
       ROW(PALKEYGetButtonName, (5, room.Text(18), room.Number())),
@@ -240,11 +244,12 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALKEYGetButtonAction, (2, room.Number()), .on_failure = 255),
       ROW(PALKEYSetButtonAction, (0, PAL_KEY_ACTION_SCAN), .path = "handle"),
       ROW(PALKEYSetButtonAction, (2, PAL_KEY_ACTION_CAMERA_SCAN)),
-      ROW(PALKEYSetButtonAction, (5, PAL_KEY_ACTION_SCAN), .path = "of an ordinary key"),
+      ROW(PALKEYSetButtonAction, (5, PAL_KEY_ACTION_SCAN), .path = "of an ordinary key",
+          .writes_otherwise = true),
       ROW(PALKEYSetButtonAction, (5, PAL_KEY_ACTION_WINDOWS_DEFAULT), .path = "back to its key",
-          .before = &ButtonScans),
+          .before = &ButtonScans, .writes_otherwise = true),
       ROW(PALKEYControlKeyState, (PAL_CONTROL_KEY_CONTRAST, 0)),
-      ROW(PALKEYGetShiftBehavior, (room.Number()), .on_failure = 0xFFFFFFFF),
+      ROW(PALKEYGetShiftBehavior, (room.Number()), .on_failure = 0xFFFFFFFF, .or_untouched = true),
       ROW(PALKEYSetShiftBehavior, (PAL_SHIFT_BEHAVIOR_2)),
       ROW(PALKEYSetKeyTapVol, (2)),
       ROW(PALKEYGetKeyTapVol, (room.Number())),
@@ -290,7 +295,8 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALMFGOpt_PersistRegistry, (), .path = "by a service", .arrange = &WithFlushService),
       ROW(PALMFGOpt_RestoreDefaults, ()),
       ROW(PALMFGOpt_GetConfigString, (1)),
-      ROW(PALREG_LoadRegistry, (u"\\Store", u"RM21.reg", 1), .arrange = &WithRegistryFile),
+      ROW(PALREG_LoadRegistry, (u"\\Store", u"RM21.reg", 1), .arrange = &WithRegistryFile,
+          .writes_otherwise = true),
       ROW(PALUARTGetMuxMode, ()),
       ROW(PALUARTSetMuxMode, ()),
 
@@ -410,7 +416,8 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALSecurity_GetCabFilePasswordProtect, (room.Number())),
       ROW(PALSecurity_SetCabFilePasswordProtect, (1)),
       ROW(PALSecurity_CheckPx, (u"Installer", u"rugged21"), .arrange = &WithKeySet),
-      ROW(PALSecurity_CheckPx, (u"Installer", u"rugged21"), .path = "the first"),
+      ROW(PALSecurity_CheckPx, (u"Installer", u"rugged21"), .path = "the first",
+          .before = &RemovesKeySet, .once_per_process = true),
   };
 }
 

@@ -59,9 +59,12 @@ struct ExportRow {
   std::function<void(sim::Process&)> before{};  // calls that come before it in its process
   std::function<void(sim::Process&)> after{};   // calls that let go of what the process holds
   std::optional<DWORD> on_failure{};            // what its out-parameter holds then; else:
+  bool or_untouched = false;                    // that, or nothing was written to it
   bool keeps_out = true;                        // it is untouched then
   bool once_per_process = false;                // a second call of a process differs
-  bool writes_otherwise = false;                // a failed read leads to other writes
+  // A read that fails leads to other writes, on purpose: a missing plane is made anew, a missing
+  // event stands for the ordinary key, a file that cannot be read has the checksum 0.
+  bool writes_otherwise = false;
   [[nodiscard]] std::string title() const { return path.empty() ? name : name + ": " + path; }
 };
 

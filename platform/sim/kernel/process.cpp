@@ -115,7 +115,12 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
   if (library.empty()) library = DefaultLibrary();
   state_->library = std::make_unique<LibraryCopy>(library);
   BindExports(*state_);
-  CallEntry(*state_, DLL_PROCESS_ATTACH);
+  try {
+    CallEntry(*state_, DLL_PROCESS_ATTACH);
+  } catch (...) {
+    End();
+    throw;
+  }
   LogProcess(*state_, "attached");
   const Scheduler::Lock lock(kernel.mutex);
   state_->handles_at_start = kernel.handles.Count(state_->id);
