@@ -25,6 +25,7 @@ constexpr bool kIsThorough = false;
 constexpr bool kIsThorough = true;
 #endif
 
+constexpr std::uint32_t kMissing = 2;    // ERROR_FILE_NOT_FOUND
 constexpr std::uint32_t kAnyError = 31;  // ERROR_GEN_FAILURE: what a call can always give
 
 struct CallErrors {
@@ -138,7 +139,8 @@ bool IsDocumented(const ExportRow& row, DWORD result) {
 }
 
 // What a call must not do, whatever fails; empty where it did nothing of the kind.
-std::string Complaint(const ExportRow& row, const Outcome& reference, const Outcome& outcome) {
+std::string Complaint(const ExportRow& row, const std::vector<sim::Fault>& faults,
+                      const Outcome& reference, const Outcome& outcome) {
   if (!outcome.room.GuardsHold()) return "wrote beside an out-parameter";
   if (!outcome.result) return "the process ended";
   if (!IsDocumented(row, *outcome.result)) {
@@ -153,7 +155,10 @@ std::string Complaint(const ExportRow& row, const Outcome& reference, const Outc
                            : row.on_failure && outcome.room.Holds(*row.on_failure);
     if (!holds) return "an out-parameter does not hold what it should after a failure";
   }
-  if (!row.writes_otherwise && !Contain(reference.writes, outcome.writes)) {
+  const bool is_missing = std::ranges::count(faults, kMissing, &sim::Fault::error) != 0;
+  const bool writes_otherwise = row.other_writes == OtherWrites::kAlways ||
+                                (row.other_writes == OtherWrites::kWhereMissing && is_missing);
+  if (!writes_otherwise && !Contain(reference.writes, outcome.writes)) {
     return fmt::format("wrote what it never writes: {}", ::testing::PrintToString(outcome.writes));
   }
   return {};
@@ -215,7 +220,7 @@ class FaultSweep {
     Outcome outcome;
     desk.Call(outcome, faults);
     const std::string when = Shown(faults, outcome.faulted);
-    findings_.Add(when, Complaint(row_, reference_, outcome));
+    findings_.Add(when, Complaint(row_, faults, reference_, outcome));
     if (desk.held_mutexes() != 0) findings_.Add(when, "a mutex is held");
     if (row_.once_per_process) desk.StartProcess();
     Outcome again;
@@ -334,7 +339,7 @@ ExportRow EntryRow() {
                 process.device().registry().SetDword(R"(HKLM\SOFTWARE\Dravonel\PAL)", "FixActive",
                                                      0);
               },
-          .writes_otherwise = true};
+          .other_writes = OtherWrites::kWhereMissing};
 }
 
 TEST(EntrySweep, a_process_starts_and_ends_whatever_fails) {

@@ -236,7 +236,7 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALCOMxPwr_GetPower, (u"COM1:", reinterpret_cast<PALComPortPower*>(room.Text(8)))),
 
       // Keypad.
-      ROW(PALKEYInit, (), .before = &ForgetsRepair, .writes_otherwise = true),
+      ROW(PALKEYInit, (), .before = &ForgetsRepair, .other_writes = OtherWrites::kWhereMissing),
       ROW(PALKEYTerm, ()),
       ROW(PALKEYGetNumButtons, (room.Number())),
       ROW(PALKEYGetButtonName, (5, room.Text(18), room.Number())),
@@ -245,9 +245,9 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALKEYSetButtonAction, (0, PAL_KEY_ACTION_SCAN), .path = "handle"),
       ROW(PALKEYSetButtonAction, (2, PAL_KEY_ACTION_CAMERA_SCAN)),
       ROW(PALKEYSetButtonAction, (5, PAL_KEY_ACTION_SCAN), .path = "of an ordinary key",
-          .writes_otherwise = true),
+          .other_writes = OtherWrites::kWhereMissing),
       ROW(PALKEYSetButtonAction, (5, PAL_KEY_ACTION_WINDOWS_DEFAULT), .path = "back to its key",
-          .before = &ButtonScans, .writes_otherwise = true),
+          .before = &ButtonScans, .other_writes = OtherWrites::kWhereMissing),
       ROW(PALKEYControlKeyState, (PAL_CONTROL_KEY_CONTRAST, 0)),
       ROW(PALKEYGetShiftBehavior, (room.Number()), .on_failure = 0xFFFFFFFF, .or_untouched = true),
       ROW(PALKEYSetShiftBehavior, (PAL_SHIFT_BEHAVIOR_2)),
@@ -296,7 +296,7 @@ std::vector<ExportRow> MakeRows() {
       ROW(PALMFGOpt_RestoreDefaults, ()),
       ROW(PALMFGOpt_GetConfigString, (1)),
       ROW(PALREG_LoadRegistry, (u"\\Store", u"RM21.reg", 1), .arrange = &WithRegistryFile,
-          .writes_otherwise = true),
+          .other_writes = OtherWrites::kAlways),
       ROW(PALUARTGetMuxMode, ()),
       ROW(PALUARTSetMuxMode, ()),
 

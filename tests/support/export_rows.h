@@ -51,6 +51,13 @@ class Room {
   std::list<Block> blocks_;
 };
 
+// When a read that fails leads to other writes, on purpose.
+enum class OtherWrites : std::uint8_t {
+  kNever,
+  kWhereMissing,  // a plane that is missing is made anew, a missing event is the ordinary key's
+  kAlways,        // a file that cannot be read has the checksum 0
+};
+
 struct ExportRow {
   std::string name;  // of the export
   std::function<DWORD(const sim::Exports& pal, Room& room)> run;
@@ -62,9 +69,7 @@ struct ExportRow {
   bool or_untouched = false;                    // that, or nothing was written to it
   bool keeps_out = true;                        // it is untouched then
   bool once_per_process = false;                // a second call of a process differs
-  // A read that fails leads to other writes, on purpose: a missing plane is made anew, a missing
-  // event stands for the ordinary key, a file that cannot be read has the checksum 0.
-  bool writes_otherwise = false;
+  OtherWrites other_writes = OtherWrites::kNever;
   [[nodiscard]] std::string title() const { return path.empty() ? name : name + ": " + path; }
 };
 
