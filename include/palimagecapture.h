@@ -44,7 +44,8 @@ HRESULT PALAPI PALImageCaptureGetStatus(DWORD* status);
  *
  * @param enable  0 forbids and stores 1; anything else allows and stores 0.
  *
- * A number and no HRESULT:
+ * The answer is a number and no HRESULT.
+ *
  * @retval 0  the value was written
  * @retval 1  the policy's key does not exist or cannot be opened, or the value cannot be written
  */

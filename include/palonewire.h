@@ -20,7 +20,8 @@ PAL_INTERFACE_BEGIN
  * A device on the bus that cannot be read is passed over; at most 256 devices are asked. Each step
  * and each failure is traced with facility 1116.
  *
- * A yes/no value and no HRESULT:
+ * The answer is a yes/no value and no HRESULT.
+ *
  * @retval 1  a dock is attached
  * @retval 0  none is; also where there is no driver "WIR1:", where it cannot be opened, and where
  *            the search of the bus or the count of its devices fails

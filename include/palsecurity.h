@@ -64,7 +64,8 @@ HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
  *                  260. May be null, which is no member.
  * @param password  The password; upper and lower case differ. Null is the empty password.
  *
- * A yes/no value and no HRESULT:
+ * The answer is a yes/no value and no HRESULT.
+ *
  * @retval 0  the password is right
  * @retval 1  it is wrong, @p member is null or too long, or it cannot be checked: the hash or the
  *            salt cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but
