@@ -109,7 +109,7 @@ bool LoadedLibrary::Contains(const void* address) const {
 
 // Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
 // which it would take for overruns.
-[[gnu::no_sanitize("address")]] void LoadedLibrary::KeepWritableData() {
+[[gnu::no_sanitize_address]] void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
   writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
@@ -117,7 +117,7 @@ bool LoadedLibrary::Contains(const void* address) const {
   for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
 }
 
-[[gnu::no_sanitize("address")]] void LoadedLibrary::Reset() {
+[[gnu::no_sanitize_address]] void LoadedLibrary::Reset() {
   for (std::size_t at = 0; at < at_first_.size(); ++at) writable_[at] = at_first_[at];
 }
 
