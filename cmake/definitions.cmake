@@ -35,7 +35,7 @@ endforeach()
 
 # The entry is found by name here; on the device the loader knows it.
 file(CONFIGURE OUTPUT ${PAL_GENERATED}/exports.map
-     CONTENT "{ global: DllMain; ${exports}; local: *; };\n" @ONLY)
+     CONTENT "{ global: DllMain; CountersBegin; CountersEnd; ${exports}; local: *; };\n" @ONLY)
 
 set(PAL_IMPORTS "")
 foreach(library coredll iphlpapi bthutil)

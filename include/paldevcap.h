@@ -87,7 +87,12 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
  *
  * @param name  The capability's name, 8-bit text, with a terminator.
  *
- * @return The capability's answer; 0 for a name that is none of the ten, and for null.
+ * @retval 0     the name is none of the ten or null, or the capability's answer
+ * @retval 2     the capability's answer: not installed
+ * @retval 3     the capability's answer: the question failed
+ * @retval 4     the capability's answer: disabled
+ * @retval 5     the capability's answer: enabled
+ * @return Of WWAN and GPS also any other number that "LastEquipmentState" holds.
  */
 DWORD PALAPI PALDevCap_EnabledA(const char* name);
 /** As PALDevCap_EnabledA, in UTF-16. A name of more than 127 characters answers 0. */
@@ -153,7 +158,8 @@ DWORD PALAPI PalSysinfo_IsPedometerInstalled(void);
 
 /**
  * Tells whether there is a GPS receiver: it comes with the modem.
- * @retval 1, 2  as PalSysinfo_IsWwanInstalled
+ * @retval 1  there is a modem, as PalSysinfo_IsWwanInstalled tells
+ * @retval 2  there is none
  */
 DWORD PALAPI PalSysinfo_IsGpsInstalled(void);
 

@@ -44,8 +44,10 @@ HRESULT PALAPI PALImageCaptureGetStatus(DWORD* status);
  *
  * @param enable  0 forbids and stores 1; anything else allows and stores 0.
  *
- * @return A number and no HRESULT: 0 where the value was written; 1 where the policy's key does
- *         not exist or cannot be opened, or where the value cannot be written.
+ * The answer is a number and no HRESULT.
+ *
+ * @retval 0  the value was written
+ * @retval 1  the policy's key does not exist or cannot be opened, or the value cannot be written
  */
 DWORD PALAPI PALImageCapture_SetEnable(BOOL enable);
 

@@ -149,7 +149,8 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
  * restored from there with PAL_KEY_ACTION_WINDOWS_DEFAULT. A plane that has no record of the
  * button, or cannot be read, is left out, and so is the restoring of one that was never saved. A
  * plane whose original cannot be saved keeps it: also where the saved plane has 4096 bytes and
- * more. What a call has written before it fails stays written.
+ * more. What a call has written before it fails, or ends with its process, stays written; the same
+ * call made again completes it, and what is saved of the button is then kept.
  *
  * Not reported: a failure in planes 0 and 1, a plane of the layout of 4096 bytes and more (it is
  * left as it is), a saved plane of 682 records that has no room for another, and a plane or a name
@@ -199,7 +200,7 @@ HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state);
  * @retval E_FAIL      @p behavior is null
  * @retval 0x8007xxxx  the error of opening "Hardware\Devicemap\Keybd", of reading the layout's
  * path, of opening "ShiftKeys" or of listing its values: 0x80070002 where one is missing,
- * 0x800700EA where the path has more than 260 characters
+ * 0x800700EA where the path has more than 260 characters or the list more than 65536 values
  */
 HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior);
 

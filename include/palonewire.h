@@ -20,9 +20,11 @@ PAL_INTERFACE_BEGIN
  * A device on the bus that cannot be read is passed over; at most 256 devices are asked. Each step
  * and each failure is traced with facility 1116.
  *
- * @return A yes/no value and no HRESULT: 1 where a dock is attached, else 0. 0 also where there is
- *         no driver "WIR1:", where it cannot be opened, and where the search of the bus or the
- *         count of its devices fails.
+ * The answer is a yes/no value and no HRESULT.
+ *
+ * @retval 1  a dock is attached
+ * @retval 0  none is; also where there is no driver "WIR1:", where it cannot be opened, and where
+ *            the search of the bus or the count of its devices fails
  */
 DWORD PALAPI PALOneWire_IsVehicleDockAttached(void);
 

@@ -64,11 +64,13 @@ HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
  *                  260. May be null, which is no member.
  * @param password  The password; upper and lower case differ. Null is the empty password.
  *
- * @return A yes/no value and no HRESULT: 0 where the password is right. 1 where it is wrong, where
- *         @p member is null or too long, and where it cannot be checked: the hash or the salt
- *         cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but for
- *         values, names that are too long, and a provider that fails for another reason than a
- *         missing key set.
+ * The answer is a yes/no value and no HRESULT.
+ *
+ * @retval 0  the password is right
+ * @retval 1  it is wrong, @p member is null or too long, or it cannot be checked: the hash or the
+ *            salt cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but
+ *            for values, names that are too long, and a provider that fails for another reason
+ *            than a missing key set.
  */
 DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password);
 

@@ -15,12 +15,32 @@ constexpr std::array<NoValuesFormat, pal::kShiftPlanes.size()> kNoValues = {
     "%s: Did not get Values for %s button in shift plane 2\r\n",
 };
 
+// What a button's record was before is saved already.
+// S_OK        whether it is; 0x8007xxxx  the saved records cannot be read
+HRESULT IsSaved(const WCHAR* plane_name, const pal::ButtonRecord& button, bool& is_saved) {
+  BYTE plane[pal::kMaxPlaneBytes];
+  const pal::PlaneReading reading =
+      pal::ReadShiftPlane(pal::kKeypadSettingsPath, plane_name, plane);
+  is_saved = false;
+  pal::ForEachKeyRecord(std::span(plane).first(reading.bytes), [&](DWORD, std::span<BYTE> found) {
+    is_saved = is_saved || pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code);
+  });
+  return reading.read;
+}
+
 HRESULT SaveAndSignalEvent(const char* function, const WCHAR* layout, size_t plane,
                            const pal::ButtonRecord& button) {
   std::optional<pal::KeyRecord> record;
   HRESULT result = pal::ReadKeyRecord(function, layout, plane, button, record);
   if (!record) return result;
   const WCHAR* const plane_name = pal::kShiftPlanes[plane];
+  if (SignalsEvent(button.event_value_name, *record)) {
+    // Left so by a call that ended before it could write the button's events: the next one must not
+    // take it for the original.
+    bool is_saved = false;
+    result = IsSaved(plane_name, button, is_saved);
+    if (pal::Failed(result) || is_saved) return result;
+  }
   // What cannot be saved is not given up.
   result = SetKeyValues(pal::kKeypadSettingsPath, plane_name, button, *record, E_FAIL);
   if (pal::Failed(result)) return result;

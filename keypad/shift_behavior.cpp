@@ -12,6 +12,8 @@ using pal::kKeypadTrace;
 namespace {
 
 constexpr size_t kMaxNameUnits = 260;
+// More values than any key has: a registry that is broken must not keep a caller for ever.
+constexpr DWORD kMostValues = 0x10000;
 constexpr BYTE kBehaviorBits = 7;
 constexpr pal::WideText kShiftKeyPrefix = TEXT("ShiftKey");
 
@@ -66,8 +68,9 @@ class ShiftKeyList {
       DWORD bytes = 0;
       const LONG error = Read(shift_key, type, bytes);
       if (error == ERROR_NO_MORE_ITEMS) return false;
-      if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) {
-        error_ = error;
+      const bool is_answer = error == ERROR_SUCCESS || error == ERROR_MORE_DATA;
+      if (!is_answer || index_ == kMostValues) {
+        error_ = is_answer ? ERROR_MORE_DATA : error;
         return false;
       }
       const bool is_shift_key = error == ERROR_SUCCESS && type == REG_BINARY &&

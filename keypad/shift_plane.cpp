@@ -61,6 +61,11 @@ HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRe
   return PALRegSetBinary(HKEY_LOCAL_MACHINE, layout, plane_name, plane, bytes);
 }
 
+// "Event5" gives 5.
+BYTE EventNumber(const WCHAR* event_value_name) {
+  return static_cast<BYTE>(pal::WideText(event_value_name).back() - TEXT('0'));
+}
+
 }  // namespace
 
 namespace pal {
@@ -108,8 +113,7 @@ HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::Bu
 }
 
 void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record) {
-  const pal::WideText name(event_value_name);
-  const auto event = static_cast<BYTE>(name.back() - TEXT('0'));
+  const BYTE event = EventNumber(event_value_name);
   kKeypadTrace.Info("%s: Enter Event: %ls index: %u\r\n", "ModifyKeyDataForEventTrigger",
                     event_value_name, event);
   record[pal::kKeyOutputClass] = pal::kSignalsEvent;
@@ -118,4 +122,10 @@ void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord&
   kKeypadTrace.Info("%s: Complete Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x modified\r\n",
                     "ModifyKeyDataForEventTrigger", record[pal::kKeyScanCode], record[0], record[1],
                     record[2], record[3], record[4], record[5]);
+}
+
+bool SignalsEvent(const WCHAR* event_value_name, const pal::KeyRecord& record) {
+  return record[pal::kKeyOutputClass] == pal::kSignalsEvent &&
+         record[pal::kKeyOutputClass + 1] == pal::kSignalsEvent &&
+         record[pal::kKeyEvent] == EventNumber(event_value_name);
 }

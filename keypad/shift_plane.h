@@ -81,4 +81,7 @@ struct PlaneReading {
 // Makes a record signal the event of a button ("Event5" gives event 5).
 void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record);
 
+// Whether it does already.
+[[nodiscard]] bool SignalsEvent(const WCHAR* event_value_name, const pal::KeyRecord& record);
+
 #endif  // KEYPAD_SHIFT_PLANE_H_

@@ -413,66 +413,6 @@ TEST_F(ConfigStoreUpdate, DoesNotWriteToAKeyThatCannotBeCreated) {
       << "its line is traced all the same";
 }
 
-// Every platform call of an update fails once, and from then on: the export answers S_OK, what is
-// written was in the file, and nothing is left behind that the failed call itself did not keep.
-TEST_F(ConfigStoreUpdate, SurvivesEveryFailingCall) {
-  const std::string file =
-      "\xBB\xAB"
-      "A:1\0\x01\0\xAA"
-      "B:2\0b\0\xFF\xCC\x00\x03"
-      "A\x00"
-      "01\0\xDD\xEE\xFF"s;
-  const std::vector<std::string> all = Update(file);
-  const unsigned begin = device.calls();
-  Update();
-  const unsigned calls_of_an_update = device.calls() - begin;
-  for (const bool from_then_on : {false, true}) {
-    for (unsigned nth = 1; nth <= calls_of_an_update; ++nth) {
-      sim::Process fresh(device, "fresh.exe");
-      device.PlanFault({.nth = nth, .from_then_on = from_then_on});
-      device.journal().Clear();
-      EXPECT_EQ(fresh.exports().PALMFGOpt_ConfigStoreRegUpdate(), S_OK);
-      device.ClearFaults();
-      for (const std::string& write : device.journal().Texts(sim::Effect::kRegistry)) {
-        EXPECT_NE(std::find(all.begin(), all.end(), write), all.end()) << nth << ": " << write;
-      }
-      EXPECT_EQ(fresh.heap_blocks(), 0u) << nth;
-    }
-  }
-  // A close that fails leaves its handle open; nothing else does.
-  for (const std::string& misuse : device.TakeMisuse()) {
-    EXPECT_NE(misuse.find("left open at the end"), std::string::npos) << misuse;
-  }
-  EXPECT_EQ(Update(), all);
-}
-
-TEST_F(ConfigStoreUpdate, ADeathBetweenTwoCallsLeavesTheFirstValues) {
-  const std::string file =
-      "\xBB\xAB"
-      "A:1\0\x01\0\xAB"
-      "B:2\0\x02\0\xAB"
-      "C:3\0\x03\0\xFF"s;
-  const std::vector<std::string> all = Update(file);
-  for (unsigned nth = 1;; ++nth) {
-    sim::Process victim(device, "victim.exe");
-    device.PlanFault({.nth = nth, .kill = true});
-    device.journal().Clear();
-    bool killed = false;
-    try {
-      victim.exports().PALMFGOpt_ConfigStoreRegUpdate();
-    } catch (const sim::ProcessKilled&) {
-      killed = true;
-    }
-    device.ClearFaults();
-    const std::vector<std::string> written = device.journal().Texts(sim::Effect::kRegistry);
-    ASSERT_LE(written.size(), all.size());
-    EXPECT_TRUE(std::equal(written.begin(), written.end(), all.begin())) << nth;
-    if (!killed) break;
-    EXPECT_LT(nth, 100u);
-  }
-  EXPECT_EQ(Update(), all) << "nothing of the dead is in the way, not even the open file";
-}
-
 // What damage may do: entries are lost or read as others, but what is written is what was
 // announced, and nothing is where the parse failed.
 class DamagedConfigStore : public ConfigStoreUpdate {

@@ -586,36 +586,6 @@ TEST_F(Identity, AdaptersThatCannotBeListedGiveZeros) {
   EXPECT_EQ(Fresh(1), Given("000a1b2c3de4")) << "and no process took it over from another";
 }
 
-// Each call that a query makes fails in turn: nothing is left open, and every answer is one of
-// those that the query has.
-TEST_F(Identity, AnyCallMayFail) {
-  hardware.parameters.erase(0x0048);
-  hardware.parameters.erase(0x000A);
-  hardware.adapters = kAdapters;
-  device.registry().Create(kIdentityKey);
-  unsigned failed = 0;
-  const auto fail = [&](DWORD detail, const std::string& call, unsigned nth) {
-    sim::Process caller(device, "sweep.exe");
-    const unsigned before = device.calls(call);
-    device.PlanFault({.call = call, .nth = nth});
-    const Answer answer = DetailA(caller, detail);
-    device.ClearFaults();
-    const std::array known{S_OK, E_FAIL, kSourceFailed};
-    EXPECT_NE(std::ranges::find(known, answer.result), known.end()) << answer.result;
-    EXPECT_EQ(answer.text == "untouched", answer.result != S_OK);
-    EXPECT_EQ(caller.new_handles() + caller.heap_blocks(), 0u);
-    return device.calls(call) - before >= nth;
-  };
-  for (DWORD detail = 0; detail <= PAL_DETAIL_ETHERNET_ADDRESS; ++detail) {
-    for (const char* call : {"KernelIoControl", "SystemParametersInfoW", "GetVersionExW",
-                             "RegOpenKeyExW", "RegQueryValueExW", "GetAdaptersInfo", "malloc"}) {
-      SCOPED_TRACE(testing::Message() << "detail " << detail << ", " << call);
-      for (unsigned nth = 1; fail(detail, call, nth); ++nth) ++failed;
-    }
-  }
-  EXPECT_GT(failed, 30u);
-}
-
 TEST_F(Identity, HardwareConfigurationComesFromTheFirstSourceThatHasIt) {
   struct Case {
     std::string_view what;

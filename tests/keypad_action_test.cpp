@@ -285,27 +285,6 @@ TEST_F(KeypadAction, StopsAtAFailure) {
   }
 }
 
-// Whichever single call fails: one of the described results, every plane either as it was or with
-// the button's record changed and nothing else, and no copy but of the original.
-TEST_F(KeypadAction, SurvivesAFailureOfAnyCall) {
-  const Planes before = PlanesOf(kLayout);
-  ASSERT_EQ(Set(5, 1), S_OK);
-  const Planes after = PlanesOf(kLayout);
-  const Planes saved = PlanesOf(kSettings);
-  HRESULT result = S_OK;
-  ForEachFailingCall(
-      [&] { Arrange(); }, [&] { result = Set(5, 1); },
-      [&](const std::string& call) {
-        EXPECT_TRUE(result == S_OK || result == E_FAIL || result == kNotSupported) << call;
-        const Planes planes = PlanesOf(kLayout);
-        const Planes copies = PlanesOf(kSettings);
-        for (std::size_t plane = 0; plane < planes.size(); ++plane) {
-          EXPECT_TRUE(planes[plane] == before[plane] || planes[plane] == after[plane]) << call;
-          EXPECT_TRUE(!copies[plane] || copies[plane] == saved[plane]) << call;
-        }
-      });
-}
-
 TEST_F(KeypadAction, IsReadByTheDriverOnceItIsTold) {
   device.StartProgram(sim::KeypadDriver());
   EXPECT_EQ(Set(5, 1), S_OK);

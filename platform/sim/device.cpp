@@ -78,6 +78,15 @@ bool Device::SetEvent(std::string_view name) {
   return true;
 }
 
+void Device::CopyFrom(const Device& other) {
+  kernel_->registry.CopyFrom(other.kernel_->registry);
+  kernel_->files.CopyFrom(other.kernel_->files);
+  kernel_->hardware = other.kernel_->hardware;
+  for (auto& driver : kernel_->hardware.drivers) driver = driver->Clone();
+  kernel_->modules = other.kernel_->modules;
+  kernel_->programs = other.kernel_->programs;
+}
+
 void Device::PlanFault(Fault fault) {
   const Scheduler::Lock lock(kernel_->mutex);
   kernel_->faults.Plan(std::move(fault));
@@ -86,6 +95,15 @@ void Device::PlanFault(Fault fault) {
 void Device::ClearFaults() {
   const Scheduler::Lock lock(kernel_->mutex);
   kernel_->faults.Clear();
+}
+
+std::vector<std::string> Device::faulted_calls() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  const std::vector<CallId>& faulted = kernel_->faults.faulted();
+  std::vector<std::string> names;
+  names.reserve(faulted.size());
+  for (const CallId id : faulted) names.emplace_back(CallName(id));
+  return names;
 }
 
 unsigned Device::calls(std::string_view name) const {

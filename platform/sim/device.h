@@ -47,6 +47,8 @@ enum class Concurrency : std::uint8_t {
 };
 
 // A platform call that is made to fail. Calls are counted from the moment the fault is planned.
+// What closes or releases something does so nevertheless: nothing else could let go of it then. A
+// wait that fails with 258 is one that has timed out.
 struct Fault {
   std::string call{};         // a name such as "RegSetValueExW"; empty: any call
   unsigned nth = 1;           // the first one to fail
@@ -114,9 +116,16 @@ class Device {
   // Sets a named event; false where no process has one of this name.
   bool SetEvent(std::string_view name);
 
+  // Takes over what another device stores and is made of: registry, files, hardware, modules and
+  // programs. Not what runs there, nor its time and journal. No process has anything open on
+  // either.
+  void CopyFrom(const Device& other);
+
   // Faults. A plan stays until it is cleared.
   void PlanFault(Fault fault);
   void ClearFaults();
+  // The calls that the plans have made fail, in their order, since they were cleared last.
+  [[nodiscard]] std::vector<std::string> faulted_calls() const;
   // Platform calls since the device started: of one name, or of all.
   [[nodiscard]] unsigned calls(std::string_view name) const;
   [[nodiscard]] unsigned calls() const;
@@ -213,6 +222,7 @@ class Process {
   [[nodiscard]] unsigned open_handles() const;
   [[nodiscard]] unsigned new_handles() const;  // those beyond what the library took as it attached
   [[nodiscard]] unsigned heap_blocks() const;
+  [[nodiscard]] unsigned held_mutexes() const;
 
  private:
   Device& device_;

@@ -62,26 +62,6 @@ DWORD KeypadTest::Get(LONG button) {
   return action;
 }
 
-void KeypadTest::ForEachFailingCall(const std::function<void()>& arrange,
-                                    const std::function<void()>& body,
-                                    const std::function<void(const std::string& call)>& check) {
-  for (const std::string call :
-       {"RegOpenKeyExW", "RegCreateKeyExW", "RegQueryValueExW", "RegSetValueExW", "RegFlushKey",
-        "CreateEventW", "EventModify", "KernelIoControl", "LoadLibraryW", "GetProcAddressW"}) {
-    unsigned calls = 1;
-    for (unsigned nth = 1; nth <= calls; ++nth) {
-      arrange();
-      const unsigned before = device.calls(call);
-      device.PlanFault({.call = call, .nth = nth});
-      body();
-      device.ClearFaults();
-      calls = device.calls(call) - before;
-      check(call + " " + std::to_string(nth));
-      EXPECT_EQ(process.new_handles(), 0u);
-    }
-  }
-}
-
 std::vector<std::string> KeypadTest::Changes() {
   std::vector<std::string> changes;
   for (const sim::JournalEntry& entry : device.journal().entries()) {

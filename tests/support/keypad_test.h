@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,10 +40,6 @@ class KeypadTest : public DeviceTest {
   }
   // Of a call that succeeds.
   DWORD Get(LONG button);
-  // Runs a body as often as it makes calls of the platform that can fail, each time with another of
-  // them failing. `arrange` goes before each run and `check` after it.
-  void ForEachFailingCall(const std::function<void()>& arrange, const std::function<void()>& body,
-                          const std::function<void(const std::string& call)>& check);
   // All that was written, flushed and signalled.
   [[nodiscard]] std::vector<std::string> Changes();
 

@@ -156,17 +156,15 @@ BOOL CryptGetHashParam(HCRYPTHASH handle, DWORD parameter, BYTE* data, DWORD* by
 
 BOOL CryptDestroyHash(HCRYPTHASH handle) {
   Call call(CallId::CryptDestroyHash);
-  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
   if (sim::FindHash(call, handle) == nullptr) return FALSE;
   call.kernel().handles.Close(handle);
-  return TRUE;
+  return sim::Finish(call, call.fault());
 }
 
 BOOL CryptReleaseContext(HCRYPTPROV provider, DWORD flags) {
   Call call(CallId::CryptReleaseContext);
-  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
   if (sim::Find<sim::CryptContext>(call, provider) == nullptr) return FALSE;
   if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
   call.kernel().handles.Close(provider);
-  return TRUE;
+  return sim::Finish(call, call.fault());
 }

@@ -180,7 +180,6 @@ DWORD GetFileAttributesW(LPCWSTR name) {
 
 BOOL CloseHandle(HANDLE handle) {
   Call call(CallId::CloseHandle);
-  if (call.fault() != 0) return sim::Refuse(call, call.fault());
   const auto object = call.FindObject(handle);
   if (object == nullptr) return FALSE;
   if (sim::HasOwnClose(object->kind())) {
@@ -188,5 +187,5 @@ BOOL CloseHandle(HANDLE handle) {
     return sim::Refuse(call, ERROR_INVALID_HANDLE);
   }
   call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(handle));
-  return TRUE;
+  return call.fault() == 0 ? TRUE : sim::Refuse(call, call.fault());
 }

@@ -106,11 +106,11 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD /*reserved*/, LPWSTR /*key_cl
 
 LONG RegCloseKey(HKEY key) {
   Call call(CallId::RegCloseKey);
-  if (call.fault() != 0) return call.Fail(call.fault());
-  if (sim::IsRoot(key)) return ERROR_SUCCESS;
-  if (call.Find<sim::KeyObject>(key) == nullptr) return ERROR_INVALID_HANDLE;
-  call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(key));
-  return ERROR_SUCCESS;
+  if (!sim::IsRoot(key)) {
+    if (call.Find<sim::KeyObject>(key) == nullptr) return ERROR_INVALID_HANDLE;
+    call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(key));
+  }
+  return sim::Finish(call, call.fault());
 }
 
 LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type, LPBYTE data,

@@ -46,13 +46,12 @@ HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES /*security*/, BOOL initial_owner, LPCW
 
 BOOL ReleaseMutex(HANDLE handle) {
   Call call(CallId::ReleaseMutex);
-  if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
   const auto mutex = call.Find<sim::Mutex>(handle);
   if (mutex == nullptr) return FALSE;
   if (!mutex->Release(call.thread())) return call.Fail(ERROR_NOT_OWNER, FALSE);
   sim::LogMutex(call, *mutex, "released");
   mutex->ServeWaiters(call.kernel().scheduler);
-  return TRUE;
+  return call.fault() == 0 ? TRUE : call.Fail(call.fault(), FALSE);
 }
 
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES /*security*/, BOOL manual_reset, BOOL initial_state,
@@ -87,6 +86,7 @@ BOOL EventModify(HANDLE handle, DWORD action) {
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD timeout_ms) {
   Call call(CallId::WaitForSingleObject);
+  if (call.fault() == LONG{WAIT_TIMEOUT}) return WAIT_TIMEOUT;
   if (call.fault() != 0) return call.Fail(call.fault(), WAIT_FAILED);
   const auto object = call.FindObject(handle);
   if (object == nullptr) return WAIT_FAILED;

@@ -10,6 +10,9 @@ class Accelerometer : public Driver {
  public:
   Accelerometer() : Driver("ISL0:") {}
 
+  [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
+    return std::make_shared<Accelerometer>(*this);
+  }
   [[nodiscard]] std::string_view CodeName(std::uint32_t /*code*/) const override { return {}; }
   std::uint32_t Control(DriverRequest& /*request*/) override {
     constexpr std::uint32_t kNotSupported = 50;

@@ -21,6 +21,9 @@ class ConfigurationDriver : public Driver {
   [[nodiscard]] std::optional<std::uint8_t> set_option() const { return set_option_; }
   void set_boot_option(std::uint8_t option) { set_option_ = option; }
 
+  [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
+    return std::make_shared<ConfigurationDriver>(*this);
+  }
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
   [[nodiscard]] bool TakesValueInSize(std::uint32_t code) const override {
     return code == kSetBootOption;

@@ -3,6 +3,7 @@
 #define PLATFORM_SIM_HARDWARE_DRIVER_H_
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,8 +30,10 @@ class Driver {
   explicit Driver(std::string name, DriverUsers users = DriverUsers::kMany)
       : name_(std::move(name)), users_(users) {}
   virtual ~Driver() = default;
-  Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
+
+  // A driver in the same state that nobody has open.
+  [[nodiscard]] virtual std::shared_ptr<Driver> Clone() const = 0;
 
   [[nodiscard]] const std::string& name() const { return name_; }
   [[nodiscard]] DriverUsers users() const { return users_; }
@@ -55,6 +58,9 @@ class Driver {
   virtual std::uint32_t Control(DriverRequest& request) = 0;
   // The device restarts: what does not outlive that is as after power-up.
   virtual void Restart() {}
+
+ protected:
+  Driver(const Driver& other) : name_(other.name_), users_(other.users_) {}
 
  private:
   std::string name_;

@@ -45,6 +45,9 @@ class OneWireBus : public Driver {
   // A number that the driver gives in place of that of its devices.
   void set_reported_count(std::uint32_t count) { reported_count_ = count; }
 
+  [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
+    return std::make_shared<OneWireBus>(*this);
+  }
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
   std::uint32_t Control(DriverRequest& request) override;
 

@@ -36,6 +36,9 @@ class ScanDriver : public Driver {
   [[nodiscard]] bool has_changed() const { return has_changed_; }
   void ChangeTo(const ScanEngineState& state);
 
+  [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
+    return std::make_shared<ScanDriver>(*this);
+  }
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
   [[nodiscard]] std::string Describe(const DriverRequest& request) const override;
   std::uint32_t Control(DriverRequest& request) override;

@@ -44,6 +44,9 @@ class UsbFunctionBus : public Driver {
   // As its author describes it; what has changed since is the simulator's to keep.
   [[nodiscard]] bool HasChanged() const;
 
+  [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
+    return std::make_shared<UsbFunctionBus>(*this);
+  }
   [[nodiscard]] std::string_view CodeName(std::uint32_t code) const override;
   [[nodiscard]] std::string Describe(const DriverRequest& request) const override;
   std::uint32_t Control(DriverRequest& request) override;

@@ -48,6 +48,7 @@ const Fault* Faults::Count(CallId id) {
                                                 : planned.seen == planned.fault.nth;
     if (now && due == nullptr) due = &planned.fault;
   }
+  if (due != nullptr) faulted_.push_back(id);
   return due;
 }
 

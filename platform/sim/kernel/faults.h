@@ -27,10 +27,15 @@ class Faults {
  public:
   // Throws std::invalid_argument for a name that is no platform call.
   void Plan(Fault fault);
-  void Clear() { plans_.clear(); }
+  void Clear() {
+    plans_.clear();
+    faulted_.clear();
+  }
 
   // Counts a call; the fault that it shall have, or nullptr.
   const Fault* Count(CallId id);
+  // Those that had one, in their order, since the plans were cleared.
+  [[nodiscard]] const std::vector<CallId>& faulted() const { return faulted_; }
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
   [[nodiscard]] unsigned calls() const { return total_; }
 
@@ -41,6 +46,7 @@ class Faults {
     unsigned seen = 0;
   };
   std::vector<Planned> plans_;
+  std::vector<CallId> faulted_;
   std::array<unsigned, static_cast<std::size_t>(CallId::kCount)> counts_{};
   unsigned total_ = 0;
 };

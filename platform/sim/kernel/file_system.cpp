@@ -56,6 +56,15 @@ SplitPath Split(std::string_view path) {
   return {path.substr(0, name), path.substr(name)};
 }
 
+std::shared_ptr<FileNode> CopyOf(const FileNode& node) {
+  auto copy = std::make_shared<FileNode>();
+  copy->name = node.name;
+  copy->is_folder = node.is_folder;
+  copy->data = node.data;
+  for (const auto& child : node.children) copy->children.push_back(CopyOf(*child));
+  return copy;
+}
+
 }  // namespace
 
 FileSystem::FileSystem() : root_(std::make_shared<FileNode>()) {
@@ -115,6 +124,10 @@ void FileSystem::Write(std::string_view path, std::string_view text) {
 const std::vector<std::uint8_t>* FileSystem::Read(std::string_view path) const {
   const std::shared_ptr<FileNode> file = Find(path);
   return file && !file->is_folder ? &file->data : nullptr;
+}
+
+void FileSystem::CopyFrom(const FileSystem& other) {
+  root_ = CopyOf(*other.root_);
 }
 
 }  // namespace sim

@@ -48,6 +48,8 @@ class FileSystem {
   void Write(std::string_view path, std::vector<std::uint8_t> data);
   void Write(std::string_view path, std::string_view text);
   [[nodiscard]] const std::vector<std::uint8_t>* Read(std::string_view path) const;
+  // Takes over all folders and files of another file system; nobody has them open.
+  void CopyFrom(const FileSystem& other);
 
  private:
   std::shared_ptr<FileNode> root_;

@@ -113,9 +113,14 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
     state_->modules.emplace(kOwnLibrary, 1);
   }
   if (library.empty()) library = DefaultLibrary();
-  state_->library = std::make_unique<LibraryCopy>(library, state_->id);
+  state_->library = std::make_unique<LibraryCopy>(library);
   BindExports(*state_);
-  CallEntry(*state_, DLL_PROCESS_ATTACH);
+  try {
+    CallEntry(*state_, DLL_PROCESS_ATTACH);
+  } catch (...) {
+    End();
+    throw;
+  }
   LogProcess(*state_, "attached");
   const Scheduler::Lock lock(kernel.mutex);
   state_->handles_at_start = kernel.handles.Count(state_->id);
@@ -210,6 +215,13 @@ unsigned Process::open_handles() const {
 
 unsigned Process::new_handles() const {
   return open_handles() - state_->handles_at_start;
+}
+
+unsigned Process::held_mutexes() const {
+  const Scheduler::Lock lock(state_->kernel.mutex);
+  std::size_t held = state_->main_thread->owned.size();
+  for (const auto& thread : state_->threads) held += thread->owned.size();
+  return static_cast<unsigned>(held);
 }
 
 unsigned Process::heap_blocks() const {

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,6 +15,7 @@
 #include <vector>
 
 #include "platform/sim/exports.h"
+#include "platform/sim/kernel/library_copy.h"
 #include "platform/sim/kernel/objects.h"
 #include "platform/sim/kernel/scheduler.h"
 
@@ -54,21 +54,6 @@ class ThreadState {
   std::thread host;
   std::exception_ptr failure;
   bool killed = false;
-};
-
-// A file of its own, loaded on its own: every process has its own statics of the library.
-class LibraryCopy {
- public:
-  LibraryCopy(const std::filesystem::path& library, std::uint32_t process_id);
-  ~LibraryCopy();
-  LibraryCopy(const LibraryCopy&) = delete;
-  LibraryCopy& operator=(const LibraryCopy&) = delete;
-  [[nodiscard]] void* Symbol(const char* name) const;
-  [[nodiscard]] bool Contains(const void* address) const;
-
- private:
-  std::filesystem::path path_;
-  void* module_;
 };
 
 // Where the library lies with which every process is made, and its name among the modules.

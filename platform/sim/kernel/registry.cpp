@@ -129,6 +129,14 @@ void RegistryKey::Detach() {
   values_.clear();
 }
 
+std::shared_ptr<RegistryKey> RegistryKey::CopyBelow(RegistryKey* parent) const {
+  auto copy = std::make_shared<RegistryKey>(name_, parent);
+  copy->values_ = values_;
+  copy->keys_.reserve(keys_.size());
+  for (const auto& key : keys_) copy->keys_.push_back(key->CopyBelow(copy.get()));
+  return copy;
+}
+
 unsigned RegistryKey::Depth() const {
   unsigned depth = 0;
   for (const RegistryKey* key = parent_; key != nullptr; key = key->parent_) ++depth;
@@ -254,6 +262,12 @@ bool Registry::RemoveTree(std::string_view full_path) {
   std::u16string_view path = text;
   const std::shared_ptr<RegistryKey> from = TakeRoot(path);
   return from && RemoveTree(from, path);
+}
+
+void Registry::CopyFrom(const Registry& other) {
+  for (std::size_t root = 0; root < roots_.size(); ++root) {
+    roots_.at(root) = other.roots_.at(root)->CopyBelow(nullptr);
+  }
 }
 
 }  // namespace sim

@@ -55,6 +55,7 @@ class RegistryKey {
   friend class Registry;
   void Detach();  // marks it and all below it deleted
   [[nodiscard]] unsigned Depth() const;
+  [[nodiscard]] std::shared_ptr<RegistryKey> CopyBelow(RegistryKey* parent) const;
 
   std::u16string name_;
   RegistryKey* parent_;
@@ -109,6 +110,8 @@ class Registry {
   [[nodiscard]] std::optional<std::string> GetString(std::string_view full_path,
                                                      std::string_view name) const;
   bool RemoveTree(std::string_view full_path);
+  // Takes over all keys and values of another registry.
+  void CopyFrom(const Registry& other);
 
  private:
   std::array<std::shared_ptr<RegistryKey>, 4> roots_;

@@ -1,0 +1,141 @@
+#include "platform/sim/kernel/library_copy.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+#include <link.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <span>
+#include <stdexcept>
+#include <string_view>
+
+#include "platform/sim/kernel/kernel.h"
+
+namespace sim {
+namespace {
+
+// Unique on the host, whatever devices and test runs there are beside this one.
+std::filesystem::path CopyPath() {
+  static std::atomic<unsigned> copies = 0;
+  return std::filesystem::temp_directory_path() /
+         fmt::format("DVLORQPAL.{}.{}.so", getpid(), copies++);
+}
+
+// Copies that no process has just now, by the library's path.
+struct IdleCopies {
+  std::mutex mutex;
+  std::map<std::filesystem::path, std::vector<std::unique_ptr<LoadedLibrary>>> by_library;
+};
+
+IdleCopies& Idle() {
+  static IdleCopies idle;
+  return idle;
+}
+
+std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) {
+  {
+    const std::lock_guard lock(Idle().mutex);
+    auto& idle = Idle().by_library[library];
+    if (!idle.empty()) {
+      std::unique_ptr<LoadedLibrary> taken = std::move(idle.back());
+      idle.pop_back();
+      return taken;
+    }
+  }
+  return std::make_unique<LoadedLibrary>(library);
+}
+
+struct AddressRange {
+  std::uintptr_t begin = 0;
+  std::uintptr_t end = 0;
+};
+
+struct Search {
+  std::string_view path;
+  AddressRange writable;
+};
+
+// The part of a library's data that stays writable once it is relocated.
+int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
+  auto& search = *static_cast<Search*>(argument);
+  if (search.path != info->dlpi_name) return 0;
+  std::uintptr_t protected_end = 0;
+  for (const ElfW(Phdr) & header : std::span(info->dlpi_phdr, info->dlpi_phnum)) {
+    const std::uintptr_t begin = info->dlpi_addr + header.p_vaddr;
+    if (header.p_type == PT_LOAD && (header.p_flags & PF_W) != 0) {
+      search.writable = {begin, begin + header.p_memsz};
+    }
+    if (header.p_type == PT_GNU_RELRO) {
+      const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+      protected_end = (begin + header.p_memsz) / page * page;
+    }
+  }
+  search.writable.begin = std::max(search.writable.begin, protected_end);
+  return 1;
+}
+
+}  // namespace
+
+LoadedLibrary::LoadedLibrary(const std::filesystem::path& library)
+    : path_(CopyPath()), module_(nullptr) {
+  std::filesystem::copy_file(library, path_, std::filesystem::copy_options::overwrite_existing);
+  module_ = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (module_ == nullptr) {
+    const std::string reason = dlerror();
+    std::filesystem::remove(path_);
+    throw std::runtime_error("cannot load the library: " + reason);
+  }
+  KeepWritableData();
+}
+
+LoadedLibrary::~LoadedLibrary() {
+  dlclose(module_);
+  std::error_code ignored;
+  std::filesystem::remove(path_, ignored);
+}
+
+void* LoadedLibrary::Symbol(const char* name) const {
+  return dlsym(module_, name);
+}
+
+bool LoadedLibrary::Contains(const void* address) const {
+  Dl_info info{};
+  return dladdr(address, &info) != 0 && path_ == info.dli_fname;
+}
+
+// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
+// which it would take for overruns.
+[[gnu::no_sanitize_address]] void LoadedLibrary::KeepWritableData() {
+  Search search{path_.native(), {}};
+  dl_iterate_phdr(&FindWritable, &search);
+  writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
+  at_first_.resize(search.writable.end - search.writable.begin);
+  for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
+}
+
+[[gnu::no_sanitize_address]] void LoadedLibrary::Reset() {
+  for (std::size_t at = 0; at < at_first_.size(); ++at) writable_[at] = at_first_[at];
+}
+
+LibraryCopy::LibraryCopy(const std::filesystem::path& library)
+    : library_(library), loaded_(TakeOrLoad(library)) {}
+
+LibraryCopy::~LibraryCopy() {
+  loaded_->Reset();
+  const std::lock_guard lock(Idle().mutex);
+  Idle().by_library[library_].push_back(std::move(loaded_));
+}
+
+std::filesystem::path DefaultLibrary() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&DefaultLibrary), &info) == 0) {
+    throw std::runtime_error("cannot tell where the simulator's library lies");
+  }
+  return std::filesystem::path(info.dli_fname).parent_path() / "DVLORQPAL.so";
+}
+
+}  // namespace sim
