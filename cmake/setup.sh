@@ -4,13 +4,14 @@ packages=(
   libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libbenchmark-dev libssl-dev libedit-dev
 )
 
-missing=()
-for package in "${packages[@]}"; do
-  dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
-    grep --quiet '^installed$' || missing+=("$package")
-done
-
-if [ ${#missing[@]} -gt 0 ]; then
+# install_packages PACKAGE...: those that are not there yet.
+install_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
+      grep --quiet '^installed$' || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
   if [ "$(id -u)" -ne 0 ]; then
     echo "Missing packages; as root: apt-get install ${missing[*]}" >&2
     exit 2
@@ -19,7 +20,8 @@ if [ ${#missing[@]} -gt 0 ]; then
   export DEBIAN_FRONTEND=noninteractive
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
+}
+install_packages "${packages[@]}"
 
 # build PRESET [TARGET...]: configures where need be, builds, and is silent unless it fails.
 build() {

@@ -31,8 +31,9 @@ void NKDbgPrintfW(LPCWSTR format, ...) {
 }
 
 // The library's own allocations: its malloc and free are linked to these, the host's are left
-// alone.
+// alone. So are those of the runtime that comes with a build for coverage, in no thread of a device.
 extern "C" void* __wrap_malloc(size_t bytes) {
+  if (sim::CurrentThread() == nullptr) return std::malloc(bytes);
   Call call(CallId::malloc);
   if (call.fault() != 0) return nullptr;
   void* block = std::malloc(bytes);
@@ -42,6 +43,7 @@ extern "C" void* __wrap_malloc(size_t bytes) {
 
 extern "C" void __wrap_free(void* block) {
   if (block == nullptr) return;
+  if (sim::CurrentThread() == nullptr) return std::free(block);
   Call call(CallId::free);
   const auto held = call.process().heap.find(block);
   if (held == call.process().heap.end()) {

@@ -115,10 +115,18 @@ bool LoadedLibrary::Contains(const void* address) const {
   writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
   at_first_.resize(search.writable.end - search.writable.begin);
   for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
+  using Address = const void* (*)();
+  if (auto* const begin = reinterpret_cast<Address>(Symbol("CountersBegin"))) {
+    counters_begin_ = begin();
+    counters_end_ = reinterpret_cast<Address>(Symbol("CountersEnd"))();
+  }
 }
 
 [[gnu::no_sanitize_address]] void LoadedLibrary::Reset() {
-  for (std::size_t at = 0; at < at_first_.size(); ++at) writable_[at] = at_first_[at];
+  for (std::size_t at = 0; at < at_first_.size(); ++at) {
+    const volatile void* address = writable_ + at;
+    if (address < counters_begin_ || address >= counters_end_) writable_[at] = at_first_[at];
+  }
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)

@@ -29,6 +29,9 @@ class LoadedLibrary {
   void* module_;
   volatile std::uint8_t* writable_ = nullptr;
   std::vector<std::uint8_t> at_first_;
+  // What a build for coverage counts goes on from process to process.
+  const void* counters_begin_ = nullptr;
+  const void* counters_end_ = nullptr;
 };
 
 // Every process has its own statics of the library. Loading takes long, so that processes after one
