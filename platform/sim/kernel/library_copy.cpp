@@ -78,6 +78,13 @@ int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   return 1;
 }
 
+// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
+// which it would take for overruns.
+[[gnu::no_sanitize_address]] void CopyBytes(const volatile std::uint8_t* from, std::size_t count,
+                                            volatile std::uint8_t* to) {
+  for (std::size_t at = 0; at < count; ++at) to[at] = from[at];
+}
+
 }  // namespace
 
 LoadedLibrary::LoadedLibrary(const std::filesystem::path& library)
@@ -107,18 +114,16 @@ bool LoadedLibrary::Contains(const void* address) const {
   return dladdr(address, &info) != 0 && path_ == info.dli_fname;
 }
 
-// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
-// which it would take for overruns.
-[[gnu::no_sanitize_address]] void LoadedLibrary::KeepWritableData() {
+void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
   writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
   at_first_.resize(search.writable.end - search.writable.begin);
-  for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
+  CopyBytes(writable_, at_first_.size(), at_first_.data());
 }
 
-[[gnu::no_sanitize_address]] void LoadedLibrary::Reset() {
-  for (std::size_t at = 0; at < at_first_.size(); ++at) writable_[at] = at_first_[at];
+void LoadedLibrary::Reset() {
+  CopyBytes(at_first_.data(), at_first_.size(), writable_);
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)
