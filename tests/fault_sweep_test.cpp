@@ -19,13 +19,15 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// What is done about a failed call fails too: one of so many calls behind it. Under the sanitizers,
-// which make each run many times longer, calls fail one at a time.
+// Under the sanitizers, which make each run many times longer, calls fail one at a time and with
+// one of their errors from then on.
 #ifdef SHORT_SWEEP
-constexpr unsigned kLaterCalls = 0;
+constexpr bool kIsShort = true;
 #else
-constexpr unsigned kLaterCalls = 24;
+constexpr bool kIsShort = false;
 #endif
+// What is done about a failed call fails too: one of so many calls behind it.
+constexpr unsigned kLaterCalls = kIsShort ? 0 : 24;
 
 constexpr std::uint32_t kMissing = 2;    // ERROR_FILE_NOT_FOUND
 constexpr std::uint32_t kAnyError = 31;  // ERROR_GEN_FAILURE: what a call can always give
@@ -74,6 +76,7 @@ std::vector<std::uint32_t> ErrorsOf(std::string_view call) {
   if (row == kCallErrors.end()) return errors;
   std::ranges::copy_if(row->errors, std::back_inserter(errors),
                        [](std::uint32_t error) { return error != 0; });
+  if (kIsShort) errors = {errors.back()};
   return errors;
 }
 
@@ -245,7 +248,7 @@ class FaultSweep {
       if (first.empty()) return;
       if (std::ranges::count(kCannotFail, first.front()) != 0) continue;
       for (const std::uint32_t error : ErrorsOf(first.front())) {
-        if (error != kAnyError) RunWith({{.nth = nth, .error = error}});
+        if (error != kAnyError && !kIsShort) RunWith({{.nth = nth, .error = error}});
         RunWith({{.nth = nth, .from_then_on = true, .error = error}});
       }
       for (unsigned later = nth + 1; later <= nth + kLaterCalls; ++later) {
@@ -389,7 +392,7 @@ TEST(RestartSweep, a_refused_restart_leaves_a_device_that_goes_on) {
   faults.Run();
   KillSweep kills(row);
   kills.Run();
-  EXPECT_GE(faults.runs(), 8u);
+  EXPECT_GE(faults.runs(), 5u);
   EXPECT_EQ(kills.runs(), 2u);
 }
 

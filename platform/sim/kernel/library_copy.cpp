@@ -78,6 +78,13 @@ int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   return 1;
 }
 
+// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
+// which it would take for overruns.
+[[gnu::no_sanitize_address]] void CopyBytes(const volatile std::uint8_t* from, std::size_t count,
+                                            volatile std::uint8_t* to) {
+  for (std::size_t at = 0; at < count; ++at) to[at] = from[at];
+}
+
 }  // namespace
 
 LoadedLibrary::LoadedLibrary(const std::filesystem::path& library)
@@ -107,26 +114,24 @@ bool LoadedLibrary::Contains(const void* address) const {
   return dladdr(address, &info) != 0 && path_ == info.dli_fname;
 }
 
-// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
-// which it would take for overruns.
-[[gnu::no_sanitize_address]] void LoadedLibrary::KeepWritableData() {
+void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
   writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
   at_first_.resize(search.writable.end - search.writable.begin);
-  for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
-  using Address = const void* (*)();
+  CopyBytes(writable_, at_first_.size(), at_first_.data());
+  using Address = volatile std::uint8_t* (*)();
   if (auto* const begin = reinterpret_cast<Address>(Symbol("CountersBegin"))) {
-    counters_begin_ = begin();
-    counters_end_ = reinterpret_cast<Address>(Symbol("CountersEnd"))();
+    auto* const end = reinterpret_cast<Address>(Symbol("CountersEnd"));
+    counters_ = begin();
+    counted_.resize(static_cast<std::size_t>(end() - begin()));
   }
 }
 
-[[gnu::no_sanitize_address]] void LoadedLibrary::Reset() {
-  for (std::size_t at = 0; at < at_first_.size(); ++at) {
-    const volatile void* address = writable_ + at;
-    if (address < counters_begin_ || address >= counters_end_) writable_[at] = at_first_[at];
-  }
+void LoadedLibrary::Reset() {
+  CopyBytes(counters_, counted_.size(), counted_.data());
+  CopyBytes(at_first_.data(), at_first_.size(), writable_);
+  CopyBytes(counted_.data(), counted_.size(), counters_);
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)

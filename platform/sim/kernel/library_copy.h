@@ -30,8 +30,8 @@ class LoadedLibrary {
   volatile std::uint8_t* writable_ = nullptr;
   std::vector<std::uint8_t> at_first_;
   // What a build for coverage counts goes on from process to process.
-  const void* counters_begin_ = nullptr;
-  const void* counters_end_ = nullptr;
+  volatile std::uint8_t* counters_ = nullptr;
+  std::vector<std::uint8_t> counted_;
 };
 
 // Every process has its own statics of the library. Loading takes long, so that processes after one
