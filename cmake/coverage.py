@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 build, root = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
-HOST_FOLDERS = {"platform", "tools", "tests", "bench", "build"}
+OTHER_FOLDERS = {"platform", "tools", "tests", "bench", "build", "include"}
 
 
 def tool(name):
@@ -34,7 +34,7 @@ folders = collections.defaultdict(lambda: [0, 0, 0, 0])
 rest = []
 for file in json.loads(exported)["data"][0]["files"]:
     name = (build / file["filename"]).resolve()
-    if root not in name.parents or name.relative_to(root).parts[0] in HOST_FOLDERS:
+    if root not in name.parents or name.relative_to(root).parts[0] in OTHER_FOLDERS:
         continue
     name = name.relative_to(root)
     lines, text = file["summary"]["lines"], (root / name).read_text().splitlines()
