@@ -20,10 +20,13 @@ constexpr const char* kVersionExport = "PALVER_LogVersion";
 using Path = std::array<WCHAR, MAX_PATH>;
 
 template <typename... Arguments>
-void Trace(pal::Severity severity, pal::TraceSource::Format<Arguments...> format,
-           Arguments... arguments) {
-  PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
-                pal::VariadicTraceArgument(arguments)...);
+void Trace([[maybe_unused]] pal::Severity severity,
+           [[maybe_unused]] pal::TraceSource::Format<Arguments...> format,
+           [[maybe_unused]] Arguments... arguments) {
+  if constexpr (pal::kTraceLines) {
+    PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
+                  pal::VariadicTraceArgument(arguments)...);
+  }
 }
 
 // Null where the provider has no such export.
