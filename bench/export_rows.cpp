@@ -60,6 +60,20 @@ void WriteConfigStore(Subject& subject) {
   subject.device().files().Write("\\ConfigStore\\dcecfg", bytes);
 }
 
+// The entry's two reasons.
+void MeasureAttach(Subject& subject, Answer& /*answer*/) {
+  subject.Attach();
+}
+void MeasureDetach(Subject& subject, Answer& /*answer*/) {
+  subject.Detach();
+}
+void Detach(Subject& subject) {
+  subject.Detach();
+}
+void Attach(Subject& subject) {
+  subject.Attach();
+}
+
 // The arguments may take the answer's members.
 #define CALL(name, ...)                                                                      \
   #name, [](Subject& subject, [[maybe_unused]] Answer& answer) {                       \
@@ -67,6 +81,8 @@ void WriteConfigStore(Subject& subject) {
   }
 
 constexpr Row kRows[] = {
+    {"attach", &MeasureAttach, &Detach, &Detach, &Attach},
+    {"detach", &MeasureDetach, nullptr, &Attach},
     {CALL(DllRegisterServer)},
     {CALL(DllUnregisterServer)},
     {CALL(PALBEEPBadRead)},

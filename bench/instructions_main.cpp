@@ -99,7 +99,8 @@ void Count(const Row& row, Subject& subject, Build build) {
     CALLGRIND_TOGGLE_COLLECT;
     if (row.undo != nullptr) row.undo(subject);
   }
-  CALLGRIND_DUMP_STATS_AT(fmt::format("{} {}", row.name, bench::NameOf(build)).c_str());
+  const std::string name = fmt::format("{} {}", row.name, bench::NameOf(build));
+  CALLGRIND_DUMP_STATS_AT(name.c_str());
 }
 
 Deed Measure(const Row& row, Subject& subject, Build build) {
