@@ -41,9 +41,8 @@ void Measure(benchmark::State& state, const Row& row, bench::Build build) {
   for (const Row& row : bench::Rows()) {
     for (const bench::Build build : bench::kBuilds) {
       const std::string name = std::string(row.name) + "/" + bench::NameOf(build);
-      benchmark::RegisterBenchmark(name.c_str(), [&row, build](benchmark::State& state) {
-        Measure(state, row, build);
-      });
+      benchmark::RegisterBenchmark(
+          name.c_str(), [&row, build](benchmark::State& state) { Measure(state, row, build); });
     }
   }
   return true;

@@ -20,9 +20,9 @@ DWORD* SizeOf(DWORD& size, const Unit (&buffer)[kUnits]) {
 
 // What a row needs before its call, or behind it.
 
-#define RUN(function, export_call)    \
-  void function(Subject& subject) {   \
-    subject.pal().export_call;        \
+#define RUN(function, export_call)  \
+  void function(Subject& subject) { \
+    subject.pal().export_call;      \
   }
 RUN(InitBeeper, PALBEEPInit.address()())
 RUN(EndBeeper, PALBEEPTerm.address()())
@@ -54,7 +54,9 @@ void WriteRegistryFile(Subject& subject) {
 void WriteConfigStore(Subject& subject) {
   std::vector<std::uint8_t> bytes{0xBB};
   for (std::uint8_t index = 0; index < 9; ++index) bytes.insert(bytes.end(), {index, 100, 0});
-  constexpr char kEntry[] = "\xAB" "DCEDriver:ReadTimeout\0\x88\x13";
+  constexpr char kEntry[] =
+      "\xAB"
+      "DCEDriver:ReadTimeout\0\x88\x13";
   bytes.insert(bytes.end(), kEntry, kEntry + sizeof(kEntry) - 1);
   bytes.push_back(0xFF);
   subject.device().files().Write("\\ConfigStore\\dcecfg", bytes);
@@ -75,8 +77,8 @@ void Attach(Subject& subject) {
 }
 
 // The arguments may take the answer's members.
-#define CALL(name, ...)                                                                      \
-  #name, [](Subject& subject, [[maybe_unused]] Answer& answer) {                       \
+#define CALL(name, ...) \
+#name, [](Subject& subject, [[maybe_unused]] Answer& answer) {                       \
     answer.result = static_cast<std::uint32_t>(subject.pal().name.address()(__VA_ARGS__)); \
   }
 
@@ -199,8 +201,10 @@ constexpr Row kRows[] = {
     {CALL(PALStore_GetUsbHostMassStorageEnable, &answer.number)},
     {CALL(PALStore_SetUsbFuncDriver, 2)},
     {CALL(PALStore_SetUsbHostMassStorageEnable, FALSE), nullptr, &EnableUsbDisks},
-    {CALL(PALSysinfo_GetDeviceDetailA, PAL_DETAIL_QUALIFIED_SERIAL_NUMBER, answer.text, SizeOf(answer.number, answer.text))},
-    {CALL(PALSysinfo_GetDeviceDetailW, PAL_DETAIL_FACTORY_DATE_1, answer.wide, SizeOf(answer.number, answer.wide))},
+    {CALL(PALSysinfo_GetDeviceDetailA, PAL_DETAIL_QUALIFIED_SERIAL_NUMBER, answer.text,
+          SizeOf(answer.number, answer.text))},
+    {CALL(PALSysinfo_GetDeviceDetailW, PAL_DETAIL_FACTORY_DATE_1, answer.wide,
+          SizeOf(answer.number, answer.wide))},
     {CALL(PALSysinfo_GetEtherMACAddress, answer.wide)},
     {CALL(PALSysinfo_GetEtherMACAddressA, answer.text)},
     {CALL(PALSysinfo_GetEtherMACAddressW, answer.wide)},

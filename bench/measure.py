@@ -20,7 +20,7 @@ CALLS = 10  # of each row in a dump, as in instructions_main.cpp
 BUILDS = ("library", "untraced", "bare")
 ENTRY_ROWS = ("attach", "detach")
 # What the C runtime does for a library is its own work, wherever the code of it lies.
-RUNTIME = re.compile(r"_*(mem|str|wcs|mbs|wcsn?i)[a-z]*(_|$|')|_(str|wcs)n?icmp")
+RUNTIME = re.compile(r"_*(mem|str|wcs|mbs)[a-z0-9]*(_|\(|$|')")
 
 
 class Counts:

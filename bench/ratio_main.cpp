@@ -34,7 +34,8 @@ class RatioReporter : public benchmark::BenchmarkReporter {
       if (sides.contains("library") && sides.contains("bare")) lines.push_back(LineOf(name, sides));
     }
     std::ranges::sort(lines, std::greater<>(), &Line::ratio);
-    fmt::print("{:48} {:>12} {:>12} {:>12} {:>8}\n", "", "library", "no lines", "bare calls", "ratio");
+    fmt::print("{:48} {:>12} {:>12} {:>12} {:>8}\n", "", "library", "no lines", "bare calls",
+               "ratio");
     for (const Line& line : lines) {
       fmt::print("{:48} {:9.0f} ns {:9.0f} ns {:9.0f} ns {:8.2f}\n", line.name, line.library,
                  line.untraced, line.bare, line.ratio);

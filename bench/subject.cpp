@@ -74,9 +74,8 @@ Subject::Subject(Build build)
     : process_(Prepared(device_), "caller.exe", LibraryOf(build)),
       entry_(reinterpret_cast<Entry>(process_.Symbol("DllMain"))) {
   // Held once more, as a caller that links to it does, so that a detach and attach unload nothing.
-  process_.Run([this] {
-    module_ = LoadLibraryW(TEXT("\\Program Files\\Dravonel\\DVLORQPAL.dll"));
-  });
+  process_.Run(
+      [this] { module_ = LoadLibraryW(TEXT("\\Program Files\\Dravonel\\DVLORQPAL.dll")); });
 }
 
 }  // namespace bench

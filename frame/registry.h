@@ -59,8 +59,14 @@ namespace pal {
 
 // Both return the system error of the call; `key` holds the key on ERROR_SUCCESS and nothing
 // otherwise.
-[[nodiscard]] LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
-                                   UniqueRegistryKey& key);
+[[nodiscard]] inline LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
+                                          UniqueRegistryKey& key) {
+  HKEY opened = nullptr;
+  const LONG error = RegOpenKeyExW(root, path, 0, access, &opened);
+  key.Reset(error == ERROR_SUCCESS ? opened : nullptr);
+  return error;
+}
+
 // Creates the key where it does not exist.
 [[nodiscard]] LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key);
 

@@ -37,13 +37,17 @@ bool ReadActiveLayout(pal::LayoutPath& layout) {
 namespace pal {
 
 LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey) {
-  LayoutPath path = layout;
-  static_cast<void>(Append(path, subkey));  // there is room for it
+  const WideText base(layout.data(), Length<WCHAR>(layout));
+  LayoutPath path;
+  static_cast<void>(Copy(path, base));  // there is room for both
+  static_cast<void>(Copy(std::span(path).subspan(base.size()), subkey));
   return path;
 }
 
 LayoutPath EventsPath(const LayoutPath& layout, const WCHAR* events) {
-  return BelowLayout(BelowLayout(layout, TEXT("\\EVENTS\\")), events);
+  LayoutPath path = BelowLayout(layout, TEXT("\\EVENTS\\"));
+  static_cast<void>(Append(path, events));
+  return path;
 }
 
 LONG OpenKeypadKey(const WCHAR* path, UniqueRegistryKey& key) {

@@ -15,11 +15,11 @@ constexpr size_t kMostSerialCharacters = 11;
 
 HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) return pal::kInvalidInput;
-  char configuration[128] = {};
+  char configuration[128];
   DWORD configuration_length = sizeof(configuration);
   HRESULT result = PalGetHwConfig(configuration, &configuration_length);
   if (pal::Failed(result)) return result;
-  char number[512] = {};
+  char number[512];
   DWORD number_length = sizeof(number);
   result = PalGetSerialNum(number, &number_length);
   if (pal::Failed(result)) return result;

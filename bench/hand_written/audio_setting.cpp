@@ -18,8 +18,7 @@ HRESULT WriteTapVolume(const WCHAR* name, DWORD level) {
 HRESULT ReadTapVolume(const WCHAR* name, DWORD* level) {
   if (level == nullptr) return E_FAIL;
   DWORD stored = 0;
-  const HRESULT result =
-      ReadDword(HKEY_CURRENT_USER, TEXT("ControlPanel\\Volume"), name, &stored);
+  const HRESULT result = ReadDword(HKEY_CURRENT_USER, TEXT("ControlPanel\\Volume"), name, &stored);
   if (result < 0) return result;
   if (stored == 0x10002) stored = 2;
   if (stored == 0x10000) stored = 0;

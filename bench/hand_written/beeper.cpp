@@ -14,14 +14,14 @@ constexpr const WCHAR* kShell = TEXT("ControlPanel\\Volume");
 constexpr DWORD kPlayThrough = SND_FILENAME;
 constexpr DWORD kLoop = SND_FILENAME | SND_LOOP | SND_ASYNC;
 
-const WCHAR* const kVolumes[] = {TEXT("Off"),        TEXT("VeryLow"),    TEXT("Low"),
-                                 TEXT("Med"),        TEXT("High"),       TEXT("VeryHigh"),
-                                 TEXT("CurrentVol"), TEXT("DefaultVol"), TEXT("CurrentHeadset"),
+const WCHAR* const kVolumes[] = {TEXT("Off"),           TEXT("VeryLow"),    TEXT("Low"),
+                                 TEXT("Med"),           TEXT("High"),       TEXT("VeryHigh"),
+                                 TEXT("CurrentVol"),    TEXT("DefaultVol"), TEXT("CurrentHeadset"),
                                  TEXT("DefaultHeadset")};
-const WCHAR* const kGains[] = {TEXT("OffGain"),        TEXT("VeryLowGain"),  TEXT("LowGain"),
-                               TEXT("MedGain"),        TEXT("HighGain"),     TEXT("VeryHighGain"),
-                               TEXT("CurGain"),        TEXT("DefGain"),      TEXT("CurHeadsetGain"),
-                               TEXT("DefaultHeadsetGain")};
+const WCHAR* const kGains[] = {
+    TEXT("OffGain"),        TEXT("VeryLowGain"),       TEXT("LowGain"), TEXT("MedGain"),
+    TEXT("HighGain"),       TEXT("VeryHighGain"),      TEXT("CurGain"), TEXT("DefGain"),
+    TEXT("CurHeadsetGain"), TEXT("DefaultHeadsetGain")};
 const WCHAR* const kIndicatorNames[] = {TEXT("IntGRI"), TEXT("TethGRI"), TEXT("BTGRI"),
                                         TEXT("RFIDGRI")};
 constexpr DWORD kSpeaker = 6;
@@ -132,8 +132,7 @@ HRESULT Beep(int count, const WCHAR* name, DWORD flags) {
   DWORD volume = 0;
   DWORD gain = 0;
   const bool has_volume = waveOutGetVolume(nullptr, &volume) == 0;
-  const bool has_gain =
-      waveInMessage(nullptr, 0x114, 2, reinterpret_cast<uintptr_t>(&gain)) == 0;
+  const bool has_gain = waveInMessage(nullptr, 0x114, 2, reinterpret_cast<uintptr_t>(&gain)) == 0;
   if (has_volume && (flags == kLoop || is_volume_saved)) {
     saved_volume = volume;
     is_volume_saved = true;

@@ -73,9 +73,8 @@ DWORD StateOfPlugin(const char* name) {
   if (wide == nullptr) return PAL_CAPABILITY_ERROR;
   mbstowcs(wide, name, units);
   DWORD installed = 0;
-  const HRESULT result =
-      ReadDword(HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\PAL\\DeviceCapabilities"), wide,
-                &installed);
+  const HRESULT result = ReadDword(
+      HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\PAL\\DeviceCapabilities"), wide, &installed);
   free(wide);
   if (result < 0) return PAL_CAPABILITY_NOT_DETERMINED;
   return installed != 0 ? PAL_CAPABILITY_INSTALLED : PAL_CAPABILITY_NOT_INSTALLED;
@@ -115,9 +114,8 @@ DWORD PALAPI PALDevCap_EnabledA(const char* name) {
   if (_stricmp(name, "Wifi") == 0) return PAL_CAPABILITY_NOT_DETERMINED;
   if (_stricmp(name, "Bluetooth") == 0) return IsBluetoothEnabled();
   if (_stricmp(name, "InternalScanner") == 0) {
-    return PalSysinfo_IsIntScannerInstalled() == PAL_CAPABILITY_INSTALLED
-               ? PAL_CAPABILITY_ENABLED
-               : PAL_CAPABILITY_DISABLED;
+    return PalSysinfo_IsIntScannerInstalled() == PAL_CAPABILITY_INSTALLED ? PAL_CAPABILITY_ENABLED
+                                                                          : PAL_CAPABILITY_DISABLED;
   }
   if (_stricmp(name, "Vibrate") == 0) {
     return PALVIBIsInstalled() < 0 ? PAL_CAPABILITY_NOT_INSTALLED : PAL_CAPABILITY_ENABLED;
@@ -211,7 +209,8 @@ BOOL CallBus(HANDLE bus, DWORD code, DWORD index, DWORD bytes, OneWireRecord* re
 
 BOOL IsDock(HANDLE bus, DWORD index) {
   OneWireRecord record;
-  return CallBus(bus, 0x8010000C, index, 0, &record) && CallBus(bus, 0x80100014, index, 0, &record) &&
+  return CallBus(bus, 0x8010000C, index, 0, &record) &&
+         CallBus(bus, 0x80100014, index, 0, &record) &&
          CallBus(bus, 0x80100018, index, sizeof(record.memory), &record) &&
          memcmp(record.memory + 1, "871231", 6) == 0;
 }

@@ -146,8 +146,8 @@ HRESULT ImportOnce(HKEY store, const WCHAR* path, const WCHAR* name, DWORD sum) 
 
 // Of the families that files are meant for; a file of no family is for every device.
 bool IsForAll(const WCHAR* name) {
-  static const char* const tags[] = {"P8", "P7", "RM21", "RM18", "RMV", "RMx14", "RM13", "RM11",
-                                     "RM10"};
+  static const char* const tags[] = {"P8",    "P7",   "RM21", "RM18", "RMV",
+                                     "RMx14", "RM13", "RM11", "RM10"};
   char narrow[MAX_PATH];
   wcstombs(narrow, name, sizeof(narrow));
   for (const char* at = narrow; *at != 0; ++at) {
@@ -189,8 +189,8 @@ HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_nam
   memcpy(path, directory, folder * sizeof(WCHAR));
   path[folder] = '\\';
   memcpy(path + folder + 1, file_name, (units + 1) * sizeof(WCHAR));
-  HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                            nullptr);
+  HANDLE file =
+      CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   DWORD sum = 0;
   if (file != INVALID_HANDLE_VALUE) {
     sum = Sum(file);

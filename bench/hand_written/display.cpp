@@ -85,11 +85,20 @@ HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold) {
 HRESULT PALAPI PALDISPSetOrientation(LONG angle) {
   DWORD code = 0;
   switch (angle) {
-    case 0: code = DMDO_0; break;
-    case 90: code = DMDO_90; break;
-    case 180: code = DMDO_180; break;
-    case 270: code = DMDO_270; break;
-    default: return kBadAngle;
+    case 0:
+      code = DMDO_0;
+      break;
+    case 90:
+      code = DMDO_90;
+      break;
+    case 180:
+      code = DMDO_180;
+      break;
+    case 270:
+      code = DMDO_270;
+      break;
+    default:
+      return kBadAngle;
   }
   DEVMODEW mode;
   const DWORD start = GetTickCount();
@@ -108,10 +117,18 @@ HRESULT PALAPI PALDISPGetOrientation(LONG* angle) {
   DEVMODEW mode;
   if (ChangeOrientation(&mode, DMDO_0, CDS_TEST) != DISP_CHANGE_SUCCESSFUL) return E_FAIL;
   switch (mode.dmDisplayOrientation) {
-    case DMDO_90: *angle = 90; break;
-    case DMDO_180: *angle = 180; break;
-    case DMDO_270: *angle = 270; break;
-    default: *angle = 0; break;
+    case DMDO_90:
+      *angle = 90;
+      break;
+    case DMDO_180:
+      *angle = 180;
+      break;
+    case DMDO_270:
+      *angle = 270;
+      break;
+    default:
+      *angle = 0;
+      break;
   }
   return S_OK;
 }
@@ -126,8 +143,8 @@ HRESULT PALAPI PALDISPGetSIPDock(DWORD* style) {
 HRESULT PALAPI PALDISPSetSIPDock(DWORD style) {
   HKEY key = nullptr;
   DWORD disposition = 0;
-  LONG error = RegCreateKeyExW(HKEY_CURRENT_USER, kPanel, 0, nullptr, 0, 0, nullptr, &key,
-                               &disposition);
+  LONG error =
+      RegCreateKeyExW(HKEY_CURRENT_USER, kPanel, 0, nullptr, 0, 0, nullptr, &key, &disposition);
   if (error != ERROR_SUCCESS) return ResultOf(error);
   error = RegSetValueExW(key, TEXT("DragStyle"), 0, REG_DWORD,
                          reinterpret_cast<const BYTE*>(&style), sizeof(style));

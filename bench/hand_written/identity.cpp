@@ -274,9 +274,10 @@ HRESULT GiveOperatingSystem(Unit* name, Unit* version) {
 template <typename Unit>
 HRESULT GiveDetail(DWORD detail, Unit* buffer, DWORD* length) {
   static const Source sources[PAL_DEVICE_DETAIL_COUNT] = {
-      &Configuration,   &Serial,          &Model,    &DisplayModel, &Firmware,
-      &OperatingSystem, &OperatingSystemVersion, &FirstDate, &SecondDate, &QualifiedSerial,
-      &Ethernet};
+      &Configuration,          &Serial,    &Model,
+      &DisplayModel,           &Firmware,  &OperatingSystem,
+      &OperatingSystemVersion, &FirstDate, &SecondDate,
+      &QualifiedSerial,        &Ethernet};
   if (detail >= PAL_DEVICE_DETAIL_COUNT) return kInvalidInput;
   return sources[detail] == nullptr ? E_NOTIMPL : Give(sources[detail], buffer, length);
 }

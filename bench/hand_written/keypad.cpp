@@ -37,11 +37,13 @@ constexpr Button kButtons[] = {
 
 // By action; the third is the button's own.
 constexpr const WCHAR* kDeltas[] = {
-    TEXT("DeltaLeftScan"),   TEXT("DVL_RFID_TRIGGER_EVENT"), nullptr, TEXT("DeltaCameraScan"),
-    TEXT("DeltaFlashlight"), TEXT("DeltaWindowsDefault"),    TEXT("DeltaOEMTriggerEvent")};
+    TEXT("DeltaLeftScan"),       TEXT("DVL_RFID_TRIGGER_EVENT"), nullptr,
+    TEXT("DeltaCameraScan"),     TEXT("DeltaFlashlight"),        TEXT("DeltaWindowsDefault"),
+    TEXT("DeltaOEMTriggerEvent")};
 constexpr const WCHAR* kStates[] = {
-    TEXT("StateLeftScan"),   TEXT("DVL_RFID_TRIGGER_STATE"), nullptr, TEXT("StateCameraScan"),
-    TEXT("StateFlashlight"), TEXT("StateWindowsDefault"),    TEXT("StateOEMTriggerEvent")};
+    TEXT("StateLeftScan"),       TEXT("DVL_RFID_TRIGGER_STATE"), nullptr,
+    TEXT("StateCameraScan"),     TEXT("StateFlashlight"),        TEXT("StateWindowsDefault"),
+    TEXT("StateOEMTriggerEvent")};
 
 constinit bool initialised = false;
 
@@ -142,9 +144,9 @@ HRESULT TellDriver() {
   HANDLE event = CreateEventW(nullptr, FALSE, FALSE, TEXT("DVL_KEYBOARD_CHANGE_USB"));
   if (event == nullptr) return S_OK;
   HKEY driver = nullptr;
-  const LONG error = RegOpenKeyExW(HKEY_LOCAL_MACHINE,
-                                   TEXT("Drivers\\HID\\ClientDrivers\\DVLKeyboard"), 0,
-                                   KEY_QUERY_VALUE, &driver);
+  const LONG error =
+      RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Drivers\\HID\\ClientDrivers\\DVLKeyboard"), 0,
+                    KEY_QUERY_VALUE, &driver);
   if (error == ERROR_SUCCESS) {
     RegFlushKey(driver);
     RegCloseKey(driver);
@@ -172,8 +174,7 @@ HRESULT WriteAction(LONG number, DWORD action) {
   if (OpenBelow(layout, TEXT("\\EVENTS\\DELTA"), &delta) != ERROR_SUCCESS) return E_FAIL;
   DWORD current = 0;
   const HRESULT result = PALKEYGetButtonAction(number, &current);
-  const LONG error =
-      WriteEvent(delta, button, action == 2 ? button.reader_delta : kDeltas[action]);
+  const LONG error = WriteEvent(delta, button, action == 2 ? button.reader_delta : kDeltas[action]);
   RegCloseKey(delta);
   if (error != ERROR_SUCCESS || WriteState(button, layout, action) != S_OK) return E_FAIL;
   if (number != 0 && TellDriver() < 0) return E_FAIL;
@@ -192,8 +193,7 @@ LONG NextShiftKey(HKEY key, DWORD* index, WCHAR* name, BYTE* data) {
     DWORD units = 261;
     DWORD type = REG_NONE;
     DWORD bytes = 4;
-    const LONG error =
-        RegEnumValueW(key, (*index)++, name, &units, nullptr, &type, data, &bytes);
+    const LONG error = RegEnumValueW(key, (*index)++, name, &units, nullptr, &type, data, &bytes);
     if (error == ERROR_MORE_DATA) continue;
     if (error != ERROR_SUCCESS) return error;
     if (type == REG_BINARY && bytes == 4 && _wcsnicmp(name, TEXT("ShiftKey"), 8) == 0) {

@@ -14,29 +14,53 @@ constexpr HRESULT PolicyFailure(DWORD code) {
 // 254 for a code that stands for no type.
 DWORD TypeOf(DWORD code) {
   switch (code) {
-    case 0x00: return 255;
-    case 0x01: return 11;
-    case 0x02: return 15;
-    case 0x03: return 8;
-    case 0x04: return 16;
-    case 0x05: case 0x06: return 10;
-    case 0x07: return 27;
-    case 0x08: return 28;
-    case 0x09: return 30;
-    case 0x0A: return 31;
-    case 0x0C: return 34;
-    case 0x10: return 37;
-    case 0x11: return 38;
-    case 0x13: return 42;
-    case 0x16: return 47;
-    case 0x17: return 50;
-    case 0x18: return 51;
-    case 0x19: return 52;
-    case 0x1A: return 54;
-    case 0x1B: return 55;
-    case 0x1C: return 56;
-    case 0x1F: return 53;
-    default: return 254;
+    case 0x00:
+      return 255;
+    case 0x01:
+      return 11;
+    case 0x02:
+      return 15;
+    case 0x03:
+      return 8;
+    case 0x04:
+      return 16;
+    case 0x05:
+    case 0x06:
+      return 10;
+    case 0x07:
+      return 27;
+    case 0x08:
+      return 28;
+    case 0x09:
+      return 30;
+    case 0x0A:
+      return 31;
+    case 0x0C:
+      return 34;
+    case 0x10:
+      return 37;
+    case 0x11:
+      return 38;
+    case 0x13:
+      return 42;
+    case 0x16:
+      return 47;
+    case 0x17:
+      return 50;
+    case 0x18:
+      return 51;
+    case 0x19:
+      return 52;
+    case 0x1A:
+      return 54;
+    case 0x1B:
+      return 55;
+    case 0x1C:
+      return 56;
+    case 0x1F:
+      return 53;
+    default:
+      return 254;
   }
 }
 

@@ -70,8 +70,7 @@ void SetOwnModule(HMODULE module) {
 
 HRESULT PALAPI PALPWRInit() {
   if (reload_event != nullptr) return S_OK;
-  HANDLE reload =
-      CreateEventW(nullptr, FALSE, FALSE, TEXT("PowerManager/ReloadActivityTimeouts"));
+  HANDLE reload = CreateEventW(nullptr, FALSE, FALSE, TEXT("PowerManager/ReloadActivityTimeouts"));
   if (reload == nullptr) return EventFailure(GetLastError());
   HANDLE backlight = CreateEventW(nullptr, FALSE, FALSE, TEXT("BackLightChangeEvent"));
   if (backlight == nullptr) {
@@ -95,7 +94,17 @@ HRESULT PALAPI PALPWRTerm() {
 
 HRESULT PALAPI PALPWRSetDeviceOff_Batt(DWORD minutes) {
   switch (minutes) {
-    case 0: case 1: case 2: case 3: case 4: case 5: case 6: case 10: case 11: case 15: case 30:
+    case 0:
+    case 1:
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 10:
+    case 11:
+    case 15:
+    case 30:
       return WriteDeviceOff(TEXT("BattSuspendTimeout"), minutes);
     default:
       return kInvalidInput;
@@ -104,7 +113,15 @@ HRESULT PALAPI PALPWRSetDeviceOff_Batt(DWORD minutes) {
 
 HRESULT PALAPI PALPWRSetDeviceOff_ExtPwr(DWORD minutes) {
   switch (minutes) {
-    case 0: case 1: case 2: case 5: case 6: case 10: case 11: case 15: case 30:
+    case 0:
+    case 1:
+    case 2:
+    case 5:
+    case 6:
+    case 10:
+    case 11:
+    case 15:
+    case 30:
       return WriteDeviceOff(TEXT("ACSuspendTimeout"), minutes);
     default:
       return kInvalidInput;
@@ -121,7 +138,14 @@ HRESULT PALAPI PALPWRGetDeviceOff_ExtPwr(DWORD* minutes) {
 
 HRESULT PALAPI PALPWRSetScreenOff_Batt(LONG seconds) {
   switch (seconds) {
-    case 0: case 60: case 120: case 180: case 240: case 300: case 360: case 660:
+    case 0:
+    case 60:
+    case 120:
+    case 180:
+    case 240:
+    case 300:
+    case 360:
+    case 660:
       return WriteScreenOff(TEXT("BattUserIdle"), static_cast<DWORD>(seconds));
     default:
       return S_OK;
@@ -130,8 +154,18 @@ HRESULT PALAPI PALPWRSetScreenOff_Batt(LONG seconds) {
 
 HRESULT PALAPI PALPWRSetScreenOff_ExtPwr(LONG seconds) {
   switch (seconds) {
-    case 0: case 60: case 120: case 121: case 180: case 240: case 300: case 360: case 600:
-    case 660: case 900: case 1800:
+    case 0:
+    case 60:
+    case 120:
+    case 121:
+    case 180:
+    case 240:
+    case 300:
+    case 360:
+    case 600:
+    case 660:
+    case 900:
+    case 1800:
       return WriteScreenOff(TEXT("ACUserIdle"), static_cast<DWORD>(seconds));
     default:
       return S_OK;
@@ -181,13 +215,26 @@ HRESULT PALAPI PALPWRGetPwrButton(DWORD* option) {
   const HRESULT result = ReadDword(HKEY_LOCAL_MACHINE, kPowerButton, kPowerButtonValue, &code);
   if (result < 0) return result;
   switch (code) {
-    case 0: *option = 0; break;
-    case 0x01000000: *option = 1; break;
-    case 0x00200000: *option = 2; break;
-    case 0x00040000: *option = 3; break;
-    case 0x00800000: *option = 4; break;
-    case 0x00020000: *option = 5; break;
-    default: return E_FAIL;
+    case 0:
+      *option = 0;
+      break;
+    case 0x01000000:
+      *option = 1;
+      break;
+    case 0x00200000:
+      *option = 2;
+      break;
+    case 0x00040000:
+      *option = 3;
+      break;
+    case 0x00800000:
+      *option = 4;
+      break;
+    case 0x00020000:
+      *option = 5;
+      break;
+    default:
+      return E_FAIL;
   }
   return result;
 }

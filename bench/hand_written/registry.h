@@ -5,7 +5,8 @@
 #include "platform/wince.h"
 
 inline HRESULT ResultOf(LONG error) {
-  return error <= 0 ? error : static_cast<HRESULT>(0x80070000U | (static_cast<DWORD>(error) & 0xFFFFU));
+  return error <= 0 ? error
+                    : static_cast<HRESULT>(0x80070000U | (static_cast<DWORD>(error) & 0xFFFFU));
 }
 inline HRESULT ResultOfLastError() {
   return ResultOf(static_cast<LONG>(GetLastError()));

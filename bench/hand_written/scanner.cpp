@@ -77,10 +77,14 @@ HRESULT PALAPI PALSysio_SetScanFlashEnable(BOOL download_enable) {
 
 HRESULT PALAPI PALSysio_ControlScanPower(PAL_SCAN_POWER_CONTROL_E mode) {
   switch (mode) {
-    case PAL_SCANNER_POWER_DOWN: return SetPowerAndEnable(FALSE);
-    case PAL_SCANNER_POWER_UP: return is_power_on ? Send(kSetEnable, TRUE) : SetPowerAndEnable(TRUE);
-    case PAL_SCANNER_IDLE: return Send(kSetEnable, FALSE);
-    default: return E_FAIL;
+    case PAL_SCANNER_POWER_DOWN:
+      return SetPowerAndEnable(FALSE);
+    case PAL_SCANNER_POWER_UP:
+      return is_power_on ? Send(kSetEnable, TRUE) : SetPowerAndEnable(TRUE);
+    case PAL_SCANNER_IDLE:
+      return Send(kSetEnable, FALSE);
+    default:
+      return E_FAIL;
   }
 }
 

@@ -123,8 +123,7 @@ bool AsksForPassword(const WCHAR* path) {
 
 HRESULT SetProgram(const WCHAR* path, const WCHAR* program) {
   HKEY key = nullptr;
-  LONG error =
-      RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_QUERY_VALUE | KEY_SET_VALUE, &key);
+  LONG error = RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_QUERY_VALUE | KEY_SET_VALUE, &key);
   if (error != ERROR_SUCCESS) return ResultOf(error);
   WCHAR text[256];
   DWORD type = 0;

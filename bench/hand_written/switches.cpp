@@ -39,7 +39,8 @@ HRESULT Select(const WCHAR* client, DWORD code) {
   return done != FALSE ? S_OK : kSelectFailed;
 }
 
-// The first driver with a text "Dll", or the error of the walk; ERROR_NO_MORE_ITEMS behind the last.
+// The first driver with a text "Dll", or the error of the walk; ERROR_NO_MORE_ITEMS behind the
+// last.
 template <typename Visit>
 LONG VisitDrivers(Visit visit) {
   HKEY drivers = nullptr;
