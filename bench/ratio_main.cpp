@@ -69,7 +69,7 @@ class RatioReporter : public benchmark::BenchmarkReporter {
 int main(int argc, char** argv) {
   // Repetitions of the two sides take turns, so that both see the same disturbances.
   std::vector<char*> arguments(argv, argv + argc);
-  std::string repetitions = "--benchmark_repetitions=7";
+  std::string repetitions = "--benchmark_repetitions=15";
   std::string interleaving = "--benchmark_enable_random_interleaving=true";
   std::string time = "--benchmark_min_time=0.004";
   for (std::string* option : {&repetitions, &interleaving, &time}) {

@@ -234,10 +234,7 @@ HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state) {
                  guard.wait_result());
     return guard.wait_result();
   }
-  DWORD stored = 0;
-  const HRESULT result = ReadState(kScanTypes[scan_type].state, stored);
-  if (pal::Succeeded(result)) *state = stored;
-  return result;
+  return ReadState(kScanTypes[scan_type].state, *state);
 }
 
 HRESULT PALAPI PALLEDIsGrLedOn() {

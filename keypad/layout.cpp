@@ -44,12 +44,6 @@ LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey) {
   return path;
 }
 
-LayoutPath EventsPath(const LayoutPath& layout, const WCHAR* events) {
-  LayoutPath path = BelowLayout(layout, TEXT("\\EVENTS\\"));
-  static_cast<void>(Append(path, events));
-  return path;
-}
-
 LONG OpenKeypadKey(const WCHAR* path, UniqueRegistryKey& key) {
   return OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_ALL_ACCESS, key);
 }
@@ -113,7 +107,7 @@ bool ButtonIsSupported(LONG button) {
     kKeypadTrace.Info("ButtonIsSupported(%d) invalid\r\n", button);
     return false;
   }
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   if (!ReadActiveLayout(layout)) return false;
   const WCHAR* const plane_name = pal::kShiftPlanes.front();
   kKeypadTrace.Info("ButtonIsSupported(%d) - Read \\%ls: %ls\r\n", button, plane_name,

@@ -17,13 +17,12 @@ class SystemText {
   explicit SystemText(UINT action) {
     buffer_[0] = WCHAR{};
     if (SystemParametersInfoW(action, sizeof(buffer_), buffer_, 0) == FALSE) buffer_[0] = WCHAR{};
-    length_ = Length<WCHAR>(buffer_);
   }
-  [[nodiscard]] WideText text() const { return {buffer_, length_}; }
+  [[nodiscard]] bool empty() const { return buffer_[0] == WCHAR{}; }
+  [[nodiscard]] WideText text() const { return {buffer_, Length<WCHAR>(buffer_)}; }
 
  private:
   WCHAR buffer_[kUnits];
-  size_t length_;
 };
 
 // 512 bytes. Read anew at every query: a buffer of the whole process would be written by two
