@@ -147,6 +147,7 @@ int main() {
   for (const Build build : bench::kBuilds) subjects.push_back(std::make_unique<Subject>(build));
   for (const Row& row : bench::Rows()) {
     std::vector<Deed> deeds;
+    deeds.reserve(subjects.size());
     for (size_t at = 0; at < subjects.size(); ++at) {
       deeds.push_back(Measure(row, *subjects[at], bench::kBuilds[at]));
     }

@@ -11,18 +11,6 @@ using pal::HResultFromWin32;
 using pal::OpenRegistryKey;
 using pal::UniqueRegistryKey;
 
-namespace pal {
-
-LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
-  HKEY created = nullptr;
-  DWORD disposition = 0;
-  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
-  key.Reset(error == ERROR_SUCCESS ? created : nullptr);
-  return error;
-}
-
-}  // namespace pal
-
 namespace {
 
 constexpr DWORD kMaxStringBytes = 520;
@@ -31,9 +19,11 @@ constexpr DWORD kMaxStringBytes = 520;
 inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
                      DWORD bytes) {
   UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
+  LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
   if (error != ERROR_SUCCESS) return error;
-  return RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
+  error = RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
+  if (error == ERROR_SUCCESS) key.Close();
+  return error;
 }
 
 // Queries a value of an open key. `bytes` is the buffer's size, and the value's size on success.
@@ -48,8 +38,11 @@ inline LONG Query(const UniqueRegistryKey& key, const WCHAR* name, void* buffer,
 // The error of the open or of the query.
 inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
   UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
-  return error != ERROR_SUCCESS ? error : Query(key, name, buffer, bytes);
+  LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
+  if (error != ERROR_SUCCESS) return error;
+  error = Query(key, name, buffer, bytes);
+  if (error == ERROR_SUCCESS) key.Close();
+  return error;
 }
 
 }  // namespace

@@ -68,7 +68,13 @@ namespace pal {
 }
 
 // Creates the key where it does not exist.
-[[nodiscard]] LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key);
+[[nodiscard]] inline LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
+  HKEY created = nullptr;
+  DWORD disposition = 0;
+  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
+  key.Reset(error == ERROR_SUCCESS ? created : nullptr);
+  return error;
+}
 
 }  // namespace pal
 

@@ -115,10 +115,9 @@ bool ButtonIsSupported(LONG button) {
   BYTE plane[kSupportBytes];
   const pal::PlaneReading reading = pal::ReadShiftPlane(layout.data(), plane_name, plane);
   if (pal::Failed(reading.opened)) return false;
-  bool found = false;
-  pal::ForEachKeyRecord(
-      std::span(plane).first(reading.bytes), [&](DWORD, std::span<BYTE> key_record) {
-        found = found || pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
+  const bool found = pal::AnyKeyRecord(
+      std::span(plane).first(reading.bytes), [record](DWORD, std::span<BYTE> key_record) {
+        return pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
       });
   if (found) {
     kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x found\r\n", button, record->scan_code);

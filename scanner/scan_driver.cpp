@@ -84,7 +84,7 @@ HANDLE OpenScanDriver() {
 }
 
 void CloseScanDriver() {
-  const UniqueFile closing(DriverHandle());
+  UniqueFile(DriverHandle()).Close();
   KeepDriverHandle(INVALID_HANDLE_VALUE);
 }
 
