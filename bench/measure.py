@@ -3,8 +3,8 @@
 
 Prints, for every export, the instructions of one call against the same call of the library that is
 written by hand, then the sizes of the library and what an attach and a detach of a process take.
---write adds the times and puts the tables into FILE, between its lines "<!-- measured: NAME -->" and
-"<!-- end -->".
+Fails where the ratio of the median or of the worst export is beyond its limit. --write adds the times
+and puts the tables into FILE, between its lines "<!-- measured: NAME -->" and "<!-- end -->".
 """
 import argparse
 import collections
@@ -19,6 +19,7 @@ import tempfile
 CALLS = 10  # of each row in a dump, as in instructions_main.cpp
 BUILDS = ("library", "untraced", "bare")
 ENTRY_ROWS = ("attach", "detach")
+MEDIAN_RATIO, WORST_RATIO = 1.3, 2.0  # of the whole call
 # What the C runtime does for a library is its own work, wherever the code of it lies.
 RUNTIME = re.compile(r"_*(mem|str|wcs|mbs)[a-z0-9]*(_|\(|$|')")
 
@@ -174,12 +175,24 @@ def size_table(build):
 
 
 def entry_table(rows, times):
-    cells = []
-    for row in rows:
-        line = [row.name, row.calls, row.library, row.bare, row.lines]
-        cells.append(line + ([f"{times[row.name][0] / 1000:.1f} µs"] if row.name in times else []))
-    return table(["process", "platform calls", "instructions", "by hand", "trace lines"] +
-                 (["time"] if times else []), cells)
+    text = table(["entry", "platform calls", "instructions", "by hand", "ratio", "trace lines"],
+                 [[row.name, row.calls, row.library, row.bare, f"{row.ratio:.2f}", row.lines]
+                  for row in rows])
+    if "attach" in times:
+        library, untraced, bare, _ = times["attach"]
+        text += (f"\n\nAn attach and the detach behind it take {library / 1000:.1f} µs, without trace lines "
+                 f"{untraced / 1000:.1f} µs, by hand {bare / 1000:.1f} µs.")
+    return text
+
+
+def beyond_limits(rows):
+    """What the library must hold to, and does not."""
+    faults = [f"{row.name}: {row.ratio:.2f} times the instructions of the call by hand"
+              for row in rows if row.ratio > WORST_RATIO]
+    median = statistics.median(row.ratio for row in rows)
+    if median > MEDIAN_RATIO:
+        faults.append(f"the median export: {median:.2f} times the instructions of the call by hand")
+    return faults
 
 
 def write(path, tables):
@@ -210,6 +223,10 @@ def main():
         write(arguments.write, tables)
     else:
         print("\n\n".join(tables[name] for name in ("exports", "sizes", "entry", "summary")))
+    faults = beyond_limits(exports)
+    for fault in faults:
+        print(fault, file=sys.stderr)
+    return 1 if faults else 0
 
 
-main()
+sys.exit(main())

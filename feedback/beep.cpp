@@ -347,7 +347,7 @@ HRESULT PALAPI PALBEEPTerm() {
   if (mutex == nullptr) return S_OK;
   PALReleaseMutexIfValid(pal::Facility::kBeeper, mutex);
   beep_mutex.store(nullptr, std::memory_order_relaxed);
-  const pal::UniqueMutex closing(mutex);
+  pal::UniqueMutex(mutex).Close();
   return S_OK;
 }
 

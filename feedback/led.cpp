@@ -180,8 +180,8 @@ HRESULT PALAPI PALLEDTerm() {
   }
   initialised.store(FALSE, std::memory_order_relaxed);
   guard.Release();
-  const pal::UniqueMutex mutex(Take(led_mutex));
-  const pal::UniqueEvent event(Take(on_timeout_event));
+  pal::UniqueEvent(Take(on_timeout_event)).Close();
+  pal::UniqueMutex(Take(led_mutex)).Close();
   return guard.wait_result();
 }
 
