@@ -50,6 +50,14 @@ MOST_WRITABLE_BYTES = 4096
 writable = sum(int(size, 16) for _, size in WRITABLE.findall(sections))
 if writable >= MOST_WRITABLE_BYTES:
     faults.append(f"has {writable} bytes of writable data, more than {MOST_WRITABLE_BYTES}")
+# A constant that the compiler takes for a variable: GCC does so where a constexpr std::array has its
+# type from its initializer.
+data = re.search(r" \.data +\w+ +(\w+) \w+ (\w+) ", sections)
+first, size = (int(number, 16) for number in data.groups()) if data else (0, 0)
+for address, constant in re.findall(r"^(\w+) d (?:.*::)?(k[A-Z]\w*)$",
+                                    output("nm", "--demangle", str(library)), re.MULTILINE):
+    if first <= int(address, 16) < first + size:
+        faults.append(f"has {constant} in writable data")
 for fault in faults:
     print(f"{library.name} {fault}", file=sys.stderr)
 sys.exit(1 if faults else 0)

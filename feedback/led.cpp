@@ -25,12 +25,12 @@ struct ScanTypeSettings {
 };
 
 // By scan type.
-constexpr std::array kScanTypes{
-    ScanTypeSettings{TEXT("IntGrLed"), TEXT("IntGrLedOnDur")},
-    ScanTypeSettings{TEXT("TethGrLed"), TEXT("TethGrLedOnDur")},
-    ScanTypeSettings{TEXT("BTGrLed"), TEXT("BTGrLedOnDur")},
-    ScanTypeSettings{TEXT("RFIDGrLed"), TEXT("RFIDGrLedOnDur")},
-};
+constexpr auto kScanTypes = std::to_array<ScanTypeSettings>({
+    {TEXT("IntGrLed"), TEXT("IntGrLedOnDur")},
+    {TEXT("TethGrLed"), TEXT("TethGrLedOnDur")},
+    {TEXT("BTGrLed"), TEXT("BTGrLedOnDur")},
+    {TEXT("RFIDGrLed"), TEXT("RFIDGrLedOnDur")},
+});
 constexpr DWORD kDefaultOnDurationMs = 250;
 
 // Of the process. Written while nothing else of the family runs.

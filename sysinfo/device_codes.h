@@ -23,7 +23,7 @@ struct DeviceCode {
 };
 
 // The codes 0x05 and 0x06 share one type on purpose.
-inline constexpr std::array kDeviceCodes = std::to_array<DeviceCode>({
+inline constexpr auto kDeviceCodes = std::to_array<DeviceCode>({
     {0x00, kNoDevice, {}},
     {0x01, 11, TEXT("ENG38")},
     {0x02, 15, TEXT("ENG35")},
