@@ -198,6 +198,8 @@ def beyond_limits(rows):
 def write(path, tables):
     text = path.read_text()
     for name, content in tables.items():
+        if f"<!-- measured: {name} -->" not in text:
+            sys.exit(f"measure.py: {path} has no place for the table {name}")
         text = re.sub(rf"(<!-- measured: {name} -->\n).*?(<!-- end -->)",
                       lambda match, content=content: match[1] + content + "\n" + match[2],
                       text, flags=re.DOTALL)
