@@ -80,7 +80,11 @@ def run_callgrind(program):
         if run.returncode != 0:
             sys.exit(run.stderr)
         with dumps.open() as lines:
-            return run.stdout, parse(line.rstrip("\n") for line in lines)
+            counts = parse(line.rstrip("\n") for line in lines)
+    if not counts:
+        sys.exit("measure.py: pal_instructions was built without valgrind/callgrind.h; with valgrind installed, "
+                 "touch bench/instructions_main.cpp and build again")
+    return run.stdout, counts
 
 
 class Row:
