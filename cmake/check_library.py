@@ -2,7 +2,8 @@
 """Checks what the built library asks of its host: usage: check_library.py LIBRARY PROJECT_ROOT
 
 It may import the platform's calls and the compiler's mem* and str* helpers, it must export what
-exports.def names and nothing else, and nothing may run when it is loaded but its entry.
+exports.def names and nothing else, nothing may run when it is loaded but its entry, and what each
+process has of its own to write must stay small.
 """
 import pathlib
 import re
@@ -42,6 +43,21 @@ for section, size in re.findall(r"(\.(?:pre)?init_array|\.ctors|\.fini_array)\s+
                                 sections):
     if int(size, 16):
         faults.append(f"has a {section} of {int(size, 16)} bytes: static constructors")
+# Constants that hold addresses are written once, by the loader: .data.rel.ro and the like are not
+# counted, and on the device they stand with the other constants.
+WRITABLE = re.compile(r" (\.data|\.bss|\.shared|\.tdata|\.tbss) +\w+ +\w+ \w+ (\w+) ")
+MOST_WRITABLE_BYTES = 4096
+writable = sum(int(size, 16) for _, size in WRITABLE.findall(sections))
+if writable >= MOST_WRITABLE_BYTES:
+    faults.append(f"has {writable} bytes of writable data, more than {MOST_WRITABLE_BYTES}")
+# A constant that the compiler takes for a variable: GCC does so where a constexpr std::array has its
+# type from its initializer.
+data = re.search(r" \.data +\w+ +(\w+) \w+ (\w+) ", sections)
+first, size = (int(number, 16) for number in data.groups()) if data else (0, 0)
+for address, constant in re.findall(r"^(\w+) d (?:.*::)?(k[A-Z]\w*)$",
+                                    output("nm", "--demangle", str(library)), re.MULTILINE):
+    if first <= int(address, 16) < first + size:
+        faults.append(f"has {constant} in writable data")
 for fault in faults:
     print(f"{library.name} {fault}", file=sys.stderr)
 sys.exit(1 if faults else 0)

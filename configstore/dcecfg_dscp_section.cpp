@@ -13,7 +13,7 @@ using pal::dcecfg::kTrace;
 namespace {
 
 // Port 0 has the empty name, so that its path holds two backslashes in a row; that is kept.
-constexpr std::array kPortNames = std::to_array<pal::WideText>({
+constexpr auto kPortNames = std::to_array<pal::WideText>({
     TEXT(""),   TEXT("1"),  TEXT("2"),  TEXT("3"),  TEXT("4"),  TEXT("5"),  TEXT("6"),
     TEXT("7"),  TEXT("8"),  TEXT("9"),  TEXT("10"), TEXT("11"), TEXT("12"), TEXT("13"),
     TEXT("14"), TEXT("15"), TEXT("16"), TEXT("17"), TEXT("18"),

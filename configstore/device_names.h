@@ -12,7 +12,7 @@ namespace pal {
 
 // Rows 46 and 47 carry the same name on purpose: two device types share one registry key. The
 // device types 54 to 56 have no name.
-inline constexpr std::array kDeviceNames = std::to_array<WideText>({
+inline constexpr auto kDeviceNames = std::to_array<WideText>({
     TEXT("None"),       TEXT("ENG47"), TEXT("ENG46"),         TEXT("ENG45"),
     TEXT("ENG44"),      TEXT("ASCII"), TEXT("ENG43"),         TEXT("ENG42"),
     TEXT("ENG41"),      TEXT("ENG40"), TEXT("ENG39"),         TEXT("ENG38"),

@@ -118,15 +118,12 @@ HRESULT Set(const LevelSetting& setting, DWORD level) {
 
 HRESULT Get(const LevelSetting& setting, DWORD* level) {
   if (level == nullptr) return E_FAIL;
-  DWORD stored = 0;
-  const HRESULT result =
-      PALRegGetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, &stored);
+  const HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
   if (pal::Failed(result)) {
     TraceFailure(setting, setting.read_failed, static_cast<DWORD>(result));
     return result;
   }
-  *level = stored;
-  kDisplayTrace.Info(setting.get, stored);
+  kDisplayTrace.Info(setting.get, *level);
   return result;
 }
 

@@ -41,8 +41,8 @@ struct Indication {
   bool vibrates;
   int tones;
 };
-constexpr std::array kIndications{Indication{false, 0}, Indication{false, 1}, Indication{false, 2},
-                                  Indication{true, 0},  Indication{true, 1},  Indication{true, 2}};
+constexpr auto kIndications = std::to_array<Indication>(
+    {{false, 0}, {false, 1}, {false, 2}, {true, 0}, {true, 1}, {true, 2}});
 
 Indication IndicationOf(DWORD value) {
   return value < kIndications.size() ? kIndications[value] : Indication{false, 0};
@@ -347,7 +347,7 @@ HRESULT PALAPI PALBEEPTerm() {
   if (mutex == nullptr) return S_OK;
   PALReleaseMutexIfValid(pal::Facility::kBeeper, mutex);
   beep_mutex.store(nullptr, std::memory_order_relaxed);
-  const pal::UniqueMutex closing(mutex);
+  pal::UniqueMutex(mutex).Close();
   return S_OK;
 }
 

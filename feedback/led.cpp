@@ -25,12 +25,12 @@ struct ScanTypeSettings {
 };
 
 // By scan type.
-constexpr std::array kScanTypes{
-    ScanTypeSettings{TEXT("IntGrLed"), TEXT("IntGrLedOnDur")},
-    ScanTypeSettings{TEXT("TethGrLed"), TEXT("TethGrLedOnDur")},
-    ScanTypeSettings{TEXT("BTGrLed"), TEXT("BTGrLedOnDur")},
-    ScanTypeSettings{TEXT("RFIDGrLed"), TEXT("RFIDGrLedOnDur")},
-};
+constexpr auto kScanTypes = std::to_array<ScanTypeSettings>({
+    {TEXT("IntGrLed"), TEXT("IntGrLedOnDur")},
+    {TEXT("TethGrLed"), TEXT("TethGrLedOnDur")},
+    {TEXT("BTGrLed"), TEXT("BTGrLedOnDur")},
+    {TEXT("RFIDGrLed"), TEXT("RFIDGrLedOnDur")},
+});
 constexpr DWORD kDefaultOnDurationMs = 250;
 
 // Of the process. Written while nothing else of the family runs.
@@ -180,8 +180,8 @@ HRESULT PALAPI PALLEDTerm() {
   }
   initialised.store(FALSE, std::memory_order_relaxed);
   guard.Release();
-  const pal::UniqueMutex mutex(Take(led_mutex));
-  const pal::UniqueEvent event(Take(on_timeout_event));
+  pal::UniqueEvent(Take(on_timeout_event)).Close();
+  pal::UniqueMutex(Take(led_mutex)).Close();
   return guard.wait_result();
 }
 
@@ -234,10 +234,7 @@ HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state) {
                  guard.wait_result());
     return guard.wait_result();
   }
-  DWORD stored = 0;
-  const HRESULT result = ReadState(kScanTypes[scan_type].state, stored);
-  if (pal::Succeeded(result)) *state = stored;
-  return result;
+  return ReadState(kScanTypes[scan_type].state, *state);
 }
 
 HRESULT PALAPI PALLEDIsGrLedOn() {

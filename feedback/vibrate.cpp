@@ -73,13 +73,10 @@ HRESULT PALAPI PALVIBSetVibratePreset(DWORD preset) {
 
 HRESULT PALAPI PALVIBGetVibratePreset(DWORD* preset) {
   if (preset == nullptr) return E_FAIL;
-  DWORD stored = 0;
-  const HRESULT result = ReadPreset(stored);
+  const HRESULT result = ReadPreset(*preset);
   if (pal::Failed(result)) {
     kTrace.Error("GetVibratePreset - ERROR reading preset index. hr: 0x%x\r\n", result);
-    return result;
   }
-  *preset = stored;
   return result;
 }
 

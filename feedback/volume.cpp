@@ -28,19 +28,19 @@ struct VolumeRow {
   const WCHAR* gain_name;
   const WCHAR* name_in_failure;  // of the line that tells of a failed refresh
 };
-constexpr std::array kRows{
-    VolumeRow{0, 0x00000000, TEXT("Off"), TEXT("OffGain"), TEXT("Off")},
-    VolumeRow{1, pal::kVeryLowVolume, TEXT("VeryLow"), TEXT("VeryLowGain"),
-              TEXT("Off")},  // a slip that readers of the log know
-    VolumeRow{2, 0x66666666, TEXT("Low"), TEXT("LowGain"), TEXT("Low")},
-    VolumeRow{3, 0x99999999, TEXT("Med"), TEXT("MedGain"), TEXT("Med")},
-    VolumeRow{4, 0xCCCCCCCC, TEXT("High"), TEXT("HighGain"), TEXT("High")},
-    VolumeRow{5, 0xFFFFFFFF, TEXT("VeryHigh"), TEXT("VeryHighGain"), TEXT("VeryHigh")},
-    VolumeRow{10, 0x00000000, TEXT("CurrentVol"), TEXT("CurGain"), nullptr},
-    VolumeRow{11, 0x99999999, TEXT("DefaultVol"), TEXT("DefGain"), nullptr},
-    VolumeRow{12, 0x00000000, TEXT("CurrentHeadset"), TEXT("CurHeadsetGain"), nullptr},
-    VolumeRow{13, 0x66666666, TEXT("DefaultHeadset"), TEXT("DefaultHeadsetGain"), nullptr},
-};
+constexpr auto kRows = std::to_array<VolumeRow>({
+    {0, 0x00000000, TEXT("Off"), TEXT("OffGain"), TEXT("Off")},
+    {1, pal::kVeryLowVolume, TEXT("VeryLow"), TEXT("VeryLowGain"),
+     TEXT("Off")},  // a slip that readers of the log know
+    {2, 0x66666666, TEXT("Low"), TEXT("LowGain"), TEXT("Low")},
+    {3, 0x99999999, TEXT("Med"), TEXT("MedGain"), TEXT("Med")},
+    {4, 0xCCCCCCCC, TEXT("High"), TEXT("HighGain"), TEXT("High")},
+    {5, 0xFFFFFFFF, TEXT("VeryHigh"), TEXT("VeryHighGain"), TEXT("VeryHigh")},
+    {10, 0x00000000, TEXT("CurrentVol"), TEXT("CurGain"), nullptr},
+    {11, 0x99999999, TEXT("DefaultVol"), TEXT("DefGain"), nullptr},
+    {12, 0x00000000, TEXT("CurrentHeadset"), TEXT("CurHeadsetGain"), nullptr},
+    {13, 0x66666666, TEXT("DefaultHeadset"), TEXT("DefaultHeadsetGain"), nullptr},
+});
 constexpr DWORD kLastRow = kRows.size() - 1;
 constexpr DWORD kLevels = 6;
 constexpr DWORD kLastLevel = kLevels - 1;

@@ -20,10 +20,13 @@ constexpr const char* kVersionExport = "PALVER_LogVersion";
 using Path = std::array<WCHAR, MAX_PATH>;
 
 template <typename... Arguments>
-void Trace(pal::Severity severity, pal::TraceSource::Format<Arguments...> format,
-           Arguments... arguments) {
-  PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
-                pal::VariadicTraceArgument(arguments)...);
+void Trace([[maybe_unused]] pal::Severity severity,
+           [[maybe_unused]] pal::TraceSource::Format<Arguments...> format,
+           [[maybe_unused]] Arguments... arguments) {
+  if constexpr (pal::kTraceLines) {
+    PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
+                  pal::VariadicTraceArgument(arguments)...);
+  }
 }
 
 // Null where the provider has no such export.
@@ -131,13 +134,18 @@ static_assert(RowsAreInOrder());
 // One for each row; null before its first call.
 constinit std::array<std::atomic<FARPROC>, kServices.size()> targets{};
 
-FARPROC TargetOf(Service service) {
-  const auto row = static_cast<size_t>(service);
-  FARPROC target = targets[row].load(std::memory_order_relaxed);
-  if (target != nullptr) return target;
+// Apart from TargetOf, so that the calls behind the first do not pay for it.
+[[gnu::noinline]] FARPROC LookForTarget(size_t row) {
+  FARPROC target = nullptr;
   if (pal::Failed(PalLoadProviderFunction(kServices[row].name, target))) target = &MissingTarget;
   targets[row].store(target, std::memory_order_relaxed);
   return target;
+}
+
+FARPROC TargetOf(Service service) {
+  const auto row = static_cast<size_t>(service);
+  FARPROC target = targets[row].load(std::memory_order_relaxed);
+  return target != nullptr ? target : LookForTarget(row);
 }
 
 // Null where the provider does not have it.

@@ -1,7 +1,5 @@
 #include "frame/mutex.h"
 
-#include <utility>
-
 #include "frame/result.h"
 #include "frame/trace.h"
 
@@ -37,19 +35,3 @@ HRESULT PALReleaseMutexIfValid(pal::Facility facility, HANDLE mutex) {
       mutex, error);
   return pal::HResultFromWin32(error);
 }
-
-namespace pal {
-
-MutexGuard::MutexGuard(Facility facility, HANDLE mutex, DWORD timeout_ms,
-                       AfterFailedWait after_failed_wait)
-    : facility_(facility),
-      mutex_(mutex),
-      wait_result_(PALWaitForMutex(facility, mutex, timeout_ms)),
-      release_pending_(Succeeded(wait_result_) ||
-                       after_failed_wait == AfterFailedWait::kTryRelease) {}
-
-void MutexGuard::Release() {
-  if (std::exchange(release_pending_, false)) PALReleaseMutexIfValid(facility_, mutex_);
-}
-
-}  // namespace pal

@@ -3,7 +3,9 @@
 #ifndef FRAME_MUTEX_H_
 #define FRAME_MUTEX_H_
 
-#include "frame/facility.h"
+#include <utility>
+
+#include "frame/result.h"
 #include "platform/wince.h"
 
 // Waits at most `timeout_ms` for `mutex`. Feedback must not block for ever: a wait that times out
@@ -34,7 +36,12 @@ enum class AfterFailedWait { kSkipRelease, kTryRelease };
 class MutexGuard {
  public:
   MutexGuard(Facility facility, HANDLE mutex, DWORD timeout_ms,
-             AfterFailedWait after_failed_wait = AfterFailedWait::kSkipRelease);
+             AfterFailedWait after_failed_wait = AfterFailedWait::kSkipRelease)
+      : facility_(facility),
+        mutex_(mutex),
+        wait_result_(PALWaitForMutex(facility, mutex, timeout_ms)),
+        release_pending_(Succeeded(wait_result_) ||
+                         after_failed_wait == AfterFailedWait::kTryRelease) {}
   ~MutexGuard() { Release(); }
   MutexGuard(const MutexGuard&) = delete;
   MutexGuard& operator=(const MutexGuard&) = delete;
@@ -44,7 +51,9 @@ class MutexGuard {
 
   // Releases before the guard's end, for what must follow the release. The destructor then does
   // nothing.
-  void Release();
+  void Release() {
+    if (std::exchange(release_pending_, false)) PALReleaseMutexIfValid(facility_, mutex_);
+  }
 
  private:
   Facility facility_;

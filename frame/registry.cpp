@@ -11,58 +11,38 @@ using pal::HResultFromWin32;
 using pal::OpenRegistryKey;
 using pal::UniqueRegistryKey;
 
-namespace pal {
-
-LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access, UniqueRegistryKey& key) {
-  HKEY opened = nullptr;
-  const LONG error = RegOpenKeyExW(root, path, 0, access, &opened);
-  key.Reset(error == ERROR_SUCCESS ? opened : nullptr);
-  return error;
-}
-
-LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
-  HKEY created = nullptr;
-  DWORD disposition = 0;
-  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
-  key.Reset(error == ERROR_SUCCESS ? created : nullptr);
-  return error;
-}
-
-}  // namespace pal
-
 namespace {
 
 constexpr DWORD kMaxStringBytes = 520;
 
-// The two results differ: most helpers pass both on, the binary ones the open's alone.
-struct Outcome {
-  LONG open_error;
-  LONG value_error;
-
-  [[nodiscard]] HRESULT Result() const {
-    return HResultFromWin32(open_error != ERROR_SUCCESS ? open_error : value_error);
-  }
-};
-
-Outcome SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
-                 DWORD bytes) {
+// The error of the open or of the write.
+inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
+                     DWORD bytes) {
   UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
-  if (error != ERROR_SUCCESS) return {error, ERROR_SUCCESS};
-  return {ERROR_SUCCESS,
-          RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes)};
+  LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
+  if (error != ERROR_SUCCESS) return error;
+  error = RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
+  if (error == ERROR_SUCCESS) key.Close();
+  return error;
 }
 
-// `bytes` is the buffer's size, and the value's size on success.
-Outcome GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
-  UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
-  if (error != ERROR_SUCCESS) return {error, ERROR_SUCCESS};
+// Queries a value of an open key. `bytes` is the buffer's size, and the value's size on success.
+inline LONG Query(const UniqueRegistryKey& key, const WCHAR* name, void* buffer, DWORD& bytes) {
   DWORD value_bytes = bytes;
-  const LONG query_error =
+  const LONG error =
       RegQueryValueExW(key.get(), name, nullptr, nullptr, static_cast<BYTE*>(buffer), &value_bytes);
-  if (query_error == ERROR_SUCCESS) bytes = value_bytes;
-  return {ERROR_SUCCESS, query_error};
+  if (error == ERROR_SUCCESS) bytes = value_bytes;
+  return error;
+}
+
+// The error of the open or of the query.
+inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
+  UniqueRegistryKey key;
+  LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
+  if (error != ERROR_SUCCESS) return error;
+  error = Query(key, name, buffer, bytes);
+  if (error == ERROR_SUCCESS) key.Close();
+  return error;
 }
 
 }  // namespace
@@ -81,18 +61,18 @@ HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
   const size_t units = pal::Length(text) + 2;  // the terminator and what stands behind it
   if (units > text.size()) return E_FAIL;
   const auto bytes = static_cast<DWORD>(units * sizeof(WCHAR));
-  return SetValue(root, path, name, REG_SZ, text.data(), bytes).Result();
+  return HResultFromWin32(SetValue(root, path, name, REG_SZ, text.data(), bytes));
 }
 
 HRESULT PALRegGetStringValue(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* buffer,
                              DWORD* bytes) {
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
-  return GetValue(root, path, name, buffer, *bytes).Result();
+  return HResultFromWin32(GetValue(root, path, name, buffer, *bytes));
 }
 
 HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
   if (path == nullptr || name == nullptr) return E_FAIL;
-  return SetValue(root, path, name, REG_DWORD, &value, sizeof(value)).Result();
+  return HResultFromWin32(SetValue(root, path, name, REG_DWORD, &value, sizeof(value)));
 }
 
 HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
@@ -110,21 +90,27 @@ HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* v
   if (path == nullptr || name == nullptr || value == nullptr) return E_FAIL;
   DWORD stored = 0;
   DWORD bytes = sizeof(stored);
-  const HRESULT result = GetValue(root, path, name, &stored, bytes).Result();
-  if (pal::Succeeded(result)) *value = stored;
-  return result;
+  const LONG error = GetValue(root, path, name, &stored, bytes);
+  if (error == ERROR_SUCCESS) *value = stored;
+  return HResultFromWin32(error);
 }
 
 HRESULT PALRegSetBinary(HKEY root, const WCHAR* path, const WCHAR* name, const BYTE* data,
                         DWORD bytes) {
   if (path == nullptr || name == nullptr || data == nullptr) return E_FAIL;
-  return HResultFromWin32(SetValue(root, path, name, REG_BINARY, data, bytes).open_error);
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
+  if (error == ERROR_SUCCESS) RegSetValueExW(key.get(), name, 0, REG_BINARY, data, bytes);
+  return HResultFromWin32(error);
 }
 
 HRESULT PALRegGetBinary(HKEY root, const WCHAR* path, const WCHAR* name, BYTE* buffer,
                         DWORD* bytes) {
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
-  return HResultFromWin32(GetValue(root, path, name, buffer, *bytes).open_error);
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
+  if (error == ERROR_SUCCESS) static_cast<void>(Query(key, name, buffer, *bytes));
+  return HResultFromWin32(error);
 }
 
 HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::span<WCHAR> text,
@@ -134,10 +120,10 @@ HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::sp
   }
   WCHAR stored[kMaxStringBytes / sizeof(WCHAR)] = {};
   DWORD stored_bytes = sizeof(stored);
-  const HRESULT result = GetValue(root, path, name, stored, stored_bytes).Result();
-  if (pal::Failed(result)) return result;
+  const LONG error = GetValue(root, path, name, stored, stored_bytes);
+  if (error != ERROR_SUCCESS) return HResultFromWin32(error);
   const pal::WideText stored_text(stored, pal::Length<WCHAR>(stored));
   if (!pal::Copy(text, stored_text)) return HResultFromWin32(ERROR_MORE_DATA);
   *bytes = stored_bytes;
-  return result;
+  return S_OK;
 }

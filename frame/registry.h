@@ -59,10 +59,22 @@ namespace pal {
 
 // Both return the system error of the call; `key` holds the key on ERROR_SUCCESS and nothing
 // otherwise.
-[[nodiscard]] LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
-                                   UniqueRegistryKey& key);
+[[nodiscard]] inline LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
+                                          UniqueRegistryKey& key) {
+  HKEY opened = nullptr;
+  const LONG error = RegOpenKeyExW(root, path, 0, access, &opened);
+  key.Reset(error == ERROR_SUCCESS ? opened : nullptr);
+  return error;
+}
+
 // Creates the key where it does not exist.
-[[nodiscard]] LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key);
+[[nodiscard]] inline LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
+  HKEY created = nullptr;
+  DWORD disposition = 0;
+  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
+  key.Reset(error == ERROR_SUCCESS ? created : nullptr);
+  return error;
+}
 
 }  // namespace pal
 

@@ -3,6 +3,7 @@
 #ifndef FRAME_TEXT_H_
 #define FRAME_TEXT_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <string_view>
@@ -31,14 +32,21 @@ constexpr size_t Find(std::string_view text, char character) {
 
 namespace text_detail {
 
-// Writes `from` and a terminator behind the first `at` units of `to`, unit by unit through
-// `convert`.
+template <typename Unit>
+[[nodiscard]] constexpr bool Copy(std::span<Unit> to, std::basic_string_view<Unit> from) {
+  if (from.size() >= to.size()) return false;
+  std::copy(from.begin(), from.end(), to.begin());
+  to[from.size()] = Unit{};
+  return true;
+}
+
+// Writes `from` and a terminator, unit by unit through `convert`.
 template <typename To, typename From, typename Convert>
-[[nodiscard]] constexpr bool Put(std::span<To> to, size_t at, std::basic_string_view<From> from,
+[[nodiscard]] constexpr bool Put(std::span<To> to, std::basic_string_view<From> from,
                                  Convert convert) {
-  if (at >= to.size() || from.size() >= to.size() - at) return false;
-  for (const From unit : from) to[at++] = convert(unit);
-  to[at] = To{};
+  if (from.size() >= to.size()) return false;
+  std::transform(from.begin(), from.end(), to.begin(), convert);
+  to[from.size()] = To{};
   return true;
 }
 
@@ -46,23 +54,23 @@ template <typename To, typename From, typename Convert>
 
 // Writes `from` and a terminator. False where they do not fit; `to` is then unchanged.
 [[nodiscard]] constexpr bool Copy(std::span<char> to, std::string_view from) {
-  return text_detail::Put(to, 0, from, [](char character) { return character; });
+  return text_detail::Copy(to, from);
 }
 [[nodiscard]] constexpr bool Copy(std::span<WCHAR> to, WideText from) {
-  return text_detail::Put(to, 0, from, [](WCHAR unit) { return unit; });
+  return text_detail::Copy(to, from);
 }
 
 // As Copy, behind the text that `to` already holds.
 [[nodiscard]] constexpr bool Append(std::span<char> to, std::string_view from) {
-  return text_detail::Put(to, Length<char>(to), from, [](char character) { return character; });
+  return text_detail::Copy(to.subspan(Length<char>(to)), from);
 }
 [[nodiscard]] constexpr bool Append(std::span<WCHAR> to, WideText from) {
-  return text_detail::Put(to, Length<WCHAR>(to), from, [](WCHAR unit) { return unit; });
+  return text_detail::Copy(to.subspan(Length<WCHAR>(to)), from);
 }
 
 // 8-bit text (Latin-1) to UTF-16. False where it does not fit; `to` is then unchanged.
 [[nodiscard]] constexpr bool Widen(std::span<WCHAR> to, std::string_view from) {
-  return text_detail::Put(to, 0, from, [](char character) {
+  return text_detail::Put(to, from, [](char character) {
     return static_cast<WCHAR>(static_cast<unsigned char>(character));
   });
 }
@@ -70,7 +78,7 @@ template <typename To, typename From, typename Convert>
 // UTF-16 to 8-bit text: Latin-1, with '?' for what that does not have. False where it does not fit;
 // `to` is then unchanged.
 [[nodiscard]] constexpr bool Narrow(std::span<char> to, WideText from) {
-  return text_detail::Put(to, 0, from,
+  return text_detail::Put(to, from,
                           [](WCHAR unit) { return unit > 0xFF ? '?' : static_cast<char>(unit); });
 }
 

@@ -35,6 +35,13 @@ DWORD PALSysioTrace(DWORD ignored, DWORD category, const char* format, ...);
 
 namespace pal {
 
+// Without its lines the library is built for one purpose: to measure what they cost.
+#ifdef PAL_WITHOUT_TRACE_LINES
+inline constexpr bool kTraceLines = false;
+#else
+inline constexpr bool kTraceLines = true;
+#endif
+
 enum class Severity : DWORD { kPlain = 0, kInfo = 1, kWarning = 2, kError = 3 };
 
 // Severity 3 gives (facility | 0xFFFFC000) << 16, the error word of a facility of any width.
@@ -84,9 +91,12 @@ class TraceSource {
   constexpr TraceSource(Facility facility, DWORD echo) : facility_(facility), echo_(echo) {}
 
   template <typename... Arguments>
-  void Write(Severity severity, const char* format, Arguments... arguments) const {
-    PALTrace(echo_, TraceCategory(facility_, severity), format,
-             VariadicTraceArgument(arguments)...);
+  void Write([[maybe_unused]] Severity severity, [[maybe_unused]] const char* format,
+             [[maybe_unused]] Arguments... arguments) const {
+    if constexpr (kTraceLines) {
+      PALTrace(echo_, TraceCategory(facility_, severity), format,
+               VariadicTraceArgument(arguments)...);
+    }
   }
 
   Facility facility_;

@@ -21,7 +21,7 @@ constexpr const char* kSetName = "SetButtonAction";
 
 // One of the two events of a button.
 struct EventKind {
-  const WCHAR* subkey;
+  pal::WideText subkey;
   const WCHAR* pal::ActionEvents::*of_action;
   // The event of the right-hand scan button, and that of the left-hand one, which stands for both.
   pal::WideText right_scan;
@@ -57,7 +57,7 @@ std::optional<size_t> FindAction(const pal::ButtonRecord& button, const EventNam
 
 bool OpenEvents(const EventKind& kind, const pal::LayoutPath& layout, pal::LayoutPath& path,
                 pal::UniqueRegistryKey& key) {
-  path = pal::EventsPath(layout, kind.subkey);
+  path = pal::BelowLayout(layout, kind.subkey);
   return pal::OpenKeypadKey(path.data(), key) == ERROR_SUCCESS;
 }
 
@@ -72,7 +72,7 @@ std::optional<size_t> ReadDelta(const pal::ButtonRecord& button, const pal::Layo
                                 pal::LayoutPath& path) {
   pal::UniqueRegistryKey key;
   if (!OpenEvents(kDelta, layout, path, key)) return std::nullopt;
-  EventName name{};
+  EventName name;
   if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
   kKeypadTrace.Info("\"%s\", %ls=%ls, %ls\r\n", button.name, button.event_value_name, name.data(),
                     path.data());
@@ -84,7 +84,7 @@ std::optional<size_t> ConfirmState(const pal::ButtonRecord& button, const pal::L
                                    size_t action, pal::LayoutPath& path) {
   pal::UniqueRegistryKey key;
   if (!OpenEvents(kState, layout, path, key)) return std::nullopt;
-  EventName name{};
+  EventName name;
   if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
   TakeRightScanForLeft(kState, name);
   if (pal::WideText(name.data()) != button.action_events[action].state) return std::nullopt;
@@ -118,7 +118,7 @@ std::optional<size_t> ReadAction(const pal::ButtonRecord& button, const pal::Lay
 
 // An action that cannot be told is no failure.
 HRESULT GetAction(const pal::ButtonRecord& button, DWORD& action) {
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   const HRESULT result = ResolveButtonKeyPath(layout, button);
   pal::LayoutPath path = layout;
   std::optional<size_t> found;
@@ -153,10 +153,10 @@ HRESULT WriteEvent(const Change& change, const EventKind& kind, HKEY key,
 }
 
 bool WriteState(const Change& change) {
-  pal::LayoutPath path{};
+  pal::LayoutPath path;
   pal::UniqueRegistryKey key;
   if (!OpenEvents(kState, change.layout, path, key)) return false;
-  EventName current{};
+  EventName current;
   if (ReadEventName(change.button, key.get(), current)) {
     kKeypadTrace.Info("SetButtonAction()2 \"%s\", %ls=%ls\r\n", change.button.name,
                       change.button.event_value_name, current.data());
@@ -186,10 +186,10 @@ bool TellDriver(const pal::ButtonRecord& button) {
 
 // What is written before a failure stays.
 HRESULT SetAction(const pal::ButtonRecord& button, size_t action) {
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   // A layout that is not found shows when its events are opened.
   static_cast<void>(ResolveButtonKeyPath(layout, button));
-  pal::LayoutPath path{};
+  pal::LayoutPath path;
   pal::UniqueRegistryKey delta;
   const bool opened = OpenEvents(kDelta, layout, path, delta);
   DWORD current_action = PAL_KEY_ACTION_UNKNOWN;

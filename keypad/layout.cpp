@@ -37,13 +37,11 @@ bool ReadActiveLayout(pal::LayoutPath& layout) {
 namespace pal {
 
 LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey) {
-  LayoutPath path = layout;
-  static_cast<void>(Append(path, subkey));  // there is room for it
+  const WideText base(layout.data(), Length<WCHAR>(layout));
+  LayoutPath path;
+  static_cast<void>(Copy(path, base));  // there is room for both
+  static_cast<void>(Copy(std::span(path).subspan(base.size()), subkey));
   return path;
-}
-
-LayoutPath EventsPath(const LayoutPath& layout, const WCHAR* events) {
-  return BelowLayout(BelowLayout(layout, TEXT("\\EVENTS\\")), events);
 }
 
 LONG OpenKeypadKey(const WCHAR* path, UniqueRegistryKey& key) {
@@ -109,7 +107,7 @@ bool ButtonIsSupported(LONG button) {
     kKeypadTrace.Info("ButtonIsSupported(%d) invalid\r\n", button);
     return false;
   }
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   if (!ReadActiveLayout(layout)) return false;
   const WCHAR* const plane_name = pal::kShiftPlanes.front();
   kKeypadTrace.Info("ButtonIsSupported(%d) - Read \\%ls: %ls\r\n", button, plane_name,
@@ -117,10 +115,9 @@ bool ButtonIsSupported(LONG button) {
   BYTE plane[kSupportBytes];
   const pal::PlaneReading reading = pal::ReadShiftPlane(layout.data(), plane_name, plane);
   if (pal::Failed(reading.opened)) return false;
-  bool found = false;
-  pal::ForEachKeyRecord(
-      std::span(plane).first(reading.bytes), [&](DWORD, std::span<BYTE> key_record) {
-        found = found || pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
+  const bool found = pal::AnyKeyRecord(
+      std::span(plane).first(reading.bytes), [record](DWORD, std::span<BYTE> key_record) {
+        return pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
       });
   if (found) {
     kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x found\r\n", button, record->scan_code);

@@ -16,13 +16,11 @@ namespace pal {
 inline constexpr size_t kMaxLayoutUnits = 260;
 using LayoutPath = std::array<WCHAR, kMaxLayoutUnits + 60>;
 
-// The keys below a layout with the names of the events.
-inline constexpr const WCHAR* kDeltaEvents = TEXT("DELTA");
-inline constexpr const WCHAR* kStateEvents = TEXT("STATE");
+// The keys with the names of the events, below a layout.
+inline constexpr WideText kDeltaEvents = TEXT("\\EVENTS\\DELTA");
+inline constexpr WideText kStateEvents = TEXT("\\EVENTS\\STATE");
 
-// The path of a key below a layout with the names of events.
-[[nodiscard]] LayoutPath EventsPath(const LayoutPath& layout, const WCHAR* events);
-// The path of another key below a layout: "\ShiftKeys".
+// The path of a key below a layout: "\ShiftKeys".
 [[nodiscard]] LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey);
 
 // Opens a key under HKEY_LOCAL_MACHINE with full access.

@@ -47,8 +47,8 @@ void WriteOrdinaryEvents(const WCHAR* path, const WCHAR* pal::ActionEvents::*kin
 
 // A key of events that is missing stays so.
 void WriteEvents(const pal::LayoutPath& layout) {
-  const pal::LayoutPath delta = pal::EventsPath(layout, pal::kDeltaEvents);
-  const pal::LayoutPath state = pal::EventsPath(layout, pal::kStateEvents);
+  const pal::LayoutPath delta = pal::BelowLayout(layout, pal::kDeltaEvents);
+  const pal::LayoutPath state = pal::BelowLayout(layout, pal::kStateEvents);
   WriteOrdinaryEvents(delta.data(), &pal::ActionEvents::delta);
   WriteOrdinaryEvents(state.data(), &pal::ActionEvents::state);
   const pal::ActionEvents& scan =
@@ -73,7 +73,7 @@ HRESULT Repair() {
       "FixScanKeyEvents - RegFlushKey %ls failure. winerr:0x%x",
   };
   kKeypadTrace.Info("%s: Modifying registry for side buttons\r\n", kName);
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   HRESULT result = ResolveButtonKeyPath(layout, pal::kLeftTopButton);
   if (pal::Failed(result)) return result;
   WriteEvents(layout);

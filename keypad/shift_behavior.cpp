@@ -38,7 +38,7 @@ LONG OpenShiftKeys(const OpeningLines& lines, pal::LayoutPath& path, pal::Unique
     kKeypadTrace.Error(lines.open_failed, pal::kKeyboardPath, static_cast<DWORD>(error));
     return error;
   }
-  pal::LayoutPath layout{};
+  pal::LayoutPath layout;
   error = pal::ReadKeypadText(keyboard.get(), pal::kActiveLayoutValue,
                               std::span(layout).first(pal::kMaxLayoutUnits + 1));
   if (error != ERROR_SUCCESS) {
@@ -114,7 +114,7 @@ HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior) {
       "PALKEYGetShiftBehavior - Error querying HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
   };
   if (behavior == nullptr) return E_FAIL;
-  pal::LayoutPath path{};
+  pal::LayoutPath path;
   pal::UniqueRegistryKey key;
   const LONG error = OpenShiftKeys(kLines, path, key);
   if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
@@ -151,7 +151,7 @@ HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior) {
     kKeypadTrace.Error("PALKEYSetShiftBehavior - Invalid argument %d\r\n", behavior);
     return E_INVALIDARG;
   }
-  pal::LayoutPath path{};
+  pal::LayoutPath path;
   pal::UniqueRegistryKey key;
   LONG error = OpenShiftKeys(kLines, path, key);
   if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);

@@ -31,12 +31,21 @@ constexpr bool IsRecordOf(std::span<const BYTE> record, BYTE kind, DWORD scan_co
   return record[kKeyKind] == kind && record[kKeyScanCode] == scan_code;
 }
 
-// The one walk over a plane: whole records only, with their offsets.
+// The one walk over a plane: whole records only, with their offsets, until `visit` says true of
+// one. False where it says so of none.
+template <typename Visit>
+constexpr bool AnyKeyRecord(std::span<BYTE> plane, Visit visit) {
+  for (size_t offset = 0; plane.size() - offset >= kKeyRecordBytes; offset += kKeyRecordBytes) {
+    if (visit(static_cast<DWORD>(offset), plane.subspan(offset, kKeyRecordBytes))) return true;
+  }
+  return false;
+}
 template <typename Visit>
 constexpr void ForEachKeyRecord(std::span<BYTE> plane, Visit visit) {
-  for (size_t offset = 0; plane.size() - offset >= kKeyRecordBytes; offset += kKeyRecordBytes) {
-    visit(static_cast<DWORD>(offset), plane.subspan(offset, kKeyRecordBytes));
-  }
+  AnyKeyRecord(plane, [&](DWORD offset, std::span<BYTE> record) {
+    visit(offset, record);
+    return false;
+  });
 }
 
 // What came of reading a plane.

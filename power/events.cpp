@@ -24,7 +24,7 @@ HRESULT EventFailure(DWORD error) {
 }
 
 void Close(std::atomic<HANDLE>& event) {
-  const pal::UniqueEvent closing(event.load(std::memory_order_relaxed));
+  pal::UniqueEvent(event.load(std::memory_order_relaxed)).Close();
   event.store(nullptr, std::memory_order_relaxed);
 }
 

@@ -26,7 +26,7 @@ constexpr TraceSource::Format<BOOL> kTriggerSuccess =
 constexpr TraceSource::Format<BOOL, DWORD> kTriggerFailure =
     "PALSysio_SetScanTrigger( fTriggerOn:%d ) err: %d\r\n";
 
-constexpr std::array kOperations = std::to_array<OperationRow>({
+constexpr auto kOperations = std::to_array<OperationRow>({
     {ScanOperation::kPower, 0x220044, Sends::kArgument, "PALSysio_SetScanPower( %d ) success\r\n",
      "PALSysio_SetScanPower(%d ) err: %d\r\n"},
     {ScanOperation::kEnable, 0x22004C, Sends::kArgument, "ScanSetEnable( %d ) success\r\n",
@@ -84,7 +84,7 @@ HANDLE OpenScanDriver() {
 }
 
 void CloseScanDriver() {
-  const UniqueFile closing(DriverHandle());
+  UniqueFile(DriverHandle()).Close();
   KeepDriverHandle(INVALID_HANDLE_VALUE);
 }
 

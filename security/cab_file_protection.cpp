@@ -14,8 +14,8 @@ namespace {
 constexpr pal::TraceSource kTrace{pal::Facility::kImageCapturePolicy};
 
 // Under HKEY_CLASSES_ROOT, in the order in which they are asked and changed.
-constexpr std::array kCommandPaths{TEXT("tdyskin\\Shell\\Open\\Command"),
-                                   TEXT("cabfile\\Shell\\Open\\Command")};
+constexpr auto kCommandPaths = std::to_array<const WCHAR*>(
+    {TEXT("tdyskin\\Shell\\Open\\Command"), TEXT("cabfile\\Shell\\Open\\Command")});
 
 // Names of one length: one is written over the other, and the rest of the command stays in place.
 constexpr size_t kProgramLength = 7;

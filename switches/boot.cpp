@@ -17,11 +17,11 @@ struct BootOption {
   DWORD before_restart;  // what the kernel control is given first; 0: it is not called
 };
 
-constexpr std::array kBootOptions{
-    BootOption{PAL_BOOT_WARM, TEXT("reboot"), 0},
-    BootOption{PAL_BOOT_COLD, TEXT("coldreboot"), 0},
-    BootOption{PAL_BOOT_PREPARED, TEXT("reboot"), 0x00040006},
-};
+constexpr auto kBootOptions = std::to_array<BootOption>({
+    {PAL_BOOT_WARM, TEXT("reboot"), 0},
+    {PAL_BOOT_COLD, TEXT("coldreboot"), 0},
+    {PAL_BOOT_PREPARED, TEXT("reboot"), 0x00040006},
+});
 
 bool TellKernel(DWORD value) {
   if (KernelIoControl(kBeforeRestart, &value, sizeof(value), nullptr, 0, nullptr) != FALSE) {

@@ -36,12 +36,12 @@ struct FunctionOption {
   [[nodiscard]] constexpr const WCHAR* text() const { return volume != nullptr ? volume : client; }
 };
 
-constexpr std::array kFunctionOptions{
-    FunctionOption{TEXT("Serial_Class"), nullptr},
-    FunctionOption{TEXT("RNDIS"), nullptr},
-    FunctionOption{kMassStorage, TEXT("DSK1:")},
-    FunctionOption{kMassStorage, TEXT("DSK2:")},
-};
+constexpr auto kFunctionOptions = std::to_array<FunctionOption>({
+    {TEXT("Serial_Class"), nullptr},
+    {TEXT("RNDIS"), nullptr},
+    {kMassStorage, TEXT("DSK1:")},
+    {kMassStorage, TEXT("DSK2:")},
+});
 static_assert(PAL_USB_SERIAL == 0 && PAL_USB_MASS_STORAGE_2 == kFunctionOptions.size() - 1);
 constexpr DWORD kNoOption = 0xFFFFFFFF;
 

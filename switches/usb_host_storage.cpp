@@ -37,6 +37,8 @@ constexpr Direction kEnable{
     "Error restoring up HKLM\\%ls\\%ls. dwRet = %u",
     "Successfully enabled all USB Mass Storage client drivers"};
 
+constexpr ValueFailure kDeleteFailed = "Error deleting HKLM\\%ls\\%ls. dwRet = %u";
+
 // The client drivers, one after another.
 class ClientDrivers {
  public:
@@ -46,31 +48,55 @@ class ClientDrivers {
   [[nodiscard]] LONG error() const { return error_; }
 
   [[nodiscard]] HKEY key() const { return driver_.get(); }
-  [[nodiscard]] const WCHAR* path() const { return path_.data(); }
+
+  // The error of an operation on a value of the driver, which is traced where there is one.
+  [[nodiscard]] LONG Checked(LONG error, const std::optional<ValueFailure>& line,
+                             const WCHAR* value_name) const;
 
  private:
-  void Open(HKEY parent, const WCHAR* name, pal::UniqueRegistryKey& key);
+  using Path = std::array<WCHAR, kDriversPath.size() + 1 + MAX_PATH>;
+
+  // Of the key that was opened last.
+  [[nodiscard]] Path PathForTrace() const;
+  void Open(HKEY parent, const WCHAR* path, pal::UniqueRegistryKey& key);
 
   pal::UniqueRegistryKey drivers_;
   pal::UniqueRegistryKey driver_;
-  std::array<WCHAR, kDriversPath.size() + 1 + MAX_PATH> path_{};  // of the last that was opened
+  std::array<WCHAR, MAX_PATH> name_;  // of the driver; empty for the key above all of them
   DWORD index_ = 0;
   LONG error_ = ERROR_SUCCESS;
 };
 
-void ClientDrivers::Open(HKEY parent, const WCHAR* name, pal::UniqueRegistryKey& key) {
-  error_ = pal::OpenRegistryKey(parent, name, KEY_ALL_ACCESS, key);
+ClientDrivers::Path ClientDrivers::PathForTrace() const {
+  Path path{};
+  const bool fits = pal::Copy(path, kDriversPath) &&
+                    (name_.front() == WCHAR{} ||
+                     (pal::Append(path, TEXT("\\")) && pal::Append(path, name_.data())));
+  static_cast<void>(fits);  // there is room for it
+  return path;
+}
+
+void ClientDrivers::Open(HKEY parent, const WCHAR* path, pal::UniqueRegistryKey& key) {
+  error_ = pal::OpenRegistryKey(parent, path, KEY_ALL_ACCESS, key);
   if (error_ == ERROR_SUCCESS) return;
-  kTrace.Error("Error opening HKLM\\%ls. dwRet = %u", path_.data(), error_);
+  kTrace.Error("Error opening HKLM\\%ls. dwRet = %u", PathForTrace().data(), error_);
+}
+
+LONG ClientDrivers::Checked(LONG error, const std::optional<ValueFailure>& line,
+                            const WCHAR* value_name) const {
+  if (error != ERROR_SUCCESS && line) {
+    const Path path = PathForTrace();
+    kTrace.Error(*line, path.data(), value_name, error);
+  }
+  return error;
 }
 
 bool ClientDrivers::Next() {
-  static_cast<void>(pal::Copy(path_, kDriversPath));
+  name_.front() = WCHAR{};
   if (!drivers_) Open(HKEY_LOCAL_MACHINE, kDriversPath.data(), drivers_);
   if (error_ != ERROR_SUCCESS) return false;
-  std::array<WCHAR, MAX_PATH> name{};
-  auto units = static_cast<DWORD>(name.size());
-  const LONG error = RegEnumKeyExW(drivers_.get(), index_++, name.data(), &units, nullptr, nullptr,
+  auto units = static_cast<DWORD>(name_.size());
+  const LONG error = RegEnumKeyExW(drivers_.get(), index_++, name_.data(), &units, nullptr, nullptr,
                                    nullptr, nullptr);
   if (error == ERROR_NO_MORE_ITEMS) return false;
   if (error != ERROR_SUCCESS) {
@@ -78,8 +104,7 @@ bool ClientDrivers::Next() {
     error_ = error;
     return false;
   }
-  static_cast<void>(pal::Append(path_, TEXT("\\")) && pal::Append(path_, name.data()));
-  Open(drivers_.get(), name.data(), driver_);
+  Open(drivers_.get(), name_.data(), driver_);
   return error_ == ERROR_SUCCESS;
 }
 
@@ -89,39 +114,30 @@ struct StoredText {
   DWORD bytes;
 };
 
-// Nothing where the driver has no such value or one of another type; `error` is then
-// ERROR_SUCCESS.
-std::optional<StoredText> ReadText(HKEY driver, const WCHAR* name, LONG& error) {
-  StoredText text{};
+// False where the driver has no such value or one of another type; `error` is then ERROR_SUCCESS.
+bool ReadText(HKEY driver, const WCHAR* name, StoredText& text, LONG& error) {
   text.bytes = kMaxDllBytes;
   DWORD type = REG_NONE;
   error = RegQueryValueExW(driver, name, nullptr, &type, text.data.data(), &text.bytes);
   const bool is_other = error == ERROR_FILE_NOT_FOUND ||
                         ((error == ERROR_SUCCESS || error == ERROR_MORE_DATA) && type != REG_SZ);
   if (is_other) error = ERROR_SUCCESS;
-  if (is_other || error != ERROR_SUCCESS) return std::nullopt;
-  return text;
+  return !is_other && error == ERROR_SUCCESS;
 }
 
 // The text has both names for a moment, and so is never lost.
 LONG MoveText(const ClientDrivers& drivers, const Direction& direction) {
+  StoredText text;
   LONG error = ERROR_SUCCESS;
-  const std::optional<StoredText> text = ReadText(drivers.key(), direction.from, error);
-  if (error != ERROR_SUCCESS && direction.read_failed) {
-    kTrace.Error(*direction.read_failed, drivers.path(), direction.from, error);
+  if (!ReadText(drivers.key(), direction.from, text, error)) {
+    return drivers.Checked(error, direction.read_failed, direction.from);
   }
-  if (!text) return error;
-  error = RegSetValueExW(drivers.key(), direction.to, 0, REG_SZ, text->data.data(), text->bytes);
-  if (error != ERROR_SUCCESS) {
-    kTrace.Error(direction.write_failed, drivers.path(), kVisibleName, error);
-    return error;
-  }
-  error = RegDeleteValueW(drivers.key(), direction.from);
-  if (error != ERROR_SUCCESS) {
-    kTrace.Error("Error deleting HKLM\\%ls\\%ls. dwRet = %u", drivers.path(), direction.from,
-                 error);
-  }
-  return error;
+  error = drivers.Checked(
+      RegSetValueExW(drivers.key(), direction.to, 0, REG_SZ, text.data.data(), text.bytes),
+      direction.write_failed, kVisibleName);
+  if (error != ERROR_SUCCESS) return error;
+  return drivers.Checked(RegDeleteValueW(drivers.key(), direction.from), kDeleteFailed,
+                         direction.from);
 }
 
 }  // namespace
@@ -144,7 +160,8 @@ HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled) {
   ClientDrivers drivers;
   while (drivers.Next()) {
     LONG error = ERROR_SUCCESS;
-    const bool has_dll = ReadText(drivers.key(), kVisibleName, error).has_value();
+    StoredText text;
+    const bool has_dll = ReadText(drivers.key(), kVisibleName, text, error);
     if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
     if (!has_dll) continue;
     *enabled = 1;

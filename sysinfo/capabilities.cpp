@@ -21,19 +21,18 @@ struct Capability {
   DWORD (*enabled)();
 };
 
-constexpr std::array kCapabilities{
-    Capability{"Camera", &PalSysinfo_IsCameraInstalled, &PalSysinfo_IsCameraEnabled},
-    Capability{"Wifi", &PalDevCap_IsWifiInstalled, &PalSysinfo_IsWifiEnabled},
-    Capability{"Bluetooth", &PalSysinfo_IsBluetoothInstalled, &PalSysinfo_IsBluetoothEnabled},
-    Capability{"InternalScanner", &PalSysinfo_IsIntScannerInstalled,
-               &PalSysinfo_IsIntScannerEnabled},
-    Capability{"Vibrate", &PalSysinfo_IsVibrateInstalled, &PalSysinfo_IsVibrateEnabled},
-    Capability{"WWAN", &PalSysinfo_IsWwanInstalled, &PalSysinfo_IsWwanEnabled},
-    Capability{"GPS", &PalSysinfo_IsGpsInstalled, &PalSysinfo_IsGpsEnabled},
-    Capability{"Compass", &PalSysinfo_IsCompassInstalled, &PalSysinfo_IsCompassEnabled},
-    Capability{"Accelerometer", &PalSysinfo_IsAccelInstalled, &PalSysinfo_IsAccelEnabled},
-    Capability{"Pedometer", &PalSysinfo_IsPedometerInstalled, &PalSysinfo_IsPedometerEnabled},
-};
+constexpr auto kCapabilities = std::to_array<Capability>({
+    {"Camera", &PalSysinfo_IsCameraInstalled, &PalSysinfo_IsCameraEnabled},
+    {"Wifi", &PalDevCap_IsWifiInstalled, &PalSysinfo_IsWifiEnabled},
+    {"Bluetooth", &PalSysinfo_IsBluetoothInstalled, &PalSysinfo_IsBluetoothEnabled},
+    {"InternalScanner", &PalSysinfo_IsIntScannerInstalled, &PalSysinfo_IsIntScannerEnabled},
+    {"Vibrate", &PalSysinfo_IsVibrateInstalled, &PalSysinfo_IsVibrateEnabled},
+    {"WWAN", &PalSysinfo_IsWwanInstalled, &PalSysinfo_IsWwanEnabled},
+    {"GPS", &PalSysinfo_IsGpsInstalled, &PalSysinfo_IsGpsEnabled},
+    {"Compass", &PalSysinfo_IsCompassInstalled, &PalSysinfo_IsCompassEnabled},
+    {"Accelerometer", &PalSysinfo_IsAccelInstalled, &PalSysinfo_IsAccelEnabled},
+    {"Pedometer", &PalSysinfo_IsPedometerInstalled, &PalSysinfo_IsPedometerEnabled},
+});
 
 using NarrowName = char[128];
 

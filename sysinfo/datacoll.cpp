@@ -54,9 +54,9 @@ HRESULT LoadCFGDatacoll(std::span<BYTE> data, DWORD& data_bytes) {
 
 // One byte of the file: 0 where the file cannot be loaded or is shorter. `data_bytes` is the size.
 HRESULT LoadDatacollByte(DWORD offset, DWORD& value, DWORD& data_bytes) {
-  Datacoll data{};
+  Datacoll data;
   const HRESULT result = LoadCFGDatacoll(data, data_bytes);
-  value = pal::Succeeded(result) ? data[offset] : 0;
+  value = pal::Succeeded(result) && offset < data_bytes ? data[offset] : 0;
   return result;
 }
 

@@ -23,7 +23,7 @@ struct DeviceCode {
 };
 
 // The codes 0x05 and 0x06 share one type on purpose.
-inline constexpr std::array kDeviceCodes = std::to_array<DeviceCode>({
+inline constexpr auto kDeviceCodes = std::to_array<DeviceCode>({
     {0x00, kNoDevice, {}},
     {0x01, 11, TEXT("ENG38")},
     {0x02, 15, TEXT("ENG35")},
@@ -57,13 +57,26 @@ static_assert(std::all_of(kDeviceCodes.begin(), kDeviceCodes.end(),
                           }),
               "a type and its name belong to different rows of the name table");
 
+namespace device_code_detail {
+
+inline constexpr size_t kCodes = 0x20;  // more than the largest code
+
+// By code. What a lookup needs of the rows above, which are not there when the library runs.
+inline constexpr std::array<BYTE, kCodes> kTypes = [] {
+  std::array<BYTE, kCodes> types{};
+  types.fill(static_cast<BYTE>(kUnknownDeviceCode));
+  for (const DeviceCode& row : kDeviceCodes) types[row.code] = static_cast<BYTE>(row.device_type);
+  return types;
+}();
+
+}  // namespace device_code_detail
+
 // Nothing for a code that stands for no type.
 constexpr std::optional<DWORD> FindDeviceType(DWORD code) {
-  const auto* const row =
-      std::find_if(kDeviceCodes.begin(), kDeviceCodes.end(),
-                   [code](const DeviceCode& candidate) { return candidate.code == code; });
-  if (row == kDeviceCodes.end()) return std::nullopt;
-  return row->device_type;
+  if (code >= device_code_detail::kTypes.size()) return std::nullopt;
+  const BYTE type = device_code_detail::kTypes[code];
+  if (type == kUnknownDeviceCode) return std::nullopt;
+  return type;
 }
 
 }  // namespace pal

@@ -50,7 +50,7 @@ HRESULT PalGetHwConfig(char* buffer, DWORD* length) {
     return pal::kInvalidInput;
   }
   const pal::OemInformation oem;
-  if (oem.text().empty()) return pal::kSourceFailed;
+  if (oem.empty()) return pal::kSourceFailed;
   Configuration configuration;
   std::string_view text = cache.Read(configuration);
   if (text.empty()) {

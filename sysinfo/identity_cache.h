@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -20,31 +21,33 @@ class IdentityCache {
  public:
   // Copies the text out. Empty until it is filled.
   [[nodiscard]] std::string_view Read(std::span<char, kSize> copy) const {
-    if (filled_.load(std::memory_order_relaxed) == FALSE) return {};
+    const DWORD length = length_.load(std::memory_order_relaxed);
     std::atomic_signal_fence(std::memory_order_acquire);
-    size_t length = 0;
-    for (; length < kSize - 1; ++length) {
-      copy[length] = text_[length].load(std::memory_order_relaxed);
-      if (copy[length] == '\0') break;
+    for (size_t at = 0; at < length; at += sizeof(DWORD)) {
+      const DWORD part = words_[at / sizeof(DWORD)].load(std::memory_order_relaxed);
+      std::memcpy(copy.data() + at, &part, sizeof(part));
     }
     return {copy.data(), length};
   }
 
   // A longer text is cut; an empty one does not fill.
   void Fill(std::string_view text) {
-    if (text.empty() || filled_.load(std::memory_order_relaxed) != FALSE) return;
+    if (length_.load(std::memory_order_relaxed) != 0) return;
     text = text.substr(0, kSize - 1);
-    for (size_t at = 0; at < text.size(); ++at) {
-      text_[at].store(text[at], std::memory_order_relaxed);
+    for (size_t at = 0; at < text.size(); at += sizeof(DWORD)) {
+      DWORD part = 0;
+      std::memcpy(&part, text.data() + at, std::min(sizeof(part), text.size() - at));
+      words_[at / sizeof(DWORD)].store(part, std::memory_order_relaxed);
     }
-    text_[text.size()].store('\0', std::memory_order_relaxed);
     std::atomic_signal_fence(std::memory_order_release);
-    filled_.store(TRUE, std::memory_order_relaxed);
+    length_.store(static_cast<DWORD>(text.size()), std::memory_order_relaxed);
   }
 
  private:
-  std::array<std::atomic<char>, kSize> text_{};
-  std::atomic<BOOL> filled_{FALSE};
+  static_assert(kSize % sizeof(DWORD) == 0);
+
+  std::array<std::atomic<DWORD>, kSize / sizeof(DWORD)> words_{};
+  std::atomic<DWORD> length_{0};
 };
 
 }  // namespace pal

@@ -29,12 +29,13 @@ using PolicyText = WCHAR[kMaxPathUnits + 1];
 
 // False for a value of another type, an empty text, and one of more than 520 bytes.
 bool ReadText(HKEY key, const WCHAR* name, PolicyText& text) {
-  std::fill(std::begin(text), std::end(text), WCHAR{});
   DWORD type = REG_NONE;
   DWORD bytes = kMaxPathUnits * sizeof(WCHAR);
   const LONG error =
       RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes);
-  return error == ERROR_SUCCESS && type == REG_SZ && text[0] != WCHAR{};
+  if (error != ERROR_SUCCESS || type != REG_SZ) return false;
+  text[bytes / sizeof(WCHAR)] = WCHAR{};  // an odd byte is no unit
+  return text[0] != WCHAR{};
 }
 
 std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
@@ -52,8 +53,10 @@ LONG OpenForReading(const WCHAR* path, pal::UniqueRegistryKey& key) {
 }
 
 bool FeaturePath(const WCHAR* feature, std::span<WCHAR> path) {
-  return pal::Copy(path, pal::kPolicyPath) && pal::Append(path, TEXT("\\")) &&
-         pal::Append(path, feature);
+  constexpr pal::WideText kRoot = pal::kPolicyPath;
+  if (!pal::Copy(path, kRoot)) return false;
+  path[kRoot.size()] = TEXT('\\');
+  return pal::Copy(path.subspan(kRoot.size() + 1), feature);
 }
 
 // The key of a feature. A name that is too long for a key's path names no key.
@@ -82,7 +85,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
     kTrace.Error("IsDisabledByPolicy - Invalid input ( feature )");
     return kNoFeature;
   }
-  WCHAR feature_path[kMaxPathUnits] = {};
+  WCHAR feature_path[kMaxPathUnits];
   pal::UniqueRegistryKey feature_key;
   if (!OpenFeature(feature, feature_path, feature_key)) return kFeatureNotOpened;
 

@@ -1,5 +1,7 @@
 // The serial number behind the hardware configuration that it belongs to.
 #include <algorithm>
+#include <cstring>
+#include <span>
 
 #include "frame/result.h"
 #include "sysinfo/answer_text.h"
@@ -15,22 +17,21 @@ constexpr size_t kMostSerialCharacters = 11;
 
 HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) return pal::kInvalidInput;
-  char configuration[128] = {};
+  char configuration[128];
   DWORD configuration_length = sizeof(configuration);
   HRESULT result = PalGetHwConfig(configuration, &configuration_length);
   if (pal::Failed(result)) return result;
-  char number[512] = {};
+  char number[512];
   DWORD number_length = sizeof(number);
   result = PalGetSerialNum(number, &number_length);
   if (pal::Failed(result)) return result;
-  if (pal::Length<char>(number) > kMostSerialCharacters) {
+  if (std::strlen(number) > kMostSerialCharacters) {
     number[0] = '\0';  // stays so where the address cannot be read
     number_length = sizeof(number);
     result = PalGetEtherMACAddress(number, &number_length);
     if (pal::Failed(result)) return result;
   }
-  configuration[std::min<size_t>(configuration_length, kConfigurationCharacters)] = '\0';
-  if (!pal::Append(configuration, {number, pal::Length<char>(number)})) return E_FAIL;
-  return pal::PutText({configuration, pal::Length<char>(configuration)}, buffer, length) ? S_OK
-                                                                                         : E_FAIL;
+  const size_t kept = std::min<size_t>(configuration_length, kConfigurationCharacters);
+  if (!pal::Copy(std::span(configuration).subspan(kept), number)) return E_FAIL;
+  return pal::PutText(configuration, buffer, length) ? S_OK : E_FAIL;
 }

@@ -1,6 +1,7 @@
 #include "sysinfo/result_converter.h"
 
 #include <algorithm>
+#include <cstring>
 #include <span>
 
 #include "frame/text.h"
@@ -15,16 +16,20 @@ namespace {
 // length may be more than it needs, because a source that writes nothing leaves it as it was.
 struct SourceAnswer {
   explicit SourceAnswer(IdentitySource source) {
+    text[0] = '\0';
     result = source(text, &length);
-    text[sizeof(text) - 1] = '\0';
-    length = std::min<DWORD>(length, sizeof(text));
     if (pal::Failed(result)) return;
+    text[sizeof(text) - 1] = '\0';
+    text_length = std::strlen(text);
+    length = std::min<DWORD>(length, sizeof(text));
+    if (length > text_length) std::fill(text + text_length, text + length, '\0');
     // Both converters trace under the name of the request.
     kIdentityTrace.Info("PalSysIoRequestExA - 0x%x=pfnSYS_CALL(out:%s,out:%d)", result, text,
                         length);
   }
 
-  char text[256] = {};
+  char text[256];
+  size_t text_length = 0;
   DWORD length = sizeof(text);
   HRESULT result;
 };
@@ -54,7 +59,7 @@ HRESULT GiveOutW(const SourceAnswer& answer, WCHAR* buffer, DWORD* length) {
     return pal::kInvalidInput;
   }
   const DWORD required = answer.length * static_cast<DWORD>(sizeof(WCHAR));
-  const std::string_view text(answer.text, pal::Length<char>(answer.text));
+  const std::string_view text(answer.text, answer.text_length);
   const bool fits = *length >= required && pal::Widen(std::span(buffer, answer.length), text);
   if (!fits) {
     *length = required;

@@ -127,7 +127,7 @@ HRESULT PalGetSerialNum(char* buffer, DWORD* length) {
     return pal::kInvalidInput;
   }
   const pal::OemInformation oem;
-  if (oem.text().empty()) return pal::kSourceFailed;
+  if (oem.empty()) return pal::kSourceFailed;
   SerialNumber serial;
   std::string_view text = cache.Read(serial);
   if (text.empty()) {

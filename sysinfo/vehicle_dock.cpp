@@ -66,10 +66,13 @@ void Format(std::span<char> text, pal::TraceSource::Format<Arguments...> format,
 }
 
 template <typename... Arguments>
-void TraceProgress(pal::TraceSource::Format<Arguments...> format, Arguments... arguments) {
-  Message message{};
-  Format(message, format, arguments...);
-  kTrace.Info("PALOneWire::FindVehicleDock(): %s", message.data());
+void TraceProgress([[maybe_unused]] pal::TraceSource::Format<Arguments...> format,
+                   [[maybe_unused]] Arguments... arguments) {
+  if constexpr (pal::kTraceLines) {
+    Message message{};
+    Format(message, format, arguments...);
+    kTrace.Info("PALOneWire::FindVehicleDock(): %s", message.data());
+  }
 }
 
 void TraceFailure(const char* message) {

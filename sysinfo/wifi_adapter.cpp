@@ -9,7 +9,7 @@ namespace {
 
 constexpr pal::TraceSource kTrace{pal::Facility::kDeviceInformation};
 
-constexpr std::array kAdapterNames{"AR6K_SD1", "TIWLN1"};
+constexpr auto kAdapterNames = std::to_array<const char*>({"AR6K_SD1", "TIWLN1"});
 constexpr DWORD kEthernet = 6;
 // No device has more. A driver that says so cannot be believed, and asking for each would keep the
 // caller for ever.
