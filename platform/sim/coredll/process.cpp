@@ -31,7 +31,8 @@ void NKDbgPrintfW(LPCWSTR format, ...) {
 }
 
 // The library's own allocations: its malloc and free are linked to these, the host's are left
-// alone. So are those of the runtime that comes with a build for coverage, in no thread of a device.
+// alone. So are those of the runtime that comes with a build for coverage, in no thread of a
+// device.
 extern "C" void* __wrap_malloc(size_t bytes) {
   if (sim::CurrentThread() == nullptr) return std::malloc(bytes);
   Call call(CallId::malloc);
