@@ -43,6 +43,7 @@ std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) 
     if (!idle.empty()) {
       std::unique_ptr<LoadedLibrary> taken = std::move(idle.back());
       idle.pop_back();
+      taken->Reset();
       return taken;
     }
   }
@@ -107,25 +108,31 @@ bool LoadedLibrary::Contains(const void* address) const {
   return dladdr(address, &info) != 0 && path_ == info.dli_fname;
 }
 
-// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
+// Word by word and volatile: the address sanitizer's zones between the statics are copied too,
 // which it would take for overruns.
-[[gnu::no_sanitize("address")]] void LoadedLibrary::KeepWritableData() {
-  Search search{path_.native(), {}};
-  dl_iterate_phdr(&FindWritable, &search);
-  writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
-  at_first_.resize(search.writable.end - search.writable.begin);
-  for (std::size_t at = 0; at < at_first_.size(); ++at) at_first_[at] = writable_[at];
+[[gnu::no_sanitize_address]] void LoadedLibrary::CopyWords(volatile std::uint64_t* to,
+                                                           const volatile std::uint64_t* from,
+                                                           std::size_t words) {
+  for (const volatile std::uint64_t* const end = from + words; from != end;) *to++ = *from++;
 }
 
-[[gnu::no_sanitize("address")]] void LoadedLibrary::Reset() {
-  for (std::size_t at = 0; at < at_first_.size(); ++at) writable_[at] = at_first_[at];
+void LoadedLibrary::KeepWritableData() {
+  Search search{path_.native(), {}};
+  dl_iterate_phdr(&FindWritable, &search);
+  // Its last page goes on behind the last word.
+  writable_ = reinterpret_cast<std::uint64_t*>(search.writable.begin);
+  at_first_.resize((search.writable.end - search.writable.begin + 7) / sizeof(std::uint64_t));
+  CopyWords(at_first_.data(), writable_, at_first_.size());
+}
+
+void LoadedLibrary::Reset() {
+  CopyWords(writable_, at_first_.data(), at_first_.size());
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)
     : library_(library), loaded_(TakeOrLoad(library)) {}
 
 LibraryCopy::~LibraryCopy() {
-  loaded_->Reset();
   const std::lock_guard lock(Idle().mutex);
   Idle().by_library[library_].push_back(std::move(loaded_));
 }

@@ -24,11 +24,13 @@ class LoadedLibrary {
 
  private:
   void KeepWritableData();
+  static void CopyWords(volatile std::uint64_t* to, const volatile std::uint64_t* from,
+                        std::size_t words);
 
   std::filesystem::path path_;
   void* module_;
-  volatile std::uint8_t* writable_ = nullptr;
-  std::vector<std::uint8_t> at_first_;
+  std::uint64_t* writable_ = nullptr;
+  std::vector<std::uint64_t> at_first_;
 };
 
 // Every process has its own statics of the library. Loading takes long, so that processes after one
