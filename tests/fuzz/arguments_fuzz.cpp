@@ -56,7 +56,7 @@ class Arguments {
   WCHAR* Memory(WCHAR* /*type*/) { return Buffer<WCHAR>(); }
 
   const char* Memory(const char* /*type*/) {
-    const std::string text = input_.ConsumeRandomLengthString(300);
+    const std::string text = TakeBytes(input_, 300);
     char* const copy = room_.Text(static_cast<DWORD>(text.size() + 1));
     std::copy_n(text.c_str(), text.size() + 1, copy);
     return copy;
@@ -64,7 +64,7 @@ class Arguments {
   const WCHAR* Memory(const WCHAR* /*type*/) {
     const auto high = input_.ConsumeIntegral<std::uint8_t>();  // of every unit
     std::u16string text;
-    for (const char unit : input_.ConsumeRandomLengthString(600)) {
+    for (const char unit : TakeBytes(input_, 600)) {
       text += static_cast<char16_t>(high << 8 | static_cast<unsigned char>(unit));
     }
     WCHAR* const copy = room_.WideText(static_cast<DWORD>(2 * text.size() + 2));
@@ -118,6 +118,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   constexpr int kMostCalls = 8;
   FuzzedDataProvider input(data, size);
   FuzzedDevice fuzzed;
+  constexpr std::size_t kMostArrangements = 3;
+  static_cast<void>(fuzzed.TakeRows(input, kMostArrangements));
   for (int call = 0; call < kMostCalls && input.remaining_bytes() > 0; ++call) {
     const auto index = input.ConsumeIntegralInRange<std::size_t>(0, kTargets.size());
     if (index == kTargets.size()) {

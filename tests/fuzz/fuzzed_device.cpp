@@ -20,6 +20,18 @@ void Require(bool holds, std::string_view what, std::string_view where) {
   std::abort();
 }
 
+std::string TakeBytes(FuzzedDataProvider& input, std::size_t most) {
+  const bool repeats = input.ConsumeBool();
+  const std::size_t wanted = repeats ? input.ConsumeIntegralInRange<std::size_t>(0, most) : 0;
+  std::string bytes = input.ConsumeRandomLengthString(most);
+  if (!bytes.empty() && bytes.size() < wanted) {
+    const std::size_t length = bytes.size();
+    bytes.resize(wanted);
+    for (std::size_t at = length; at < wanted; ++at) bytes[at] = bytes[at - length];
+  }
+  return bytes;
+}
+
 namespace {
 
 void RequireDocumented(const std::string& name, DWORD result) {

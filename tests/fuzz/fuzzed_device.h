@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +18,10 @@
 
 // Tells on the standard error what does not hold, and aborts.
 void Require(bool holds, std::string_view what, std::string_view where);
+
+// Some bytes of an input, at most so many. They may be one text over and over, so that a short input
+// gives long data too.
+std::string TakeBytes(FuzzedDataProvider& input, std::size_t most);
 
 class FuzzedDevice {
  public:

@@ -49,7 +49,7 @@ void ChangeValue(FuzzedDataProvider& input, sim::Registry& registry) {
       break;
   }
   const auto type = input.ConsumeIntegralInRange<std::uint32_t>(0, 11);
-  const std::string data = input.ConsumeRandomLengthString(kMostBytes);
+  const std::string data = TakeBytes(input, kMostBytes);
   key->SetValue(sim::ToUtf16(place.name), type, {data.begin(), data.end()});
 }
 
