@@ -62,7 +62,7 @@ void Lie(FuzzedDataProvider& input, sim::DriverAnswer& answer) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr std::size_t kMostCalls = 4;
+  constexpr std::size_t kMostCalls = 16;
   FuzzedDataProvider input(data, size);
   FuzzedDevice fuzzed;
   const auto rows = fuzzed.TakeRows(input, kMostCalls);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -21,14 +23,21 @@ void Require(bool holds, std::string_view what, std::string_view where) {
 }
 
 std::string TakeBytes(FuzzedDataProvider& input, std::size_t most) {
-  const bool repeats = input.ConsumeBool();
-  const std::size_t wanted = repeats ? input.ConsumeIntegralInRange<std::size_t>(0, most) : 0;
-  std::string bytes = input.ConsumeRandomLengthString(most);
-  if (!bytes.empty() && bytes.size() < wanted) {
-    const std::size_t length = bytes.size();
-    bytes.resize(wanted);
-    for (std::size_t at = length; at < wanted; ++at) bytes[at] = bytes[at - length];
-  }
+  enum class Kind : std::uint8_t { kShort, kRepeated, kLong, kMaxValue = kLong };
+  // What buffers hold, in the library and on the device.
+  constexpr std::array<std::size_t, 12> kSizes{4,   8,   18,  32,  64,  128,
+                                               256, 280, 512, 520, 756, 1024};
+  constexpr std::size_t kShortBytes = 16;
+  const auto kind = input.ConsumeEnum<Kind>();
+  if (kind == Kind::kLong) return input.ConsumeRandomLengthString(most);
+  const auto length = input.ConsumeIntegralInRange<std::size_t>(0, std::min(most, kShortBytes));
+  std::string bytes = input.ConsumeBytesAsString(length);
+  if (kind == Kind::kShort || bytes.empty()) return bytes;
+  const std::size_t size = input.PickValueInArray(kSizes);
+  const auto off = input.ConsumeBool() ? input.ConsumeIntegralInRange<std::size_t>(0, 4) - 2 : 0;
+  const std::string part = bytes;
+  while (bytes.size() < std::min(most, size + off)) bytes += part;
+  bytes.resize(std::min(most, size + off));
   return bytes;
 }
 
@@ -52,10 +61,12 @@ FuzzedDevice::FuzzedDevice() {
 
 std::vector<const ExportRow*> FuzzedDevice::TakeRows(FuzzedDataProvider& input, std::size_t most) {
   const std::vector<ExportRow>& all = ExportRows();
-  std::vector<const ExportRow*> rows(input.ConsumeIntegralInRange<std::size_t>(1, most));
-  for (const ExportRow*& row : rows) {
-    row = &all[input.ConsumeIntegralInRange<std::size_t>(0, all.size() - 1)];
-    if (row->arrange) row->arrange(device_);
+  const auto first = input.ConsumeIntegralInRange<std::size_t>(0, all.size() - 1);
+  const auto count = input.ConsumeIntegralInRange<std::size_t>(1, most);
+  std::vector<const ExportRow*> rows;
+  for (std::size_t row = first; row < first + count; ++row) {
+    rows.push_back(&all[row % all.size()]);
+    if (rows.back()->arrange) rows.back()->arrange(device_);
   }
   return rows;
 }

@@ -19,8 +19,8 @@
 // Tells on the standard error what does not hold, and aborts.
 void Require(bool holds, std::string_view what, std::string_view where);
 
-// Some bytes of an input, at most so many. They may be one text over and over, so that a short input
-// gives long data too.
+// Some bytes of an input, at most so many. They may be one text over and over, up to about the size
+// of a buffer that there is, so that a short input gives long data too.
 std::string TakeBytes(FuzzedDataProvider& input, std::size_t most);
 
 class FuzzedDevice {
@@ -29,7 +29,8 @@ class FuzzedDevice {
 
   [[nodiscard]] sim::Device& device() { return device_; }
 
-  // Takes up to `most` rows from an input and makes the device what they want.
+  // Takes up to `most` rows behind one another, of one family or two, as an input says, and makes
+  // the device what they want.
   std::vector<const ExportRow*> TakeRows(FuzzedDataProvider& input, std::size_t most);
 
   // Makes calls in the process, which it starts first where there is none. After each call the
