@@ -27,13 +27,14 @@ struct Comment {
 using Matches = std::sregex_iterator;
 
 Comment ReadComment(const std::string& text) {
-  static const std::regex kResult(R"(@retval\s+(\w+))");
-  static const std::regex kAs(R"(\b(?:[Aa]s|as (?:for|of|in)|same function as) (P(?:AL|al)\w+))");
+  static const std::regex result_word(R"(@retval\s+(\w+))");
+  static const std::regex as_export(
+      R"(\b(?:[Aa]s|as (?:for|of|in)|same function as) (P(?:AL|al)\w+))");
   Comment comment;
-  for (Matches at(text.begin(), text.end(), kResult); at != Matches(); ++at) {
+  for (Matches at(text.begin(), text.end(), result_word); at != Matches(); ++at) {
     comment.results.Add((*at)[1]);
   }
-  for (Matches at(text.begin(), text.end(), kAs); at != Matches(); ++at) {
+  for (Matches at(text.begin(), text.end(), as_export); at != Matches(); ++at) {
     comment.as.push_back((*at)[1]);
   }
   return comment;
@@ -46,11 +47,11 @@ std::string ReadFile(const std::filesystem::path& path) {
 
 // The comment of an export is the last one before its declaration.
 std::map<std::string, Comment> ReadComments() {
-  static const std::regex kDeclaration(R"(\n\w+ PALAPI (\w+)\()");
+  static const std::regex declaration(R"(\n\w+ PALAPI (\w+)\()");
   std::map<std::string, Comment> comments;
   for (const auto& entry : std::filesystem::directory_iterator(PROJECT_DIR "/include")) {
     const std::string text = ReadFile(entry.path());
-    for (Matches at(text.begin(), text.end(), kDeclaration); at != Matches(); ++at) {
+    for (Matches at(text.begin(), text.end(), declaration); at != Matches(); ++at) {
       const auto end = static_cast<std::size_t>(at->position());
       const std::size_t begin = text.rfind("/**", end);
       comments[(*at)[1]] = ReadComment(text.substr(begin, end - begin));

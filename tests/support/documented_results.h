@@ -15,7 +15,6 @@ class DocumentedResults {
   void Add(const std::string& word);
   void Add(const DocumentedResults& others);
   [[nodiscard]] bool Has(std::uint32_t result) const;
-  [[nodiscard]] bool empty() const { return patterns_.empty(); }
 
  private:
   std::set<std::string> patterns_;  // eight digits each

@@ -21,7 +21,7 @@ Arrange With(const char* key, const char* name, std::uint32_t number) {
   return [=](sim::Device& device) { device.registry().SetDword(key, name, number); };
 }
 
-Arrange WithParameter(std::uint16_t id, sim::QueryAnswer answer) {
+Arrange WithParameter(std::uint16_t id, const sim::QueryAnswer& answer) {
   return [=](sim::Device& device) { device.hardware().parameters[id] = answer; };
 }
 

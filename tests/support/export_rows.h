@@ -39,8 +39,6 @@ class Room {
   [[nodiscard]] bool IsUntouched() const;
   // Whether each block is a number and holds this one.
   [[nodiscard]] bool Holds(DWORD number) const;
-  // All of it, in the order in which it was handed out.
-  [[nodiscard]] std::vector<std::uint8_t> Content() const;
 
  private:
   struct Block {

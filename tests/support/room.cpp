@@ -46,12 +46,3 @@ bool Room::Holds(DWORD number) const {
     return *reinterpret_cast<const DWORD*>(block.bytes.data() + kGuardBytes) == number;
   });
 }
-
-std::vector<std::uint8_t> Room::Content() const {
-  std::vector<std::uint8_t> content;
-  for (const Block& block : blocks_) {
-    content.insert(content.end(), block.bytes.begin() + kGuardBytes,
-                   block.bytes.end() - kGuardBytes);
-  }
-  return content;
-}

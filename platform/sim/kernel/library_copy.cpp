@@ -79,6 +79,13 @@ int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   return 1;
 }
 
+// Word by word and volatile: the address sanitizer's zones between the statics are copied too,
+// which it would take for overruns.
+[[gnu::no_sanitize_address]] void CopyWords(const volatile std::uint64_t* from, std::size_t count,
+                                            volatile std::uint64_t* to) {
+  for (const volatile std::uint64_t* const end = from + count; from != end;) *to++ = *from++;
+}
+
 }  // namespace
 
 LoadedLibrary::LoadedLibrary(const std::filesystem::path& library)
@@ -108,25 +115,17 @@ bool LoadedLibrary::Contains(const void* address) const {
   return dladdr(address, &info) != 0 && path_ == info.dli_fname;
 }
 
-// Word by word and volatile: the address sanitizer's zones between the statics are copied too,
-// which it would take for overruns.
-[[gnu::no_sanitize_address]] void LoadedLibrary::CopyWords(volatile std::uint64_t* to,
-                                                           const volatile std::uint64_t* from,
-                                                           std::size_t words) {
-  for (const volatile std::uint64_t* const end = from + words; from != end;) *to++ = *from++;
-}
-
 void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
   // Its last page goes on behind the last word.
   writable_ = reinterpret_cast<std::uint64_t*>(search.writable.begin);
   at_first_.resize((search.writable.end - search.writable.begin + 7) / sizeof(std::uint64_t));
-  CopyWords(at_first_.data(), writable_, at_first_.size());
+  CopyWords(writable_, at_first_.size(), at_first_.data());
 }
 
 void LoadedLibrary::Reset() {
-  CopyWords(writable_, at_first_.data(), at_first_.size());
+  CopyWords(at_first_.data(), at_first_.size(), writable_);
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)

@@ -24,8 +24,6 @@ class LoadedLibrary {
 
  private:
   void KeepWritableData();
-  static void CopyWords(volatile std::uint64_t* to, const volatile std::uint64_t* from,
-                        std::size_t words);
 
   std::filesystem::path path_;
   void* module_;
@@ -34,7 +32,7 @@ class LoadedLibrary {
 };
 
 // Every process has its own statics of the library. Loading takes long, so that processes after one
-// another use the same copy, reset in between.
+// another use the same copy, reset when the next one takes it.
 class LibraryCopy {
  public:
   explicit LibraryCopy(const std::filesystem::path& library);
