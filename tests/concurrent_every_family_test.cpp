@@ -76,25 +76,26 @@ void CallAtRandom(const sim::Exports& exports, const std::vector<const ExportRow
   }
 }
 
-// A setting of one process is what all of them read.
-void ExpectAgreement(const sim::Exports& writer, const std::vector<const sim::Exports*>& readers) {
-  EXPECT_EQ(writer.PALBEEPSetVolume(3), S_OK);
-  EXPECT_EQ(writer.PALPWRSetDeviceOff_Batt(15), S_OK);
-  EXPECT_EQ(writer.PALDISPSetSIPDock(2), S_OK);
-  EXPECT_EQ(writer.PALKEYSetShiftBehavior(PAL_SHIFT_BEHAVIOR_2), S_OK);
-  EXPECT_EQ(writer.PALLEDGrLedOn(), S_OK);
-  EXPECT_EQ(writer.PALVIBSetVibratePreset(5), S_OK);
-  EXPECT_EQ(writer.PALSysio_Open(), S_OK);
-  EXPECT_EQ(writer.PALSysio_Close(), S_OK);
-  for (const sim::Exports* reader : readers) {
-    std::array<DWORD, 5> settings{};
-    EXPECT_EQ(reader->PALBEEPGetVolume(&settings[0]), S_OK);
-    EXPECT_EQ(reader->PALPWRGetDeviceOff_Batt(&settings[1]), S_OK);
-    EXPECT_EQ(reader->PALDISPGetSIPDock(&settings[2]), S_OK);
-    EXPECT_EQ(reader->PALKEYGetShiftBehavior(&settings[3]), S_OK);
-    EXPECT_EQ(reader->PALVIBGetVibratePreset(&settings[4]), S_OK);
-    EXPECT_EQ(settings, (std::array<DWORD, 5>{3, 15, 2, PAL_SHIFT_BEHAVIOR_2, 5}));
-  }
+using Settings = std::array<DWORD, 5>;
+constexpr Settings kSettings{3, 15, 2, PAL_SHIFT_BEHAVIOR_2, 5};
+
+// The results are those of the calls, in their order.
+std::vector<HRESULT> Set(const sim::Exports& pal, const Settings& settings) {
+  return {pal.PALBEEPSetVolume(settings[0]),
+          pal.PALPWRSetDeviceOff_Batt(settings[1]),
+          pal.PALDISPSetSIPDock(settings[2]),
+          pal.PALKEYSetShiftBehavior(settings[3]),
+          pal.PALVIBSetVibratePreset(settings[4]),
+          pal.PALLEDGrLedOn(),
+          pal.PALSysio_Open(),
+          pal.PALSysio_Close()};
+}
+
+std::vector<HRESULT> Get(const sim::Exports& pal, Settings& settings) {
+  auto& [volume, minutes, dock, shift, vibration] = settings;
+  return {pal.PALBEEPGetVolume(&volume), pal.PALPWRGetDeviceOff_Batt(&minutes),
+          pal.PALDISPGetSIPDock(&dock), pal.PALKEYGetShiftBehavior(&shift),
+          pal.PALVIBGetVibratePreset(&vibration)};
 }
 
 TEST_F(ConcurrentEveryFamily, ManyThreadsCallAnything) {
@@ -108,13 +109,17 @@ TEST_F(ConcurrentEveryFamily, ManyThreadsCallAnything) {
   }
   for (sim::Thread& thread : threads) EXPECT_TRUE(thread.Join());
 
-  std::vector<const sim::Exports*> readers;
   for (const auto& process : processes) {
     EXPECT_EQ(process->held_mutexes(), 0u);
     (void)process->exports().PALSysio_Close();
-    readers.push_back(&process->exports());
   }
-  ExpectAgreement(*readers.front(), readers);
+  // What one process sets now is what all of them read.
+  EXPECT_EQ(Set(processes.front()->exports(), kSettings), std::vector<HRESULT>(8, S_OK));
+  for (const auto& process : processes) {
+    Settings settings{};
+    EXPECT_EQ(Get(process->exports(), settings), std::vector<HRESULT>(5, S_OK));
+    EXPECT_EQ(settings, kSettings);
+  }
   for (const auto& process : processes) process->End();
   EXPECT_EQ(device.misuse(), std::vector<std::string>());
 }

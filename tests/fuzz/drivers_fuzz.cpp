@@ -9,8 +9,8 @@
 namespace {
 
 constexpr std::array kFiles{
-    "\\ConfigStore\\dcecfg", "\\ConfigStore\\datacoll",         "\\ConfigStore\\BMN0",
-    "\\ConfigStore\\DCEDPM", "\\Windows\\Sounds\\goodread.wav", "\\Store\\RM21.reg",
+    R"(\ConfigStore\dcecfg)", R"(\ConfigStore\datacoll)",        R"(\ConfigStore\BMN0)",
+    R"(\ConfigStore\DCEDPM)", R"(\Windows\Sounds\goodread.wav)", R"(\Store\RM21.reg)",
 };
 
 constexpr std::array kFailingCalls{

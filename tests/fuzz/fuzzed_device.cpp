@@ -11,6 +11,7 @@
 #include "tests/support/documented_results.h"
 
 // Speed before reports: where a block was allocated shows with ASAN_OPTIONS=malloc_context_size=30.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer's own name
 extern "C" const char* __asan_default_options() {
   return "malloc_context_size=0:quarantine_size_mb=8";
 }
