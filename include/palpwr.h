@@ -7,9 +7,11 @@
  * manager is told to read them again through the event "PowerManager/ReloadActivityTimeouts", which
  * PALPWRInit creates.
  *
- * The functions here may be called from any thread of any process and take no lock: of two changes
- * at once the later one stands. A null out-pointer gives E_FAIL, and nothing is read or traced. The
- * steps of every function are traced with facility 1007.
+ * The functions here may be called from any thread of any process, but for PALPWRInit and
+ * PALPWRTerm, which no other call of the same process may overlap; the library calls them when a
+ * process attaches and detaches. No lock is taken: of two changes at once the later one stands. A
+ * null out-pointer gives E_FAIL, and nothing is read or traced. The steps of every function are
+ * traced with facility 1007.
  */
 #ifndef PALPWR_H_
 #define PALPWR_H_

@@ -92,6 +92,11 @@ void Device::PlanFault(Fault fault) {
   kernel_->faults.Plan(std::move(fault));
 }
 
+void Device::set_on_answer(std::function<void(DriverAnswer&)> on_answer) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->on_answer = std::move(on_answer);
+}
+
 void Device::ClearFaults() {
   const Scheduler::Lock lock(kernel_->mutex);
   kernel_->faults.Clear();

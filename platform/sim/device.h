@@ -25,6 +25,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,6 +69,15 @@ enum class RestartKind : std::uint8_t { kWarm, kCold };
 class ProcessKilled : public std::exception {
  public:
   [[nodiscard]] const char* what() const noexcept override { return "the process was killed"; }
+};
+
+// What a driver or the kernel answers to one call, before the caller gets it: whoever watches the
+// answers may change it, and so lie as a driver might. It cannot be written past the caller's room.
+struct DriverAnswer {
+  std::string_view call;          // "DeviceIoControl"
+  std::span<std::uint8_t> bytes;  // the caller's room, as far as the answer may fill it
+  std::uint32_t returned = 0;     // how many of them the caller is told, where the call tells it
+  std::uint32_t error = 0;        // not 0: with which the call fails
 };
 
 // A library that processes can load, by its file name. Its entries are found by name; an entry
@@ -126,6 +136,9 @@ class Device {
   void ClearFaults();
   // The calls that the plans have made fail, in their order, since they were cleared last.
   [[nodiscard]] std::vector<std::string> faulted_calls() const;
+  // Called with each answer of a driver, of the kernel's I/O controls, of the network, the display
+  // and the radio, and with each file's size.
+  void set_on_answer(std::function<void(DriverAnswer& answer)> on_answer);
   // Platform calls since the device started: of one name, or of all.
   [[nodiscard]] unsigned calls(std::string_view name) const;
   [[nodiscard]] unsigned calls() const;

@@ -73,7 +73,7 @@ MMRESULT waveOutGetVolume(HWAVEOUT output, LPDWORD volume) {
   if (output != nullptr) return sim::Refuse(call, "was given a handle", sim::kInvalidHandle);
   if (volume == nullptr) return sim::Refuse(call, "was given no address", sim::kInvalidParameter);
   *volume = call.kernel().hardware.audio.levels.volume;
-  return 0;
+  return static_cast<MMRESULT>(call.Answer(*volume));
 }
 
 MMRESULT waveOutSetVolume(HWAVEOUT output, DWORD volume) {
@@ -98,7 +98,9 @@ MMRESULT waveInMessage(HWAVEIN input, UINT message, uintptr_t parameter1, uintpt
     gain = static_cast<std::uint32_t>(parameter2);
     call.Log(Effect::kAudio, fmt::format("gain {}", gain));
   } else if (parameter2 != 0) {
-    *reinterpret_cast<DWORD*>(parameter2) = gain;
+    auto& answer = *reinterpret_cast<DWORD*>(parameter2);
+    answer = gain;
+    return static_cast<MMRESULT>(call.Answer(answer));
   } else {
     return sim::Refuse(call, "was given no address", sim::kInvalidParameter);
   }

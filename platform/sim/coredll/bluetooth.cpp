@@ -13,5 +13,5 @@ int BthGetMode(LPDWORD mode) {
   const auto& radio = call.kernel().hardware.bluetooth;
   if (!radio) return call.Fail(kNotConnected);
   *mode = static_cast<DWORD>(*radio);
-  return ERROR_SUCCESS;
+  return call.Answer(*mode);
 }

@@ -42,6 +42,14 @@ LONG Call::Fail(LONG error) {
   return error;
 }
 
+LONG Call::Answer(std::span<BYTE> bytes, LONG error, DWORD& returned) {
+  if (!kernel_.on_answer) return error;
+  DriverAnswer answer{CallName(id_), bytes, returned, static_cast<std::uint32_t>(error)};
+  kernel_.on_answer(answer);
+  returned = answer.returned;
+  return static_cast<LONG>(answer.error);
+}
+
 void Call::Misuse(std::string_view what) {
   kernel_.Misuse(thread_, fmt::format("{} {}", CallName(id_), what));
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,16 @@ class Call {
   Answer Fail(LONG error, Answer answer) {
     Fail(error);
     return answer;
+  }
+
+  // What this call answers, for whoever watches the device's answers: the error with which it
+  // fails, or 0. `returned`: the count that the caller is told.
+  LONG Answer(std::span<BYTE> bytes, LONG error, DWORD& returned);
+  // Of a call that tells no count, in a record of the caller.
+  template <class Record>
+  LONG Answer(Record& record, LONG error = ERROR_SUCCESS) {
+    DWORD returned = sizeof(record);
+    return Answer({reinterpret_cast<BYTE*>(&record), sizeof(record)}, error, returned);
   }
 
   void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }

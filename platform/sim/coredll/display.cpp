@@ -25,7 +25,8 @@ LONG ChangeDisplaySettingsEx(LPCWSTR device, DEVMODEW* mode, HWND window, DWORD 
   sim::Display& display = call.kernel().hardware.display;
   if (flags == CDS_TEST) {
     mode->dmDisplayOrientation = display.orientation();
-    return DISP_CHANGE_SUCCESSFUL;
+    return call.Answer(mode->dmDisplayOrientation) == ERROR_SUCCESS ? DISP_CHANGE_SUCCESSFUL
+                                                                    : DISP_CHANGE_FAILED;
   }
   const auto* const wanted =
       std::ranges::find(sim::kRotations, mode->dmDisplayOrientation, &sim::Rotation::code);

@@ -105,7 +105,7 @@ BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD ou
   }
   sim::KernelRequest request{call, call.kernel(), sim::SpanOf<const BYTE>(call, in, in_bytes),
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
-  const LONG error = control->answer(request);
+  const LONG error = call.Answer(request.out, control->answer(request), request.returned);
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
   if (returned != nullptr) *returned = request.returned;
   return TRUE;
@@ -126,10 +126,11 @@ BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOI
   sim::DriverRequest request{code, sim::SpanOf<const BYTE>(call, in, buffer_bytes), in_bytes,
                              sim::SpanOf<BYTE>(call, out, out_bytes)};
   call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), driver.Describe(request)));
-  const auto error = static_cast<LONG>(driver.Control(request));
+  auto error = static_cast<LONG>(driver.Control(request));
   for (const std::string& change : request.changes) {
     call.Log(Effect::kDriver, fmt::format("{} {}", driver.name(), change));
   }
+  error = call.Answer(request.out, error, request.returned);
   if (error != ERROR_SUCCESS) return call.Fail(error, FALSE);
   if (returned != nullptr) *returned = request.returned;
   return TRUE;

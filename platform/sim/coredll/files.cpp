@@ -163,7 +163,9 @@ DWORD GetFileSize(HANDLE handle, LPDWORD size_high) {
   const auto file = call.Find<sim::FileObject>(handle);
   if (file == nullptr) return INVALID_FILE_SIZE;
   if (size_high != nullptr) *size_high = 0;
-  return static_cast<DWORD>(file->node->data.size());
+  auto size = static_cast<DWORD>(file->node->data.size());
+  const LONG error = call.Answer(size);
+  return error == ERROR_SUCCESS ? size : call.Fail(error, INVALID_FILE_SIZE);
 }
 
 DWORD GetFileAttributesW(LPCWSTR name) {

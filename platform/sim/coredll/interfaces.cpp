@@ -27,7 +27,7 @@ DWORD GetNumberOfInterfaces(LPDWORD count) {
   if (call.fault() != 0) return static_cast<DWORD>(call.Fail(call.fault()));
   if (count == nullptr) return static_cast<DWORD>(call.Fail(ERROR_INVALID_PARAMETER));
   *count = static_cast<DWORD>(call.kernel().hardware.interfaces.size());
-  return ERROR_SUCCESS;
+  return static_cast<DWORD>(call.Answer(*count));
 }
 
 DWORD GetIfEntry(MIB_IFROW* row) {
@@ -38,5 +38,5 @@ DWORD GetIfEntry(MIB_IFROW* row) {
   const auto found = std::ranges::find(interfaces, row->dwIndex, &sim::NetworkInterface::index);
   if (found == interfaces.end()) return static_cast<DWORD>(call.Fail(sim::kInvalidData));
   *row = sim::RowOf(*found);
-  return ERROR_SUCCESS;
+  return static_cast<DWORD>(call.Answer(*row));
 }

@@ -38,6 +38,12 @@ BOOL GiveSettings(Call& call, const Leds& leds, NLED_SETTINGS_INFO& info) {
   return TRUE;
 }
 
+template <class Info>
+BOOL Answer(Call& call, Info& info, BOOL given) {
+  const LONG error = call.Answer(info, given != FALSE ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER);
+  return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
+}
+
 // Asking for times that the supports record rules out is a mistake of the caller, also where the
 // driver does not look at them.
 void CheckTimes(Call& call, const NLED_SETTINGS_INFO& info) {
@@ -77,10 +83,12 @@ BOOL NLedGetDeviceInfo(UINT info_id, void* output) {
   if (output == nullptr) return sim::Refuse(call);
   const sim::Leds& leds = call.kernel().hardware.leds;
   if (info_id == NLED_SUPPORTS_INFO_ID) {
-    return sim::GiveSupports(call, leds, *static_cast<NLED_SUPPORTS_INFO*>(output));
+    auto& info = *static_cast<NLED_SUPPORTS_INFO*>(output);
+    return sim::Answer(call, info, sim::GiveSupports(call, leds, info));
   }
   if (info_id == NLED_SETTINGS_INFO_ID) {
-    return sim::GiveSettings(call, leds, *static_cast<NLED_SETTINGS_INFO*>(output));
+    auto& info = *static_cast<NLED_SETTINGS_INFO*>(output);
+    return sim::Answer(call, info, sim::GiveSettings(call, leds, info));
   }
   call.Misuse(fmt::format("was given the unknown id {}", info_id));
   return sim::Refuse(call);

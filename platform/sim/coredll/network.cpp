@@ -36,6 +36,9 @@ DWORD GetAdaptersInfo(IP_ADAPTER_INFO* adapters, ULONG* bytes) {
   }
   for (std::size_t index = 0; index < known.size(); ++index) {
     adapters[index] = sim::RecordOf(known[index]);
+    const LONG error = call.Answer(adapters[index]);
+    if (error != ERROR_SUCCESS) return static_cast<DWORD>(call.Fail(error));
+    adapters[index].Next = nullptr;
     if (index > 0) adapters[index - 1].Next = &adapters[index];
   }
   return ERROR_SUCCESS;

@@ -19,7 +19,8 @@ BOOL GetVersionExW(OSVERSIONINFOW* version) {
   const sim::OsVersion& os = call.kernel().hardware.system.os_version;
   if (os.error != 0) return call.Fail(static_cast<LONG>(os.error), FALSE);
   *version = {sizeof(*version), os.major, os.minor, os.build, os.platform, {}};
-  return TRUE;
+  const LONG error = call.Answer(*version);
+  return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
 }
 
 // The parameter is the buffer's size in bytes. A text that does not fit is refused whole.
@@ -35,8 +36,12 @@ BOOL SystemParametersInfoW(UINT action, UINT parameter, LPVOID value, UINT /*fla
     call.Misuse(fmt::format("was given the unknown action {}", action));
     return call.Fail(ERROR_INVALID_PARAMETER, FALSE);
   }
-  if (answer->error != 0) return call.Fail(static_cast<LONG>(answer->error), FALSE);
-  if (answer->bytes.size() > parameter) return call.Fail(ERROR_INSUFFICIENT_BUFFER, FALSE);
-  if (!answer->bytes.empty()) std::memcpy(value, answer->bytes.data(), answer->bytes.size());
-  return TRUE;
+  auto error = static_cast<LONG>(answer->error);
+  if (error == ERROR_SUCCESS && answer->bytes.size() > parameter) error = ERROR_INSUFFICIENT_BUFFER;
+  if (error == ERROR_SUCCESS && !answer->bytes.empty()) {
+    std::memcpy(value, answer->bytes.data(), answer->bytes.size());
+  }
+  DWORD returned = parameter;
+  error = call.Answer({static_cast<BYTE*>(value), parameter}, error, returned);
+  return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
 }

@@ -46,6 +46,7 @@ class Kernel {
   std::vector<std::shared_ptr<ProcessState>> program_processes;  // those that run a program
   std::vector<RestartKind> restarts;
   std::function<void(std::string_view bytes)> on_free;  // may be empty
+  std::function<void(DriverAnswer& answer)> on_answer;  // may be empty
 
   // Named objects, each type with its own names.
   std::map<std::u16string, std::weak_ptr<Mutex>> mutexes;

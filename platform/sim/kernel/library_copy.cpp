@@ -43,6 +43,7 @@ std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) 
     if (!idle.empty()) {
       std::unique_ptr<LoadedLibrary> taken = std::move(idle.back());
       idle.pop_back();
+      taken->Reset();
       return taken;
     }
   }
@@ -78,11 +79,11 @@ int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   return 1;
 }
 
-// Byte by byte and volatile: the address sanitizer's zones between the statics are copied too,
+// Word by word and volatile: the address sanitizer's zones between the statics are copied too,
 // which it would take for overruns.
-[[gnu::no_sanitize_address]] void CopyBytes(const volatile std::uint8_t* from, std::size_t count,
-                                            volatile std::uint8_t* to) {
-  for (std::size_t at = 0; at < count; ++at) to[at] = from[at];
+[[gnu::no_sanitize_address]] void CopyWords(const volatile std::uint64_t* from, std::size_t count,
+                                            volatile std::uint64_t* to) {
+  for (const volatile std::uint64_t* const end = from + count; from != end;) *to++ = *from++;
 }
 
 }  // namespace
@@ -117,10 +118,11 @@ bool LoadedLibrary::Contains(const void* address) const {
 void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
-  writable_ = reinterpret_cast<volatile std::uint8_t*>(search.writable.begin);
-  at_first_.resize(search.writable.end - search.writable.begin);
-  CopyBytes(writable_, at_first_.size(), at_first_.data());
-  using Address = volatile std::uint8_t* (*)();
+  // Its last page goes on behind the last word.
+  writable_ = reinterpret_cast<std::uint64_t*>(search.writable.begin);
+  at_first_.resize((search.writable.end - search.writable.begin + 7) / sizeof(std::uint64_t));
+  CopyWords(writable_, at_first_.size(), at_first_.data());
+  using Address = std::uint64_t* (*)();
   if (auto* const begin = reinterpret_cast<Address>(Symbol("CountersBegin"))) {
     auto* const end = reinterpret_cast<Address>(Symbol("CountersEnd"));
     counters_ = begin();
@@ -129,16 +131,15 @@ void LoadedLibrary::KeepWritableData() {
 }
 
 void LoadedLibrary::Reset() {
-  CopyBytes(counters_, counted_.size(), counted_.data());
-  CopyBytes(at_first_.data(), at_first_.size(), writable_);
-  CopyBytes(counted_.data(), counted_.size(), counters_);
+  CopyWords(counters_, counted_.size(), counted_.data());
+  CopyWords(at_first_.data(), at_first_.size(), writable_);
+  CopyWords(counted_.data(), counted_.size(), counters_);
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)
     : library_(library), loaded_(TakeOrLoad(library)) {}
 
 LibraryCopy::~LibraryCopy() {
-  loaded_->Reset();
   const std::lock_guard lock(Idle().mutex);
   Idle().by_library[library_].push_back(std::move(loaded_));
 }

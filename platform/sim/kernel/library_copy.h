@@ -27,15 +27,15 @@ class LoadedLibrary {
 
   std::filesystem::path path_;
   void* module_;
-  volatile std::uint8_t* writable_ = nullptr;
-  std::vector<std::uint8_t> at_first_;
+  std::uint64_t* writable_ = nullptr;
+  std::vector<std::uint64_t> at_first_;
   // What a build for coverage counts goes on from process to process.
-  volatile std::uint8_t* counters_ = nullptr;
-  std::vector<std::uint8_t> counted_;
+  std::uint64_t* counters_ = nullptr;
+  std::vector<std::uint64_t> counted_;
 };
 
 // Every process has its own statics of the library. Loading takes long, so that processes after one
-// another use the same copy, reset in between.
+// another use the same copy, reset when the next one takes it.
 class LibraryCopy {
  public:
   explicit LibraryCopy(const std::filesystem::path& library);
