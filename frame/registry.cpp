@@ -15,6 +15,11 @@ namespace {
 
 constexpr DWORD kMaxStringBytes = 520;
 
+// Behind a success nobody asks for the last error, so that it need not be kept over the close.
+inline void CloseAfterSuccess(UniqueRegistryKey& key) {
+  RegCloseKey(key.Release());
+}
+
 // The error of the open or of the write.
 inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
                      DWORD bytes) {
@@ -22,7 +27,7 @@ inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type
   LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
   if (error != ERROR_SUCCESS) return error;
   error = RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
-  if (error == ERROR_SUCCESS) key.Close();
+  if (error == ERROR_SUCCESS) CloseAfterSuccess(key);
   return error;
 }
 
@@ -41,7 +46,7 @@ inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buff
   LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
   if (error != ERROR_SUCCESS) return error;
   error = Query(key, name, buffer, bytes);
-  if (error == ERROR_SUCCESS) key.Close();
+  if (error == ERROR_SUCCESS) CloseAfterSuccess(key);
   return error;
 }
 
@@ -87,7 +92,8 @@ HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DW
 }
 
 HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* value) {
-  if (path == nullptr || name == nullptr || value == nullptr) return E_FAIL;
+  if (path == nullptr || name == nullptr || value == nullptr) [[unlikely]]
+    return E_FAIL;
   DWORD stored = 0;
   DWORD bytes = sizeof(stored);
   const LONG error = GetValue(root, path, name, &stored, bytes);

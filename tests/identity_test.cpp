@@ -303,6 +303,7 @@ TEST_F(Identity, ParametersThatLieGiveACleanResult) {
        {S_OK, "RM23", 5}},
       {"claims less", 2, 0x00D5, Lying(TextAnswer("RM23"), 2), {S_OK, "RM", 3}},
       {"no bytes", 2, 0x00D5, BytesAnswer({}), {E_FAIL, "untouched", 256}},
+      {"claims all", 2, 0x00D5, Lying(BytesAnswer({}), 4), {S_OK, "", 1}},
       {"an error", 2, 0x00D5, {{}, 31, {}}, {E_FAIL, "untouched", 256}},
       {"empty text", 2, 0x00D5, TextAnswer(""), {S_OK, "", 1}},
       {"claims more than it wrote",
@@ -357,7 +358,7 @@ TEST_F(Identity, FirmwareEndsWithItsInformation) {
 
 TEST_F(Identity, TellsTheOperatingSystemOfWindowsCeAlone) {
   EXPECT_EQ(DetailA(5).text, "pocketPC");
-  for (const char16_t* type : {u"PocketPC2", u"SmartPhone", u""}) {
+  for (const char16_t* type : {u"PocketPC2", u"PocketCE", u"SmartPhone", u""}) {
     hardware.system.platform_type = sim::WideTextAnswer(type);
     EXPECT_EQ(DetailA(5), (Answer{S_OK, "WINCE", 6}));
   }
