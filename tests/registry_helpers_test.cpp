@@ -100,14 +100,34 @@ TEST_F(RegistryHelpers, PassOnTheErrorOfTheValueOrIgnoreItAsDescribed) {
 
 TEST_F(RegistryHelpers, RefuseNullAndOpenNothing) {
   const unsigned opened = device.calls("RegOpenKeyExW");
+  const unsigned created = device.calls("RegCreateKeyExW");
   process.Run([&] {
     for (const Helper& helper : Helpers()) EXPECT_EQ(helper.call(nullptr), E_FAIL) << helper.name;
-    EXPECT_EQ(process->get_dword(HKEY_LOCAL_MACHINE, kKey, kValue, nullptr), E_FAIL);
-    EXPECT_EQ(process->get_binary(HKEY_LOCAL_MACHINE, kKey, kValue, bytes, nullptr), E_FAIL);
+    const HKEY root = HKEY_LOCAL_MACHINE;
+    const HRESULT results[] = {process->set_string(root, kKey, nullptr, TEXT("ab\0"), 4),
+                               process->set_string(root, kKey, kValue, nullptr, 0),
+                               process->set_dword(root, kKey, nullptr, 7),
+                               process->create_set_dword(root, nullptr, kValue, 7),
+                               process->create_set_dword(root, kKey, nullptr, 7),
+                               process->set_binary(root, kKey, nullptr, bytes, 4),
+                               process->set_binary(root, kKey, kValue, nullptr, 4),
+                               process->get_dword(root, kKey, nullptr, &number),
+                               process->get_dword(root, kKey, kValue, nullptr),
+                               process->get_string_value(root, kKey, nullptr, text, &size),
+                               process->get_string_value(root, kKey, kValue, nullptr, &size),
+                               process->get_string_value(root, kKey, kValue, text, nullptr),
+                               process->get_string(root, kKey, nullptr, text, 64, &size),
+                               process->get_string(root, kKey, kValue, nullptr, 0, &size),
+                               process->get_string(root, kKey, kValue, text, 64, nullptr),
+                               process->get_binary(root, kKey, nullptr, bytes, &size),
+                               process->get_binary(root, kKey, kValue, nullptr, &size),
+                               process->get_binary(root, kKey, kValue, bytes, nullptr)};
+    for (const HRESULT& result : results) EXPECT_EQ(result, E_FAIL) << "call " << &result - results;
     EXPECT_EQ(process->set_string(HKEY_LOCAL_MACHINE, kKey, kValue, TEXT("ab"), 3), E_FAIL)
         << "the unit behind the terminator must be there";
   });
   EXPECT_EQ(device.calls("RegOpenKeyExW"), opened);
+  EXPECT_EQ(device.calls("RegCreateKeyExW"), created);
 }
 
 TEST_F(RegistryHelpers, StoreAStringWithItsEndAndOneMoreUnit) {

@@ -25,29 +25,40 @@ std::filesystem::path CopyPath() {
          fmt::format("DVLORQPAL.{}.{}.so", getpid(), copies++);
 }
 
+}  // namespace
+
 // Copies that no process has just now, by the library's path.
-struct IdleCopies {
-  std::mutex mutex;
-  std::map<std::filesystem::path, std::vector<std::unique_ptr<LoadedLibrary>>> by_library;
+class IdleCopies {
+ public:
+  std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) {
+    {
+      const std::lock_guard lock(mutex_);
+      auto& idle = by_library_[library];
+      if (!idle.empty()) {
+        std::unique_ptr<LoadedLibrary> taken = std::move(idle.back());
+        idle.pop_back();
+        taken->Reset();
+        return taken;
+      }
+    }
+    return std::make_unique<LoadedLibrary>(library);
+  }
+
+  void Keep(const std::filesystem::path& library, std::unique_ptr<LoadedLibrary> loaded) {
+    const std::lock_guard lock(mutex_);
+    by_library_[library].push_back(std::move(loaded));
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<std::filesystem::path, std::vector<std::unique_ptr<LoadedLibrary>>> by_library_;
 };
 
-IdleCopies& Idle() {
-  static IdleCopies idle;
-  return idle;
-}
+namespace {
 
-std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) {
-  {
-    const std::lock_guard lock(Idle().mutex);
-    auto& idle = Idle().by_library[library];
-    if (!idle.empty()) {
-      std::unique_ptr<LoadedLibrary> taken = std::move(idle.back());
-      idle.pop_back();
-      taken->Reset();
-      return taken;
-    }
-  }
-  return std::make_unique<LoadedLibrary>(library);
+std::shared_ptr<IdleCopies> Idle() {
+  static const auto idle = std::make_shared<IdleCopies>();
+  return idle;
 }
 
 struct AddressRange {
@@ -137,11 +148,10 @@ void LoadedLibrary::Reset() {
 }
 
 LibraryCopy::LibraryCopy(const std::filesystem::path& library)
-    : library_(library), loaded_(TakeOrLoad(library)) {}
+    : library_(library), idle_(Idle()), loaded_(idle_->TakeOrLoad(library)) {}
 
 LibraryCopy::~LibraryCopy() {
-  const std::lock_guard lock(Idle().mutex);
-  Idle().by_library[library_].push_back(std::move(loaded_));
+  idle_->Keep(library_, std::move(loaded_));
 }
 
 std::filesystem::path DefaultLibrary() {

@@ -34,6 +34,8 @@ class LoadedLibrary {
   std::vector<std::uint64_t> counted_;
 };
 
+class IdleCopies;
+
 // Every process has its own statics of the library. Loading takes long, so that processes after one
 // another use the same copy, reset when the next one takes it.
 class LibraryCopy {
@@ -48,6 +50,7 @@ class LibraryCopy {
 
  private:
   std::filesystem::path library_;
+  std::shared_ptr<IdleCopies> idle_;  // lasts as long as the last process, whatever ends first
   std::unique_ptr<LoadedLibrary> loaded_;
 };
 
