@@ -155,6 +155,12 @@ TEST_F(RegistryFiles, ChecksumAddsWordsAndTheBytesBehindThem) {
     EXPECT_EQ(Load(u"sum"), S_OK);
     EXPECT_EQ(Stored("sum"), test.checksum) << test.bytes.size();
   }
+  // What a read does not bring counts as zeros.
+  device.registry().RemoveTree(kStore);
+  Write("sum", {"\x01\0\0\0\xFF\x02", 6});
+  device.PlanFault({.call = "ReadFile", .transfers = 5});
+  EXPECT_EQ(Load(u"sum"), S_OK);
+  EXPECT_EQ(Stored("sum"), 0x100U);
 }
 
 TEST_F(RegistryFiles, OnlyAStoredNumberOfFourBytesCounts) {
