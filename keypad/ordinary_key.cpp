@@ -21,10 +21,10 @@ HRESULT IsSaved(const WCHAR* plane_name, const pal::ButtonRecord& button, bool& 
   BYTE plane[pal::kMaxPlaneBytes];
   const pal::PlaneReading reading =
       pal::ReadShiftPlane(pal::kKeypadSettingsPath, plane_name, plane);
-  is_saved = false;
-  pal::ForEachKeyRecord(std::span(plane).first(reading.bytes), [&](DWORD, std::span<BYTE> found) {
-    is_saved = is_saved || pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code);
-  });
+  is_saved = pal::AnyKeyRecord(
+      std::span(plane).first(reading.bytes), [&button](DWORD, std::span<BYTE> found) {
+        return pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code);
+      });
   return reading.read;
 }
 
