@@ -359,21 +359,22 @@ TEST_F(ConfigStoreUpdate, SkipsWhatDoesNotFitAndGoesOnBehindIt) {
 }
 
 TEST_F(ConfigStoreUpdate, SkipsWhatDoesNotFitInABlockAndGoesOnBehindIt) {
-  const std::string begin = "\xCC\x00\x03"s;
   const std::string good =
       "A\x01"
       "0203\0\xDD\xEE\xFF"s;
+  const auto block_of = [&](std::string entry) {
+    return "\xCC\x00\x03"s.append(entry.append(good));
+  };
   const std::string names[] = {std::string(63, 'n'), std::string(64, 'n')};
   const std::string digits[] = {std::string(254, '0'), std::string(256, '0')};
   for (const std::size_t bad : {0U, 1U}) {
-    EXPECT_EQ(Update(begin + "A\x02" + names[bad] +
-                     "\0"
-                     "04\0"s +
-                     good)
+    EXPECT_EQ(Update(block_of("A\x02"s.append(names[bad])
+                                  .append("\0"
+                                          "04\0"s)))
                   .size(),
               2 - bad);
     EXPECT_EQ(ErrorLines().size(), bad) << "of the name";
-    EXPECT_EQ(Update(begin + "A\x00"s + digits[bad] + "\0"s + good).size(), 2 - bad);
+    EXPECT_EQ(Update(block_of("A\x00"s.append(digits[bad]).append("\0"s))).size(), 2 - bad);
     EXPECT_EQ(ErrorLines().size(), bad) << "of the value";
   }
 }
