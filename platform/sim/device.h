@@ -137,7 +137,7 @@ class Device {
   // The calls that the plans have made fail, in their order, since they were cleared last.
   [[nodiscard]] std::vector<std::string> faulted_calls() const;
   // Called with each answer of a driver, of the kernel's I/O controls, of the network, the display
-  // and the radio, and with each file's size.
+  // and the radio, with each file's size, and with each registry value that fits the caller's room.
   void set_on_answer(std::function<void(DriverAnswer& answer)> on_answer);
   // Platform calls since the device started: of one name, or of all.
   [[nodiscard]] unsigned calls(std::string_view name) const;

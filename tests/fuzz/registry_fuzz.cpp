@@ -1,6 +1,7 @@
 // A fuzz target of the exports over a registry that holds anything: values of any type, of any
 // size, without terminators or missing.
 #include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,20 @@ void Change(FuzzedDataProvider& input, sim::Registry& registry) {
   }
 }
 
+// Lets a value fill the caller's room, to its last byte or nearly, so that nothing ends a text.
+void Fill(FuzzedDataProvider& input, sim::DriverAnswer& answer) {
+  constexpr unsigned kAsStored = 6;  // of 8 answers
+  if (answer.call != "RegQueryValueExW") return;
+  const auto kind = input.ConsumeIntegralInRange<unsigned>(0, 7);
+  if (kind < kAsStored) return;
+  const std::size_t room = answer.bytes.size();
+  const std::span<std::uint8_t> filled =
+      answer.bytes.subspan(kind == kAsStored ? answer.returned : 0);
+  std::fill(filled.begin(), filled.end(), input.ConsumeIntegral<std::uint8_t>());
+  const auto spared = input.ConsumeIntegralInRange<std::size_t>(0, std::min<std::size_t>(room, 2));
+  answer.returned = static_cast<std::uint32_t>(room - spared);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -75,6 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t change = 0; change < changes; ++change) {
     Change(input, fuzzed.device().registry());
   }
+  fuzzed.device().set_on_answer([&](sim::DriverAnswer& answer) { Fill(input, answer); });
   for (const ExportRow* row : rows) {
     if (!fuzzed.Call(*row)) break;
   }

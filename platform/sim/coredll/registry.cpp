@@ -123,7 +123,10 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
   if (from == nullptr) return call.Fail(error);
   const sim::RegistryValue* value = from->FindValue(sim::OrEmpty(name));
   if (value == nullptr) return call.Fail(ERROR_FILE_NOT_FOUND);
-  return sim::Finish(call, sim::CopyData(*value, type, data, bytes));
+  const DWORD room = data == nullptr ? 0 : *bytes;
+  error = sim::CopyData(*value, type, data, bytes);
+  if (error == ERROR_SUCCESS && data != nullptr) error = call.Answer({data, room}, error, *bytes);
+  return sim::Finish(call, error);
 }
 
 LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD /*reserved*/, DWORD type, const BYTE* data,
