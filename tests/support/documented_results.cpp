@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
+#include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -24,18 +26,29 @@ struct Comment {
   std::vector<std::string> as;  // exports whose results are its own
 };
 
-using Matches = std::sregex_iterator;
+// The name that a word begins with: without a comma behind it, and the like.
+std::string NameIn(const std::string& word) {
+  const auto is_name_unit = [](unsigned char unit) {
+    return std::isalnum(unit) != 0 || unit == '_';
+  };
+  return {word.begin(), std::ranges::find_if_not(word, is_name_unit)};
+}
 
+// Results stand behind "@retval"; another export's are meant by "as PALX", "as for PALX".
 Comment ReadComment(const std::string& text) {
-  static const std::regex result_word(R"(@retval\s+(\w+))");
-  static const std::regex as_export(
-      R"(\b(?:[Aa]s|as (?:for|of|in)|same function as) (P(?:AL|al)\w+))");
   Comment comment;
-  for (Matches at(text.begin(), text.end(), result_word); at != Matches(); ++at) {
-    comment.results.Add((*at)[1]);
-  }
-  for (Matches at(text.begin(), text.end(), as_export); at != Matches(); ++at) {
-    comment.as.push_back((*at)[1]);
+  std::istringstream words(text);
+  bool follows_retval = false;
+  bool follows_as = false;
+  for (std::string word; words >> word;) {
+    const std::string name = NameIn(word);
+    if (follows_retval) comment.results.Add(name);
+    if (follows_as && (name.starts_with("PAL") || name.starts_with("Pal"))) {
+      comment.as.push_back(name);
+    }
+    follows_retval = word == "@retval";
+    const bool is_between = word == "for" || word == "of" || word == "in";
+    follows_as = word == "as" || word == "As" || (follows_as && is_between);
   }
   return comment;
 }
@@ -47,14 +60,17 @@ std::string ReadFile(const std::filesystem::path& path) {
 
 // The comment of an export is the last one before its declaration.
 std::map<std::string, Comment> ReadComments() {
-  static const std::regex declaration(R"(\n\w+ PALAPI (\w+)\()");
+  constexpr std::string_view kDeclared = " PALAPI ";
   std::map<std::string, Comment> comments;
   for (const auto& entry : std::filesystem::directory_iterator(PROJECT_DIR "/include")) {
     const std::string text = ReadFile(entry.path());
-    for (Matches at(text.begin(), text.end(), declaration); at != Matches(); ++at) {
-      const auto end = static_cast<std::size_t>(at->position());
-      const std::size_t begin = text.rfind("/**", end);
-      comments[(*at)[1]] = ReadComment(text.substr(begin, end - begin));
+    for (std::size_t at = text.find(kDeclared); at != std::string::npos;
+         at = text.find(kDeclared, at + 1)) {
+      const std::size_t name_begin = at + kDeclared.size();
+      const std::string name = NameIn(text.substr(name_begin));
+      if (text[name_begin + name.size()] != '(') continue;  // PALAPI's own definition
+      const std::size_t begin = text.rfind("/**", at);
+      comments[name] = ReadComment(text.substr(begin, at - begin));
     }
   }
   return comments;

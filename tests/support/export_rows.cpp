@@ -133,11 +133,12 @@ Before After(Term term) {
   return [term](sim::Process& process) { (void)(process.exports().*term)(); };
 }
 
-#define ROW(export_name, arguments, ...)                                                    \
-  ExportRow {                                                                               \
-    .name = #export_name, .run = [](const sim::Exports& pal, [[maybe_unused]] Room& room) { \
-      return static_cast<DWORD>(pal.export_name arguments);                                 \
-    } __VA_OPT__(, ) __VA_ARGS__                                                            \
+// The plus makes pointers of the functions: one type, so that they take half the time to compile.
+#define ROW(export_name, arguments, ...)                                                     \
+  ExportRow {                                                                                \
+    .name = #export_name, .run = +[](const sim::Exports& pal, [[maybe_unused]] Room& room) { \
+      return static_cast<DWORD>(pal.export_name arguments);                                  \
+    } __VA_OPT__(, ) __VA_ARGS__                                                             \
   }
 // A text in bytes or UTF-16 with its length.
 #define TEXT_ROWS(export_name, ...)                                                 \
