@@ -144,6 +144,7 @@ bool HasAllExports() {
 int main() {
   bool is_good = HasAllExports();
   std::vector<std::unique_ptr<Subject>> subjects;
+  subjects.reserve(bench::kBuilds.size());
   for (const Build build : bench::kBuilds) subjects.push_back(std::make_unique<Subject>(build));
   for (const Row& row : bench::Rows()) {
     std::vector<Deed> deeds;

@@ -52,7 +52,11 @@ def check(source):
     return run.returncode, run.stdout
 
 
-commands = json.loads((build / "compile_commands.json").read_text())
+# Of a source that several targets have, the first one's command: clang-tidy would read it once for each.
+commands = {}
+for entry in json.loads((build / "compile_commands.json").read_text()):
+    commands.setdefault(entry["file"], entry)
+commands = list(commands.values())
 for entry in commands:
     entry["command"] = re.sub(r" -Xclang -include(-pch)? -Xclang \S+", "", entry["command"])
 (stamps / "compile_commands.json").write_text(json.dumps(commands))
