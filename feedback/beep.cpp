@@ -110,24 +110,20 @@ Levels ReadLevels() {
   return levels;
 }
 
-// Puts `level` back, which is then empty. E_FAIL, with its line, and `level` as it was where that
-// fails; else `result`.
-HRESULT RestoreLevel(std::optional<DWORD>& level, HRESULT (*restore)(DWORD level),
-                     pal::TraceSource::Format<> failed, HRESULT result) {
-  if (!level) return result;
-  if (pal::Failed(restore(*level))) {
-    kTrace.Error(failed);
-    return E_FAIL;
-  }
-  level.reset();
-  return result;
+// True where there is no level to be put back, or it was. False, with its line, where that failed.
+bool Restore(std::optional<DWORD> level, HRESULT (*restore)(DWORD level),
+             pal::TraceSource::Format<> failed) {
+  if (!level || pal::Succeeded(restore(*level))) return true;
+  kTrace.Error(failed);
+  return false;
 }
 
-// Puts back what there is, and leaves in `levels` what could not be put back.
-HRESULT RestoreLevels(Levels& levels, HRESULT result, pal::TraceSource::Format<> gain_failed,
-                      pal::TraceSource::Format<> volume_failed) {
-  result = RestoreLevel(levels.gain, &PALBEEPRestoreGain, gain_failed, result);
-  return RestoreLevel(levels.volume, &PALBEEPRestoreVol, volume_failed, result);
+bool RestoreGain(std::optional<DWORD> gain, pal::TraceSource::Format<> failed) {
+  return Restore(gain, &PALBEEPRestoreGain, failed);
+}
+
+bool RestoreVolume(std::optional<DWORD> volume, pal::TraceSource::Format<> failed) {
+  return Restore(volume, &PALBEEPRestoreVol, failed);
 }
 
 HRESULT ReadHardwareState(const WCHAR* name, DWORD& state) {
@@ -233,7 +229,7 @@ HRESULT PlayEvent(int count, const WCHAR* name, DWORD flags) {
 // it found itself.
 HRESULT PlayDvlSynchronousBeep(int count, const WCHAR* name, DWORD flags) {
   kTrace.Info("PlayDvlSynchronousBeep(%d,%ls,0x%x) - Entry", count, name, flags);
-  Levels found = ReadLevels();
+  const Levels found = ReadLevels();
   if (flags == kPlayThrough) {
     saved_volume.Update(found.volume);
     saved_gain.Update(found.gain);
@@ -249,8 +245,12 @@ HRESULT PlayDvlSynchronousBeep(int count, const WCHAR* name, DWORD flags) {
     result = PlayEvent(count, name, flags);
   }
   if (flags == kPlayThrough) {
-    result = RestoreLevels(found, result, "PlayDvlSynchronousBeep - Failed to restore gain",
-                           "PlayDvlSynchronousBeep - Failed to restore volume");
+    if (!RestoreGain(found.gain, "PlayDvlSynchronousBeep - Failed to restore gain")) {
+      result = E_FAIL;
+    }
+    if (!RestoreVolume(found.volume, "PlayDvlSynchronousBeep - Failed to restore volume")) {
+      result = E_FAIL;
+    }
   }
   kTrace.Info("0x%x=PlayDvlSynchronousBeep(%d,%ls,0x%x) - Exit", result, count, name, flags);
   return result;
@@ -313,12 +313,17 @@ HRESULT BadRead() {
 HRESULT StopTagSearch() {
   HRESULT result = StopAudioFile();
   kTrace.Info("PALBEEPStopTagSearch - Restore cur wave vol and gain");
-  Levels saved{saved_volume.Get(), saved_gain.Get()};
-  result = RestoreLevels(saved, result, "PALBEEPStopTagSearch - Failed to restore gain",
-                         "PALBEEPStopTagSearch - Failed to restore volume");
-  // What failed is for the next stop.
-  if (!saved.volume) saved_volume.Clear();
-  if (!saved.gain) saved_gain.Clear();
+  // What fails stays saved, for the next stop.
+  if (RestoreGain(saved_gain.Get(), "PALBEEPStopTagSearch - Failed to restore gain")) {
+    saved_gain.Clear();
+  } else {
+    result = E_FAIL;
+  }
+  if (RestoreVolume(saved_volume.Get(), "PALBEEPStopTagSearch - Failed to restore volume")) {
+    saved_volume.Clear();
+  } else {
+    result = E_FAIL;
+  }
   return result;
 }
 

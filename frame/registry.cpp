@@ -31,16 +31,11 @@ inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type
   return error;
 }
 
-// Queries a value of an open key. `bytes` is the buffer's size, and the value's size on success.
 inline LONG Query(const UniqueRegistryKey& key, const WCHAR* name, void* buffer, DWORD& bytes) {
-  DWORD value_bytes = bytes;
-  const LONG error =
-      RegQueryValueExW(key.get(), name, nullptr, nullptr, static_cast<BYTE*>(buffer), &value_bytes);
-  if (error == ERROR_SUCCESS) bytes = value_bytes;
-  return error;
+  return RegQueryValueExW(key.get(), name, nullptr, nullptr, static_cast<BYTE*>(buffer), &bytes);
 }
 
-// The error of the open or of the query.
+// The error of the open or of the query. `bytes` is the buffer's size, then the value's.
 inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
   UniqueRegistryKey key;
   LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
@@ -72,7 +67,10 @@ HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
 HRESULT PALRegGetStringValue(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* buffer,
                              DWORD* bytes) {
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
-  return HResultFromWin32(GetValue(root, path, name, buffer, *bytes));
+  DWORD value_bytes = *bytes;
+  const LONG error = GetValue(root, path, name, buffer, value_bytes);
+  if (error == ERROR_SUCCESS) *bytes = value_bytes;
+  return HResultFromWin32(error);
 }
 
 HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
@@ -92,8 +90,7 @@ HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DW
 }
 
 HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* value) {
-  if (path == nullptr || name == nullptr || value == nullptr) [[unlikely]]
-    return E_FAIL;
+  if (path == nullptr || name == nullptr || value == nullptr) return E_FAIL;
   DWORD stored = 0;
   DWORD bytes = sizeof(stored);
   const LONG error = GetValue(root, path, name, &stored, bytes);
@@ -115,7 +112,10 @@ HRESULT PALRegGetBinary(HKEY root, const WCHAR* path, const WCHAR* name, BYTE* b
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
   UniqueRegistryKey key;
   const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
-  if (error == ERROR_SUCCESS) static_cast<void>(Query(key, name, buffer, *bytes));
+  DWORD value_bytes = *bytes;
+  if (error == ERROR_SUCCESS && Query(key, name, buffer, value_bytes) == ERROR_SUCCESS) {
+    *bytes = value_bytes;
+  }
   return HResultFromWin32(error);
 }
 
