@@ -19,7 +19,10 @@ import tempfile
 CALLS = 10  # of each row in a dump, as in instructions_main.cpp
 BUILDS = ("library", "untraced", "bare")
 ENTRY_ROWS = ("attach", "detach")
-MEDIAN_RATIO, WORST_RATIO = 1.3, 2.0  # of the whole call
+MEDIAN_RATIO, WORST_RATIO = 1.3, 2.0  # of the whole call, and of the library's own instructions
+# Above that by their own instructions; docs/performance.md says why.
+EXPLAINED = ("PALSysinfo_IsDravonelDevice", "PALMFGOpt_ConfigStoreRegUpdate",
+             "PALSysinfo_GetSerialNumberA", "PALSysinfo_GetSerialNumberExA")
 # What the C runtime does for a library is its own work, wherever the code of it lies.
 RUNTIME = re.compile(r"_*(mem|str|wcs|mbs)[a-z0-9]*(_|\(|$|')")
 
@@ -191,11 +194,14 @@ def entry_table(rows, times):
 
 def beyond_limits(rows):
     """What the library must hold to, and does not."""
-    faults = [f"{row.name}: {row.ratio:.2f} times the instructions of the call by hand"
-              for row in rows if row.ratio > WORST_RATIO]
-    median = statistics.median(row.ratio for row in rows)
-    if median > MEDIAN_RATIO:
-        faults.append(f"the median export: {median:.2f} times the instructions of the call by hand")
+    faults = []
+    for what, ratio, excepted in (("instructions", lambda row: row.ratio, ()),
+                                  ("own instructions", lambda row: row.own_ratio, EXPLAINED)):
+        faults += [f"{row.name}: {ratio(row):.2f} times the {what} of the call by hand"
+                   for row in rows if ratio(row) > WORST_RATIO and row.name not in excepted]
+        median = statistics.median(ratio(row) for row in rows)
+        if median > MEDIAN_RATIO:
+            faults.append(f"the median export: {median:.2f} times the {what} of the call by hand")
     return faults
 
 
