@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "platform/sim/hardware/hardware.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "tests/support/device_test.h"
 #include "tests/support/documented_results.h"
@@ -29,8 +30,9 @@ constexpr bool kIsShort = false;
 // What is done about a failed call fails too: one of so many calls behind it.
 constexpr unsigned kLaterCalls = kIsShort ? 0 : 24;
 
-constexpr std::uint32_t kMissing = 2;    // ERROR_FILE_NOT_FOUND
-constexpr std::uint32_t kAnyError = 31;  // ERROR_GEN_FAILURE: what a call can always give
+constexpr std::uint32_t kMissing = 2;      // ERROR_FILE_NOT_FOUND
+constexpr std::uint32_t kAnyError = 31;    // ERROR_GEN_FAILURE: what a call can always give
+constexpr std::uint32_t kFileExists = 80;  // ERROR_FILE_EXISTS
 
 struct CallErrors {
   std::string_view call;
@@ -139,6 +141,18 @@ class Desk {
     return text;
   }
 
+  // What a user sees and hears of the device.
+  [[nodiscard]] std::string shown() {
+    const sim::Hardware& hardware = device_.hardware();
+    std::string text =
+        fmt::format("volume {:x} gain {} turned {}", hardware.audio.levels.volume,
+                    hardware.audio.levels.gain, hardware.display.turned_to.value_or(0));
+    for (const auto& [number, led] : hardware.leds.all()) {
+      text += fmt::format(" LED {} {}", number, static_cast<int>(led.state));
+    }
+    return text;
+  }
+
  private:
   const ExportRow& row_;
   sim::Device device_;
@@ -168,13 +182,16 @@ struct Reference : Outcome {
     Desk desk(row);
     desk.Call(*this);
     std::string once = desk.stored();
+    const std::string shown_once = desk.shown();
     desk.StartProcess();
     Outcome again;
     desk.Call(again);
+    if (desk.shown() == shown_once) shown = shown_once;
     if (!writes.empty() && desk.stored() == once) stored = std::move(once);
   }
   // What is stored then; nothing where it stores nothing, or goes a step further each time.
   std::optional<std::string> stored;
+  std::optional<std::string> shown;  // then; nothing where a second call goes a step further
 };
 
 bool Contain(const Lines& all, const Lines& some) {
@@ -187,6 +204,24 @@ bool IsDocumented(const ExportRow& row, DWORD result) {
   return documented == ResultsByExport().end() ? result == S_OK : documented->second.Has(result);
 }
 
+// A Win32 error comes from a call that failed, or from the making of a file that seemed missing.
+bool IsOfFault(DWORD result, const std::vector<sim::Fault>& faults) {
+  if (result >> 16 != 0x8007 || result == static_cast<DWORD>(E_INVALIDARG)) return true;
+  const auto gives = [](std::uint32_t error) {
+    return [error](const sim::Fault& fault) { return fault.error == error; };
+  };
+  return std::ranges::any_of(faults, gives(result & 0xFFFF)) ||
+         ((result & 0xFFFF) == kFileExists && std::ranges::any_of(faults, gives(kMissing)));
+}
+
+// A beep that cannot put a level back leaves its own; a tag search has its own until it is stopped.
+bool LeavesLevels(const ExportRow& row, const Lines& faulted) {
+  return row.name == "PALBEEPStartTagSearch" ||
+         std::ranges::any_of(faulted, [](const std::string& call) {
+           return call == "waveOutSetVolume" || call == "waveInMessage";
+         });
+}
+
 // What a call must not do, whatever fails; empty where it did nothing of the kind.
 std::string Complaint(const ExportRow& row, const std::vector<sim::Fault>& faults,
                       const Outcome& reference, const Outcome& outcome) {
@@ -194,6 +229,9 @@ std::string Complaint(const ExportRow& row, const std::vector<sim::Fault>& fault
   if (!outcome.result) return reference.result ? "the process ended" : "";
   if (!IsDocumented(row, *outcome.result)) {
     return fmt::format("the result {:#010x} is documented nowhere", *outcome.result);
+  }
+  if (outcome.result != reference.result && !IsOfFault(*outcome.result, faults)) {
+    return fmt::format("the result {:#010x} is that of no call that failed", *outcome.result);
   }
   if (outcome.result == reference.result) {
     const bool answers = !reference.room.IsUntouched();
@@ -276,6 +314,10 @@ class FaultSweep {
     const bool completes = row_.other_writes != OtherWrites::kNever || !reference_.stored ||
                            AreEqual(desk.stored(), *reference_.stored);
     if (!completes) findings_.Add(when, "what it left is not completed by the next call");
+    if (reference_.shown && !LeavesLevels(row_, outcome.faulted) &&
+        desk.shown() != *reference_.shown) {
+      findings_.Add(when, fmt::format("leaves {}, and not {}", desk.shown(), *reference_.shown));
+    }
     for (const std::string& misuse : desk.TakeMisuse()) findings_.Add(when, misuse);
     return outcome.faulted;
   }
