@@ -180,8 +180,8 @@ HRESULT PALAPI PALLEDTerm() {
   }
   initialised.store(FALSE, std::memory_order_relaxed);
   guard.Release();
-  pal::UniqueEvent(Take(on_timeout_event)).Close();
   pal::UniqueMutex(Take(led_mutex)).Close();
+  pal::UniqueEvent(Take(on_timeout_event)).Close();
   return guard.wait_result();
 }
 

@@ -46,7 +46,7 @@ TEST_F(Entry, StartsTheFamiliesInOrder) {
 // The keypad family has nothing to close.
 TEST_F(Entry, EndsTheFamiliesInReverse) {
   const Lines closed = {"PowerManager/ReloadActivityTimeouts", "BackLightChangeEvent",
-                        "LED_ON_TIMEOUT", "DVLORQPAL_LED_MUTEX", "DVLORQPAL_BEEP_MUTEX"};
+                        "DVLORQPAL_LED_MUTEX", "LED_ON_TIMEOUT", "DVLORQPAL_BEEP_MUTEX"};
   const auto is_open = [this](const std::string& name) {
     const std::u16string text = sim::ToUtf16(name);
     const auto event = device.kernel().events.find(text);
