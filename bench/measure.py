@@ -21,8 +21,10 @@ BUILDS = ("library", "untraced", "bare")
 ENTRY_ROWS = ("attach", "detach")
 MEDIAN_RATIO, WORST_RATIO = 1.3, 2.0  # of the whole call, and of the library's own instructions
 # Above that by their own instructions; docs/performance.md says why.
-EXPLAINED = ("PALSysinfo_IsDravonelDevice", "PALMFGOpt_ConfigStoreRegUpdate",
-             "PALSysinfo_GetSerialNumberA", "PALSysinfo_GetSerialNumberExA")
+EXPLAINED = ("PALMFGOpt_ConfigStoreRegUpdate", "PALSysinfo_GetDeviceDetailA",
+             "PALSysinfo_GetHardwareConfigurationA", "PALSysinfo_GetHwConfigExA",
+             "PALSysinfo_GetSerialNumberA", "PALSysinfo_GetSerialNumberExA",
+             "PALSysinfo_IsDravonelDevice")
 # What the C runtime does for a library is its own work, wherever the code of it lies.
 RUNTIME = re.compile(r"_*(mem|str|wcs|mbs)[a-z0-9]*(_|\(|$|')")
 

@@ -15,14 +15,13 @@ class SystemText {
  public:
   // Empty where the call fails, and where it writes nothing.
   explicit SystemText(UINT action) {
-    buffer_[0] = WCHAR{};
     if (SystemParametersInfoW(action, sizeof(buffer_), buffer_, 0) == FALSE) buffer_[0] = WCHAR{};
   }
   [[nodiscard]] bool empty() const { return buffer_[0] == WCHAR{}; }
   [[nodiscard]] WideText text() const { return {buffer_, Length<WCHAR>(buffer_)}; }
 
  private:
-  WCHAR buffer_[kUnits];
+  WCHAR buffer_[kUnits] = {};  // an answer may have no terminator
 };
 
 // 512 bytes. Read anew at every query: a buffer of the whole process would be written by two

@@ -365,6 +365,8 @@ TEST_F(Identity, TellsTheOperatingSystemOfWindowsCeAlone) {
   hardware.system.platform_type =
       sim::WideTextAnswer(std::u16string(260, u'P'), sim::Terminator::kMissing);
   EXPECT_EQ(DetailA(5).text, "WINCE");
+  hardware.system.platform_type = sim::WideTextAnswer(u"pocketPC", sim::Terminator::kMissing);
+  EXPECT_EQ(DetailA(5).text, "pocketPC") << "behind an answer stand zeros";
   hardware.system.os_version.platform = 2;
   for (const DWORD detail : {5u, 6u}) {
     EXPECT_EQ(DetailA(detail), (Answer{kSourceFailed, "untouched", 256}));
