@@ -1,5 +1,5 @@
 // Calls every export in every build of the library, first to see that they do the same, then, under
-// callgrind, to count the instructions: bench/instructions.py starts it so and reads the counts.
+// callgrind, to count the instructions: bench/measure.py starts it so and reads the counts.
 #include <fmt/format.h>
 
 #include <algorithm>

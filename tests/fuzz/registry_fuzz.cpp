@@ -66,13 +66,14 @@ void Change(FuzzedDataProvider& input, sim::Registry& registry) {
 
 // Lets a value fill the caller's room, to its last byte or nearly, so that nothing ends a text.
 void Fill(FuzzedDataProvider& input, sim::DriverAnswer& answer) {
-  constexpr unsigned kAsStored = 6;  // of 8 answers
+  constexpr unsigned kBehindTheValue = 6;
+  constexpr unsigned kAll = 7;  // below both: as it is stored, which most answers are
   if (answer.call != "RegQueryValueExW") return;
-  const auto kind = input.ConsumeIntegralInRange<unsigned>(0, 7);
-  if (kind < kAsStored) return;
+  const auto kind = input.ConsumeIntegralInRange<unsigned>(0, kAll);
+  if (kind < kBehindTheValue) return;
   const std::size_t room = answer.bytes.size();
   const std::span<std::uint8_t> filled =
-      answer.bytes.subspan(kind == kAsStored ? answer.returned : 0);
+      answer.bytes.subspan(kind == kBehindTheValue ? answer.returned : 0);
   std::fill(filled.begin(), filled.end(), input.ConsumeIntegral<std::uint8_t>());
   const auto spared = input.ConsumeIntegralInRange<std::size_t>(0, std::min<std::size_t>(room, 2));
   answer.returned = static_cast<std::uint32_t>(room - spared);
