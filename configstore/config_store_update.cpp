@@ -14,9 +14,10 @@
 #include "frame/trace.h"
 #include "include/palmfgopt.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+constexpr TraceSource kTrace{Facility::kConfigStore};
 
 struct RegistryData {
   DWORD type;
@@ -41,16 +42,16 @@ RegistryData DataOf(const DcecfgKeyRecord& record) {
 // The root is closed like any key, though it was not opened: the platform ignores that.
 void WriteValue(const DcecfgKeyRecord& record) {
   std::string_view path_below_root = record.key_path;
-  const size_t root_length = pal::Find(path_below_root, '\\');
+  const size_t root_length = Find(path_below_root, '\\');
   if (root_length == path_below_root.size()) return;
   path_below_root.remove_prefix(root_length + 1);
   WCHAR path[256];
   WCHAR name[64];
-  if (!pal::Widen(path, path_below_root) || !pal::Widen(name, record.value_name)) return;
+  if (!Widen(path, path_below_root) || !Widen(name, record.value_name)) return;
 
-  const pal::UniqueRegistryKey root(PALRegRootFromName(record.key_path));
-  pal::UniqueRegistryKey key;
-  if (pal::CreateRegistryKey(root.get(), path, key) != ERROR_SUCCESS) return;
+  const UniqueRegistryKey root(PALRegRootFromName(record.key_path));
+  UniqueRegistryKey key;
+  if (CreateRegistryKey(root.get(), path, key) != ERROR_SUCCESS) return;
   const RegistryData data = DataOf(record);
   RegSetValueExW(key.get(), name, 0, data.type, static_cast<const BYTE*>(data.bytes),
                  static_cast<DWORD>(data.size));
@@ -70,8 +71,8 @@ HRESULT UpdateRegistry() {
   const std::unique_ptr<CDCECFGParser> parser(new (std::nothrow_t{}) CDCECFGParser);
   if (parser == nullptr) return S_OK;
   HRESULT result = parser->Load();
-  if (pal::Succeeded(result)) result = parser->ParseFile();
-  if (pal::Failed(result)) return result;
+  if (Succeeded(result)) result = parser->ParseFile();
+  if (Failed(result)) return result;
   if (parser->record_count() > 0) {
     kTrace.Info("Setting %d registry keys from Config Store.", parser->record_count());
   }
@@ -91,9 +92,11 @@ HRESULT ConfigStoreRegUpdate() {
   return result;
 }
 
+}  // namespace pal
+
 HRESULT PALAPI PALMFGOpt_ConfigStoreRegUpdate() {
-  kTrace.Info("Entry PALMFGOpt_ConfigStoreRegUpdate");
-  static_cast<void>(ConfigStoreRegUpdate());
-  kTrace.Info("Exit PALMFGOpt_ConfigStoreRegUpdate");
+  pal::kTrace.Info("Entry PALMFGOpt_ConfigStoreRegUpdate");
+  static_cast<void>(pal::ConfigStoreRegUpdate());
+  pal::kTrace.Info("Exit PALMFGOpt_ConfigStoreRegUpdate");
   return S_OK;
 }

@@ -4,6 +4,8 @@
 
 #include "platform/wince.h"
 
+namespace pal {
+
 // Reads "\ConfigStore\dcecfg" and writes each of its keys, in file order, once all of it has been
 // parsed. Failures of single registry writes are not reported.
 //
@@ -12,5 +14,7 @@
 // section;
 //         nothing was written
 [[nodiscard]] HRESULT ConfigStoreRegUpdate();
+
+}  // namespace pal
 
 #endif  // CONFIGSTORE_CONFIG_STORE_UPDATE_H_

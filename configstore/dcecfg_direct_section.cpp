@@ -5,7 +5,9 @@
 #include "configstore/dcecfg_parser.h"
 #include "frame/text.h"
 
-using pal::dcecfg::kTrace;
+namespace pal {
+
+using dcecfg::kTrace;
 
 namespace {
 
@@ -29,25 +31,25 @@ constexpr std::array<IndexedKey, 9> kIndexedKeys = {{
 constexpr size_t kMaxLiteralKeyLength = 255;
 
 bool IsLiteralMarker(BYTE byte) {
-  using namespace pal::dcecfg;
+  using namespace dcecfg;
   return byte == kStringKey || byte == kDwordKey || byte == kBinaryKey;
 }
 
 DcecfgValueType TypeOfMarker(BYTE marker) {
-  if (marker == pal::dcecfg::kStringKey) return DcecfgValueType::kString;
-  if (marker == pal::dcecfg::kDwordKey) return DcecfgValueType::kDword;
+  if (marker == dcecfg::kStringKey) return DcecfgValueType::kString;
+  if (marker == dcecfg::kDwordKey) return DcecfgValueType::kDword;
   return DcecfgValueType::kBinary;
 }
 
 [[nodiscard]] bool SetKey(DcecfgKeyRecord& record, const IndexedKey& key) {
-  const bool has_root = pal::dcecfg::HasRoot(key.key);
-  return pal::Copy(record.key_path, has_root ? "" : pal::dcecfg::kBaseKey) &&
-         pal::Append(record.key_path, key.key) && pal::Copy(record.value_name, key.value_name);
+  const bool has_root = dcecfg::HasRoot(key.key);
+  return Copy(record.key_path, has_root ? "" : dcecfg::kBaseKey) &&
+         Append(record.key_path, key.key) && Copy(record.value_name, key.value_name);
 }
 
 // The value name stands behind the first ':' and may be empty there.
 IndexedKey SplitLiteralKey(std::string_view text) {
-  const size_t colon = pal::Find(text, ':');
+  const size_t colon = Find(text, ':');
   if (colon == text.size()) return {text, "Default"};
   IndexedKey split = {text, text};
   split.key.remove_suffix(text.size() - colon);
@@ -63,7 +65,7 @@ void CDCECFGParser::ParseDirectSection() {
   kTrace.Plain("Entry Parsing direct registry section...");
   while (!reader_.ended()) {
     ParseDirectEntry();
-    if (reader_.At(pal::dcecfg::kEndOfSection)) break;
+    if (reader_.At(dcecfg::kEndOfSection)) break;
   }
   kTrace.Plain(" Exit Parsing direct registry section...");
   reader_.Advance();
@@ -100,10 +102,10 @@ CDCECFGParser::Key CDCECFGParser::ReadLiteralKey(BYTE marker, DcecfgKeyRecord& r
     return Key::kNone;
   }
   if (text->size() > kMaxLiteralKeyLength || !SetKey(record, SplitLiteralKey(*text))) {
-    pal::dcecfg::TraceTooLong();
+    dcecfg::TraceTooLong();
     return Key::kMisfit;
   }
-  if (const std::string_view path = record.key_path; pal::Find(path, '\\') == path.size()) {
+  if (const std::string_view path = record.key_path; Find(path, '\\') == path.size()) {
     kTrace.Error("Key %s names no key below its root. Entry skipped.", record.key_path);
     return Key::kMisfit;
   }
@@ -132,3 +134,5 @@ bool CDCECFGParser::ReadDirectValue(DcecfgKeyRecord& record) {
   if (read == Text::kNoEnd) kTrace.Error("End of file before end of string");
   return read == Text::kRead;
 }
+
+}  // namespace pal

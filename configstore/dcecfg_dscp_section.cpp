@@ -5,15 +5,17 @@
 
 #include "configstore/dcecfg_format.h"
 #include "configstore/dcecfg_parser.h"
-#include "configstore/device_names.h"
 #include "frame/text.h"
+#include "sysinfo/options/device_names.h"
 
-using pal::dcecfg::kTrace;
+namespace pal {
+
+using dcecfg::kTrace;
 
 namespace {
 
 // Port 0 has the empty name, so that its path holds two backslashes in a row; that is kept.
-constexpr auto kPortNames = std::to_array<pal::WideText>({
+constexpr auto kPortNames = std::to_array<WideText>({
     TEXT(""),   TEXT("1"),  TEXT("2"),  TEXT("3"),  TEXT("4"),  TEXT("5"),  TEXT("6"),
     TEXT("7"),  TEXT("8"),  TEXT("9"),  TEXT("10"), TEXT("11"), TEXT("12"), TEXT("13"),
     TEXT("14"), TEXT("15"), TEXT("16"), TEXT("17"), TEXT("18"),
@@ -22,12 +24,12 @@ static_assert(kPortNames.size() == 19);
 
 struct Subsection {
   std::string_view key;
-  std::span<const pal::WideText> index_names;
+  std::span<const WideText> index_names;
 };
 
 constexpr std::array<Subsection, 2> kSubsections = {{
     {"ADCPorts", kPortNames},
-    {"ADCDevices", pal::kDeviceNames},
+    {"ADCDevices", kDeviceNames},
 }};
 
 enum Format : BYTE { kOneByte = 0, kTwoByte = 1, kNamed = 2 };
@@ -42,17 +44,17 @@ std::string_view FrameKey(BYTE frame_type) {
 // <base>\<subsection>\<index name>\, where the frame's key is still to follow.
 [[nodiscard]] bool SetBlockPath(std::span<char> path, const Subsection& subsection, size_t index) {
   char name[32];
-  return pal::Narrow(name, subsection.index_names[index]) &&
-         pal::Copy(path, pal::dcecfg::kBaseKey) && pal::Append(path, subsection.key) &&
-         pal::Append(path, "\\") && pal::Append(path, name) && pal::Append(path, "\\");
+  return Narrow(name, subsection.index_names[index]) && Copy(path, dcecfg::kBaseKey) &&
+         Append(path, subsection.key) && Append(path, "\\") && Append(path, name) &&
+         Append(path, "\\");
 }
 
 [[nodiscard]] bool SetKey(DcecfgKeyRecord& record, std::string_view block_path,
                           std::string_view frame_key, BYTE format, std::string_view value_name) {
   record.type = DcecfgValueType::kBinary;
-  return pal::Copy(record.key_path, block_path) && pal::Append(record.key_path, frame_key) &&
-         (format != kNamed || pal::Append(record.key_path, "\\StringAfterFidFmt")) &&
-         pal::Copy(record.value_name, value_name);
+  return Copy(record.key_path, block_path) && Append(record.key_path, frame_key) &&
+         (format != kNamed || Append(record.key_path, "\\StringAfterFidFmt")) &&
+         Copy(record.value_name, value_name);
 }
 
 }  // namespace
@@ -69,7 +71,7 @@ HRESULT CDCECFGParser::ParseDscpSection() {
       return E_FAIL;
     }
     ParseDscpSubsection();
-  } while (!reader_.At(pal::dcecfg::kEndOfSection));
+  } while (!reader_.At(dcecfg::kEndOfSection));
   reader_.Advance();
   kTrace.Info(" Exit Parsing DSCP registry section...");
   return S_OK;
@@ -84,7 +86,7 @@ void CDCECFGParser::ParseDscpSubsection() {
   bool block_closed = false;
   do {
     block_closed = ParseDscpBlock(subsection);
-  } while (!reader_.ended() && !reader_.At(pal::dcecfg::kEndOfSubsection));
+  } while (!reader_.ended() && !reader_.At(dcecfg::kEndOfSubsection));
   if (!reader_.ended()) {
     reader_.Advance();
   } else if (!block_closed) {
@@ -104,7 +106,7 @@ bool CDCECFGParser::ParseDscpBlock(size_t subsection) {
   }
   while (!reader_.ended()) {
     if (!ParseDscpEntry(block) && reader_.ended()) kTrace.Error("Abnormal keyentry end");
-    if (reader_.At(pal::dcecfg::kEndOfBlock)) {
+    if (reader_.At(dcecfg::kEndOfBlock)) {
       reader_.Advance();
       return true;
     }
@@ -148,7 +150,7 @@ CDCECFGParser::Key CDCECFGParser::ReadDscpKey(DscpBlock& block, DcecfgKeyRecord&
     value_name = format == kOneByte ? "OneByteAfterFidFmt" : "TwoByteAfterFidFmt";
   }
   if (!SetKey(record, block.path, frame_key, format, value_name)) {
-    pal::dcecfg::TraceTooLong();
+    dcecfg::TraceTooLong();
     return Key::kMisfit;
   }
   // Both records are kept: the later one wins in the registry.
@@ -160,3 +162,5 @@ CDCECFGParser::Key CDCECFGParser::ReadDscpKey(DscpBlock& block, DcecfgKeyRecord&
   }
   return Key::kFilled;
 }
+
+}  // namespace pal

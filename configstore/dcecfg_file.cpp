@@ -4,13 +4,15 @@
 #include "configstore/dcecfg_parser.h"
 #include "frame/unique_handle.h"
 
-using pal::dcecfg::kTrace;
+namespace pal {
+
+using dcecfg::kTrace;
 
 HRESULT CDCECFGParser::Load() {
   record_count_ = 0;
   reader_.Clear();
-  const pal::UniqueFile file(CreateFileW(TEXT("\\ConfigStore\\dcecfg"), GENERIC_READ, 0, nullptr,
-                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const UniqueFile file(CreateFileW(TEXT("\\ConfigStore\\dcecfg"), GENERIC_READ, 0, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) {
     kTrace.Error("CDCECFGParser: Config Store DCECFG not present");
     return E_FAIL;
@@ -24,3 +26,5 @@ HRESULT CDCECFGParser::Load() {
   }
   return Load(std::span<const BYTE>(data, std::min<size_t>(bytes_read, sizeof(data))));
 }
+
+}  // namespace pal

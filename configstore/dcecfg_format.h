@@ -7,7 +7,9 @@
 #include "frame/trace.h"
 #include "platform/wince.h"
 
-namespace pal::dcecfg {
+namespace pal {
+
+namespace dcecfg {
 
 inline constexpr TraceSource kTrace{Facility::kConfigStore};
 
@@ -31,6 +33,8 @@ inline void TraceTooLong() {
   kTrace.Error("Key, value name or value too long. Entry skipped.");
 }
 
-}  // namespace pal::dcecfg
+}  // namespace dcecfg
+
+}  // namespace pal
 
 #endif  // CONFIGSTORE_DCECFG_FORMAT_H_

@@ -5,7 +5,9 @@
 #include "configstore/dcecfg_format.h"
 #include "frame/text.h"
 
-using pal::dcecfg::kTrace;
+namespace pal {
+
+using dcecfg::kTrace;
 
 HRESULT CDCECFGParser::Load(std::span<const BYTE> data) {
   record_count_ = 0;
@@ -22,10 +24,10 @@ HRESULT CDCECFGParser::ParseFile() {
   record_count_ = 0;
   HRESULT result = S_OK;
   while (reader_.HasByte()) {
-    if (reader_.At(pal::dcecfg::kDirectSection)) {
+    if (reader_.At(dcecfg::kDirectSection)) {
       ParseDirectSection();
       result = S_OK;
-    } else if (reader_.At(pal::dcecfg::kDscpSection)) {
+    } else if (reader_.At(dcecfg::kDscpSection)) {
       result = ParseDscpSection();
     } else {
       reader_.Advance();
@@ -38,8 +40,8 @@ HRESULT CDCECFGParser::ParseFile() {
 CDCECFGParser::Text CDCECFGParser::ReadValueText(DcecfgKeyRecord& record) {
   const auto text = reader_.ReadString();
   if (!text) return Text::kNoEnd;
-  if (!pal::Copy(record.value_text, *text)) {
-    pal::dcecfg::TraceTooLong();
+  if (!Copy(record.value_text, *text)) {
+    dcecfg::TraceTooLong();
     return Text::kTooLong;
   }
   return Text::kRead;
@@ -69,3 +71,5 @@ void CDCECFGParser::AddRecord(const DcecfgKeyRecord& record) {
   }
   records_[record_count_++] = record;
 }
+
+}  // namespace pal

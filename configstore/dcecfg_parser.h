@@ -12,6 +12,8 @@
 #include "configstore/dcecfg_reader.h"
 #include "platform/wince.h"
 
+namespace pal {
+
 // What the value text of a record stands for.
 enum class DcecfgValueType : DWORD { kBinary = 0, kString = 1, kDword = 2 };
 
@@ -82,5 +84,7 @@ class CDCECFGParser {
   DWORD record_count_ = 0;
   DcecfgReader reader_;
 };
+
+}  // namespace pal
 
 #endif  // CONFIGSTORE_DCECFG_PARSER_H_

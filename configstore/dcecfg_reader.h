@@ -11,6 +11,8 @@
 #include "frame/text.h"
 #include "platform/wince.h"
 
+namespace pal {
+
 // Every advance that reaches the end of the data, and every one behind it, puts the cursor back to
 // the start and sets the end flag. From then on there are no bytes: what stands at the start of the
 // data matches no marker and is not read again.
@@ -63,7 +65,7 @@ class DcecfgReader {
     item_ = cursor_;
     std::string_view text;
     if (HasByte()) text = {reinterpret_cast<const char*>(&buffer_[cursor_]), length_ - cursor_};
-    const size_t length = pal::Find(text, '\0');
+    const size_t length = Find(text, '\0');
     if (length == text.size()) {
       RunOff();
       return std::nullopt;
@@ -94,5 +96,7 @@ class DcecfgReader {
   DWORD cursor_ = 0;
   DWORD item_ = 0;
 };
+
+}  // namespace pal
 
 #endif  // CONFIGSTORE_DCECFG_READER_H_

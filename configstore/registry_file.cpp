@@ -10,11 +10,12 @@
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "include/palreg.h"
-#include "sysinfo/identity_sources.h"
+#include "sysinfo/identity/identity_sources.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kRegistryFile};
+constexpr TraceSource kTrace{Facility::kRegistryFile};
 
 struct FileTag {
   const char* model_prefix;  // empty: no model takes the files of this row
@@ -80,13 +81,13 @@ bool IsUsable(const WCHAR* directory, const WCHAR* file_name) {
 
 HRESULT LoadRegistry(const WCHAR* directory, const WCHAR* file_name, DWORD clear_trees) {
   char name[MAX_PATH];
-  if (!IsUsable(directory, file_name) || !pal::Narrow(name, file_name)) return E_FAIL;
+  if (!IsUsable(directory, file_name) || !Narrow(name, file_name)) return E_FAIL;
 
   char model[64] = {};
   DWORD model_length = sizeof(model);
   const HRESULT model_result = PalGetModel(model, &model_length);
   kTrace.Info("PalGetModel(%s,%d)", model, model_length);
-  if (pal::Failed(model_result)) {
+  if (Failed(model_result)) {
     kTrace.Echoed().Error("PALREG_LoadRegistry - Failure. 0x%x=PalGetModel()", model_result);
     return model_result;
   }
@@ -106,13 +107,14 @@ HRESULT LoadRegistry(const WCHAR* directory, const WCHAR* file_name, DWORD clear
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALREG_LoadRegistry(const WCHAR* directory, const WCHAR* file_name,
                                    DWORD clear_trees) {
-  kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", pal::ShownText(directory),
-              pal::ShownText(file_name), clear_trees);
-  const HRESULT result = LoadRegistry(directory, file_name, clear_trees);
-  kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, pal::ShownText(directory),
-              pal::ShownText(file_name), clear_trees);
+  pal::kTrace.Info("PALREG_LoadRegistry(%ls,%ls,0x%x) Entry", pal::ShownText(directory),
+                   pal::ShownText(file_name), clear_trees);
+  const HRESULT result = pal::LoadRegistry(directory, file_name, clear_trees);
+  pal::kTrace.Info("0x%x=PALREG_LoadRegistry(%ls,%ls,0x%x) Exit", result, pal::ShownText(directory),
+                   pal::ShownText(file_name), clear_trees);
   return result;
 }

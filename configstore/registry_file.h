@@ -4,6 +4,8 @@
 
 #include "platform/wince.h"
 
+namespace pal {
+
 // The sum of the file's 32-bit little-endian words and of each of the one to three bytes behind
 // them, modulo 2 to the 32nd. 0 where the file is empty, cannot be opened without sharing, cannot
 // be read, or where there is no memory for the read buffer.
@@ -16,5 +18,7 @@
 //         120000 ms; no checksum was stored
 [[nodiscard]] HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_name,
                                                  DWORD clear_trees);
+
+}  // namespace pal
 
 #endif  // CONFIGSTORE_REGISTRY_FILE_H_

@@ -10,9 +10,10 @@
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kRegistryFile};
+constexpr TraceSource kTrace{Facility::kRegistryFile};
 
 // A file is summed while this much of it is in the processor's cache. Whole words, so that only the
 // last part of a file can end within one.
@@ -64,7 +65,7 @@ DWORD SumOfFile(HANDLE file, DWORD size) {
 
 DWORD PALInitChecksumFile(const WCHAR* path) {
   kTrace.Info("PALInitChecksumFile(%ls) Entry", path);
-  const pal::UniqueFile file(
+  const UniqueFile file(
       CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) {
     kTrace.Error("PALInitChecksumFile - CreateFile(%ls) failed winerr:0x%x", path, GetLastError());
@@ -77,3 +78,5 @@ DWORD PALInitChecksumFile(const WCHAR* path) {
   }
   return SumOfFile(file.get(), size);
 }
+
+}  // namespace pal

@@ -9,9 +9,10 @@
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kRegistryFile};
+constexpr TraceSource kTrace{Facility::kRegistryFile};
 
 // One REG_DWORD for each file that was imported, under the file's name.
 constexpr const WCHAR* kChecksumStore = TEXT("\\Software\\Dravonel\\REGCHKSUMS");
@@ -36,8 +37,7 @@ constexpr std::array<const WCHAR*, 12> kReplacedTrees = {
 };
 
 bool BuildPath(std::span<WCHAR> path, const WCHAR* directory, const WCHAR* file_name) {
-  return pal::Copy(path, directory) && pal::Append(path, TEXT("\\")) &&
-         pal::Append(path, file_name);
+  return Copy(path, directory) && Append(path, TEXT("\\")) && Append(path, file_name);
 }
 
 // A value of another type or size is none.
@@ -72,8 +72,8 @@ HRESULT Import(const WCHAR* path, const WCHAR* file_name) {
                  GetLastError());
     return E_FAIL;
   }
-  const pal::UniqueProcess process(started.hProcess);
-  const pal::UniqueThread thread(started.hThread);
+  const UniqueProcess process(started.hProcess);
+  const UniqueThread thread(started.hThread);
   if (WaitForSingleObject(process.get(), kImportTimeoutMs) != WAIT_OBJECT_0) {
     kTrace.Error("PALInitCheckAndLoadRegFile: %ls timeout %d msec waiting for autoreg.exe",
                  file_name, kImportTimeoutMs);
@@ -83,7 +83,7 @@ HRESULT Import(const WCHAR* path, const WCHAR* file_name) {
 }
 
 // `store` may be none, where the key could not be created.
-void StoreChecksum(const pal::UniqueRegistryKey& store, const WCHAR* file_name, DWORD checksum) {
+void StoreChecksum(const UniqueRegistryKey& store, const WCHAR* file_name, DWORD checksum) {
   kTrace.Info("PALInitCheckAndLoadRegFile: Writing %ls checksum:0x%x", file_name, checksum);
   const bool is_written = store && RegSetValueExW(store.get(), file_name, 0, REG_DWORD,
                                                   reinterpret_cast<const BYTE*>(&checksum),
@@ -101,16 +101,18 @@ HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_nam
   const DWORD checksum = PALInitChecksumFile(path);
 
   // Without the store every call imports; that its checksum is lost is said when it is written.
-  pal::UniqueRegistryKey store;
-  static_cast<void>(pal::CreateRegistryKey(HKEY_LOCAL_MACHINE, kChecksumStore, store));
+  UniqueRegistryKey store;
+  static_cast<void>(CreateRegistryKey(HKEY_LOCAL_MACHINE, kChecksumStore, store));
   if (store && IsUnchanged(store.get(), file_name, checksum)) return S_OK;
 
   if (clear_trees != 0) {
     for (const WCHAR* const tree : kReplacedTrees) {
-      pal::DeleteRegistryTree(HKEY_LOCAL_MACHINE, tree);
+      DeleteRegistryTree(HKEY_LOCAL_MACHINE, tree);
     }
   }
   const HRESULT result = Import(path, file_name);
   if (result == S_OK) StoreChecksum(store, file_name, checksum);
   return result;
 }
+
+}  // namespace pal

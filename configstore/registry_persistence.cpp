@@ -4,22 +4,23 @@
 #include "frame/unique_handle.h"
 #include "include/palmfgopt.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kConfigStore};
+constexpr TraceSource kTrace{Facility::kConfigStore};
 
 // A service that owns the flush holds this event and waits for it.
 constexpr const WCHAR* kFlushEvent = TEXT("DVLRegFlushKeyAll");
 
 struct RootFlush {
   HKEY root;
-  pal::Severity announced_as;
-  pal::TraceSource::Format<> announcement;
-  pal::TraceSource::Format<LONG> failure;
+  Severity announced_as;
+  TraceSource::Format<> announcement;
+  TraceSource::Format<LONG> failure;
 };
 
 void Announce(const RootFlush& flush) {
-  if (flush.announced_as == pal::Severity::kError) {
+  if (flush.announced_as == Severity::kError) {
     kTrace.Error(flush.announcement);
   } else {
     kTrace.Info(flush.announcement);
@@ -29,16 +30,14 @@ void Announce(const RootFlush& flush) {
 // A root that fails does not keep the others from being flushed.
 HRESULT FlushRoots() {
   const RootFlush flushes[] = {
-      {HKEY_LOCAL_MACHINE, pal::Severity::kInfo,
-       "PALMFGOpt_PersistRegistry - RegFlushKey(HKLM)\r\n",
+      {HKEY_LOCAL_MACHINE, Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKLM)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKLM).  win32err:0x%x\r\n"},
       // Announced as an error: kept so on purpose.
-      {HKEY_CURRENT_USER, pal::Severity::kError,
-       "PALMFGOpt_PersistRegistry - RegFlushKey(HKCU)\r\n",
+      {HKEY_CURRENT_USER, Severity::kError, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCU)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKCU).  win32err:0x%x\r\n"},
-      {HKEY_CLASSES_ROOT, pal::Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCR)\r\n",
+      {HKEY_CLASSES_ROOT, Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCR)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKCR).  win32err:0x%x\r\n"},
-      {HKEY_USERS, pal::Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKU)\r\n",
+      {HKEY_USERS, Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKU)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKU).  win32err:0x%x\r\n"},
   };
   HRESULT result = S_OK;
@@ -53,25 +52,25 @@ HRESULT FlushRoots() {
 }
 
 HRESULT SignalService(HANDLE event) {
-  kTrace.Echoed().Info("PALMFGOpt_PersistRegistry - SetEvent(%s)\r\n",
-                       pal::WideTextAs8Bit(kFlushEvent));
+  kTrace.Echoed().Info("PALMFGOpt_PersistRegistry - SetEvent(%s)\r\n", WideTextAs8Bit(kFlushEvent));
   if (SetEvent(event)) return S_OK;
   kTrace.Error("PALMFGOpt_PersistRegistry - ERROR SetEvent(%s).  win32err:0x%x\r\n",
-               pal::WideTextAs8Bit(kFlushEvent), GetLastError());
+               WideTextAs8Bit(kFlushEvent), GetLastError());
   return E_FAIL;
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALMFGOpt_PersistRegistry() {
   // A new event leaves the last error alone: it must not be that of an earlier call.
   SetLastError(ERROR_SUCCESS);
-  const pal::UniqueEvent event(CreateEventW(nullptr, TRUE, FALSE, kFlushEvent));
+  const pal::UniqueEvent event(CreateEventW(nullptr, TRUE, FALSE, pal::kFlushEvent));
   const DWORD error = GetLastError();
   if (!event) {
-    kTrace.Error("PALMFGOpt_PersistRegistry - ERROR CreateEvent(%s) win32err:0x%x",
-                 pal::WideTextAs8Bit(kFlushEvent), error);
+    pal::kTrace.Error("PALMFGOpt_PersistRegistry - ERROR CreateEvent(%s) win32err:0x%x",
+                      pal::WideTextAs8Bit(pal::kFlushEvent), error);
     return E_FAIL;
   }
-  return error == ERROR_ALREADY_EXISTS ? SignalService(event.get()) : FlushRoots();
+  return error == ERROR_ALREADY_EXISTS ? pal::SignalService(event.get()) : pal::FlushRoots();
 }

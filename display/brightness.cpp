@@ -9,14 +9,13 @@
 #include "frame/result.h"
 #include "include/paldisp.h"
 
-using pal::kDisplayTrace;
-
+namespace pal {
 namespace {
 
 constexpr const WCHAR* kDisplayKey = TEXT("ControlPanel\\Backlight");
 constexpr const WCHAR* kKeypadKey = TEXT("ControlPanel\\Backlight\\Keyboard");
 
-constexpr HRESULT kWriteFailed = pal::FamilyFailure(pal::Facility::kDisplay, 0x08);
+constexpr HRESULT kWriteFailed = FamilyFailure(Facility::kDisplay, 0x08);
 
 constexpr std::array<DWORD, 5> kBrightnessLevels{1, 2, 3, 4, 5};
 constexpr std::array<DWORD, 3> kKeypadModes{0, 2, 4};
@@ -25,7 +24,7 @@ constexpr std::array<DWORD, 2> kKeypadThresholds{0, 1};
 // The display's lines are all informational, also those that say ERROR: log filters know them so.
 enum class FailureSeverity : DWORD { kInfo, kError };
 
-using NumberFormat = pal::TraceSource::Format<DWORD>;
+using NumberFormat = TraceSource::Format<DWORD>;
 
 struct LevelSetting {
   const WCHAR* key;  // under HKEY_CURRENT_USER
@@ -111,7 +110,7 @@ HRESULT Set(const LevelSetting& setting, DWORD level) {
   }
   kDisplayTrace.Info(setting.set, level);
   const HRESULT result = PALRegSetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
-  if (pal::Succeeded(result)) return result;
+  if (Succeeded(result)) return result;
   TraceFailure(setting, setting.write_failed, static_cast<DWORD>(kWriteFailed));
   return kWriteFailed;
 }
@@ -119,7 +118,7 @@ HRESULT Set(const LevelSetting& setting, DWORD level) {
 HRESULT Get(const LevelSetting& setting, DWORD* level) {
   if (level == nullptr) return E_FAIL;
   const HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     TraceFailure(setting, setting.read_failed, static_cast<DWORD>(result));
     return result;
   }
@@ -128,34 +127,35 @@ HRESULT Get(const LevelSetting& setting, DWORD* level) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALDISPSetDisplayBrightnessAmbient(DWORD level) {
-  return Set(kDisplayAmbient, level);
+  return pal::Set(pal::kDisplayAmbient, level);
 }
 HRESULT PALAPI PALDISPGetDisplayBrightnessAmbient(DWORD* level) {
-  return Get(kDisplayAmbient, level);
+  return pal::Get(pal::kDisplayAmbient, level);
 }
 HRESULT PALAPI PALDISPSetLowLightDisplayBrightnessDelta(DWORD level) {
-  return Set(kLowLightDelta, level);
+  return pal::Set(pal::kLowLightDelta, level);
 }
 HRESULT PALAPI PALDISPGetLowLightDisplayBrightnessDelta(DWORD* level) {
-  return Get(kLowLightDelta, level);
+  return pal::Get(pal::kLowLightDelta, level);
 }
 HRESULT PALAPI PALDISPSetBrightLightDisplayBrightnessDelta(DWORD level) {
-  return Set(kBrightLightDelta, level);
+  return pal::Set(pal::kBrightLightDelta, level);
 }
 HRESULT PALAPI PALDISPGetBrightLightDisplayBrightnessDelta(DWORD* level) {
-  return Get(kBrightLightDelta, level);
+  return pal::Get(pal::kBrightLightDelta, level);
 }
 HRESULT PALAPI PALDISPSetKeypadBacklightMode(DWORD mode) {
-  return Set(kKeypadMode, mode);
+  return pal::Set(pal::kKeypadMode, mode);
 }
 HRESULT PALAPI PALDISPGetKeypadBacklightMode(DWORD* mode) {
-  return Get(kKeypadMode, mode);
+  return pal::Get(pal::kKeypadMode, mode);
 }
 HRESULT PALAPI PALDISPSetKeypadBacklightAmbient(DWORD threshold) {
-  return Set(kKeypadAmbient, threshold);
+  return pal::Set(pal::kKeypadAmbient, threshold);
 }
 HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold) {
-  return Get(kKeypadAmbient, threshold);
+  return pal::Get(pal::kKeypadAmbient, threshold);
 }

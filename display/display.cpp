@@ -4,19 +4,21 @@
 #include "include/paldisp.h"
 #include "platform/wince.h"
 
+namespace pal {
 namespace {
 
 // For whoever looks into a process; no export asks for it.
 constinit std::atomic<BOOL> initialised{FALSE};
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALDISPInit() {
-  initialised.store(TRUE, std::memory_order_relaxed);
+  pal::initialised.store(TRUE, std::memory_order_relaxed);
   return S_OK;
 }
 
 HRESULT PALAPI PALDISPTerm() {
-  initialised.store(FALSE, std::memory_order_relaxed);
+  pal::initialised.store(FALSE, std::memory_order_relaxed);
   return S_OK;
 }

@@ -4,32 +4,35 @@
 #include "frame/result.h"
 #include "include/paldisp.h"
 
-using pal::kDisplayTrace;
-
+namespace pal {
 namespace {
 
 constexpr const WCHAR* kKey = TEXT("ControlPanel\\SIP");
 constexpr const WCHAR* kValueName = TEXT("DragStyle");
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALDISPGetSIPDock(DWORD* style) {
   if (style == nullptr) return E_FAIL;
   DWORD stored = 0;
-  const HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, kKey, kValueName, &stored);
+  const HRESULT result =
+      pal::PALRegGetDword(HKEY_CURRENT_USER, pal::kKey, pal::kValueName, &stored);
   *style = pal::Succeeded(result) ? stored : 0;
-  kDisplayTrace.Info("PALDISPGetSIPDock(): read value=%0x\r\n", *style);
+  pal::kDisplayTrace.Info("PALDISPGetSIPDock(): read value=%0x\r\n", *style);
   return result;
 }
 
 // The helper's key closes without a trace in the last error, so that it is the failed call's.
 HRESULT PALAPI PALDISPSetSIPDock(DWORD style) {
   SetLastError(ERROR_SUCCESS);
-  const HRESULT result = PALRegCreateSetDword(HKEY_CURRENT_USER, kKey, kValueName, style);
+  const HRESULT result =
+      pal::PALRegCreateSetDword(HKEY_CURRENT_USER, pal::kKey, pal::kValueName, style);
   if (pal::Failed(result)) {
-    kDisplayTrace.Error("PALDISPSetSIPDock() failed to SET, last err.=%0x\r\n", GetLastError());
+    pal::kDisplayTrace.Error("PALDISPSetSIPDock() failed to SET, last err.=%0x\r\n",
+                             GetLastError());
     return result;
   }
-  kDisplayTrace.Info("PALDISPSetSIPDock(): set value=%x\r\n", style);
+  pal::kDisplayTrace.Info("PALDISPSetSIPDock(): set value=%x\r\n", style);
   return S_OK;
 }

@@ -8,12 +8,11 @@
 #include "frame/result.h"
 #include "include/paldisp.h"
 
-using pal::kDisplayTrace;
-
+namespace pal {
 namespace {
 
-constexpr HRESULT kBadAngle = pal::FamilyFailure(pal::Facility::kDisplay, 0x01);
-constexpr HRESULT kChangeRefused = pal::FamilyFailure(pal::Facility::kDisplay, 0x02);
+constexpr HRESULT kBadAngle = FamilyFailure(Facility::kDisplay, 0x01);
+constexpr HRESULT kChangeRefused = FamilyFailure(Facility::kDisplay, 0x02);
 
 struct Orientation {
   LONG angle;
@@ -74,10 +73,12 @@ HRESULT PALGetScreenOrientation(LONG* angle) {
   return S_OK;
 }
 
+}  // namespace pal
+
 HRESULT PALAPI PALDISPSetOrientation(LONG angle) {
-  return PALSetScreenOrientation(angle);
+  return pal::PALSetScreenOrientation(angle);
 }
 
 HRESULT PALAPI PALDISPGetOrientation(LONG* angle) {
-  return angle == nullptr ? E_FAIL : PALGetScreenOrientation(angle);
+  return angle == nullptr ? E_FAIL : pal::PALGetScreenOrientation(angle);
 }

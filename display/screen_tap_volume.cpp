@@ -3,20 +3,22 @@
 #include "frame/tap_volume.h"
 #include "include/paldisp.h"
 
+namespace pal {
 namespace {
 
 // The getter's line has the setter's name: kept, log readers match it.
-constexpr pal::TapVolume kScreenTapVolume{
-    pal::kDisplayTrace, TEXT("Screen"), "PALDISPSetScreenTapVol - Input invalid.  input:%d\r\n",
+constexpr TapVolume kScreenTapVolume{
+    kDisplayTrace, TEXT("Screen"), "PALDISPSetScreenTapVol - Input invalid.  input:%d\r\n",
     "PALDISPSetScreenTapVol - Could not set reg key: %ls\\%ls\r\n",
     "PALDISPSetScreenTapVol - Could not read reg key: %ls\\%ls\r\n"};
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALDISPSetScreenTapVol(DWORD level) {
-  return pal::SetTapVolume(kScreenTapVolume, level);
+  return pal::SetTapVolume(pal::kScreenTapVolume, level);
 }
 
 HRESULT PALAPI PALDISPGetScreenTapVol(DWORD* level) {
-  return pal::GetTapVolume(kScreenTapVolume, level);
+  return pal::GetTapVolume(pal::kScreenTapVolume, level);
 }

@@ -13,9 +13,10 @@
 #include "include/palsysinfo.h"
 #include "include/palvib.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kBeeper};
+constexpr TraceSource kTrace{Facility::kBeeper};
 
 constexpr const WCHAR* kHardwareStatePath = TEXT("System\\State\\Hardware");
 
@@ -96,13 +97,13 @@ Levels ReadLevels() {
   Levels levels;
   DWORD level = 0;
   HRESULT result = PALBEEPGetCurSysVol(level);
-  if (pal::Succeeded(result)) {
+  if (Succeeded(result)) {
     levels.volume = level;
   } else {
     kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurSysVol()", result);
   }
   result = PALBEEPGetCurGain(level);
-  if (pal::Succeeded(result)) {
+  if (Succeeded(result)) {
     levels.gain = level;
   } else {
     kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurGain()", result);
@@ -112,17 +113,17 @@ Levels ReadLevels() {
 
 // True where there is no level to be put back, or it was. False, with its line, where that failed.
 bool Restore(std::optional<DWORD> level, HRESULT (*restore)(DWORD level),
-             pal::TraceSource::Format<> failed) {
-  if (!level || pal::Succeeded(restore(*level))) return true;
+             TraceSource::Format<> failed) {
+  if (!level || Succeeded(restore(*level))) return true;
   kTrace.Error(failed);
   return false;
 }
 
-bool RestoreGain(std::optional<DWORD> gain, pal::TraceSource::Format<> failed) {
+bool RestoreGain(std::optional<DWORD> gain, TraceSource::Format<> failed) {
   return Restore(gain, &PALBEEPRestoreGain, failed);
 }
 
-bool RestoreVolume(std::optional<DWORD> volume, pal::TraceSource::Format<> failed) {
+bool RestoreVolume(std::optional<DWORD> volume, TraceSource::Format<> failed) {
   return Restore(volume, &PALBEEPRestoreVol, failed);
 }
 
@@ -136,7 +137,7 @@ bool IsBTHeadsetConnected() {
   constexpr DWORD kHandsFreeAudio = 0x20;
   constexpr DWORD kOtherAudio = 0x04;
   DWORD state = 0;
-  if (pal::Failed(ReadHardwareState(TEXT("Bluetooth"), state))) {
+  if (Failed(ReadHardwareState(TEXT("Bluetooth"), state))) {
     kTrace.Error("IsBTHeadsetConnected - Reg read issue. Lower vol");
     return true;
   }
@@ -153,7 +154,7 @@ bool IsBTHeadsetConnected() {
 
 bool IsUSBHeadsetConnected() {
   DWORD state = 0;
-  if (pal::Failed(ReadHardwareState(TEXT("Headset"), state)) || state == 0) return false;
+  if (Failed(ReadHardwareState(TEXT("Headset"), state)) || state == 0) return false;
   kTrace.Info("IsUSBHeadsetConnected - USB Headset active. reg_key:%d", state);
   return true;
 }
@@ -161,9 +162,9 @@ bool IsUSBHeadsetConnected() {
 DWORD HeadsetVolume() {
   DWORD word = 0;
   for (int attempt = 0; attempt < 2; ++attempt) {
-    if (pal::Succeeded(GetBeepsSysVolume(word))) return word;
+    if (Succeeded(GetBeepsSysVolume(word))) return word;
   }
-  return pal::kVeryLowVolume;
+  return kVeryLowVolume;
 }
 
 // The speaker sounds at the system's volume, whatever that is.
@@ -177,13 +178,13 @@ std::optional<DWORD> BeepVolume(std::optional<DWORD> system_volume) {
 HRESULT SetLevels(const Levels& found, std::optional<DWORD> volume) {
   if (found.gain) {
     const HRESULT result = PALBEEPSetCurVolsGain();
-    if (pal::Failed(result)) {
+    if (Failed(result)) {
       kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPSetCurVolsGain()", result);
     }
   }
   if (!found.volume || !volume) return S_OK;
   const HRESULT result = PALBEEPSetBeepsCurSysVol(*volume);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPSetCurWaveSysVol(in:0x%x)", result, *volume);
   }
   return result;
@@ -199,7 +200,7 @@ HRESULT StopAudioFile() {
   if (PlaySoundW(nullptr, nullptr, 0) != FALSE) return S_OK;
   const DWORD error = GetLastError();
   kTrace.Error("StopAudioFile - 0x%x=PlaySound(NULL,0,0), winerr:0x%x", FALSE, error);
-  return pal::HResultFromWin32(error);
+  return HResultFromWin32(error);
 }
 
 void PlayTones(const WCHAR* path, int count, DWORD flags) {
@@ -214,10 +215,10 @@ void PlayTones(const WCHAR* path, int count, DWORD flags) {
 HRESULT PlayEvent(int count, const WCHAR* name, DWORD flags) {
   WCHAR path[kPathUnits];
   DWORD bytes = 0;
-  const HRESULT result = PALRegGetString(HKEY_LOCAL_MACHINE, pal::kBeeperPath, name, path, &bytes);
-  if (pal::Failed(result)) {
+  const HRESULT result = PALRegGetString(HKEY_LOCAL_MACHINE, kBeeperPath, name, path, &bytes);
+  if (Failed(result)) {
     kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALRegGetString(HKLM,%ls,%ls,*,*),winerr:0x%x",
-                 result, pal::kBeeperPath, name, GetLastError());
+                 result, kBeeperPath, name, GetLastError());
     return result;
   }
   if (path[0] != WCHAR{}) PlayTones(path, count, flags);
@@ -258,13 +259,12 @@ HRESULT PlayDvlSynchronousBeep(int count, const WCHAR* name, DWORD flags) {
 
 // What every beep does around its own work, with its lines and their arguments.
 template <typename Work, typename... Arguments>
-HRESULT WithBeeper(pal::TraceSource::Format<Arguments...> entry,
-                   pal::TraceSource::Format<HRESULT, Arguments...> exit, Work work,
+HRESULT WithBeeper(TraceSource::Format<Arguments...> entry,
+                   TraceSource::Format<HRESULT, Arguments...> exit, Work work,
                    Arguments... arguments) {
   kTrace.Info(entry, arguments...);
-  pal::MutexGuard guard(pal::Facility::kBeeper, beep_mutex.load(std::memory_order_relaxed),
-                        pal::kMutexTimeoutMs);
-  if (pal::Failed(guard.wait_result())) return guard.wait_result();
+  MutexGuard guard(Facility::kBeeper, beep_mutex.load(std::memory_order_relaxed), kMutexTimeoutMs);
+  if (Failed(guard.wait_result())) return guard.wait_result();
   const HRESULT result = work();
   guard.Release();
   kTrace.Info(exit, result, arguments...);
@@ -273,11 +273,11 @@ HRESULT WithBeeper(pal::TraceSource::Format<Arguments...> entry,
 
 HRESULT GoodRead(DWORD scan_type) {
   DWORD value = 0;
-  HRESULT result = pal::ReadGoodReadIndicator(scan_type, value);
+  HRESULT result = ReadGoodReadIndicator(scan_type, value);
   const Indication indication = IndicationOf(value);
   if (indication.vibrates) {
     const HRESULT vibration = PALVIBVibrate(scan_type);
-    if (pal::Failed(vibration)) {
+    if (Failed(vibration)) {
       kTrace.Error("GoodReadEx - ERROR. Vibrate hr: 0x%x", vibration);
       result = vibration;
     }
@@ -289,7 +289,7 @@ HRESULT GoodRead(DWORD scan_type) {
 // Five pulses. Without the first there are no others.
 HRESULT VibrateForBadRead() {
   HRESULT result = PALVIBVibrate(0);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("PALBEEPBadRead - ERROR. Vibrate hr: 0x%x", result);
     return result;
   }
@@ -303,7 +303,7 @@ HRESULT VibrateForBadRead() {
 // Whatever scanner failed, the internal one's indicator says what is heard.
 HRESULT BadRead() {
   DWORD value = 0;
-  HRESULT result = pal::ReadGoodReadIndicator(pal::kInternalScanner, value);
+  HRESULT result = ReadGoodReadIndicator(kInternalScanner, value);
   const Indication indication = IndicationOf(value);
   if (indication.vibrates) result = VibrateForBadRead();
   if (indication.tones == 0) return result;
@@ -328,68 +328,73 @@ HRESULT StopTagSearch() {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALBEEPInit() {
-  if (beep_mutex.load(std::memory_order_relaxed) == nullptr) {
+  if (pal::beep_mutex.load(std::memory_order_relaxed) == nullptr) {
     HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("DVLORQPAL_BEEP_MUTEX"));
     if (mutex == nullptr) {
-      kTrace.Error("PALBEEPInit - Error creating mutex. winerr:0x%x", GetLastError());
+      pal::kTrace.Error("PALBEEPInit - Error creating mutex. winerr:0x%x", GetLastError());
     }
-    beep_mutex.store(mutex, std::memory_order_relaxed);
+    pal::beep_mutex.store(mutex, std::memory_order_relaxed);
   }
-  WCHAR model[sizeof(device_model) / sizeof(WCHAR)] = {};
+  WCHAR model[sizeof(pal::device_model) / sizeof(WCHAR)] = {};
   DWORD bytes = sizeof(model);
   if (pal::Failed(PALSysinfo_GetModelExW(model, &bytes))) model[0] = WCHAR{};
-  memcpy(device_model, model, sizeof(device_model));
+  memcpy(pal::device_model, model, sizeof(pal::device_model));
   return S_OK;
 }
 
 HRESULT PALAPI PALBEEPTerm() {
-  HANDLE mutex = beep_mutex.load(std::memory_order_relaxed);
-  if (pal::Failed(PALWaitForMutex(pal::Facility::kBeeper, mutex, pal::kMutexTimeoutMs))) {
-    kTrace.Error("PALBEEPTerm - Mutex wait failed. winerr:0x%x", GetLastError());
+  HANDLE mutex = pal::beep_mutex.load(std::memory_order_relaxed);
+  if (pal::Failed(pal::PALWaitForMutex(pal::Facility::kBeeper, mutex, pal::kMutexTimeoutMs))) {
+    pal::kTrace.Error("PALBEEPTerm - Mutex wait failed. winerr:0x%x", GetLastError());
   }
   if (mutex == nullptr) return S_OK;
-  PALReleaseMutexIfValid(pal::Facility::kBeeper, mutex);
-  beep_mutex.store(nullptr, std::memory_order_relaxed);
+  pal::PALReleaseMutexIfValid(pal::Facility::kBeeper, mutex);
+  pal::beep_mutex.store(nullptr, std::memory_order_relaxed);
   pal::UniqueMutex(mutex).Close();
   return S_OK;
 }
 
 HRESULT PALAPI PALBEEPGoodReadEx(DWORD in_scan_type) {
   if (in_scan_type >= pal::kIndicatorNames.size()) return E_INVALIDARG;
-  return WithBeeper<>(
+  return pal::WithBeeper<>(
       "PALBEEPGoodReadEx(in_scan_type:%d) - Entry",
       "0x%x=PALBEEPGoodReadEx(in_scan_type:%d) - Exit",
-      [in_scan_type] { return GoodRead(in_scan_type); }, in_scan_type);
+      [in_scan_type] { return pal::GoodRead(in_scan_type); }, in_scan_type);
 }
 
 HRESULT PALAPI PALBEEPBadRead() {
-  return WithBeeper("PALBEEPBadRead() - Entry", "0x%x=PALBEEPBadRead() - Exit", &BadRead);
+  return pal::WithBeeper("PALBEEPBadRead() - Entry", "0x%x=PALBEEPBadRead() - Exit", &pal::BadRead);
 }
 
 HRESULT PALAPI PALBEEPChangeConfig() {
-  return WithBeeper("PALBEEPChangeConfig() - Entry", "0x%x=PALBEEPChangeConfig() - Exit",
-                    [] { return PlayDvlSynchronousBeep(1, kConfigChange, kPlayThrough); });
+  return pal::WithBeeper("PALBEEPChangeConfig() - Entry", "0x%x=PALBEEPChangeConfig() - Exit", [] {
+    return pal::PlayDvlSynchronousBeep(1, pal::kConfigChange, pal::kPlayThrough);
+  });
 }
 
 HRESULT PALAPI PALBEEPChangeConfigError() {
-  return WithBeeper("PALBEEPChangeConfigError() - Entry", "0x%x=PALBEEPChangeConfigError() - Exit",
-                    [] { return PlayDvlSynchronousBeep(1, kConfigChangeError, kPlayThrough); });
+  return pal::WithBeeper(
+      "PALBEEPChangeConfigError() - Entry", "0x%x=PALBEEPChangeConfigError() - Exit",
+      [] { return pal::PlayDvlSynchronousBeep(1, pal::kConfigChangeError, pal::kPlayThrough); });
 }
 
 // Its last line says "Entry", as it always has.
 HRESULT PALAPI PALBEEPKeyClick() {
-  return WithBeeper("PALBEEPKeyClick() - Entry", "0x%x=PALBEEPKeyClick() - Entry",
-                    [] { return PlayDvlSynchronousBeep(1, kKeyClick, kPlayThrough); });
+  return pal::WithBeeper("PALBEEPKeyClick() - Entry", "0x%x=PALBEEPKeyClick() - Entry", [] {
+    return pal::PlayDvlSynchronousBeep(1, pal::kKeyClick, pal::kPlayThrough);
+  });
 }
 
 HRESULT PALAPI PALBEEPStartTagSearch() {
-  return WithBeeper("PALBEEPStartTagSearch() - Entry", "0x%x=PALBEEPStartTagSearch() - Exit",
-                    [] { return PlayDvlSynchronousBeep(1, kTagSearch, kLoop); });
+  return pal::WithBeeper(
+      "PALBEEPStartTagSearch() - Entry", "0x%x=PALBEEPStartTagSearch() - Exit",
+      [] { return pal::PlayDvlSynchronousBeep(1, pal::kTagSearch, pal::kLoop); });
 }
 
 HRESULT PALAPI PALBEEPStopTagSearch() {
-  return WithBeeper("PALBEEPStopTagSearch() - Entry", "0x%x=PALBEEPStopTagSearch() - Exit",
-                    &StopTagSearch);
+  return pal::WithBeeper("PALBEEPStopTagSearch() - Entry", "0x%x=PALBEEPStopTagSearch() - Exit",
+                         &pal::StopTagSearch);
 }

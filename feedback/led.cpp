@@ -9,9 +9,10 @@
 #include "frame/trace.h"
 #include "include/palled.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kLed};
+constexpr TraceSource kTrace{Facility::kLed};
 
 constexpr LONG kNotificationLed = 0;
 constexpr LONG kGoodReadLed = 3;
@@ -51,15 +52,15 @@ HANDLE Take(std::atomic<HANDLE>& handle) {
 
 // All but the notification pair also try to release what they could not wait for; the difference
 // is kept on purpose and shows in the log only.
-class LedGuard : public pal::MutexGuard {
+class LedGuard : public MutexGuard {
  public:
-  explicit LedGuard(pal::AfterFailedWait after_failed_wait = pal::AfterFailedWait::kTryRelease)
-      : MutexGuard(pal::Facility::kLed, Get(led_mutex), pal::kMutexTimeoutMs, after_failed_wait) {}
+  explicit LedGuard(AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease)
+      : MutexGuard(Facility::kLed, Get(led_mutex), kMutexTimeoutMs, after_failed_wait) {}
 };
 
 // A refusal means that the LED is in that state already.
 void NLedCtrl(LONG led, INT command) {
-  if (pal::SetNotificationLed(led, command)) return;
+  if (SetNotificationLed(led, command)) return;
   kTrace.Info("NLedCtrl(id:%d,cmd:%d) procid: 0x%x - LED already in requested state\r\n", led,
               command, GetCurrentProcessId());
 }
@@ -67,40 +68,35 @@ void NLedCtrl(LONG led, INT command) {
 struct LedSwitch {
   LONG led;
   INT command;
-  pal::TraceSource::Format<HRESULT> wait_failed;
-  pal::AfterFailedWait after_failed_wait = pal::AfterFailedWait::kTryRelease;
+  TraceSource::Format<HRESULT> wait_failed;
+  AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease;
 };
 
 constexpr LedSwitch kNotificationOn{
-    kNotificationLed, pal::kLedOn,
-    "PALLEDNotificationOn - Mutex wait failed.  Aborting. hr:0x%x\r\n",
-    pal::AfterFailedWait::kSkipRelease};
+    kNotificationLed, kLedOn, "PALLEDNotificationOn - Mutex wait failed.  Aborting. hr:0x%x\r\n",
+    AfterFailedWait::kSkipRelease};
 constexpr LedSwitch kNotificationOff{
-    kNotificationLed, pal::kLedOff,
-    "PALLEDNotificationOff - Mutex wait failed.  Aborting. hr:0x%x\r\n",
-    pal::AfterFailedWait::kSkipRelease};
+    kNotificationLed, kLedOff, "PALLEDNotificationOff - Mutex wait failed.  Aborting. hr:0x%x\r\n",
+    AfterFailedWait::kSkipRelease};
 constexpr LedSwitch kGoodReadOn{
-    kGoodReadLed, pal::kLedOn,
-    "PALLEDGrLedOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
+    kGoodReadLed, kLedOn, "PALLEDGrLedOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 constexpr LedSwitch kGoodReadOff{
-    kGoodReadLed, pal::kLedOff,
-    "PALLEDGrLedOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
+    kGoodReadLed, kLedOff, "PALLEDGrLedOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 constexpr LedSwitch kSystemLightOn{
-    kSystemLight, pal::kLedOn,
-    "PALLEDSysLightOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
+    kSystemLight, kLedOn, "PALLEDSysLightOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 constexpr LedSwitch kSystemLightOff{
-    kSystemLight, pal::kLedOff,
+    kSystemLight, kLedOff,
     "PALLEDSysLightOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 constexpr LedSwitch kSystemLightBlinkStart{
-    kSystemLight, pal::kLedBlink,
+    kSystemLight, kLedBlink,
     "PALLEDSysLightBlinkStart - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 constexpr LedSwitch kSystemLightBlinkStop{
-    kSystemLight, pal::kLedOff,
+    kSystemLight, kLedOff,
     "PALLEDSysLightBlinkStop - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
 
 HRESULT Switch(const LedSwitch& request) {
   const LedGuard guard(request.after_failed_wait);
-  if (pal::Failed(guard.wait_result())) {
+  if (Failed(guard.wait_result())) {
     kTrace.Error(request.wait_failed, guard.wait_result());
     return guard.wait_result();
   }
@@ -112,7 +108,7 @@ DWORD ReadOnDurationMs(const WCHAR* name) {
   DWORD duration_ms = 0;
   const HRESULT result = PALRegGetDword(HKEY_LOCAL_MACHINE, kSettingsKey, name, &duration_ms);
   // A flash that never ends is no setting either.
-  if (pal::Succeeded(result) && duration_ms != INFINITE) return duration_ms;
+  if (Succeeded(result) && duration_ms != INFINITE) return duration_ms;
   kTrace.Error("PALLEDGrLedToggle - ERROR reading dur key. Use default of %dmsec: %ls\\%ls\r\n",
                kDefaultOnDurationMs, kSettingsKey, name);
   return kDefaultOnDurationMs;
@@ -129,7 +125,7 @@ void WaitForEndOfFlash(DWORD duration_ms) {
 
 HRESULT ReadState(const WCHAR* name, DWORD& state) {
   const HRESULT result = PALRegGetDword(HKEY_LOCAL_MACHINE, kSettingsKey, name, &state);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("PALLEDGrLedGetState - ERROR reading %ls from reg. procid: 0x%x, hr: 0x%x\r\n",
                  name, GetCurrentProcessId(), result);
     return result;
@@ -151,98 +147,100 @@ void CreateOnTimeoutEvent() {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALLEDInit() {
   pal::UniqueMutex mutex(CreateMutexW(nullptr, FALSE, TEXT("DVLORQPAL_LED_MUTEX")));
   if (!mutex) {
     const DWORD error = GetLastError();
     const HRESULT result = pal::HResultFromWin32(error);
-    initialised.store(FALSE, std::memory_order_relaxed);
+    pal::initialised.store(FALSE, std::memory_order_relaxed);
     // The line names another mutex than the one that was tried: kept so on purpose.
-    kTrace.Error(
+    pal::kTrace.Error(
         "PALLEDInit - ERROR Creating mutex. procid: 0x%x, name: %ls, win32err: 0x%x, hr: 0x%x\r\n",
         GetCurrentProcessId(), TEXT("DVLORQPALMutex"), error, result);
     return result;
   }
   // Of a second call the first one's handle stays: it may be waited for just now.
-  if (Get(led_mutex) == nullptr) led_mutex.store(mutex.Release(), std::memory_order_relaxed);
-  if (initialised.load(std::memory_order_relaxed) != FALSE) return S_OK;
-  CreateOnTimeoutEvent();
-  initialised.store(TRUE, std::memory_order_relaxed);
+  if (pal::Get(pal::led_mutex) == nullptr)
+    pal::led_mutex.store(mutex.Release(), std::memory_order_relaxed);
+  if (pal::initialised.load(std::memory_order_relaxed) != FALSE) return S_OK;
+  pal::CreateOnTimeoutEvent();
+  pal::initialised.store(TRUE, std::memory_order_relaxed);
   return S_OK;
 }
 
 HRESULT PALAPI PALLEDTerm() {
-  LedGuard guard;
+  pal::LedGuard guard;
   if (pal::Failed(guard.wait_result())) {
-    kTrace.Error("PALLEDTerm - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
-                 guard.wait_result());
+    pal::kTrace.Error("PALLEDTerm - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
+                      guard.wait_result());
   }
-  initialised.store(FALSE, std::memory_order_relaxed);
+  pal::initialised.store(FALSE, std::memory_order_relaxed);
   guard.Release();
-  pal::UniqueMutex(Take(led_mutex)).Close();
-  pal::UniqueEvent(Take(on_timeout_event)).Close();
+  pal::UniqueMutex(pal::Take(pal::led_mutex)).Close();
+  pal::UniqueEvent(pal::Take(pal::on_timeout_event)).Close();
   return guard.wait_result();
 }
 
 HRESULT PALAPI PALLEDNotificationOn() {
-  return Switch(kNotificationOn);
+  return pal::Switch(pal::kNotificationOn);
 }
 HRESULT PALAPI PALLEDNotificationOff() {
-  return Switch(kNotificationOff);
+  return pal::Switch(pal::kNotificationOff);
 }
 HRESULT PALAPI PALLEDGrLedOn() {
-  return Switch(kGoodReadOn);
+  return pal::Switch(pal::kGoodReadOn);
 }
 HRESULT PALAPI PALLEDGrLedOff() {
-  return Switch(kGoodReadOff);
+  return pal::Switch(pal::kGoodReadOff);
 }
 HRESULT PALAPI PALLEDSysLightOn() {
-  return Switch(kSystemLightOn);
+  return pal::Switch(pal::kSystemLightOn);
 }
 HRESULT PALAPI PALLEDSysLightOff() {
-  return Switch(kSystemLightOff);
+  return pal::Switch(pal::kSystemLightOff);
 }
 HRESULT PALAPI PALLEDSysLightBlinkStart() {
-  return Switch(kSystemLightBlinkStart);
+  return pal::Switch(pal::kSystemLightBlinkStart);
 }
 HRESULT PALAPI PALLEDSysLightBlinkStop() {
-  return Switch(kSystemLightBlinkStop);
+  return pal::Switch(pal::kSystemLightBlinkStop);
 }
 
 HRESULT PALAPI PALLEDGrLedToggle(DWORD scan_type) {
-  if (scan_type >= kScanTypes.size()) return E_FAIL;
-  const LedGuard guard;
+  if (scan_type >= pal::kScanTypes.size()) return E_FAIL;
+  const pal::LedGuard guard;
   if (pal::Failed(guard.wait_result())) {
-    kTrace.Error("PALLEDGrLedToggle - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
-                 guard.wait_result());
+    pal::kTrace.Error("PALLEDGrLedToggle - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
+                      guard.wait_result());
     return guard.wait_result();
   }
-  const DWORD duration_ms = ReadOnDurationMs(kScanTypes[scan_type].on_duration_ms);
-  NLedCtrl(kGoodReadLed, pal::kLedOn);
+  const DWORD duration_ms = pal::ReadOnDurationMs(pal::kScanTypes[scan_type].on_duration_ms);
+  pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOn);
   // For the whole time the mutex is held: other requests wait behind a flash.
-  WaitForEndOfFlash(duration_ms);
-  NLedCtrl(kGoodReadLed, pal::kLedOff);
+  pal::WaitForEndOfFlash(duration_ms);
+  pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOff);
   return S_OK;
 }
 
 HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state) {
-  if (scan_type >= kScanTypes.size() || state == nullptr) return E_FAIL;
-  const LedGuard guard;
+  if (scan_type >= pal::kScanTypes.size() || state == nullptr) return E_FAIL;
+  const pal::LedGuard guard;
   if (pal::Failed(guard.wait_result())) {
-    kTrace.Error("PALLEDGrLedGetState - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
-                 guard.wait_result());
+    pal::kTrace.Error("PALLEDGrLedGetState - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
+                      guard.wait_result());
     return guard.wait_result();
   }
-  return ReadState(kScanTypes[scan_type].state, *state);
+  return pal::ReadState(pal::kScanTypes[scan_type].state, *state);
 }
 
 HRESULT PALAPI PALLEDIsGrLedOn() {
   NLED_SETTINGS_INFO settings{};
-  settings.LedNum = static_cast<UINT>(kGoodReadLed);
+  settings.LedNum = static_cast<UINT>(pal::kGoodReadLed);
   // What a call that fails leaves in the record is off.
   NLedGetDeviceInfo(NLED_SETTINGS_INFO_ID, &settings);
   if (settings.OffOnBlink != pal::kLedOn) return E_FAIL;
-  kTrace.Info("IsGrLedOn - Good Read Led state. state: 0x%x\r\n", settings.OffOnBlink);
+  pal::kTrace.Info("IsGrLedOn - Good Read Led state. state: 0x%x\r\n", settings.OffOnBlink);
   return S_OK;
 }

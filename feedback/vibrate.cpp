@@ -5,9 +5,10 @@
 #include "frame/trace.h"
 #include "include/palvib.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kVibrator};
+constexpr TraceSource kTrace{Facility::kVibrator};
 
 // Where the preset stands, for all processes that have the library loaded; nothing else is in this
 // section. Not const: what is const needs no sharing and may go elsewhere.
@@ -29,14 +30,14 @@ HRESULT ReadPreset(DWORD& preset) {
 HRESULT SetVibrateWithPreset() {
   DWORD preset = 0;
   const HRESULT result = ReadPreset(preset);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("SetVibrateWithPreset - Unable to read preset index. hr: 0x%x\r\n", result);
     return result;
   }
   if (preset < kFirstPreset || preset > kLastPreset) return E_FAIL;
   const LONG number = kPresetBase + static_cast<LONG>(preset);
   kTrace.Info("SetVibrateWithPreset - System vibrate preset: %d\r\n", number);
-  if (!pal::SetNotificationLed(number, pal::kLedBlink)) {
+  if (!SetNotificationLed(number, kLedBlink)) {
     kTrace.Error("SetVibrateWithPreset: NLedSetDevice error. fStat: %d\r\n", FALSE);
     return E_FAIL;
   }
@@ -44,17 +45,18 @@ HRESULT SetVibrateWithPreset() {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALVIBIsInstalled() {
   HRESULT result = S_OK;
-  for (UINT number = 0; number < kLedNumbers; ++number) {
+  for (UINT number = 0; number < pal::kLedNumbers; ++number) {
     NLED_SUPPORTS_INFO supports{};
     supports.LedNum = number;
     if (NLedGetDeviceInfo(NLED_SUPPORTS_INFO_ID, &supports) == FALSE) {
       result = E_FAIL;
-      kTrace.Error("IsVibrateInstalled - ERROR NLedGetDeviceInfo. LEDIndex:%d\r\n", number);
-    } else if (supports.lCycleAdjust == kVibratorCycleAdjust) {
-      kTrace.Info("IsVibrateInstalled - Vibrate was found. LEDIndex:%d\r\n", number);
+      pal::kTrace.Error("IsVibrateInstalled - ERROR NLedGetDeviceInfo. LEDIndex:%d\r\n", number);
+    } else if (supports.lCycleAdjust == pal::kVibratorCycleAdjust) {
+      pal::kTrace.Info("IsVibrateInstalled - Vibrate was found. LEDIndex:%d\r\n", number);
       return S_OK;
     }
   }
@@ -62,27 +64,28 @@ HRESULT PALAPI PALVIBIsInstalled() {
 }
 
 HRESULT PALAPI PALVIBSetVibratePreset(DWORD preset) {
-  kTrace.Info("SetVibratePreset - Vibrate preset index: %d\r\n", preset);
-  const HRESULT result = PALRegSetDword(HKEY_LOCAL_MACHINE, preset_key, preset_value, preset);
+  pal::kTrace.Info("SetVibratePreset - Vibrate preset index: %d\r\n", preset);
+  const HRESULT result =
+      pal::PALRegSetDword(HKEY_LOCAL_MACHINE, pal::preset_key, pal::preset_value, preset);
   if (pal::Failed(result)) {
-    kTrace.Error("SetVibratePreset - ERROR cannot write preset: %d, to reg. hr: 0x%x\r\n", preset,
-                 result);
+    pal::kTrace.Error("SetVibratePreset - ERROR cannot write preset: %d, to reg. hr: 0x%x\r\n",
+                      preset, result);
   }
   return result;
 }
 
 HRESULT PALAPI PALVIBGetVibratePreset(DWORD* preset) {
   if (preset == nullptr) return E_FAIL;
-  const HRESULT result = ReadPreset(*preset);
+  const HRESULT result = pal::ReadPreset(*preset);
   if (pal::Failed(result)) {
-    kTrace.Error("GetVibratePreset - ERROR reading preset index. hr: 0x%x\r\n", result);
+    pal::kTrace.Error("GetVibratePreset - ERROR reading preset index. hr: 0x%x\r\n", result);
   }
   return result;
 }
 
 // Also exported as PALVIBVibrateEx.
 HRESULT PALAPI PALVIBVibrate(DWORD /*ignored*/) {
-  const HRESULT result = SetVibrateWithPreset();
-  if (pal::Failed(result)) kTrace.Error("Vibrate - Vibrate failed. hr: 0x%x\r\n", result);
+  const HRESULT result = pal::SetVibrateWithPreset();
+  if (pal::Failed(result)) pal::kTrace.Error("Vibrate - Vibrate failed. hr: 0x%x\r\n", result);
   return result;
 }

@@ -11,9 +11,10 @@
 #include "frame/trace.h"
 #include "include/palbeep.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kBeeper};
+constexpr TraceSource kTrace{Facility::kBeeper};
 
 // Below HKEY_CURRENT_USER: the volume that the shell shows.
 constexpr const WCHAR* kControlPanelPath = TEXT("ControlPanel\\Volume");
@@ -30,7 +31,7 @@ struct VolumeRow {
 };
 constexpr auto kRows = std::to_array<VolumeRow>({
     {0, 0x00000000, TEXT("Off"), TEXT("OffGain"), TEXT("Off")},
-    {1, pal::kVeryLowVolume, TEXT("VeryLow"), TEXT("VeryLowGain"),
+    {1, kVeryLowVolume, TEXT("VeryLow"), TEXT("VeryLowGain"),
      TEXT("Off")},  // a slip that readers of the log know
     {2, 0x66666666, TEXT("Low"), TEXT("LowGain"), TEXT("Low")},
     {3, 0x99999999, TEXT("Med"), TEXT("MedGain"), TEXT("Med")},
@@ -75,11 +76,11 @@ DWORD WordOf(DWORD level) {
 }
 
 HRESULT Read(const WCHAR* name, DWORD& number) {
-  return PALRegGetDword(HKEY_LOCAL_MACHINE, pal::kBeeperPath, name, &number);
+  return PALRegGetDword(HKEY_LOCAL_MACHINE, kBeeperPath, name, &number);
 }
 
 HRESULT Write(const WCHAR* name, DWORD number) {
-  return PALRegSetDword(HKEY_LOCAL_MACHINE, pal::kBeeperPath, name, number);
+  return PALRegSetDword(HKEY_LOCAL_MACHINE, kBeeperPath, name, number);
 }
 
 void PALBEEPUpdateVolGainMap() {
@@ -89,7 +90,7 @@ void PALBEEPUpdateVolGainMap() {
     const VolumeRow& row = kRows[level];
     DWORD word = 0;
     result = Read(row.volume_name, word);
-    if (pal::Succeeded(result)) {
+    if (Succeeded(result)) {
       level_words[level].store(word, std::memory_order_relaxed);
       kTrace.Info("PALBEEPUpdateVolGainMap - Updated: %ls,0x%x ", row.volume_name, word);
     } else {
@@ -104,7 +105,7 @@ HRESULT SetVolume(DWORD type, DWORD volume) {
   if (volume > kLastRow) return E_FAIL;
   DWORD word = 0;
   HRESULT result = E_FAIL;
-  if (pal::Succeeded(Read(kRows[volume].volume_name, word))) {
+  if (Succeeded(Read(kRows[volume].volume_name, word))) {
     kTrace.Info("SetVolume - Applying sys vol:0x%x to %ls", word, kRows[type].volume_name);
     result = Write(kRows[type].volume_name, word);
   }
@@ -122,7 +123,7 @@ DWORD LevelWith(DWORD word) {
 HRESULT GetVolume(DWORD type, DWORD& level) {
   PALBEEPUpdateVolGainMap();
   DWORD word = 0;
-  if (pal::Failed(Read(kRows[type].volume_name, word))) {
+  if (Failed(Read(kRows[type].volume_name, word))) {
     kTrace.Error("GetVolume(%d,*) - Failed to acquire sys vol", type);
     return E_FAIL;
   }
@@ -136,15 +137,15 @@ HRESULT GetVolume(DWORD type, DWORD& level) {
 
 // A step of one level, and its lines.
 struct Step {
-  using Number = pal::TraceSource::Format<DWORD>;
+  using Number = TraceSource::Format<DWORD>;
 
   bool (*stays_at)(DWORD level);
   DWORD change;  // wraps around, so that it goes down too
-  pal::TraceSource::Format<HRESULT, DWORD> get_failed;
+  TraceSource::Format<HRESULT, DWORD> get_failed;
   Number current;
   Number invalid;
   Number next;
-  pal::TraceSource::Format<HRESULT> set_failed;
+  TraceSource::Format<HRESULT> set_failed;
 };
 constexpr Step kDecrement{
     [](DWORD level) { return level == kFloor || level == 0; },
@@ -165,7 +166,7 @@ constexpr Step kIncrement{
 HRESULT StepBeepVolume(const Step& step, DWORD type) {
   DWORD level = 0;
   HRESULT result = GetVolume(type, level);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error(step.get_failed, result, type);
     return result;
   }
@@ -178,14 +179,14 @@ HRESULT StepBeepVolume(const Step& step, DWORD type) {
   const DWORD next = level + step.change;
   kTrace.Info(step.next, next);
   result = SetVolume(type, next);
-  if (pal::Failed(result)) kTrace.Error(step.set_failed, result);
+  if (Failed(result)) kTrace.Error(step.set_failed, result);
   return result;
 }
 
 // The system's volume becomes that of a level, and the shell shows it.
 HRESULT SetCPLVol(DWORD level) {
   const DWORD word = WordOf(level);
-  constexpr pal::TraceSource::Format<MMRESULT, DWORD, DWORD, DWORD> kSet =
+  constexpr TraceSource::Format<MMRESULT, DWORD, DWORD, DWORD> kSet =
       "0x%x=waveOutSetVolume(0x%x->0x%x) winerr:0x%x";
   const MMRESULT error = waveOutSetVolume(nullptr, word);
   if (error != 0) {
@@ -197,14 +198,14 @@ HRESULT SetCPLVol(DWORD level) {
   kTrace.Info(" Checking current CPL Volume  ");
   DWORD shown = 0;
   HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, kControlPanelPath, kControlPanelValue, &shown);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("SetCPLVOl - Error reading from registry:(0x%x)", result);
     return E_FAIL;
   }
   kTrace.Info("SetCPLVol - Checking current CPL Volume ");
   if (shown == word) return result;
   result = PALRegSetDword(HKEY_CURRENT_USER, kControlPanelPath, kControlPanelValue, word);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("SetCPLVol - ERROR writing to CPL  Vol registry:(0x%x)", result);
   } else {
     kTrace.Info("SetCPLVol - Current CPL Vol is updated from Dravonel Settings Volume");
@@ -220,7 +221,7 @@ HRESULT SetGain(DWORD index, DWORD gain) {
   }
   kTrace.Info("SetGain(%ls,%d) - Entry", kRows[index].gain_name, gain);
   HRESULT result = Write(kRows[index].gain_name, gain);
-  if (pal::Failed(result)) result = E_FAIL;
+  if (Failed(result)) result = E_FAIL;
   kTrace.Info("0x%x=SetGain(%d,%d) - Exit", result, index, gain);
   return result;
 }
@@ -232,7 +233,7 @@ HRESULT GetSpecificVolGain(DWORD index, DWORD* gain) {
   }
   if (index > kLastRow) return E_FAIL;
   const HRESULT result = Read(kRows[index].gain_name, *gain);
-  return pal::Failed(result) ? E_FAIL : result;
+  return Failed(result) ? E_FAIL : result;
 }
 
 // Always S_OK: a driver that refuses the gain is no reason not to beep.
@@ -250,12 +251,12 @@ HRESULT PALBEEPSetCurGain(DWORD gain) {
 HRESULT PALBEEPSetCurVolsGain() {
   DWORD level = 0;
   const HRESULT result = GetVolume(kSpeaker, level);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kTrace.Error("PALBEEPSetCurVolsGain - Failed to acquire cur vol");
     return result;
   }
   DWORD gain = kGainWithoutValue;
-  if (pal::Failed(PALBEEPGetSpeakerGain(level, &gain))) {
+  if (Failed(PALBEEPGetSpeakerGain(level, &gain))) {
     kTrace.Error("PALBEEPSetCurVolsGain - PALBEEPGetSpeakerGain failed. Using current:%d", gain);
   }
   return PALBEEPSetCurGain(gain);
@@ -290,7 +291,7 @@ HRESULT PALBEEPGetCurGain(DWORD& gain) {
   const MMRESULT error =
       waveInMessage(nullptr, kGetGainMessage, kCodec, reinterpret_cast<uintptr_t>(&found));
   // The line shows the message that sets the gain, as it always has.
-  constexpr pal::TraceSource::Format<MMRESULT, UINT, DWORD, DWORD, DWORD> kGot =
+  constexpr TraceSource::Format<MMRESULT, UINT, DWORD, DWORD, DWORD> kGot =
       "PALBEEPGetCurGain - 0x%x=waveInMessage(NULL,0x%x,0x%x,out:%d). winerr:0x%x";
   if (error != 0) {
     kTrace.Error(kGot, error, kSetGainMessage, DWORD{kCodec}, found, GetLastError());
@@ -308,65 +309,67 @@ HRESULT PALBEEPRestoreGain(DWORD gain) {
   return S_OK;
 }
 
+}  // namespace pal
+
 HRESULT PALAPI PALBEEPSetVolume(DWORD setting) {
-  if (setting <= kLastLevel) {
-    static_cast<void>(SetVolume(kSpeaker, setting));
-    return SetCPLVol(setting);
+  if (setting <= pal::kLastLevel) {
+    static_cast<void>(pal::SetVolume(pal::kSpeaker, setting));
+    return pal::SetCPLVol(setting);
   }
-  if (setting == kSofter) return StepBeepVolume(kDecrement, kSpeaker);
-  if (setting == kLouder) return StepBeepVolume(kIncrement, kSpeaker);
-  kTrace.Error("PALBEEPSetVolume - ERROR Invalid input setting: 0x%x", setting);
+  if (setting == pal::kSofter) return pal::StepBeepVolume(pal::kDecrement, pal::kSpeaker);
+  if (setting == pal::kLouder) return pal::StepBeepVolume(pal::kIncrement, pal::kSpeaker);
+  pal::kTrace.Error("PALBEEPSetVolume - ERROR Invalid input setting: 0x%x", setting);
   return E_FAIL;
 }
 
 HRESULT PALAPI PALBEEPGetVolume(DWORD* level) {
   if (level == nullptr) return E_FAIL;
-  kTrace.Info("PALBEEPGetVolume(*) - Entry");
-  const HRESULT result = GetVolume(kSpeaker, *level);
-  kTrace.Info("0x%x=PALBEEPGetVolume(*) - Exit", result);
+  pal::kTrace.Info("PALBEEPGetVolume(*) - Entry");
+  const HRESULT result = pal::GetVolume(pal::kSpeaker, *level);
+  pal::kTrace.Info("0x%x=PALBEEPGetVolume(*) - Exit", result);
   return result;
 }
 
 HRESULT PALAPI PALBEEPSetHeadsetBeeperVolume(DWORD volume_index) {
-  kTrace.Info("PALBEEPSetHeadsetBeeperVolume(in:%d) - Entry", volume_index);
-  const HRESULT result = SetVolume(kHeadset, volume_index);
-  kTrace.Info("0x%x=PALBEEPSetHeadsetBeeperVolume(in:%d) - Exit", result, volume_index);
+  pal::kTrace.Info("PALBEEPSetHeadsetBeeperVolume(in:%d) - Entry", volume_index);
+  const HRESULT result = pal::SetVolume(pal::kHeadset, volume_index);
+  pal::kTrace.Info("0x%x=PALBEEPSetHeadsetBeeperVolume(in:%d) - Exit", result, volume_index);
   return result;
 }
 
 HRESULT PALAPI PALBEEPGetHeadsetBeeperVolume(DWORD* level) {
   if (level == nullptr) return E_FAIL;
-  kTrace.Info("PALBEEPGetHeadsetBeeperVolume(*) - Entry");
-  const HRESULT result = GetVolume(kHeadset, *level);
-  kTrace.Info("0x%x=PALBEEPGetHeadsetBeeperVolume(*) - Exit", result);
+  pal::kTrace.Info("PALBEEPGetHeadsetBeeperVolume(*) - Entry");
+  const HRESULT result = pal::GetVolume(pal::kHeadset, *level);
+  pal::kTrace.Info("0x%x=PALBEEPGetHeadsetBeeperVolume(*) - Exit", result);
   return result;
 }
 
 HRESULT PALAPI PALBEEPSetSpeakerGain(DWORD in_vol_index, DWORD in_gain) {
-  kTrace.Info("PALBEEPSetSpeakerGain(in:%d,in:%d) - Entry", in_vol_index, in_gain);
-  const HRESULT result = SetGain(in_vol_index, in_gain);
-  kTrace.Info("0x%x=PALBEEPSetSpeakerGain(in:%d,in:%d) - Exit", result, in_vol_index, in_gain);
+  pal::kTrace.Info("PALBEEPSetSpeakerGain(in:%d,in:%d) - Entry", in_vol_index, in_gain);
+  const HRESULT result = pal::SetGain(in_vol_index, in_gain);
+  pal::kTrace.Info("0x%x=PALBEEPSetSpeakerGain(in:%d,in:%d) - Exit", result, in_vol_index, in_gain);
   return result;
 }
 
 HRESULT PALAPI PALBEEPGetSpeakerGain(DWORD in_vol_index, DWORD* gain) {
-  kTrace.Info("PALBEEPGetSpeakerGain(in:%d,*) - Entry", in_vol_index);
-  const HRESULT result = GetSpecificVolGain(in_vol_index, gain);
-  kTrace.Info("0x%x=PALBEEPGetSpeakerGain(in:%d,*) - Exit", result, in_vol_index);
+  pal::kTrace.Info("PALBEEPGetSpeakerGain(in:%d,*) - Entry", in_vol_index);
+  const HRESULT result = pal::GetSpecificVolGain(in_vol_index, gain);
+  pal::kTrace.Info("0x%x=PALBEEPGetSpeakerGain(in:%d,*) - Exit", result, in_vol_index);
   return result;
 }
 
 HRESULT PALAPI PALBEEPSetHeadsetGain(DWORD gain) {
-  kTrace.Info("PALBEEPSetHeadsetGain(in:%d) - Entry", gain);
-  const HRESULT result = SetGain(kHeadset, gain);
+  pal::kTrace.Info("PALBEEPSetHeadsetGain(in:%d) - Entry", gain);
+  const HRESULT result = pal::SetGain(pal::kHeadset, gain);
   // Names the speaker's function, as it always has.
-  kTrace.Info("0x%x=PALBEEPSetSpeakerGain(in:%d) - Exit", result, gain);
+  pal::kTrace.Info("0x%x=PALBEEPSetSpeakerGain(in:%d) - Exit", result, gain);
   return result;
 }
 
 HRESULT PALAPI PALBEEPGetHeadsetGain(DWORD* gain) {
-  kTrace.Info("PALBEEPGetHeadsetGain(*) - Entry");
-  const HRESULT result = GetSpecificVolGain(kHeadset, gain);
-  kTrace.Info("0x%x=PALBEEPGetHeadsetGain(*) - Exit", result);
+  pal::kTrace.Info("PALBEEPGetHeadsetGain(*) - Entry");
+  const HRESULT result = pal::GetSpecificVolGain(pal::kHeadset, gain);
+  pal::kTrace.Info("0x%x=PALBEEPGetHeadsetGain(*) - Exit", result);
   return result;
 }

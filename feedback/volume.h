@@ -12,8 +12,6 @@ inline constexpr const WCHAR* kBeeperPath = TEXT("Software\\Dravonel\\BeeperVol"
 // The volume word of the level VeryLow, as it is built in.
 inline constexpr DWORD kVeryLowVolume = 0x33333333;
 
-}  // namespace pal
-
 // Sets the codec gain that belongs to the speaker's current level; 66 where that has none. The
 // driver's refusal is only traced.
 //
@@ -35,5 +33,7 @@ inline constexpr DWORD kVeryLowVolume = 0x33333333;
 [[nodiscard]] HRESULT PALBEEPGetCurGain(DWORD& gain);
 // Always S_OK.
 [[nodiscard]] HRESULT PALBEEPRestoreGain(DWORD gain);
+
+}  // namespace pal
 
 #endif  // FEEDBACK_VOLUME_H_

@@ -2,8 +2,9 @@
 
 #include "frame/trace.h"
 
+namespace pal {
 namespace {
-constexpr pal::TraceSource kTrace{pal::Facility::kDisplay};
+constexpr TraceSource kTrace{Facility::kDisplay};
 }
 
 // The module is never freed: coredll stays loaded as long as the process.
@@ -23,3 +24,5 @@ HRESULT ApplyAudioSetting() {
   update();
   return S_OK;
 }
+
+}  // namespace pal

@@ -10,6 +10,7 @@
 #include "include/palpwr.h"
 #include "platform/wince.h"
 
+namespace pal {
 namespace {
 
 using Step = HRESULT(PALAPI*)();
@@ -29,7 +30,7 @@ constexpr Family kFamilies[] = {
 
 // What a family answers is left to its own exports: the library loads in any case.
 void Attach(HMODULE module) {
-  pal::SetOwnModule(module);
+  SetOwnModule(module);
   for (const Family& family : kFamilies) {
     if (family.init != nullptr) static_cast<void>(family.init());
   }
@@ -40,10 +41,11 @@ void Detach() {
 }
 
 }  // namespace
+}  // namespace pal
 
 // Never fails; threads that come and go mean nothing to the library.
 extern "C" BOOL WINAPI DllMain(HANDLE module, DWORD reason, LPVOID /*reserved*/) {
-  if (reason == DLL_PROCESS_ATTACH) Attach(static_cast<HMODULE>(module));
-  if (reason == DLL_PROCESS_DETACH) Detach();
+  if (reason == DLL_PROCESS_ATTACH) pal::Attach(static_cast<HMODULE>(module));
+  if (reason == DLL_PROCESS_DETACH) pal::Detach();
   return TRUE;
 }

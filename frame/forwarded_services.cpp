@@ -12,20 +12,21 @@
 #include "frame/unique_handle.h"
 #include "include/palsysio.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::WideText kProviderName = TEXT("DVLORQPAL.dll");
+constexpr WideText kProviderName = TEXT("DVLORQPAL.dll");
 constexpr const char* kVersionExport = "PALVER_LogVersion";
 
 using Path = std::array<WCHAR, MAX_PATH>;
 
 template <typename... Arguments>
-void Trace([[maybe_unused]] pal::Severity severity,
-           [[maybe_unused]] pal::TraceSource::Format<Arguments...> format,
+void Trace([[maybe_unused]] Severity severity,
+           [[maybe_unused]] TraceSource::Format<Arguments...> format,
            [[maybe_unused]] Arguments... arguments) {
-  if constexpr (pal::kTraceLines) {
-    PALSysioTrace(0, pal::TraceCategory(pal::Facility::kProvider, severity), format.text(),
-                  pal::VariadicTraceArgument(arguments)...);
+  if constexpr (kTraceLines) {
+    PALSysioTrace(0, TraceCategory(Facility::kProvider, severity), format.text(),
+                  VariadicTraceArgument(arguments)...);
   }
 }
 
@@ -33,18 +34,18 @@ void Trace([[maybe_unused]] pal::Severity severity,
 FARPROC FindExport(HMODULE provider, const char* name) {
   std::array<WCHAR, 64> wide_name{};
   FARPROC found = nullptr;
-  if (pal::Widen(wide_name, name)) found = GetProcAddressW(provider, wide_name.data());
-  if (found == nullptr) Trace(pal::Severity::kError, "%s not supported\r\n", name);
+  if (Widen(wide_name, name)) found = GetProcAddressW(provider, wide_name.data());
+  if (found == nullptr) Trace(Severity::kError, "%s not supported\r\n", name);
   return found;
 }
 
 // Null where nothing is loaded from there but this library itself: its exports would call
 // themselves.
 HMODULE LoadProviderFrom(const WCHAR* path) {
-  pal::UniqueModule module(LoadLibraryW(path));
-  Trace(pal::Severity::kInfo, "Loading %ls,winerr:0x%x,proc:0x%x\r\n", path, GetLastError(),
+  UniqueModule module(LoadLibraryW(path));
+  Trace(Severity::kInfo, "Loading %ls,winerr:0x%x,proc:0x%x\r\n", path, GetLastError(),
         GetCurrentProcessId());
-  if (!module || module.get() == pal::OwnModule()) return nullptr;
+  if (!module || module.get() == OwnModule()) return nullptr;
   const FARPROC log_version = FindExport(module.get(), kVersionExport);
   if (log_version != nullptr) log_version();
   return module.Release();
@@ -57,7 +58,7 @@ bool PathBesideProgram(Path& path) {
   size_t folder = units;
   while (folder > 0 && path[folder - 1] != TEXT('\\')) --folder;
   path[folder] = 0;
-  return pal::Append(path, kProviderName);
+  return Append(path, kProviderName);
 }
 
 HMODULE LoadProvider() {
@@ -65,8 +66,7 @@ HMODULE LoadProvider() {
   Path path{};
   if (module == nullptr && PathBesideProgram(path)) module = LoadProviderFrom(path.data());
   if (module == nullptr) {
-    Trace(pal::Severity::kError, "All PAL load attempts failed. proc:0x%x\r\n",
-          GetCurrentProcessId());
+    Trace(Severity::kError, "All PAL load attempts failed. proc:0x%x\r\n", GetCurrentProcessId());
   }
   return module;
 }
@@ -137,7 +137,7 @@ constinit std::array<std::atomic<FARPROC>, kServices.size()> targets{};
 // Apart from TargetOf, so that the calls behind the first do not pay for it.
 [[gnu::noinline]] FARPROC LookForTarget(size_t row) {
   FARPROC target = nullptr;
-  if (pal::Failed(PalLoadProviderFunction(kServices[row].name, target))) target = &MissingTarget;
+  if (Failed(PalLoadProviderFunction(kServices[row].name, target))) target = &MissingTarget;
   targets[row].store(target, std::memory_order_relaxed);
   return target;
 }
@@ -150,7 +150,7 @@ FARPROC TargetOf(Service service) {
 
 // Null where the provider does not have it.
 template <typename... Arguments>
-auto Find(Service service) {
+auto TargetAs(Service service) {
   using Function = HRESULT(WINAPI*)(Arguments...);
   using AnyFunction = void (*)();  // the one that compilers let a function pointer pass through
   const FARPROC target = TargetOf(service);
@@ -163,46 +163,47 @@ auto Find(Service service) {
 template <typename... Arguments>
 HRESULT ForwardForAddress(Service service, DWORD* address, Arguments... arguments) {
   if (address == nullptr) return E_FAIL;
-  const auto function = Find<Arguments..., DWORD*>(service);
+  const auto function = TargetAs<Arguments..., DWORD*>(service);
   DWORD answer = 0;
-  if (function != nullptr && pal::Failed(function(arguments..., &answer))) answer = 0;
+  if (function != nullptr && Failed(function(arguments..., &answer))) answer = 0;
   *address = answer;
   return answer != 0 ? S_OK : E_FAIL;
 }
 
 HRESULT ForwardSwitch(Service service, DWORD enable) {
-  const auto function = Find<DWORD>(service);
+  const auto function = TargetAs<DWORD>(service);
   return function != nullptr && function(enable) != 0 ? S_OK : E_FAIL;
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALSysio_VirtualAllocCopy(DWORD a, DWORD b, DWORD* address) {
-  return ForwardForAddress(Service::kVirtualAllocCopy, address, a, b);
+  return pal::ForwardForAddress(pal::Service::kVirtualAllocCopy, address, a, b);
 }
 
 HRESULT PALAPI PALSysio_MmMapIoSpace(DWORD a, DWORD b, DWORD c, DWORD d, DWORD* address) {
-  return ForwardForAddress(Service::kMmMapIoSpace, address, a, b, c, d);
+  return pal::ForwardForAddress(pal::Service::kMmMapIoSpace, address, a, b, c, d);
 }
 
 HRESULT PALAPI PALSysio_ImagerAllocPhysMem(DWORD a, DWORD b, DWORD* address) {
-  return ForwardForAddress(Service::kImagerAllocPhysMem, address, a, b);
+  return pal::ForwardForAddress(pal::Service::kImagerAllocPhysMem, address, a, b);
 }
 
 HRESULT PALAPI PALSysio_ImagerFreePhysMem(DWORD memory) {
-  const auto function = Find<DWORD>(Service::kImagerFreePhysMem);
+  const auto function = pal::TargetAs<DWORD>(pal::Service::kImagerFreePhysMem);
   if (function != nullptr) function(memory);
   return S_OK;
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCamera(DWORD enable) {
-  return ForwardSwitch(Service::kEnableCamera, enable);
+  return pal::ForwardSwitch(pal::Service::kEnableCamera, enable);
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCameraClock(DWORD enable) {
-  return ForwardSwitch(Service::kEnableCameraClock, enable);
+  return pal::ForwardSwitch(pal::Service::kEnableCameraClock, enable);
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCameraPower(DWORD enable) {
-  return ForwardSwitch(Service::kEnableCameraPower, enable);
+  return pal::ForwardSwitch(pal::Service::kEnableCameraPower, enable);
 }

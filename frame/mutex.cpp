@@ -3,8 +3,10 @@
 #include "frame/result.h"
 #include "frame/trace.h"
 
-HRESULT PALWaitForMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms) {
-  const pal::TraceSource trace(facility);
+namespace pal {
+
+HRESULT PALWaitForMutex(Facility facility, HANDLE mutex, DWORD timeout_ms) {
+  const TraceSource trace(facility);
   if (mutex == nullptr || mutex == INVALID_HANDLE_VALUE) {
     trace.Error("PALWaitForMutex - ERROR invalid mutex. hMutex: 0x%x\r\n", mutex);
     return E_INVALIDARG;
@@ -22,8 +24,8 @@ HRESULT PALWaitForMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms) 
   return S_OK;
 }
 
-HRESULT PALReleaseMutexIfValid(pal::Facility facility, HANDLE mutex) {
-  const pal::TraceSource trace(facility);
+HRESULT PALReleaseMutexIfValid(Facility facility, HANDLE mutex) {
+  const TraceSource trace(facility);
   if (mutex == nullptr) {
     trace.Error("PALReleaseMutexIfValid - ERROR. Mutex not valid. hMutex: 0x%x\r\n", mutex);
     return S_FALSE;
@@ -33,5 +35,7 @@ HRESULT PALReleaseMutexIfValid(pal::Facility facility, HANDLE mutex) {
   trace.Error(
       "PALReleaseMutexIfValid - ERROR. Cannot release mutex. hMutex: 0x%x win32err: 0x%x\r\n",
       mutex, error);
-  return pal::HResultFromWin32(error);
+  return HResultFromWin32(error);
 }
+
+}  // namespace pal

@@ -8,20 +8,20 @@
 #include "frame/result.h"
 #include "platform/wince.h"
 
+namespace pal {
+
 // Waits at most `timeout_ms` for `mutex`. Feedback must not block for ever: a wait that times out
 // or finds the mutex abandoned is traced as an error of `facility` and reported as success. After a
 // time-out the caller goes on without owning the mutex.
 //
 // S_OK          waited, whatever the outcome
 // E_INVALIDARG  `mutex` is null or INVALID_HANDLE_VALUE; traced
-[[nodiscard]] HRESULT PALWaitForMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms);
+[[nodiscard]] HRESULT PALWaitForMutex(Facility facility, HANDLE mutex, DWORD timeout_ms);
 
 // S_OK        released
 // S_FALSE     `mutex` is null; traced
 // 0x8007xxxx  the error of the release, 0x80070120 where the caller does not own the mutex; traced
-HRESULT PALReleaseMutexIfValid(pal::Facility facility, HANDLE mutex);
-
-namespace pal {
+HRESULT PALReleaseMutexIfValid(Facility facility, HANDLE mutex);
 
 // The wait of the feedback families.
 inline constexpr DWORD kMutexTimeoutMs = 2000;

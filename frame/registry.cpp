@@ -6,11 +6,7 @@
 #include "frame/result.h"
 #include "frame/text.h"
 
-using pal::CreateRegistryKey;
-using pal::HResultFromWin32;
-using pal::OpenRegistryKey;
-using pal::UniqueRegistryKey;
-
+namespace pal {
 namespace {
 
 constexpr DWORD kMaxStringBytes = 520;
@@ -49,16 +45,16 @@ inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buff
 
 HKEY PALRegRootFromName(const char* name) {
   const HKEY roots[] = {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER, HKEY_CLASSES_ROOT, HKEY_USERS};
-  static_assert(std::size(roots) == pal::kRegistryRootNames.size());
+  static_assert(std::size(roots) == kRegistryRootNames.size());
   if (name == nullptr) return HKEY_LOCAL_MACHINE;
-  const size_t root = pal::FindRegistryRoot(name);
+  const size_t root = FindRegistryRoot(name);
   return root < std::size(roots) ? roots[root] : HKEY_LOCAL_MACHINE;
 }
 
 HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
                         std::span<const WCHAR> text) {
   if (path == nullptr || name == nullptr || text.data() == nullptr) return E_FAIL;
-  const size_t units = pal::Length(text) + 2;  // the terminator and what stands behind it
+  const size_t units = Length(text) + 2;  // the terminator and what stands behind it
   if (units > text.size()) return E_FAIL;
   const auto bytes = static_cast<DWORD>(units * sizeof(WCHAR));
   return HResultFromWin32(SetValue(root, path, name, REG_SZ, text.data(), bytes));
@@ -128,8 +124,10 @@ HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::sp
   DWORD stored_bytes = sizeof(stored);
   const LONG error = GetValue(root, path, name, stored, stored_bytes);
   if (error != ERROR_SUCCESS) return HResultFromWin32(error);
-  const pal::WideText stored_text(stored, pal::Length<WCHAR>(stored));
-  if (!pal::Copy(text, stored_text)) return HResultFromWin32(ERROR_MORE_DATA);
+  const WideText stored_text(stored, Length<WCHAR>(stored));
+  if (!Copy(text, stored_text)) return HResultFromWin32(ERROR_MORE_DATA);
   *bytes = stored_bytes;
   return S_OK;
 }
+
+}  // namespace pal

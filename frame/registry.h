@@ -16,6 +16,8 @@
 #include "frame/unique_handle.h"
 #include "platform/wince.h"
 
+namespace pal {
+
 // The root key whose name `name` begins with (in upper case, as in "HKEY_USERS\X").
 // HKEY_LOCAL_MACHINE for any other name, and for null.
 [[nodiscard]] HKEY PALRegRootFromName(const char* name);
@@ -54,8 +56,6 @@
 // value. 0x800700EA also where the text and its terminator do not fit `text`.
 [[nodiscard]] HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name,
                                       std::span<WCHAR> text, DWORD* bytes);
-
-namespace pal {
 
 // Both return the system error of the call; `key` holds the key on ERROR_SUCCESS and nothing
 // otherwise.

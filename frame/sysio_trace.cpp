@@ -28,17 +28,17 @@ EventLogEntry LoadEventLogOnce() {
 }
 
 }  // namespace
-}  // namespace pal
-
 DWORD PALSysioTrace(DWORD /*ignored*/, DWORD category, const char* format, ...) {
-  pal::TraceLine line;
+  TraceLine line;
   va_list arguments;
   va_start(arguments, format);
-  pal::FormatTraceLine(line, format, arguments);
+  FormatTraceLine(line, format, arguments);
   va_end(arguments);
 
-  pal::EventLogEntry entry = pal::event_log_entry.load(std::memory_order_relaxed);
-  if (entry == nullptr) entry = pal::LoadEventLogOnce();
+  EventLogEntry entry = event_log_entry.load(std::memory_order_relaxed);
+  if (entry == nullptr) entry = LoadEventLogOnce();
   if (entry != nullptr) entry(category, line);
   return 0;
 }
+
+}  // namespace pal

@@ -48,18 +48,18 @@ EventLogEntry LoadEventLog() {
 }
 
 }  // namespace
-}  // namespace pal
-
 DWORD PALTrace(DWORD debug_echo, DWORD category, const char* format, ...) {
-  pal::TraceLine line;
+  TraceLine line;
   va_list arguments;
   va_start(arguments, format);
-  pal::FormatTraceLine(line, format, arguments);
+  FormatTraceLine(line, format, arguments);
   va_end(arguments);
 
-  pal::EventLogEntry entry = pal::event_log_entry.load(std::memory_order_relaxed);
-  if (entry == nullptr) entry = pal::LoadEventLog();
+  EventLogEntry entry = event_log_entry.load(std::memory_order_relaxed);
+  if (entry == nullptr) entry = LoadEventLog();
   if (entry != nullptr) entry(category, line);
-  if (debug_echo != 0) pal::Echo(line);
+  if (debug_echo != 0) Echo(line);
   return 0;
 }
+
+}  // namespace pal

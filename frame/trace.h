@@ -18,6 +18,8 @@
 #include "frame/trace_format.h"
 #include "platform/wince.h"
 
+namespace pal {
+
 // Formats a line of at most 1023 characters (a longer one is cut), hands it to "DVLLogString" of
 // the event-log library, and echoes it to the debug output where `debug_echo` is not 0. Never
 // fails: where the event-log library is missing, each line tries to load it once and is otherwise
@@ -32,8 +34,6 @@ DWORD PALTrace(DWORD debug_echo, DWORD category, const char* format, ...);
 // is never echoed. The event-log library is loaded once, its entry looked up once, and both are
 // kept.
 DWORD PALSysioTrace(DWORD ignored, DWORD category, const char* format, ...);
-
-namespace pal {
 
 // Without its lines the library is built for one purpose: to measure what they cost.
 #ifdef PAL_WITHOUT_TRACE_LINES

@@ -1,11 +1,14 @@
 #include "frame/trace.h"
 #include "include/palver.h"
 
+namespace pal {
 namespace {
-constexpr pal::TraceSource kTrace{pal::Facility::kVersion};
+constexpr TraceSource kTrace{Facility::kVersion};
 }
 
+}  // namespace pal
+
 HRESULT PALAPI PALVER_LogVersion() {
-  kTrace.Info("Loaded PAL version: %s\r\n", "0.0.0.0");
+  pal::kTrace.Info("Loaded PAL version: %s\r\n", "0.0.0.0");
   return S_OK;
 }

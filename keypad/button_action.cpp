@@ -9,8 +9,7 @@
 #include "keypad/layout.h"
 #include "keypad/ordinary_key.h"
 
-using pal::kKeypadTrace;
-
+namespace pal {
 namespace {
 
 constexpr size_t kMaxEventUnits = 256;
@@ -21,56 +20,48 @@ constexpr const char* kSetName = "SetButtonAction";
 
 // One of the two events of a button.
 struct EventKind {
-  pal::WideText subkey;
-  const WCHAR* pal::ActionEvents::*of_action;
+  WideText subkey;
+  const WCHAR* ActionEvents::*of_action;
   // The event of the right-hand scan button, and that of the left-hand one, which stands for both.
-  pal::WideText right_scan;
-  pal::WideText left_scan;
+  WideText right_scan;
+  WideText left_scan;
   bool is_state;
   bool must_be_written;  // else a write that fails is no failure
 };
-constexpr EventKind kDelta{pal::kDeltaEvents,
-                           &pal::ActionEvents::delta,
-                           TEXT("DeltaRightScan"),
-                           TEXT("DeltaLeftScan"),
-                           false,
-                           true};
-constexpr EventKind kState{pal::kStateEvents,
-                           &pal::ActionEvents::state,
-                           TEXT("StateRightScan"),
-                           TEXT("StateLeftScan"),
-                           true,
-                           false};
+constexpr EventKind kDelta{
+    kDeltaEvents, &ActionEvents::delta, TEXT("DeltaRightScan"), TEXT("DeltaLeftScan"), false, true};
+constexpr EventKind kState{
+    kStateEvents, &ActionEvents::state, TEXT("StateRightScan"), TEXT("StateLeftScan"), true, false};
 
 void TakeRightScanForLeft(const EventKind& kind, EventName& name) {
-  if (pal::WideText(name.data()) != kind.right_scan) return;
-  static_cast<void>(pal::Copy(name, kind.left_scan));
+  if (WideText(name.data()) != kind.right_scan) return;
+  static_cast<void>(Copy(name, kind.left_scan));
   kKeypadTrace.Info("Changed to %ls\r\n", name.data());
 }
 
-std::optional<size_t> FindAction(const pal::ButtonRecord& button, const EventName& delta) {
-  for (size_t action = 0; action < pal::kActionCount; ++action) {
-    if (pal::WideText(delta.data()) == button.action_events[action].delta) return action;
+std::optional<size_t> FindAction(const ButtonRecord& button, const EventName& delta) {
+  for (size_t action = 0; action < kActionCount; ++action) {
+    if (WideText(delta.data()) == button.action_events[action].delta) return action;
   }
   return std::nullopt;
 }
 
-bool OpenEvents(const EventKind& kind, const pal::LayoutPath& layout, pal::LayoutPath& path,
-                pal::UniqueRegistryKey& key) {
-  path = pal::BelowLayout(layout, kind.subkey);
-  return pal::OpenKeypadKey(path.data(), key) == ERROR_SUCCESS;
+bool OpenEvents(const EventKind& kind, const LayoutPath& layout, LayoutPath& path,
+                UniqueRegistryKey& key) {
+  path = BelowLayout(layout, kind.subkey);
+  return OpenKeypadKey(path.data(), key) == ERROR_SUCCESS;
 }
 
-bool ReadEventName(const pal::ButtonRecord& button, HKEY key, EventName& name) {
-  return pal::ReadKeypadText(key, button.event_value_name, name) == ERROR_SUCCESS;
+bool ReadEventName(const ButtonRecord& button, HKEY key, EventName& name) {
+  return ReadKeypadText(key, button.event_value_name, name) == ERROR_SUCCESS;
 }
 
 // The next three tell an action, or nothing where it cannot be told. `path` is then the key at
 // which they gave up.
 
-std::optional<size_t> ReadDelta(const pal::ButtonRecord& button, const pal::LayoutPath& layout,
-                                pal::LayoutPath& path) {
-  pal::UniqueRegistryKey key;
+std::optional<size_t> ReadDelta(const ButtonRecord& button, const LayoutPath& layout,
+                                LayoutPath& path) {
+  UniqueRegistryKey key;
   if (!OpenEvents(kDelta, layout, path, key)) return std::nullopt;
   EventName name;
   if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
@@ -80,24 +71,23 @@ std::optional<size_t> ReadDelta(const pal::ButtonRecord& button, const pal::Layo
   return FindAction(button, name);
 }
 
-std::optional<size_t> ConfirmState(const pal::ButtonRecord& button, const pal::LayoutPath& layout,
-                                   size_t action, pal::LayoutPath& path) {
-  pal::UniqueRegistryKey key;
+std::optional<size_t> ConfirmState(const ButtonRecord& button, const LayoutPath& layout,
+                                   size_t action, LayoutPath& path) {
+  UniqueRegistryKey key;
   if (!OpenEvents(kState, layout, path, key)) return std::nullopt;
   EventName name;
   if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
   TakeRightScanForLeft(kState, name);
-  if (pal::WideText(name.data()) != button.action_events[action].state) return std::nullopt;
+  if (WideText(name.data()) != button.action_events[action].state) return std::nullopt;
   return action;
 }
 
-std::optional<size_t> ConfirmMultikey(const pal::ButtonRecord& button,
-                                      const pal::LayoutPath& layout, size_t action,
-                                      pal::LayoutPath& path) {
+std::optional<size_t> ConfirmMultikey(const ButtonRecord& button, const LayoutPath& layout,
+                                      size_t action, LayoutPath& path) {
   if (button.multikey_value_name == nullptr) return action;
-  path = pal::BelowLayout(layout, TEXT("\\MULTIKEYS"));
-  pal::UniqueRegistryKey key;
-  if (pal::OpenKeypadKey(path.data(), key) != ERROR_SUCCESS) return std::nullopt;
+  path = BelowLayout(layout, TEXT("\\MULTIKEYS"));
+  UniqueRegistryKey key;
+  if (OpenKeypadKey(path.data(), key) != ERROR_SUCCESS) return std::nullopt;
   decltype(button.multikey_data) data{};
   auto bytes = static_cast<DWORD>(data.size());
   const LONG error =
@@ -108,8 +98,8 @@ std::optional<size_t> ConfirmMultikey(const pal::ButtonRecord& button,
   return action;
 }
 
-std::optional<size_t> ReadAction(const pal::ButtonRecord& button, const pal::LayoutPath& layout,
-                                 pal::LayoutPath& path) {
+std::optional<size_t> ReadAction(const ButtonRecord& button, const LayoutPath& layout,
+                                 LayoutPath& path) {
   std::optional<size_t> action = ReadDelta(button, layout, path);
   if (action) action = ConfirmState(button, layout, *action, path);
   if (action) action = ConfirmMultikey(button, layout, *action, path);
@@ -117,12 +107,12 @@ std::optional<size_t> ReadAction(const pal::ButtonRecord& button, const pal::Lay
 }
 
 // An action that cannot be told is no failure.
-HRESULT GetAction(const pal::ButtonRecord& button, DWORD& action) {
-  pal::LayoutPath layout;
+HRESULT GetAction(const ButtonRecord& button, DWORD& action) {
+  LayoutPath layout;
   const HRESULT result = ResolveButtonKeyPath(layout, button);
-  pal::LayoutPath path = layout;
+  LayoutPath path = layout;
   std::optional<size_t> found;
-  if (pal::Succeeded(result)) found = ReadAction(button, layout, path);
+  if (Succeeded(result)) found = ReadAction(button, layout, path);
   if (found) {
     action = static_cast<DWORD>(*found) + 1;
   } else {
@@ -132,29 +122,28 @@ HRESULT GetAction(const pal::ButtonRecord& button, DWORD& action) {
 }
 
 struct Change {
-  const pal::ButtonRecord& button;
-  const pal::LayoutPath& layout;
+  const ButtonRecord& button;
+  const LayoutPath& layout;
   size_t action;
   DWORD current_action;  // as callers count
 };
 
-HRESULT WriteEvent(const Change& change, const EventKind& kind, HKEY key,
-                   const pal::LayoutPath& path) {
-  const pal::ButtonRecord& button = change.button;
+HRESULT WriteEvent(const Change& change, const EventKind& kind, HKEY key, const LayoutPath& path) {
+  const ButtonRecord& button = change.button;
   const HRESULT result =
       SetupKeyForScanKeys(change.layout, button, change.current_action, kind.is_state);
   if (result != S_OK) return result;
   const WCHAR* const event_name = button.action_events[change.action].*kind.of_action;
   kKeypadTrace.Info("%s: \"%s\", %ls, %ls=%ls\r\n", kSetName, button.name, path.data(),
                     button.event_value_name, event_name);
-  const LONG error = pal::WriteEventName(key, button.event_value_name, event_name);
-  if (error != ERROR_SUCCESS && kind.must_be_written) return pal::HResultFromWin32(error);
+  const LONG error = WriteEventName(key, button.event_value_name, event_name);
+  if (error != ERROR_SUCCESS && kind.must_be_written) return HResultFromWin32(error);
   return SetupKeyForWinDefkeys(change.layout, button, change.action, kind.is_state);
 }
 
 bool WriteState(const Change& change) {
-  pal::LayoutPath path;
-  pal::UniqueRegistryKey key;
+  LayoutPath path;
+  UniqueRegistryKey key;
   if (!OpenEvents(kState, change.layout, path, key)) return false;
   EventName current;
   if (ReadEventName(change.button, key.get(), current)) {
@@ -164,33 +153,33 @@ bool WriteState(const Change& change) {
   return WriteEvent(change, kState, key.get(), path) == S_OK;
 }
 
-bool WriteMultikey(const pal::ButtonRecord& button, const pal::LayoutPath& layout) {
+bool WriteMultikey(const ButtonRecord& button, const LayoutPath& layout) {
   if (button.multikey_value_name == nullptr) return true;
-  const pal::LayoutPath path = pal::BelowLayout(layout, TEXT("\\MULTIKEY"));
-  pal::UniqueRegistryKey key;
-  return pal::OpenKeypadKey(path.data(), key) == ERROR_SUCCESS &&
+  const LayoutPath path = BelowLayout(layout, TEXT("\\MULTIKEY"));
+  UniqueRegistryKey key;
+  return OpenKeypadKey(path.data(), key) == ERROR_SUCCESS &&
          RegSetValueExW(key.get(), button.multikey_value_name, 0, REG_BINARY,
                         button.multikey_data.data(),
                         static_cast<DWORD>(button.multikey_data.size())) == ERROR_SUCCESS;
 }
 
-bool TellDriver(const pal::ButtonRecord& button) {
-  constexpr pal::DriverReloadLines kLines{
+bool TellDriver(const ButtonRecord& button) {
+  constexpr DriverReloadLines kLines{
       "PALKEYSetButtonAction - Flushing keypad driver registry subkey",
       "PALKEYSetButtonAction - Could not open %ls. winerr:0x%x",
       "PALKEYSetButtonAction - RegFlushKey %ls failure. winerr:0x%x",
   };
   return button.change_event_name == nullptr ||
-         pal::Succeeded(pal::ReloadKeypadDriver(button.change_event_name, kLines));
+         Succeeded(ReloadKeypadDriver(button.change_event_name, kLines));
 }
 
 // What is written before a failure stays.
-HRESULT SetAction(const pal::ButtonRecord& button, size_t action) {
-  pal::LayoutPath layout;
+HRESULT SetAction(const ButtonRecord& button, size_t action) {
+  LayoutPath layout;
   // A layout that is not found shows when its events are opened.
   static_cast<void>(ResolveButtonKeyPath(layout, button));
-  pal::LayoutPath path;
-  pal::UniqueRegistryKey delta;
+  LayoutPath path;
+  UniqueRegistryKey delta;
   const bool opened = OpenEvents(kDelta, layout, path, delta);
   DWORD current_action = PAL_KEY_ACTION_UNKNOWN;
   const HRESULT result = PALKEYGetButtonAction(button.id, &current_action);
@@ -203,30 +192,32 @@ HRESULT SetAction(const pal::ButtonRecord& button, size_t action) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action) {
   if (action == nullptr) return E_FAIL;
-  kKeypadTrace.Info("%s(%d,*)\r\n", kGetName, button);
+  pal::kKeypadTrace.Info("%s(%d,*)\r\n", pal::kGetName, button);
   DWORD found = PAL_KEY_ACTION_UNKNOWN;
-  const HRESULT result = ButtonIsSupported(button) ? GetAction(*pal::FindButton(button), found)
-                                                   : pal::kButtonNotSupported;
+  const HRESULT result = pal::ButtonIsSupported(button)
+                             ? pal::GetAction(*pal::FindButton(button), found)
+                             : pal::kButtonNotSupported;
   *action = found;
-  kKeypadTrace.Info("0x%08X=%s(%d,*%d)\r\n", result, kGetName, button, found);
+  pal::kKeypadTrace.Info("0x%08X=%s(%d,*%d)\r\n", result, pal::kGetName, button, found);
   return result;
 }
 
 HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action) {
-  kKeypadTrace.Info("%s(%d,%d)\r\n", kSetName, button, action);
+  pal::kKeypadTrace.Info("%s(%d,%d)\r\n", pal::kSetName, button, action);
   HRESULT result = pal::kButtonNotSupported;
   LONG shown = action;
-  if (ButtonIsSupported(button)) {
+  if (pal::ButtonIsSupported(button)) {
     result = pal::kActionOutOfRange;
     if (action >= PAL_KEY_ACTION_SCAN && action <= PAL_KEY_ACTION_OEM_TRIGGER) {
       shown = action - 1;
-      result = SetAction(*pal::FindButton(button), static_cast<size_t>(shown));
+      result = pal::SetAction(*pal::FindButton(button), static_cast<size_t>(shown));
     }
   }
-  kKeypadTrace.Info("0x%08X=%s(%d,%d \"zero based adjusted\")\r\n", result, kSetName, button,
-                    shown);
+  pal::kKeypadTrace.Info("0x%08X=%s(%d,%d \"zero based adjusted\")\r\n", result, pal::kSetName,
+                         button, shown);
   return result;
 }

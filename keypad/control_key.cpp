@@ -6,8 +6,7 @@
 #include "keypad/keypad_result.h"
 #include "keypad/keypad_trace.h"
 
-using pal::kKeypadTrace;
-
+namespace pal {
 namespace {
 
 // Spelled otherwise than where the layout is looked up; the registry does not mind.
@@ -31,7 +30,7 @@ HRESULT WriteState(const WCHAR* value_name, LONG key, DWORD state) {
                     value_name, key, state);
   const HRESULT result =
       PALRegSetDword(HKEY_LOCAL_MACHINE, kControlKeyPath, value_name, state != 0 ? 1 : 0);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     kKeypadTrace.Error(
         "PALKEYContolKeyState - ERROR control key. key: %d, state: 0x%x, hr: 0x%X\r\n", key, state,
         result);
@@ -40,17 +39,18 @@ HRESULT WriteState(const WCHAR* value_name, LONG key, DWORD state) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state) {
   const auto row = static_cast<DWORD>(key);
-  if (row >= kControlKeys.size()) {
-    kKeypadTrace.Error("PALKEYControlKeyState - Incorrect key specified. hr: 0x%x\r\n",
-                       pal::kNoSuchControlKey);
-    kKeypadTrace.Error("PALKEYContolKeyState - ERROR copying reg string. hr: 0x%x\r\n",
-                       pal::kNoSuchControlKey);
+  if (row >= pal::kControlKeys.size()) {
+    pal::kKeypadTrace.Error("PALKEYControlKeyState - Incorrect key specified. hr: 0x%x\r\n",
+                            pal::kNoSuchControlKey);
+    pal::kKeypadTrace.Error("PALKEYContolKeyState - ERROR copying reg string. hr: 0x%x\r\n",
+                            pal::kNoSuchControlKey);
     return pal::kNoSuchControlKey;
   }
-  const ControlKeyValues& values = kControlKeys[row];
-  const HRESULT result = WriteState(values.first, key, state);
-  return values.second == nullptr ? result : WriteState(values.second, key, state);
+  const pal::ControlKeyValues& values = pal::kControlKeys[row];
+  const HRESULT result = pal::WriteState(values.first, key, state);
+  return values.second == nullptr ? result : pal::WriteState(values.second, key, state);
 }

@@ -3,11 +3,12 @@
 #include "include/palkey.h"
 #include "keypad/keypad_trace.h"
 
+namespace pal {
 namespace {
 
 // The lines have the screen tap's family in their name, and the getter the setter's: kept so.
-constexpr pal::TapVolume kKeyTapVolume{
-    pal::kKeypadTrace,
+constexpr TapVolume kKeyTapVolume{
+    kKeypadTrace,
     TEXT("Key"),
     "PALDISPSetKeyTapVol - Input invalid.  input:%d\r\n",
     "PALDISPSetKeyTapVol - Could not set reg key: %ls\\%ls\r\n",
@@ -15,11 +16,12 @@ constexpr pal::TapVolume kKeyTapVolume{
 };
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALKEYSetKeyTapVol(DWORD level) {
-  return pal::SetTapVolume(kKeyTapVolume, level);
+  return pal::SetTapVolume(pal::kKeyTapVolume, level);
 }
 
 HRESULT PALAPI PALKEYGetKeyTapVol(DWORD* level) {
-  return pal::GetTapVolume(kKeyTapVolume, level);
+  return pal::GetTapVolume(pal::kKeyTapVolume, level);
 }

@@ -4,17 +4,20 @@
 
 #include "include/palkey.h"
 #include "keypad/keypad_trace.h"
-#include "sysinfo/nonvolatile_parameters.h"
+#include "sysinfo/identity/nonvolatile_parameters.h"
 
+namespace pal {
 namespace {
 constexpr std::array<BYTE, 4> kKeyboardType{0x35};
 }
+
+}  // namespace pal
 
 HRESULT PALAPI PALKEYGetType(DWORD* type) {
   if (type == nullptr) return E_FAIL;
   std::array<BYTE, sizeof(DWORD)> answer{};
   DWORD bytes = 0;
-  if (PalReadNvParm(kKeyboardType, answer, bytes) && bytes != 0) {
+  if (pal::PalReadNvParm(pal::kKeyboardType, answer, bytes) && bytes != 0) {
     *type = std::bit_cast<DWORD>(answer);
     return S_OK;
   }

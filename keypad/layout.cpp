@@ -5,36 +5,32 @@
 #include "keypad/keypad_trace.h"
 #include "keypad/shift_plane.h"
 
-using pal::kKeypadTrace;
-
+namespace pal {
 namespace {
 
 constexpr DWORD kSupportBytes = 1024;
 
 // The text of a registry value goes behind the first `at` units of a path.
-std::span<WCHAR> LayoutText(pal::LayoutPath& path, size_t at) {
-  return std::span(path).subspan(at, pal::kMaxLayoutUnits + 1);
+std::span<WCHAR> LayoutText(LayoutPath& path, size_t at) {
+  return std::span(path).subspan(at, kMaxLayoutUnits + 1);
 }
 
 // The name of an event or of its value, for a line that takes 8-bit text. Empty where it has 32
 // characters and more, which none has.
 std::array<char, 32> NarrowName(const WCHAR* name) {
   std::array<char, 32> narrow{};
-  static_cast<void>(pal::Narrow(narrow, name));
+  static_cast<void>(Narrow(narrow, name));
   return narrow;
 }
 
-bool ReadActiveLayout(pal::LayoutPath& layout) {
-  pal::UniqueRegistryKey key;
-  return pal::OpenKeypadKey(pal::kKeyboardPath, key) == ERROR_SUCCESS &&
-         pal::ReadKeypadText(key.get(), pal::kActiveLayoutValue, LayoutText(layout, 0)) ==
-             ERROR_SUCCESS &&
+bool ReadActiveLayout(LayoutPath& layout) {
+  UniqueRegistryKey key;
+  return OpenKeypadKey(kKeyboardPath, key) == ERROR_SUCCESS &&
+         ReadKeypadText(key.get(), kActiveLayoutValue, LayoutText(layout, 0)) == ERROR_SUCCESS &&
          layout.front() != WCHAR{};
 }
 
 }  // namespace
-
-namespace pal {
 
 LayoutPath BelowLayout(const LayoutPath& layout, WideText subkey) {
   const WideText base(layout.data(), Length<WCHAR>(layout));
@@ -62,24 +58,22 @@ LONG WriteEventName(HKEY key, const WCHAR* value_name, const WCHAR* event_name) 
                         static_cast<DWORD>(text.size() * sizeof(WCHAR)));
 }
 
-}  // namespace pal
-
-HRESULT ResolveButtonKeyPath(pal::LayoutPath& path, const pal::ButtonRecord& button) {
+HRESULT ResolveButtonKeyPath(LayoutPath& path, const ButtonRecord& button) {
   path = {};
-  const pal::WideText key_path(button.key_path);
-  static_cast<void>(pal::Copy(path, key_path));
+  const WideText key_path(button.key_path);
+  static_cast<void>(Copy(path, key_path));
   if (button.value_name == nullptr) return S_OK;
   size_t at = 0;
-  if ((button.flags & pal::ButtonRecord::kLayoutBelowKey) != 0) {
-    static_cast<void>(pal::Append(path, TEXT("\\")));
+  if ((button.flags & ButtonRecord::kLayoutBelowKey) != 0) {
+    static_cast<void>(Append(path, TEXT("\\")));
     at = key_path.size() + 1;
   }
-  pal::UniqueRegistryKey key;
-  if (pal::OpenKeypadKey(button.key_path, key) != ERROR_SUCCESS) {
+  UniqueRegistryKey key;
+  if (OpenKeypadKey(button.key_path, key) != ERROR_SUCCESS) {
     kKeypadTrace.Info("Failed to open %ls\r\n", button.key_path);
     return E_FAIL;
   }
-  if (pal::ReadKeypadText(key.get(), button.value_name, LayoutText(path, at)) != ERROR_SUCCESS) {
+  if (ReadKeypadText(key.get(), button.value_name, LayoutText(path, at)) != ERROR_SUCCESS) {
     kKeypadTrace.Info("Failed to read indirect base from %ls : %ls\r\n", button.key_path,
                       button.value_name);
     return E_FAIL;
@@ -92,9 +86,9 @@ HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name,
   constexpr const char* kName = "CreateEventForEventKey";
   kKeypadTrace.Info("%s Enter EventName=%ls EventValue=%ls\r\n", kName, event_name, value_name);
   kKeypadTrace.Info("%s Reg Path=%ls\r\n", kName, path);
-  pal::UniqueRegistryKey key;
-  LONG error = pal::OpenKeypadKey(path, key);
-  if (error == ERROR_SUCCESS) error = pal::WriteEventName(key.get(), value_name, event_name);
+  UniqueRegistryKey key;
+  LONG error = OpenKeypadKey(path, key);
+  if (error == ERROR_SUCCESS) error = WriteEventName(key.get(), value_name, event_name);
   const HRESULT result = error == ERROR_SUCCESS ? S_OK : E_FAIL;
   kKeypadTrace.Info("%s(%s,%s) Complete hr=%x\r\n", kName, NarrowName(event_name).data(),
                     NarrowName(value_name).data(), result);
@@ -102,23 +96,23 @@ HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name,
 }
 
 bool ButtonIsSupported(LONG button) {
-  const pal::ButtonRecord* const record = pal::FindButton(button);
+  const ButtonRecord* const record = FindButton(button);
   if (record == nullptr) {
     kKeypadTrace.Info("ButtonIsSupported(%d) invalid\r\n", button);
     return false;
   }
-  pal::LayoutPath layout;
+  LayoutPath layout;
   if (!ReadActiveLayout(layout)) return false;
-  const WCHAR* const plane_name = pal::kShiftPlanes.front();
+  const WCHAR* const plane_name = kShiftPlanes.front();
   kKeypadTrace.Info("ButtonIsSupported(%d) - Read \\%ls: %ls\r\n", button, plane_name,
                     layout.data());
   BYTE plane[kSupportBytes];
-  const pal::PlaneReading reading = pal::ReadShiftPlane(layout.data(), plane_name, plane);
-  if (pal::Failed(reading.opened)) return false;
-  const bool found = pal::AnyKeyRecord(
-      std::span(plane).first(reading.bytes), [record](DWORD, std::span<BYTE> key_record) {
-        return pal::IsRecordOf(key_record, pal::kMapsScanCode, record->scan_code);
-      });
+  const PlaneReading reading = ReadShiftPlane(layout.data(), plane_name, plane);
+  if (Failed(reading.opened)) return false;
+  const bool found = AnyKeyRecord(std::span(plane).first(reading.bytes),
+                                  [record](DWORD, std::span<BYTE> key_record) {
+                                    return IsRecordOf(key_record, kMapsScanCode, record->scan_code);
+                                  });
   if (found) {
     kKeypadTrace.Info("ButtonIsSupported(%d) key:0x%x found\r\n", button, record->scan_code);
   } else {
@@ -126,3 +120,5 @@ bool ButtonIsSupported(LONG button) {
   }
   return found;
 }
+
+}  // namespace pal

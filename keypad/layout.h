@@ -30,14 +30,12 @@ inline constexpr WideText kStateEvents = TEXT("\\EVENTS\\STATE");
 // Returns the error of the read; `text` is then as it was.
 [[nodiscard]] LONG ReadKeypadText(HKEY key, const WCHAR* name, std::span<WCHAR> text);
 
-}  // namespace pal
-
 // Finds the path of a button's layout. It is the path as far as it is known also on failure.
 //
 // S_OK    done
 // E_FAIL  the key that names the layout cannot be opened, or its value cannot be read or has more
 //         than 260 units. Traced.
-[[nodiscard]] HRESULT ResolveButtonKeyPath(pal::LayoutPath& path, const pal::ButtonRecord& button);
+[[nodiscard]] HRESULT ResolveButtonKeyPath(LayoutPath& path, const ButtonRecord& button);
 
 // Writes the name of an event, without its terminator: so the driver's other texts are. The key has
 // to exist.
@@ -49,8 +47,6 @@ HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name, const
 // Whether plane 0 of the active layout has a record of the button; the handle's own layout is not
 // asked. A plane of more than 1024 bytes has none.
 [[nodiscard]] bool ButtonIsSupported(LONG button);
-
-namespace pal {
 
 // What CreateEventForEventKey writes, into a key that is open.
 [[nodiscard]] LONG WriteEventName(HKEY key, const WCHAR* value_name, const WCHAR* event_name);

@@ -12,10 +12,8 @@ namespace pal {
 // Actions as an index into a button's events: one less than callers count.
 inline constexpr size_t kWindowsDefault = PAL_KEY_ACTION_WINDOWS_DEFAULT - 1;
 
-}  // namespace pal
-
 // What a button does for which no event has been named. Nothing for one that is no ordinary key.
-[[nodiscard]] std::optional<size_t> GetActionForDefaultWindowsKeys(const pal::ButtonRecord& button);
+[[nodiscard]] std::optional<size_t> GetActionForDefaultWindowsKeys(const ButtonRecord& button);
 
 // Where an ordinary key ceases to be one, saves its record of each plane and has the key signal its
 // event instead. Does nothing for another button, or where `current_action` (as callers count) is
@@ -24,20 +22,16 @@ inline constexpr size_t kWindowsDefault = PAL_KEY_ACTION_WINDOWS_DEFAULT - 1;
 // The result of the last plane; earlier ones' failures show in the trace alone. A plane without a
 // record of the button is skipped, and one whose record cannot be saved keeps it; among the saved
 // planes one of kMaxPlaneBytes and more takes no record, which is E_FAIL.
-[[nodiscard]] HRESULT SetupKeyForScanKeys(const pal::LayoutPath& layout,
-                                          const pal::ButtonRecord& button, DWORD current_action,
-                                          bool is_state);
+[[nodiscard]] HRESULT SetupKeyForScanKeys(const LayoutPath& layout, const ButtonRecord& button,
+                                          DWORD current_action, bool is_state);
 
 // Where a key becomes ordinary again, restores its record of each plane. Does nothing for another
 // button, or where `action` is not the ordinary one, or for the state's event.
 //
 // The result of the last plane; earlier ones' failures show in the trace alone. A plane for which
 // no record was saved, or can be read, is skipped with S_OK.
-[[nodiscard]] HRESULT SetupKeyForWinDefkeys(const pal::LayoutPath& layout,
-                                            const pal::ButtonRecord& button, size_t action,
-                                            bool is_state);
-
-namespace pal {
+[[nodiscard]] HRESULT SetupKeyForWinDefkeys(const LayoutPath& layout, const ButtonRecord& button,
+                                            size_t action, bool is_state);
 
 // Reads a button's record of plane `plane` (0 to 2), with the result of GetKeyValues. Where there
 // is none, or where it cannot be read, an error line says so for `function`, and `record` is

@@ -10,23 +10,21 @@
 #include "keypad/layout.h"
 #include "keypad/ordinary_key.h"
 #include "keypad/shift_plane.h"
-#include "sysinfo/identity_sources.h"
+#include "sysinfo/identity/identity_sources.h"
 
-using pal::kKeypadTrace;
-
+namespace pal {
 namespace {
 
 constexpr const char* kName = "FixScanKeyEvents";
 constexpr const WCHAR* kDoneFlag = TEXT("FixActive");
 
-constexpr const pal::ButtonRecord& kScanButton = pal::kLeftBottomButton;
+constexpr const ButtonRecord& kScanButton = kLeftBottomButton;
 constexpr size_t kScan = PAL_KEY_ACTION_SCAN - 1;
 constexpr size_t kCameraScan = PAL_KEY_ACTION_CAMERA_SCAN - 1;
 
 bool IsDone() {
   DWORD done = 0;
-  return pal::Succeeded(
-             PALRegGetDword(HKEY_LOCAL_MACHINE, pal::kKeypadSettingsPath, kDoneFlag, &done)) &&
+  return Succeeded(PALRegGetDword(HKEY_LOCAL_MACHINE, kKeypadSettingsPath, kDoneFlag, &done)) &&
          done != 0;
 }
 
@@ -34,54 +32,53 @@ bool ScansWithCamera() {
   constexpr DWORD kModelBytes = 128;
   char model[kModelBytes] = {};
   DWORD length = kModelBytes;
-  return pal::Succeeded(PalGetModel(model, &length)) && std::string_view(model) == "RM23";
+  return Succeeded(PalGetModel(model, &length)) && std::string_view(model) == "RM23";
 }
 
-void WriteOrdinaryEvents(const WCHAR* path, const WCHAR* pal::ActionEvents::*kind) {
-  for (const pal::ButtonRecord* const button : pal::kButtonRecords) {
+void WriteOrdinaryEvents(const WCHAR* path, const WCHAR* ActionEvents::*kind) {
+  for (const ButtonRecord* const button : kButtonRecords) {
     if (button == nullptr || !button->is_ordinary_key) continue;
     static_cast<void>(CreateEventForEventKey(path, button->event_value_name,
-                                             button->action_events[pal::kWindowsDefault].*kind));
+                                             button->action_events[kWindowsDefault].*kind));
   }
 }
 
 // A key of events that is missing stays so.
-void WriteEvents(const pal::LayoutPath& layout) {
-  const pal::LayoutPath delta = pal::BelowLayout(layout, pal::kDeltaEvents);
-  const pal::LayoutPath state = pal::BelowLayout(layout, pal::kStateEvents);
-  WriteOrdinaryEvents(delta.data(), &pal::ActionEvents::delta);
-  WriteOrdinaryEvents(state.data(), &pal::ActionEvents::state);
-  const pal::ActionEvents& scan =
-      kScanButton.action_events[ScansWithCamera() ? kCameraScan : kScan];
+void WriteEvents(const LayoutPath& layout) {
+  const LayoutPath delta = BelowLayout(layout, kDeltaEvents);
+  const LayoutPath state = BelowLayout(layout, kStateEvents);
+  WriteOrdinaryEvents(delta.data(), &ActionEvents::delta);
+  WriteOrdinaryEvents(state.data(), &ActionEvents::state);
+  const ActionEvents& scan = kScanButton.action_events[ScansWithCamera() ? kCameraScan : kScan];
   static_cast<void>(CreateEventForEventKey(delta.data(), kScanButton.event_value_name, scan.delta));
   static_cast<void>(CreateEventForEventKey(state.data(), kScanButton.event_value_name, scan.state));
 }
 
 // Without saving the original: the button is no ordinary key.
 HRESULT SignalEvent(const WCHAR* layout, size_t plane) {
-  std::optional<pal::KeyRecord> record;
-  const HRESULT result = pal::ReadKeyRecord(kName, layout, plane, kScanButton, record);
+  std::optional<KeyRecord> record;
+  const HRESULT result = ReadKeyRecord(kName, layout, plane, kScanButton, record);
   if (!record) return result;
   ModifyKeyDataForEventTrigger(kScanButton.event_value_name, *record);
-  return SetKeyValues(layout, pal::kShiftPlanes[plane], kScanButton, *record);
+  return SetKeyValues(layout, kShiftPlanes[plane], kScanButton, *record);
 }
 
 HRESULT Repair() {
-  constexpr pal::DriverReloadLines kLines{
+  constexpr DriverReloadLines kLines{
       "FixScanKeyEvents - Flushing keypad driver registry subkey",
       "FixScanKeyEvents - Could not open %ls. winerr:0x%x",
       "FixScanKeyEvents - RegFlushKey %ls failure. winerr:0x%x",
   };
   kKeypadTrace.Info("%s: Modifying registry for side buttons\r\n", kName);
-  pal::LayoutPath layout;
-  HRESULT result = ResolveButtonKeyPath(layout, pal::kLeftTopButton);
-  if (pal::Failed(result)) return result;
+  LayoutPath layout;
+  HRESULT result = ResolveButtonKeyPath(layout, kLeftTopButton);
+  if (Failed(result)) return result;
   WriteEvents(layout);
-  for (size_t plane = 0; plane < pal::kShiftPlanes.size(); ++plane) {
+  for (size_t plane = 0; plane < kShiftPlanes.size(); ++plane) {
     result = SignalEvent(layout.data(), plane);
   }
-  if (pal::Failed(result)) return result;  // of the last plane
-  return pal::ReloadKeypadDriver(kScanButton.change_event_name, kLines);
+  if (Failed(result)) return result;  // of the last plane
+  return ReloadKeypadDriver(kScanButton.change_event_name, kLines);
 }
 
 }  // namespace
@@ -92,9 +89,10 @@ bool FixScanKeyEvents() {
   if (!IsDone()) {
     result = Repair();
     // Attempted once and never again, whatever came of it.
-    static_cast<void>(
-        PALRegCreateSetDword(HKEY_LOCAL_MACHINE, pal::kKeypadSettingsPath, kDoneFlag, 1));
+    static_cast<void>(PALRegCreateSetDword(HKEY_LOCAL_MACHINE, kKeypadSettingsPath, kDoneFlag, 1));
   }
   kKeypadTrace.Info("%s Complete hr=0x%x\r\n", kName, result);
-  return pal::Succeeded(result);
+  return Succeeded(result);
 }
+
+}  // namespace pal

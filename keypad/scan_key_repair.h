@@ -2,6 +2,8 @@
 #ifndef KEYPAD_SCAN_KEY_REPAIR_H_
 #define KEYPAD_SCAN_KEY_REPAIR_H_
 
+namespace pal {
+
 // Gives buttons 5, 6 and 7 their ordinary meaning and lets button 2 scan (with the camera on the
 // model "RM23"), in events and planes, and tells the driver. Afterwards, whatever came of it, the
 // DWORD "FixActive" under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" is 1, and no call does
@@ -12,5 +14,7 @@
 // opened. An event or a record that is not there or cannot be read, a plane that is full and a
 // write that fails go unreported.
 bool FixScanKeyEvents();
+
+}  // namespace pal
 
 #endif  // KEYPAD_SCAN_KEY_REPAIR_H_

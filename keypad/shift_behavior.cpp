@@ -7,15 +7,14 @@
 #include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 
-using pal::kKeypadTrace;
-
+namespace pal {
 namespace {
 
 constexpr size_t kMaxNameUnits = 260;
 // More values than any key has: a registry that is broken must not keep a caller for ever.
 constexpr DWORD kMostValues = 0x10000;
 constexpr BYTE kBehaviorBits = 7;
-constexpr pal::WideText kShiftKeyPrefix = TEXT("ShiftKey");
+constexpr WideText kShiftKeyPrefix = TEXT("ShiftKey");
 
 // The bit of each behaviour.
 constexpr std::array<BYTE, 3> kBitOf = {1, 2, 4};
@@ -26,29 +25,29 @@ struct ShiftKey {
 };
 
 struct OpeningLines {
-  pal::TraceSource::Format<const WCHAR*, DWORD> open_failed;
-  pal::TraceSource::Format<const WCHAR*, const WCHAR*, DWORD> query_failed;
+  TraceSource::Format<const WCHAR*, DWORD> open_failed;
+  TraceSource::Format<const WCHAR*, const WCHAR*, DWORD> query_failed;
 };
 
 // Opens the shift keys of the active layout. `path` is their key.
-LONG OpenShiftKeys(const OpeningLines& lines, pal::LayoutPath& path, pal::UniqueRegistryKey& key) {
-  pal::UniqueRegistryKey keyboard;
-  LONG error = pal::OpenKeypadKey(pal::kKeyboardPath, keyboard);
+LONG OpenShiftKeys(const OpeningLines& lines, LayoutPath& path, UniqueRegistryKey& key) {
+  UniqueRegistryKey keyboard;
+  LONG error = OpenKeypadKey(kKeyboardPath, keyboard);
   if (error != ERROR_SUCCESS) {
-    kKeypadTrace.Error(lines.open_failed, pal::kKeyboardPath, static_cast<DWORD>(error));
+    kKeypadTrace.Error(lines.open_failed, kKeyboardPath, static_cast<DWORD>(error));
     return error;
   }
-  pal::LayoutPath layout;
-  error = pal::ReadKeypadText(keyboard.get(), pal::kActiveLayoutValue,
-                              std::span(layout).first(pal::kMaxLayoutUnits + 1));
+  LayoutPath layout;
+  error = ReadKeypadText(keyboard.get(), kActiveLayoutValue,
+                         std::span(layout).first(kMaxLayoutUnits + 1));
   if (error != ERROR_SUCCESS) {
-    kKeypadTrace.Error(lines.query_failed, pal::kKeyboardPath, pal::kActiveLayoutValue,
+    kKeypadTrace.Error(lines.query_failed, kKeyboardPath, kActiveLayoutValue,
                        static_cast<DWORD>(error));
     return error;
   }
-  path = pal::BelowLayout(layout, TEXT("\\ShiftKeys"));
+  path = BelowLayout(layout, TEXT("\\ShiftKeys"));
   const WCHAR* const shift_keys = path.data();
-  error = pal::OpenKeypadKey(shift_keys, key);
+  error = OpenKeypadKey(shift_keys, key);
   if (error != ERROR_SUCCESS) {
     kKeypadTrace.Error(lines.open_failed, shift_keys, static_cast<DWORD>(error));
   }
@@ -107,71 +106,75 @@ DWORD BehaviorOf(std::optional<BYTE> bits) {
 static_assert(kBitOf.size() == PAL_SHIFT_BEHAVIOR_MIXED);
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior) {
-  constexpr OpeningLines kLines{
+  constexpr pal::OpeningLines kLines{
       "PALKEYGetShiftBehavior - Error opening HKLM\\%ls. dwRet = 0x%x\r\n",
       "PALKEYGetShiftBehavior - Error querying HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
   };
   if (behavior == nullptr) return E_FAIL;
   pal::LayoutPath path;
   pal::UniqueRegistryKey key;
-  const LONG error = OpenShiftKeys(kLines, path, key);
+  const LONG error = pal::OpenShiftKeys(kLines, path, key);
   if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
 
   *behavior = 0xFFFFFFFF;
   std::optional<BYTE> bits;
-  ShiftKeyList shift_keys(key.get());
-  ShiftKey shift_key;
+  pal::ShiftKeyList shift_keys(key.get());
+  pal::ShiftKey shift_key;
   while (shift_keys.Next(shift_key)) {
-    const BYTE own_bits = shift_key.data.front() & kBehaviorBits;
+    const BYTE own_bits = shift_key.data.front() & pal::kBehaviorBits;
     if (bits && own_bits != *bits) {
-      kKeypadTrace.Info("PALKEYGetShiftBehavior - Not all shift keys have the same behavior\r\n");
+      pal::kKeypadTrace.Info(
+          "PALKEYGetShiftBehavior - Not all shift keys have the same behavior\r\n");
       *behavior = PAL_SHIFT_BEHAVIOR_MIXED;
       return S_OK;
     }
     bits = own_bits;
   }
   if (shift_keys.error() != ERROR_SUCCESS) {
-    kKeypadTrace.Error(
+    pal::kKeypadTrace.Error(
         "PALKEYGetShiftBehavior - Error enumerating values HKLM\\%ls. dwRet = 0x%x\r\n",
         path.data(), static_cast<DWORD>(shift_keys.error()));
     return pal::HResultFromWin32(shift_keys.error());
   }
-  *behavior = BehaviorOf(bits);
+  *behavior = pal::BehaviorOf(bits);
   return S_OK;
 }
 
 HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior) {
-  constexpr OpeningLines kLines{
+  constexpr pal::OpeningLines kLines{
       "PALKEYSetShiftBehavior - Error opening HKLM\\%ls. dwRet = 0x%x\r\n",
       "PALKEYSetShiftBehavior - Error querying HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
   };
-  if (behavior >= kBitOf.size()) {
-    kKeypadTrace.Error("PALKEYSetShiftBehavior - Invalid argument %d\r\n", behavior);
+  if (behavior >= pal::kBitOf.size()) {
+    pal::kKeypadTrace.Error("PALKEYSetShiftBehavior - Invalid argument %d\r\n", behavior);
     return E_INVALIDARG;
   }
   pal::LayoutPath path;
   pal::UniqueRegistryKey key;
-  LONG error = OpenShiftKeys(kLines, path, key);
+  LONG error = pal::OpenShiftKeys(kLines, path, key);
   if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
 
-  ShiftKeyList shift_keys(key.get());
-  ShiftKey shift_key;
+  pal::ShiftKeyList shift_keys(key.get());
+  pal::ShiftKey shift_key;
   while (shift_keys.Next(shift_key)) {
     BYTE& first = shift_key.data.front();
-    first = static_cast<BYTE>((first & ~kBehaviorBits) | kBitOf[behavior]);
+    first = static_cast<BYTE>((first & ~pal::kBehaviorBits) | pal::kBitOf[behavior]);
     error = RegSetValueExW(key.get(), shift_key.name.data(), 0, REG_BINARY, shift_key.data.data(),
                            static_cast<DWORD>(shift_key.data.size()));
     if (error != ERROR_SUCCESS) {
-      kKeypadTrace.Error("PALKEYSetShiftBehavior - Error saving HKLM\\%ls\\%ls. dwRet = 0x%x\r\n",
-                         path.data(), shift_key.name.data(), static_cast<DWORD>(error));
+      pal::kKeypadTrace.Error(
+          "PALKEYSetShiftBehavior - Error saving HKLM\\%ls\\%ls. dwRet = 0x%x\r\n", path.data(),
+          shift_key.name.data(), static_cast<DWORD>(error));
       return pal::HResultFromWin32(error);
     }
   }
   if (shift_keys.error() != ERROR_SUCCESS) {
-    kKeypadTrace.Error("PALKEYSetShiftBehavior - Error enumerating HKLM\\%ls. dwRet = 0x%x\r\n",
-                       path.data(), static_cast<DWORD>(shift_keys.error()));
+    pal::kKeypadTrace.Error(
+        "PALKEYSetShiftBehavior - Error enumerating HKLM\\%ls. dwRet = 0x%x\r\n", path.data(),
+        static_cast<DWORD>(shift_keys.error()));
   }
   return S_OK;  // also where the list ended with an error: kept so
 }

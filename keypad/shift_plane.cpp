@@ -7,12 +7,10 @@
 #include "frame/text.h"
 #include "keypad/keypad_trace.h"
 
-using pal::kKeypadTrace;
-using pal::kKeyRecordBytes;
-
+namespace pal {
 namespace {
 
-using RecordFormat = pal::TraceSource::Format<DWORD, BYTE, BYTE, BYTE, BYTE, BYTE, BYTE>;
+using RecordFormat = TraceSource::Format<DWORD, BYTE, BYTE, BYTE, BYTE, BYTE, BYTE>;
 
 constexpr RecordFormat kFound("Key(%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x found\r\n");
 constexpr RecordFormat kCopied("Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x copied\r\n");
@@ -24,10 +22,10 @@ void TraceRecord(RecordFormat format, DWORD offset, std::span<const BYTE> record
 }
 
 // Overwrites every record of the same kind and scan code. False where there is none.
-bool Replace(std::span<BYTE> plane, const pal::KeyRecord& record) {
+bool Replace(std::span<BYTE> plane, const KeyRecord& record) {
   bool replaced = false;
-  pal::ForEachKeyRecord(plane, [&](DWORD offset, std::span<BYTE> found) {
-    if (!pal::IsRecordOf(found, record[pal::kKeyKind], record[pal::kKeyScanCode])) return;
+  ForEachKeyRecord(plane, [&](DWORD offset, std::span<BYTE> found) {
+    if (!IsRecordOf(found, record[kKeyKind], record[kKeyScanCode])) return;
     TraceRecord(kFound, offset, found);
     std::copy(record.begin(), record.end(), found.begin());
     TraceRecord(kCopied, offset, found);
@@ -37,8 +35,8 @@ bool Replace(std::span<BYTE> plane, const pal::KeyRecord& record) {
 }
 
 // Behind the last whole record: what follows that is no record, and nobody would find one there.
-void Append(std::span<BYTE> plane, DWORD& bytes, const pal::KeyRecord& record) {
-  if (bytes + kKeyRecordBytes >= pal::kMaxPlaneBytes) {
+void Append(std::span<BYTE> plane, DWORD& bytes, const KeyRecord& record) {
+  if (bytes + kKeyRecordBytes >= kMaxPlaneBytes) {
     kKeypadTrace.Error("2 Source Buffer too short dwLen = %d dwBufLen=%d\r\n", bytes,
                        kKeyRecordBytes);
     return;
@@ -49,13 +47,13 @@ void Append(std::span<BYTE> plane, DWORD& bytes, const pal::KeyRecord& record) {
   TraceRecord(kAdded, offset, record);
 }
 
-HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRecord& record,
+HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const KeyRecord& record,
                   HRESULT full_result) {
-  BYTE plane[pal::kMaxPlaneBytes];
-  const pal::PlaneReading reading = pal::ReadShiftPlane(layout, plane_name, plane);
-  if (pal::Failed(reading.read)) return reading.read;
+  BYTE plane[kMaxPlaneBytes];
+  const PlaneReading reading = ReadShiftPlane(layout, plane_name, plane);
+  if (Failed(reading.read)) return reading.read;
   DWORD bytes = reading.bytes;
-  const bool is_full = bytes == pal::kMaxPlaneBytes;
+  const bool is_full = bytes == kMaxPlaneBytes;
   if (is_full || !Replace(std::span(plane).first(bytes), record)) Append(plane, bytes, record);
   if (is_full) return full_result;
   return PALRegSetBinary(HKEY_LOCAL_MACHINE, layout, plane_name, plane, bytes);
@@ -63,12 +61,10 @@ HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const pal::KeyRe
 
 // "Event5" gives 5.
 BYTE EventNumber(const WCHAR* event_value_name) {
-  return static_cast<BYTE>(pal::WideText(event_value_name).back() - TEXT('0'));
+  return static_cast<BYTE>(WideText(event_value_name).back() - TEXT('0'));
 }
 
 }  // namespace
-
-namespace pal {
 
 PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::span<BYTE> plane) {
   std::fill(plane.begin(), plane.end(), BYTE{0});
@@ -86,46 +82,44 @@ PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::s
   return {0, opened, error == ERROR_FILE_NOT_FOUND ? S_OK : HResultFromWin32(error)};
 }
 
-}  // namespace pal
-
-HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::ButtonRecord& button,
-                     pal::KeyRecord& record) {
+HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const ButtonRecord& button,
+                     KeyRecord& record) {
   kKeypadTrace.Info("GetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
-  BYTE plane[pal::kMaxPlaneBytes];
-  const pal::PlaneReading reading = pal::ReadShiftPlane(layout, plane_name, plane);
-  pal::ForEachKeyRecord(std::span(plane).first(reading.bytes),
-                        [&](DWORD offset, std::span<BYTE> found) {
-                          if (!pal::IsRecordOf(found, pal::kMapsScanCode, button.scan_code)) return;
-                          TraceRecord(kFound, offset, found);
-                          std::copy(found.begin(), found.end(), record.begin());
-                          TraceRecord(kCopied, offset, found);
-                        });
+  BYTE plane[kMaxPlaneBytes];
+  const PlaneReading reading = ReadShiftPlane(layout, plane_name, plane);
+  ForEachKeyRecord(std::span(plane).first(reading.bytes), [&](DWORD offset, std::span<BYTE> found) {
+    if (!IsRecordOf(found, kMapsScanCode, button.scan_code)) return;
+    TraceRecord(kFound, offset, found);
+    std::copy(found.begin(), found.end(), record.begin());
+    TraceRecord(kCopied, offset, found);
+  });
   kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "GetKeyValues", reading.opened);
   return reading.opened;
 }
 
-HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const pal::ButtonRecord& button,
-                     const pal::KeyRecord& record, HRESULT full_result) {
+HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const ButtonRecord& button,
+                     const KeyRecord& record, HRESULT full_result) {
   kKeypadTrace.Info("SetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
   const HRESULT result = SetRecord(layout, plane_name, record, full_result);
   kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "SetKeyValues", result);
   return result;
 }
 
-void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record) {
+void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, KeyRecord& record) {
   const BYTE event = EventNumber(event_value_name);
   kKeypadTrace.Info("%s: Enter Event: %ls index: %u\r\n", "ModifyKeyDataForEventTrigger",
                     event_value_name, event);
-  record[pal::kKeyOutputClass] = pal::kSignalsEvent;
-  record[pal::kKeyOutputClass + 1] = pal::kSignalsEvent;
-  record[pal::kKeyEvent] = event;
+  record[kKeyOutputClass] = kSignalsEvent;
+  record[kKeyOutputClass + 1] = kSignalsEvent;
+  record[kKeyEvent] = event;
   kKeypadTrace.Info("%s: Complete Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x modified\r\n",
-                    "ModifyKeyDataForEventTrigger", record[pal::kKeyScanCode], record[0], record[1],
+                    "ModifyKeyDataForEventTrigger", record[kKeyScanCode], record[0], record[1],
                     record[2], record[3], record[4], record[5]);
 }
 
-bool SignalsEvent(const WCHAR* event_value_name, const pal::KeyRecord& record) {
-  return record[pal::kKeyOutputClass] == pal::kSignalsEvent &&
-         record[pal::kKeyOutputClass + 1] == pal::kSignalsEvent &&
-         record[pal::kKeyEvent] == EventNumber(event_value_name);
+bool SignalsEvent(const WCHAR* event_value_name, const KeyRecord& record) {
+  return record[kKeyOutputClass] == kSignalsEvent && record[kKeyOutputClass + 1] == kSignalsEvent &&
+         record[kKeyEvent] == EventNumber(event_value_name);
 }
+
+}  // namespace pal

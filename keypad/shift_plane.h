@@ -65,15 +65,13 @@ struct PlaneReading {
 [[nodiscard]] PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name,
                                           std::span<BYTE> plane);
 
-}  // namespace pal
-
 // Finds a button's record in a plane; of several the last. Without one `record` stays as it was,
 // also where the plane is missing or cannot be read.
 //
 // S_OK        the layout's key was opened
 // 0x8007xxxx  the error of opening it
 [[nodiscard]] HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
-                                   const pal::ButtonRecord& button, pal::KeyRecord& record);
+                                   const ButtonRecord& button, KeyRecord& record);
 
 // Puts a button's record in place of every one with the same kind and scan code, or behind the last
 // one. A plane that has no room for it is written back as it was, and one of kMaxPlaneBytes and
@@ -84,13 +82,15 @@ struct PlaneReading {
 // 0x8007xxxx   the plane exists and cannot be read, and nothing was written; or the error of
 //              opening the key
 [[nodiscard]] HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
-                                   const pal::ButtonRecord& button, const pal::KeyRecord& record,
+                                   const ButtonRecord& button, const KeyRecord& record,
                                    HRESULT full_result = S_OK);
 
 // Makes a record signal the event of a button ("Event5" gives event 5).
-void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, pal::KeyRecord& record);
+void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, KeyRecord& record);
 
 // Whether it does already.
-[[nodiscard]] bool SignalsEvent(const WCHAR* event_value_name, const pal::KeyRecord& record);
+[[nodiscard]] bool SignalsEvent(const WCHAR* event_value_name, const KeyRecord& record);
+
+}  // namespace pal
 
 #endif  // KEYPAD_SHIFT_PLANE_H_

@@ -4,8 +4,7 @@
 #include "include/palpwr.h"
 #include "power/power_trace.h"
 
-using pal::kPowerTrace;
-
+namespace pal {
 namespace {
 
 constexpr DWORD kGetBootOption = 100000;
@@ -13,55 +12,56 @@ constexpr DWORD kSetBootOption = 100001;
 // No HRESULT of any family, but what callers know.
 constexpr HRESULT kControlFailed = 19;
 
-using OpenFailedFormat = pal::TraceSource::Format<const char*, DWORD>;
+using OpenFailedFormat = TraceSource::Format<const char*, DWORD>;
 
-HRESULT OpenConfigurationDriver(pal::UniqueFile& driver, OpenFailedFormat open_failed) {
+HRESULT OpenConfigurationDriver(UniqueFile& driver, OpenFailedFormat open_failed) {
   driver.Reset(CreateFileW(TEXT("CFG1:"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                            0, nullptr));
   if (driver) return S_OK;
   const DWORD error = GetLastError();
   kPowerTrace.Error<const char*, DWORD>(open_failed, "CFG1:", error);
-  return pal::HResultFromWin32(error);
+  return HResultFromWin32(error);
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALPWRSetBootOption(DWORD option) {
   pal::UniqueFile driver;
-  const HRESULT opened = OpenConfigurationDriver(
+  const HRESULT opened = pal::OpenConfigurationDriver(
       driver, "PALPWRSetBootOption - ERROR Failed to open device: %s, win32err: 0x%x\r\n");
   if (!driver) return opened;
   // The driver takes the option for the size of a buffer that there is none of.
   DWORD returned = 0;
-  if (DeviceIoControl(driver.get(), kSetBootOption, nullptr, option, nullptr, 0, &returned,
+  if (DeviceIoControl(driver.get(), pal::kSetBootOption, nullptr, option, nullptr, 0, &returned,
                       nullptr) != FALSE) {
     return S_OK;
   }
-  kPowerTrace.Error(
+  pal::kPowerTrace.Error(
       "PALPWRSetBootOption - ERROR DeviceIoControl(handle: 0x%x, code:%d).  Aborting request. "
       "win32err: 0x%x\r\n",
-      driver.get(), kSetBootOption, GetLastError());
-  return kControlFailed;
+      driver.get(), pal::kSetBootOption, GetLastError());
+  return pal::kControlFailed;
 }
 
 HRESULT PALAPI PALPWRGetBootOption(DWORD* option) {
   if (option == nullptr) return E_FAIL;
   pal::UniqueFile driver;
-  const HRESULT opened = OpenConfigurationDriver(
+  const HRESULT opened = pal::OpenConfigurationDriver(
       driver, "PALPWRGetBootOption - ERROR Failed to open device: %s, win32err: 0x%x\r\n");
   if (!driver) return opened;
   BYTE stored = 0;
   DWORD returned = 0;
-  if (DeviceIoControl(driver.get(), kGetBootOption, nullptr, 0, &stored, sizeof(stored), &returned,
-                      nullptr) == FALSE) {
-    kPowerTrace.Error(
+  if (DeviceIoControl(driver.get(), pal::kGetBootOption, nullptr, 0, &stored, sizeof(stored),
+                      &returned, nullptr) == FALSE) {
+    pal::kPowerTrace.Error(
         "PALPWRGetBootOption - ERROR DeviceIoControl(handle:0x%x,code:%d) failed. "
         "win32err: 0x%x\r\n",
-        driver.get(), kGetBootOption, GetLastError());
-    return kControlFailed;
+        driver.get(), pal::kGetBootOption, GetLastError());
+    return pal::kControlFailed;
   }
-  kPowerTrace.Info("PALPWRGetBootOption - bootoption: 0x%x, proc_id: 0x%x\r\n", stored,
-                   GetCurrentProcessId());
+  pal::kPowerTrace.Info("PALPWRGetBootOption - bootoption: 0x%x, proc_id: 0x%x\r\n", stored,
+                        GetCurrentProcessId());
   *option = stored;
   return S_OK;
 }

@@ -7,8 +7,7 @@
 #include "include/palpwr.h"
 #include "power/power_trace.h"
 
-using pal::kPowerTrace;
-
+namespace pal {
 namespace {
 
 constinit std::atomic<HANDLE> reload_event{nullptr};
@@ -20,50 +19,52 @@ HANDLE CreateAutoResetEvent(const WCHAR* name) {
 }
 
 HRESULT EventFailure(DWORD error) {
-  return pal::FamilyFailure(pal::Facility::kPower, static_cast<WORD>(error));
+  return FamilyFailure(Facility::kPower, static_cast<WORD>(error));
 }
 
 void Close(std::atomic<HANDLE>& event) {
-  pal::UniqueEvent(event.load(std::memory_order_relaxed)).Close();
+  UniqueEvent(event.load(std::memory_order_relaxed)).Close();
   event.store(nullptr, std::memory_order_relaxed);
 }
 
 }  // namespace
 
-HANDLE pal::ReloadEvent() {
+HANDLE ReloadEvent() {
   return reload_event.load(std::memory_order_relaxed);
 }
 
+}  // namespace pal
+
 HRESULT PALAPI PALPWRInit() {
-  if (initialised.load(std::memory_order_relaxed) != FALSE || pal::ReloadEvent() != nullptr) {
+  if (pal::initialised.load(std::memory_order_relaxed) != FALSE || pal::ReloadEvent() != nullptr) {
     return S_OK;
   }
-  pal::UniqueEvent reload(CreateAutoResetEvent(TEXT("PowerManager/ReloadActivityTimeouts")));
+  pal::UniqueEvent reload(pal::CreateAutoResetEvent(TEXT("PowerManager/ReloadActivityTimeouts")));
   if (!reload) {
     const DWORD error = GetLastError();
-    const HRESULT result = EventFailure(error);
-    kPowerTrace.Error("PALPWRInit - ERROR power mgr event. win32err: 0x%x, hr: 0x%x\r\n", error,
-                      result);
+    const HRESULT result = pal::EventFailure(error);
+    pal::kPowerTrace.Error("PALPWRInit - ERROR power mgr event. win32err: 0x%x, hr: 0x%x\r\n",
+                           error, result);
     return result;
   }
-  pal::UniqueEvent backlight(CreateAutoResetEvent(TEXT("BackLightChangeEvent")));
+  pal::UniqueEvent backlight(pal::CreateAutoResetEvent(TEXT("BackLightChangeEvent")));
   if (!backlight) {
     const DWORD error = GetLastError();
-    const HRESULT result = EventFailure(error);
-    kPowerTrace.Error("PALPWRInit - ERROR display event. win32err: 0x%x, hr: 0x%x\r\n", error,
-                      result);
+    const HRESULT result = pal::EventFailure(error);
+    pal::kPowerTrace.Error("PALPWRInit - ERROR display event. win32err: 0x%x, hr: 0x%x\r\n", error,
+                           result);
     return result;
   }
-  reload_event.store(reload.Release(), std::memory_order_relaxed);
-  backlight_event.store(backlight.Release(), std::memory_order_relaxed);
-  initialised.store(TRUE, std::memory_order_relaxed);
+  pal::reload_event.store(reload.Release(), std::memory_order_relaxed);
+  pal::backlight_event.store(backlight.Release(), std::memory_order_relaxed);
+  pal::initialised.store(TRUE, std::memory_order_relaxed);
   return S_OK;
 }
 
 HRESULT PALAPI PALPWRTerm() {
-  if (initialised.load(std::memory_order_relaxed) == FALSE) return S_OK;
-  Close(reload_event);
-  Close(backlight_event);
-  initialised.store(FALSE, std::memory_order_relaxed);
+  if (pal::initialised.load(std::memory_order_relaxed) == FALSE) return S_OK;
+  pal::Close(pal::reload_event);
+  pal::Close(pal::backlight_event);
+  pal::initialised.store(FALSE, std::memory_order_relaxed);
   return S_OK;
 }

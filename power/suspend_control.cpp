@@ -15,8 +15,7 @@
 #include "include/palpwr.h"
 #include "power/power_trace.h"
 
-using pal::kPowerTrace;
-
+namespace pal {
 namespace {
 
 constexpr DWORD kStart = 0;
@@ -62,11 +61,11 @@ DWORD WINAPI KeepAwake(LPVOID own_module) {
 // put back; one that another thread gives in this very moment may then be lost, or be seen a period
 // later. Apart from the export, so that a stop does not pay for it.
 [[gnu::noinline]] HRESULT Start() {
-  pal::UniqueModule own_module = pal::HoldOwnModule();
+  UniqueModule own_module = HoldOwnModule();
   if (!own_module) return kNoThread;
   const bool was_requested = stop_requested.load(std::memory_order_relaxed);
   stop_requested.store(false, std::memory_order_relaxed);
-  const pal::UniqueThread thread(
+  const UniqueThread thread(
       CreateThread(nullptr, kStackBytes, &KeepAwake, own_module.get(), 0, nullptr));
   if (!thread) {
     if (was_requested) stop_requested.store(true, std::memory_order_relaxed);
@@ -77,9 +76,10 @@ DWORD WINAPI KeepAwake(LPVOID own_module) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALPWRSuspendCtrl(DWORD command) {
-  if (command == kStart) return Start();
-  if (command == kStop) stop_requested.store(true, std::memory_order_relaxed);
+  if (command == pal::kStart) return pal::Start();
+  if (command == pal::kStop) pal::stop_requested.store(true, std::memory_order_relaxed);
   return S_OK;
 }

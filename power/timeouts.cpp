@@ -10,16 +10,15 @@
 #include "power/events.h"
 #include "power/power_trace.h"
 
-using pal::kPowerTrace;
-
+namespace pal {
 namespace {
 
 constexpr const WCHAR* kKey = TEXT("System\\CurrentControlSet\\Control\\Power\\Timeouts");
 // For the lines that show it in 8 bits.
 constexpr const char* kKeyName = R"(System\CurrentControlSet\Control\Power\Timeouts)";
 
-constexpr HRESULT kInvalidInput = pal::FamilyFailure(pal::Facility::kPower, 0x11);
-constexpr HRESULT kNoReloadEvent = pal::FamilyFailure(pal::Facility::kPower, 0x0D);
+constexpr HRESULT kInvalidInput = FamilyFailure(Facility::kPower, 0x11);
+constexpr HRESULT kNoReloadEvent = FamilyFailure(Facility::kPower, 0x0D);
 
 // Exactly these: the odd members (6, 11, 121, 660) are meant, and so is the gap at 600 on battery.
 constexpr std::array<DWORD, 11> kDeviceOffBattery{0, 1, 2, 3, 4, 5, 6, 10, 11, 15, 30};
@@ -38,12 +37,10 @@ struct Answers {
 
 // Refuses, and reports an event that it cannot signal as the family's own failure.
 constexpr Answers kDeviceOff{60, kInvalidInput, kNoReloadEvent, [](DWORD error) {
-                               return pal::FamilyFailure(pal::Facility::kPower,
-                                                         static_cast<WORD>(error));
+                               return FamilyFailure(Facility::kPower, static_cast<WORD>(error));
                              }};
 // Ignores what it does not allow, and does without an event.
-constexpr Answers kScreenOff{1, S_OK, S_OK,
-                             [](DWORD error) { return pal::HResultFromWin32(error); }};
+constexpr Answers kScreenOff{1, S_OK, S_OK, [](DWORD error) { return HResultFromWin32(error); }};
 
 struct Timeout {
   const WCHAR* value_name;
@@ -171,7 +168,7 @@ constexpr Timeout kScreenOffOnExternalPower{
 
 // `written` is the answer of the write before it.
 HRESULT SignalReload(const Timeout& timeout, HRESULT written) {
-  auto* const event = pal::ReloadEvent();
+  auto* const event = ReloadEvent();
   if (event == nullptr) {
     timeout.trace_no_event(event);
     return timeout.answers.no_event;
@@ -190,7 +187,7 @@ HRESULT Set(const Timeout& timeout, DWORD value) {
   const DWORD seconds = value * timeout.answers.seconds_per_unit;
   timeout.trace_set(value, seconds);
   const HRESULT written = PALRegSetDword(HKEY_LOCAL_MACHINE, kKey, timeout.value_name, seconds);
-  if (pal::Failed(written)) {
+  if (Failed(written)) {
     timeout.trace_write_failed();
     return written;
   }
@@ -201,7 +198,7 @@ HRESULT Get(const Timeout& timeout, DWORD* value) {
   if (value == nullptr) return E_FAIL;
   DWORD seconds = 0;
   const HRESULT result = PALRegGetDword(HKEY_LOCAL_MACHINE, kKey, timeout.value_name, &seconds);
-  if (pal::Failed(result)) {
+  if (Failed(result)) {
     timeout.trace_read_failed(result);
     return result;
   }
@@ -212,29 +209,30 @@ HRESULT Get(const Timeout& timeout, DWORD* value) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALPWRSetDeviceOff_Batt(DWORD minutes) {
-  return Set(kDeviceOffOnBattery, minutes);
+  return pal::Set(pal::kDeviceOffOnBattery, minutes);
 }
 HRESULT PALAPI PALPWRSetDeviceOff_ExtPwr(DWORD minutes) {
-  return Set(kDeviceOffOnExternalPower, minutes);
+  return pal::Set(pal::kDeviceOffOnExternalPower, minutes);
 }
 HRESULT PALAPI PALPWRGetDeviceOff_Batt(DWORD* minutes) {
-  return Get(kDeviceOffOnBattery, minutes);
+  return pal::Get(pal::kDeviceOffOnBattery, minutes);
 }
 HRESULT PALAPI PALPWRGetDeviceOff_ExtPwr(DWORD* minutes) {
-  return Get(kDeviceOffOnExternalPower, minutes);
+  return pal::Get(pal::kDeviceOffOnExternalPower, minutes);
 }
 
 HRESULT PALAPI PALPWRSetScreenOff_Batt(LONG seconds) {
-  return Set(kScreenOffOnBattery, static_cast<DWORD>(seconds));
+  return pal::Set(pal::kScreenOffOnBattery, static_cast<DWORD>(seconds));
 }
 HRESULT PALAPI PALPWRSetScreenOff_ExtPwr(LONG seconds) {
-  return Set(kScreenOffOnExternalPower, static_cast<DWORD>(seconds));
+  return pal::Set(pal::kScreenOffOnExternalPower, static_cast<DWORD>(seconds));
 }
 HRESULT PALAPI PALPWRGetScreenOff_Batt(DWORD* seconds) {
-  return Get(kScreenOffOnBattery, seconds);
+  return pal::Get(pal::kScreenOffOnBattery, seconds);
 }
 HRESULT PALAPI PALPWRGetScreenOff_ExtPwr(DWORD* seconds) {
-  return Get(kScreenOffOnExternalPower, seconds);
+  return pal::Get(pal::kScreenOffOnExternalPower, seconds);
 }

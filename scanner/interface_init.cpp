@@ -6,13 +6,14 @@
 #include "include/palscan.h"
 #include "scanner/scan_engine.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kScanner};
+constexpr TraceSource kTrace{Facility::kScanner};
 
 constexpr DWORD kCameraMutexTimeoutMs = 60000;
 
-// Keeps other holders of the name away. Apart from pal::MutexGuard: it has lines of its own, tells
+// Keeps other holders of the name away. Apart from MutexGuard: it has lines of its own, tells
 // a time-out from a mutex that it got, and releases only what it owns.
 class CameraMutex {
  public:
@@ -34,19 +35,19 @@ class CameraMutex {
   [[nodiscard]] HRESULT result() const { return wait_ == WAIT_TIMEOUT ? E_FAIL : S_OK; }
 
  private:
-  pal::UniqueMutex mutex_;
+  UniqueMutex mutex_;
   DWORD wait_ = WAIT_FAILED;
 };
 
 // The results of the steps are in the trace alone, and the power counts as on whatever they are.
-void BringUp(const pal::ScanEngine& engine) {
+void BringUp(const ScanEngine& engine) {
   ScanSetOperationalMode(TRUE);
   if (engine.is_on_spi_clock) PALSysio_SetScanTrigger(FALSE);
   PALSysio_ControlScanPower(PAL_SCANNER_POWER_UP);
-  pal::SetScanPowerState(true);
+  SetScanPowerState(true);
 }
 
-HRESULT BringUpUnderMutex(const pal::ScanEngine& engine) {
+HRESULT BringUpUnderMutex(const ScanEngine& engine) {
   const CameraMutex mutex;
   BringUp(engine);
   return mutex.result();
@@ -55,8 +56,8 @@ HRESULT BringUpUnderMutex(const pal::ScanEngine& engine) {
 HRESULT InitInterface() {
   DWORD type = 0;
   DWORD s6_installed = 0;
-  if (pal::Failed(PALMFGOpt_InternalDeviceType(&type, &s6_installed))) return S_OK;
-  const pal::ScanEngine& engine = pal::LearnScanEngine(type);
+  if (Failed(PALMFGOpt_InternalDeviceType(&type, &s6_installed))) return S_OK;
+  const ScanEngine& engine = LearnScanEngine(type);
   kTrace.Info("Internal DevType: %d\r\n", type);
   if (engine.is_on_spi_clock) return BringUpUnderMutex(engine);
   BringUp(engine);
@@ -64,10 +65,11 @@ HRESULT InitInterface() {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALSysio_InternalScannerInterfaceInit() {
-  kTrace.Info("Entry PALSysio_InternalScannerInterfaceInit\r\n");
-  const HRESULT result = InitInterface();
-  kTrace.Info("Exit PALSysio_InternalScannerInterfaceInit\r\n");
+  pal::kTrace.Info("Entry PALSysio_InternalScannerInterfaceInit\r\n");
+  const HRESULT result = pal::InitInterface();
+  pal::kTrace.Info("Exit PALSysio_InternalScannerInterfaceInit\r\n");
   return result;
 }

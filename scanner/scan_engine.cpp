@@ -3,7 +3,7 @@
 #include <atomic>
 
 #include "frame/result.h"
-#include "sysinfo/device_codes.h"
+#include "sysinfo/options/device_codes.h"
 
 namespace pal {
 namespace {
@@ -44,18 +44,18 @@ void SetScanPowerState(bool is_on) {
   power_is_on.store(is_on, std::memory_order_relaxed);
 }
 
-}  // namespace pal
-
 HRESULT PALSysio_SetScanPower(BOOL on) {
-  const HRESULT result = pal::SendToScanDriver(pal::ScanOperation::kPower, on);
-  if (pal::Succeeded(result)) pal::SetScanPowerState(on != FALSE);
+  const HRESULT result = SendToScanDriver(ScanOperation::kPower, on);
+  if (Succeeded(result)) SetScanPowerState(on != FALSE);
   return result;
 }
 
 HRESULT ScanSetEnable(BOOL enable) {
-  return pal::SendToScanDriver(pal::ScanOperation::kEnable, enable);
+  return SendToScanDriver(ScanOperation::kEnable, enable);
 }
 
 HRESULT ScanSetOperationalMode(BOOL normal) {
-  return pal::SendToScanDriver(pal::ScanOperation::kMode, normal);
+  return SendToScanDriver(ScanOperation::kMode, normal);
 }
+
+}  // namespace pal

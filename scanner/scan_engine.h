@@ -27,11 +27,11 @@ const ScanEngine& LearnScanEngine(DWORD device_type);
 [[nodiscard]] bool IsScanPowerOn();
 void SetScanPowerState(bool is_on);
 
-}  // namespace pal
-
 // Each returns E_FAIL where the driver is not open or refuses.
 HRESULT PALSysio_SetScanPower(BOOL on);  // success is the new power state
 HRESULT ScanSetEnable(BOOL enable);
 HRESULT ScanSetOperationalMode(BOOL normal);
+
+}  // namespace pal
 
 #endif  // SCANNER_SCAN_ENGINE_H_

@@ -8,31 +8,33 @@
 #include "scanner/scan_driver.h"
 #include "scanner/scan_engine.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kScanner};
+constexpr TraceSource kTrace{Facility::kScanner};
 
 constexpr DWORD kMinimumBaudRate = 1200;
 constexpr DWORD kMaximumBaudRate = 460800;
 
 // Every switch gets its turn, also behind one that fails.
-HRESULT SwitchAll(std::span<const pal::ScanSwitch> switches, BOOL on) {
+HRESULT SwitchAll(std::span<const ScanSwitch> switches, BOOL on) {
   HRESULT result = S_OK;
-  for (const pal::ScanSwitch set : switches) {
-    if (pal::Failed(set(on))) result = E_FAIL;
+  for (const ScanSwitch set : switches) {
+    if (Failed(set(on))) result = E_FAIL;
   }
   return result;
 }
 
 HRESULT PowerUp() {
-  if (pal::IsScanPowerOn()) return ScanSetEnable(TRUE);
-  return SwitchAll(pal::CurrentScanEngine().switching_order, TRUE);
+  if (IsScanPowerOn()) return ScanSetEnable(TRUE);
+  return SwitchAll(CurrentScanEngine().switching_order, TRUE);
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALSysio_Open() {
-  kTrace.Info("Entry PALSysio_Open\r\n");
+  pal::kTrace.Info("Entry PALSysio_Open\r\n");
   HANDLE driver = pal::OpenScanDriver();
   DWORD type = 0;
   DWORD s6_installed = 0;
@@ -40,60 +42,60 @@ HRESULT PALAPI PALSysio_Open() {
   if (pal::Succeeded(result) && pal::ScanEngineOf(type).is_on_spi_clock) {
     pal::LearnScanEngine(type);
     // The line alone: the trigger is not pulled here, on purpose.
-    kTrace.Info("ENG14 - PALSysio_Open. PALSysio_SetScanTrigger(TRUE)\r\n");
+    pal::kTrace.Info("ENG14 - PALSysio_Open. PALSysio_SetScanTrigger(TRUE)\r\n");
   }
-  kTrace.Info("Exit PALSysio_Open g_hOEMScanDLL: 0x%x, hr: 0x%x\r\n", driver, result);
+  pal::kTrace.Info("Exit PALSysio_Open g_hOEMScanDLL: 0x%x, hr: 0x%x\r\n", driver, result);
   return result;
 }
 
 HRESULT PALAPI PALSysio_Close() {
-  kTrace.Info("PALSysio_Close\r\n");
+  pal::kTrace.Info("PALSysio_Close\r\n");
   pal::CloseScanDriver();
   return S_OK;
 }
 
 HRESULT PALAPI PALSysio_SetScanTrigger(BOOL trigger_on) {
   const pal::ScanEngine& engine = pal::CurrentScanEngine();
-  if (engine.is_on_spi_clock) kTrace.Info("PALSysio_SetScanTrigger SPIClk line\r\n");
+  if (engine.is_on_spi_clock) pal::kTrace.Info("PALSysio_SetScanTrigger SPIClk line\r\n");
   return pal::SendToScanDriver(engine.trigger, trigger_on);
 }
 
 HRESULT PALAPI PALSysio_SetScanEnable(BOOL enable) {
-  return ScanSetEnable(enable);
+  return pal::ScanSetEnable(enable);
 }
 
 HRESULT PALAPI PALSysio_SetScanFlashEnable(BOOL download_enable) {
-  kTrace.Info("Enter PALSysio_SetScanFlashEnable: fDownloadEnable:%d\r\n", download_enable);
-  const HRESULT result = ScanSetOperationalMode(download_enable == FALSE ? TRUE : FALSE);
+  pal::kTrace.Info("Enter PALSysio_SetScanFlashEnable: fDownloadEnable:%d\r\n", download_enable);
+  const HRESULT result = pal::ScanSetOperationalMode(download_enable == FALSE ? TRUE : FALSE);
   // The line ends without the result: kept so.
-  kTrace.Info("Exit PALSysio_SetScanFlashEnable hr:\r\n");
+  pal::kTrace.Info("Exit PALSysio_SetScanFlashEnable hr:\r\n");
   return result;
 }
 
 HRESULT PALAPI PALSysio_ControlScanPower(PAL_SCAN_POWER_CONTROL_E mode) {
   switch (mode) {
     case PAL_SCANNER_POWER_DOWN:
-      kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_POWER_DOWN\r\n");
-      return SwitchAll(pal::CurrentScanEngine().switching_order, FALSE);
+      pal::kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_POWER_DOWN\r\n");
+      return pal::SwitchAll(pal::CurrentScanEngine().switching_order, FALSE);
     case PAL_SCANNER_POWER_UP:
-      kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_POWER_UP\r\n");
-      return PowerUp();
+      pal::kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_POWER_UP\r\n");
+      return pal::PowerUp();
     case PAL_SCANNER_IDLE:
-      kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_IDLE\r\n");
-      return ScanSetEnable(FALSE);
+      pal::kTrace.Info("PALSysio_ControlScanPower: PAL_SCANNER_IDLE\r\n");
+      return pal::ScanSetEnable(FALSE);
     default:
-      kTrace.Error("Invalid PAL_SCAN_POWER_CONTROL_E parameter value of %d\r\n", mode);
+      pal::kTrace.Error("Invalid PAL_SCAN_POWER_CONTROL_E parameter value of %d\r\n", mode);
       return E_FAIL;
   }
 }
 
 HRESULT PALAPI PALSysio_DVLSetScanPower(BOOL on) {
-  return PALSysio_SetScanPower(on != FALSE ? 1 : 0);
+  return pal::PALSysio_SetScanPower(on != FALSE ? 1 : 0);
 }
 
 HRESULT PALAPI PALSysio_GetBaudRateRange(DWORD /*port*/, DWORD* minimum, DWORD* maximum) {
   if (minimum == nullptr || maximum == nullptr) return E_FAIL;
-  *minimum = kMinimumBaudRate;
-  *maximum = kMaximumBaudRate;
+  *minimum = pal::kMinimumBaudRate;
+  *maximum = pal::kMaximumBaudRate;
   return S_OK;
 }

@@ -9,9 +9,10 @@
 #include "frame/trace.h"
 #include "include/palsecurity.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kImageCapturePolicy};
+constexpr TraceSource kTrace{Facility::kImageCapturePolicy};
 
 // Under HKEY_CLASSES_ROOT, in the order in which they are asked and changed.
 constexpr auto kCommandPaths = std::to_array<const WCHAR*>(
@@ -19,8 +20,8 @@ constexpr auto kCommandPaths = std::to_array<const WCHAR*>(
 
 // Names of one length: one is written over the other, and the rest of the command stays in place.
 constexpr size_t kProgramLength = 7;
-constexpr pal::WideText kChecker = TEXT("cabchck");
-constexpr pal::WideText kInstaller = TEXT("wceload");
+constexpr WideText kChecker = TEXT("cabchck");
+constexpr WideText kInstaller = TEXT("wceload");
 static_assert(kChecker.size() == kProgramLength && kInstaller.size() == kProgramLength);
 
 constexpr DWORD kMaxCommandBytes = 512;
@@ -42,18 +43,18 @@ class OpenCommand {
     return _wcsnicmp(text_.data(), kChecker.data(), kProgramLength) == 0;
   }
   // False, and nothing changes, where the command holds no whole program name or does not end.
-  [[nodiscard]] bool SetProgram(pal::WideText program);
+  [[nodiscard]] bool SetProgram(WideText program);
 
  private:
   const WCHAR* path_;
-  pal::UniqueRegistryKey key_;
+  UniqueRegistryKey key_;
   DWORD type_ = REG_NONE;
   DWORD bytes_ = 0;
   std::array<WCHAR, kMaxCommandBytes / sizeof(WCHAR)> text_{};
 };
 
 LONG OpenCommand::Read(REGSAM access) {
-  LONG error = pal::OpenRegistryKey(HKEY_CLASSES_ROOT, path_, access, key_);
+  LONG error = OpenRegistryKey(HKEY_CLASSES_ROOT, path_, access, key_);
   if (error != ERROR_SUCCESS) {
     // The line names another root than the key's: kept so.
     kTrace.Error("Failed to open HKLM\\%ls. dwRet = %u", path_, error);
@@ -66,9 +67,9 @@ LONG OpenCommand::Read(REGSAM access) {
   return error;
 }
 
-bool OpenCommand::SetProgram(pal::WideText program) {
+bool OpenCommand::SetProgram(WideText program) {
   const std::span<WCHAR> stored = std::span(text_).first(bytes_ / sizeof(WCHAR));
-  const size_t length = pal::Length<WCHAR>(stored);
+  const size_t length = Length<WCHAR>(stored);
   if (length < kProgramLength || length == stored.size()) {
     TraceReadFailure(path_, kErrorInvalidData);
     return false;
@@ -92,26 +93,29 @@ bool AsksForPassword(const WCHAR* path) {
   return command.Read(KEY_QUERY_VALUE) == ERROR_SUCCESS && command.AsksForPassword();
 }
 
-HRESULT SetProgram(const WCHAR* path, pal::WideText program) {
+HRESULT SetProgram(const WCHAR* path, WideText program) {
   OpenCommand command(path);
   const LONG error = command.Read(KEY_QUERY_VALUE | KEY_SET_VALUE);
-  if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
-  return command.SetProgram(program) ? pal::HResultFromWin32(command.Write()) : E_FAIL;
+  if (error != ERROR_SUCCESS) return HResultFromWin32(error);
+  return command.SetProgram(program) ? HResultFromWin32(command.Write()) : E_FAIL;
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled) {
   if (enabled == nullptr) return E_FAIL;
-  *enabled = std::any_of(kCommandPaths.begin(), kCommandPaths.end(), &AsksForPassword) ? 1 : 0;
+  *enabled =
+      std::any_of(pal::kCommandPaths.begin(), pal::kCommandPaths.end(), &pal::AsksForPassword) ? 1
+                                                                                               : 0;
   return S_OK;
 }
 
 HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable) {
-  const pal::WideText program = enable == 1 ? kChecker : kInstaller;
+  const pal::WideText program = enable == 1 ? pal::kChecker : pal::kInstaller;
   HRESULT result = S_OK;
-  for (const WCHAR* const path : kCommandPaths) {
-    result = SetProgram(path, program);
+  for (const WCHAR* const path : pal::kCommandPaths) {
+    result = pal::SetProgram(path, program);
     if (pal::Failed(result)) break;
   }
   return result;

@@ -6,11 +6,12 @@
 #include "security/password_hash.h"
 #include "security/secret_bytes.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kImageCapturePolicy};
+constexpr TraceSource kTrace{Facility::kImageCapturePolicy};
 
-constexpr pal::WideText kMembers = TEXT("Software\\Dravonel\\SN\\");
+constexpr WideText kMembers = TEXT("Software\\Dravonel\\SN\\");
 
 constexpr DWORD kRight = 0;
 constexpr DWORD kWrong = 1;
@@ -18,7 +19,7 @@ constexpr DWORD kWrong = 1;
 enum class Reading { kDone, kNothingThere, kFailed };
 
 // An empty value is nothing.
-Reading ReadSecret(HKEY member, const WCHAR* name, pal::SecretBytes& secret) {
+Reading ReadSecret(HKEY member, const WCHAR* name, SecretBytes& secret) {
   DWORD bytes = 0;
   LONG error = RegQueryValueExW(member, name, nullptr, nullptr, nullptr, &bytes);
   if (error == ERROR_FILE_NOT_FOUND) return Reading::kNothingThere;
@@ -31,41 +32,43 @@ Reading ReadSecret(HKEY member, const WCHAR* name, pal::SecretBytes& secret) {
   return Reading::kDone;
 }
 
-bool IsPasswordOf(HKEY member, pal::WideText password) {
-  pal::SecretBytes stored_hash;
-  pal::SecretBytes salt;
+bool IsPasswordOf(HKEY member, WideText password) {
+  SecretBytes stored_hash;
+  SecretBytes salt;
   const Reading hash_reading = ReadSecret(member, TEXT("h"), stored_hash);
   const Reading salt_reading = ReadSecret(member, TEXT("s"), salt);
   if (hash_reading == Reading::kFailed || salt_reading == Reading::kFailed) return false;
   const bool is_provisioned = hash_reading == Reading::kDone && salt_reading == Reading::kDone;
   if (!is_provisioned) return password.empty();
-  pal::SecretBytes hash;
-  return pal::HashPassword(salt.bytes(), password, hash) &&
-         pal::AreEqualInConstantTime(hash.bytes(), stored_hash.bytes());
+  SecretBytes hash;
+  return HashPassword(salt.bytes(), password, hash) &&
+         AreEqualInConstantTime(hash.bytes(), stored_hash.bytes());
 }
 
-bool IsRight(const WCHAR* member, pal::WideText password) {
+bool IsRight(const WCHAR* member, WideText password) {
   if (member == nullptr) {
     kTrace.Error("ERROR Security_CheckPx key invalid. procid:0x%x\r\n", GetCurrentProcessId());
     return false;
   }
   WCHAR path[MAX_PATH] = {};
-  const pal::WideText name(member, wcslen(member));
-  if (!pal::Copy(path, kMembers) || !pal::Append(path, name)) return false;
-  pal::UniqueRegistryKey key;
-  const LONG error = pal::OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE, key);
+  const WideText name(member, wcslen(member));
+  if (!Copy(path, kMembers) || !Append(path, name)) return false;
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE, key);
   // A member that nobody provisioned has the empty password.
   return error == ERROR_SUCCESS ? IsPasswordOf(key.get(), password) : password.empty();
 }
 
 }  // namespace
+}  // namespace pal
 
 DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password) {
-  kTrace.Info("Entry PALSecurity_CheckPx. procid:0x%x\r\n", GetCurrentProcessId());
+  pal::kTrace.Info("Entry PALSecurity_CheckPx. procid:0x%x\r\n", GetCurrentProcessId());
   const WCHAR* const text = password == nullptr ? TEXT("") : password;
-  const DWORD answer = IsRight(member, pal::WideText(text, wcslen(text))) ? kRight : kWrong;
+  const DWORD answer =
+      pal::IsRight(member, pal::WideText(text, wcslen(text))) ? pal::kRight : pal::kWrong;
   // The line says that 2 is no: kept so.
-  kTrace.Info("Exit PALSecurity_CheckPx. procid:0x%x, member:0x%x(0=yes,2=no)\r\n",
-              GetCurrentProcessId(), answer);
+  pal::kTrace.Info("Exit PALSecurity_CheckPx. procid:0x%x, member:0x%x(0=yes,2=no)\r\n",
+                   GetCurrentProcessId(), answer);
   return answer;
 }

@@ -5,9 +5,10 @@
 #include "frame/trace.h"
 #include "include/palboot.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kBoot};
+constexpr TraceSource kTrace{Facility::kBoot};
 
 constexpr DWORD kBeforeRestart = 0x010123B0;  // a kernel control
 
@@ -32,14 +33,15 @@ bool TellKernel(DWORD value) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALBOOT_BootTerminal(LONG option) {
-  const auto* const row = std::ranges::find(kBootOptions, option, &BootOption::option);
-  if (row == kBootOptions.end()) {
-    kTrace.Error("Boot request invalid option");
+  const auto* const row = std::ranges::find(pal::kBootOptions, option, &pal::BootOption::option);
+  if (row == pal::kBootOptions.end()) {
+    pal::kTrace.Error("Boot request invalid option");
     return E_FAIL;
   }
-  if (row->before_restart == 0 || TellKernel(row->before_restart)) {
+  if (row->before_restart == 0 || pal::TellKernel(row->before_restart)) {
     SetSystemPowerState(row->state, POWER_STATE_RESET, POWER_FORCE);
   }
   return S_OK;

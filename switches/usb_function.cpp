@@ -9,9 +9,10 @@
 #include "include/palstore.h"
 #include "switches/usb_result.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kUsb};
+constexpr TraceSource kTrace{Facility::kUsb};
 
 // Controls of the function bus.
 constexpr DWORD kGetCurrentClient = 0x0022000C;
@@ -52,16 +53,16 @@ HANDLE OpenBus() {
 
 HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
   ClientName name{};
-  if (client_name == nullptr || !pal::Copy(name, client_name)) {
+  if (client_name == nullptr || !Copy(name, client_name)) {
     kTrace.Error("ERROR SetClientOption. Input buff invalid\r\n");
-    return pal::kUsbBadInput;
+    return kUsbBadInput;
   }
-  pal::UniqueFile bus;
+  UniqueFile bus;
   bus.Reset(OpenBus());
   if (!bus) {
     kTrace.Error("SetClientOption - ERROR 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
-    return pal::kUsbBusNotOpened;
+    return kUsbBusNotOpened;
   }
   kTrace.Info("SetClientOption - In client name: %ls, ioctl:0x%x\r\n", client_name, ioctl);
   DWORD returned = 0;
@@ -70,18 +71,18 @@ HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
   if (done == FALSE) {
     kTrace.Error("SetClientOption - ERROR 0x%x=DeviceIoControl(ioctl:0x%x). win32err: 0x%x\r\n",
                  done, ioctl, GetLastError());
-    return pal::kUsbSelectFailed;
+    return kUsbSelectFailed;
   }
   return S_OK;
 }
 
 HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
-  pal::UniqueFile bus;
+  UniqueFile bus;
   bus.Reset(OpenBus());
   if (!bus) {
     kTrace.Error("GetClientOption - 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
-    return pal::kUsbBusNotOpened;
+    return kUsbBusNotOpened;
   }
   DWORD returned = 0;
   const BOOL done = DeviceIoControl(bus.get(), ioctl, nullptr, 0, information.data(),
@@ -89,7 +90,7 @@ HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
   if (done == FALSE) {
     kTrace.Error("GetClientOption - ERROR 0x%x=DeviceIoControl(). win32err: 0x%x\r\n", done,
                  GetLastError());
-    return pal::kUsbGetFailed;
+    return kUsbGetFailed;
   }
   return S_OK;
 }
@@ -99,19 +100,19 @@ HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
 HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
   if (buffer == nullptr) {
     kTrace.Error("ERROR GetClientOption - Input buff invalid\r\n");
-    return pal::kUsbBadInput;
+    return kUsbBadInput;
   }
   ClientInformation information{};
   const HRESULT result = ReadClientInformation(ioctl, information);
-  if (pal::Failed(result)) return result;
+  if (Failed(result)) return result;
   // A name that is not terminated runs on to the record's end, and no buffer has room for it.
-  const pal::WideText name(information.data(), pal::Length<WCHAR>(information));
+  const WideText name(information.data(), Length<WCHAR>(information));
   if (name.empty()) return S_OK;
   const auto name_bytes = static_cast<DWORD>((name.size() + 1) * sizeof(WCHAR));
-  if (!pal::Copy(std::span(buffer, bytes / sizeof(WCHAR)), name)) {
+  if (!Copy(std::span(buffer, bytes / sizeof(WCHAR)), name)) {
     kTrace.Error("GetClientOption - Input buff too short, inlen: %d, Ucn.name_len: %d\r\n", bytes,
                  name_bytes);
-    return pal::kUsbBadInput;
+    return kUsbBadInput;
   }
   bytes = name_bytes;
   kTrace.Info("GetClientOption - Client name: %ls, len: %d\r\n", buffer, bytes);
@@ -120,7 +121,7 @@ HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
 
 HRESULT WriteVolumeName(DWORD option, const WCHAR* volume) {
   std::array<WCHAR, 16> text{};  // zeros behind the terminator: the helper stores one of them
-  if (!pal::Copy(text, volume)) return pal::kUsbBadInput;
+  if (!Copy(text, volume)) return kUsbBadInput;
   const HRESULT result = PALRegSetString(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, text);
   kTrace.Info("SetUsbMassStorage - input:%d, Reg:%ls\\%ls=%ls\r\n", option, kMassStoragePath,
               kVolumeName, volume);
@@ -138,7 +139,7 @@ void ReadVolumeName(TerminatedName& name) {
   DWORD bytes = sizeof(ClientName);
   const HRESULT result =
       PALRegGetStringValue(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, name.data(), &bytes);
-  if (pal::Failed(result)) name = {};
+  if (Failed(result)) name = {};
 }
 
 DWORD FindOption(const WCHAR* text) {
@@ -149,32 +150,34 @@ DWORD FindOption(const WCHAR* text) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option) {
-  if (option >= kFunctionOptions.size()) {
-    kTrace.Error("ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:%d\r\n", option);
+  if (option >= pal::kFunctionOptions.size()) {
+    pal::kTrace.Error("ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:%d\r\n", option);
     return pal::kUsbBadInput;
   }
-  const FunctionOption& row = kFunctionOptions[option];
-  HRESULT result = SetClientOption(row.client, kSelectFirstStep);
-  if (pal::Succeeded(result) && row.volume != nullptr) result = WriteVolumeName(option, row.volume);
-  if (pal::Succeeded(result)) result = SetClientOption(row.client, kSelectSecondStep);
+  const pal::FunctionOption& row = pal::kFunctionOptions[option];
+  HRESULT result = pal::SetClientOption(row.client, pal::kSelectFirstStep);
+  if (pal::Succeeded(result) && row.volume != nullptr)
+    result = pal::WriteVolumeName(option, row.volume);
+  if (pal::Succeeded(result)) result = pal::SetClientOption(row.client, pal::kSelectSecondStep);
   return result;
 }
 
 HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option) {
   if (option == nullptr) return pal::kUsbBadInput;
-  TerminatedName name{};
-  DWORD bytes = sizeof(ClientName);
-  HRESULT result = GetClientOption(name.data(), bytes, kGetCurrentClient);
+  pal::TerminatedName name{};
+  DWORD bytes = sizeof(pal::ClientName);
+  HRESULT result = pal::GetClientOption(name.data(), bytes, pal::kGetCurrentClient);
   if (pal::Failed(result)) return result;
-  if (_wcsicmp(name.data(), kMassStorage) == 0) ReadVolumeName(name);
-  const DWORD found = FindOption(name.data());
-  result = found == kNoOption ? pal::kUsbUnknownClient : S_OK;
-  if (found != kNoOption) {
-    kTrace.Info("PALStore_GetUsbFuncDriver - Found match. %ls\r\n", name.data());
+  if (_wcsicmp(name.data(), pal::kMassStorage) == 0) pal::ReadVolumeName(name);
+  const DWORD found = pal::FindOption(name.data());
+  result = found == pal::kNoOption ? pal::kUsbUnknownClient : S_OK;
+  if (found != pal::kNoOption) {
+    pal::kTrace.Info("PALStore_GetUsbFuncDriver - Found match. %ls\r\n", name.data());
     *option = found;
   }
-  kTrace.Info("PALStore_GetUsbFuncDriver - Return. iOpt:%d, hr:0x%x\r\n", found, result);
+  pal::kTrace.Info("PALStore_GetUsbFuncDriver - Return. iOpt:%d, hr:0x%x\r\n", found, result);
   return result;
 }

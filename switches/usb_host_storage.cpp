@@ -9,14 +9,15 @@
 #include "include/palstore.h"
 #include "switches/usb_result.h"
 
+namespace pal {
 namespace {
 
-constexpr pal::TraceSource kTrace{pal::Facility::kUsb};
+constexpr TraceSource kTrace{Facility::kUsb};
 
-constexpr pal::WideText kDriversPath = TEXT("\\Drivers\\USB\\ClientDrivers\\Mass_Storage_Class");
+constexpr WideText kDriversPath = TEXT("\\Drivers\\USB\\ClientDrivers\\Mass_Storage_Class");
 constexpr size_t kMaxDllBytes = 520;
 
-using ValueFailure = pal::TraceSource::Format<const WCHAR*, const WCHAR*, LONG>;
+using ValueFailure = TraceSource::Format<const WCHAR*, const WCHAR*, LONG>;
 
 // One of the two walks: the text that each driver has under one name gets the other.
 struct Direction {
@@ -24,7 +25,7 @@ struct Direction {
   const WCHAR* to;
   std::optional<ValueFailure> read_failed;  // nothing: it is not traced
   ValueFailure write_failed;
-  pal::TraceSource::Format<> done;
+  TraceSource::Format<> done;
 };
 constexpr const WCHAR* kVisibleName = TEXT("Dll");
 constexpr const WCHAR* kHiddenName = TEXT("Dll__");
@@ -58,10 +59,10 @@ class ClientDrivers {
 
   // Of the key that was opened last.
   [[nodiscard]] Path PathForTrace() const;
-  void Open(HKEY parent, const WCHAR* path, pal::UniqueRegistryKey& key);
+  void Open(HKEY parent, const WCHAR* path, UniqueRegistryKey& key);
 
-  pal::UniqueRegistryKey drivers_;
-  pal::UniqueRegistryKey driver_;
+  UniqueRegistryKey drivers_;
+  UniqueRegistryKey driver_;
   std::array<WCHAR, MAX_PATH> name_;  // of the driver; empty for the key above all of them
   DWORD index_ = 0;
   LONG error_ = ERROR_SUCCESS;
@@ -69,15 +70,15 @@ class ClientDrivers {
 
 ClientDrivers::Path ClientDrivers::PathForTrace() const {
   Path path{};
-  const bool fits = pal::Copy(path, kDriversPath) &&
-                    (name_.front() == WCHAR{} ||
-                     (pal::Append(path, TEXT("\\")) && pal::Append(path, name_.data())));
+  const bool fits =
+      Copy(path, kDriversPath) &&
+      (name_.front() == WCHAR{} || (Append(path, TEXT("\\")) && Append(path, name_.data())));
   static_cast<void>(fits);  // there is room for it
   return path;
 }
 
-void ClientDrivers::Open(HKEY parent, const WCHAR* path, pal::UniqueRegistryKey& key) {
-  error_ = pal::OpenRegistryKey(parent, path, KEY_ALL_ACCESS, key);
+void ClientDrivers::Open(HKEY parent, const WCHAR* path, UniqueRegistryKey& key) {
+  error_ = OpenRegistryKey(parent, path, KEY_ALL_ACCESS, key);
   if (error_ == ERROR_SUCCESS) return;
   kTrace.Error("Error opening HKLM\\%ls. dwRet = %u", PathForTrace().data(), error_);
 }
@@ -141,33 +142,34 @@ LONG MoveText(const ClientDrivers& drivers, const Direction& direction) {
 }
 
 }  // namespace
+}  // namespace pal
 
 HRESULT PALAPI PALStore_SetUsbHostMassStorageEnable(BOOL enable) {
-  const Direction& direction = enable != FALSE ? kEnable : kDisable;
-  ClientDrivers drivers;
+  const pal::Direction& direction = enable != FALSE ? pal::kEnable : pal::kDisable;
+  pal::ClientDrivers drivers;
   while (drivers.Next()) {
-    const LONG error = MoveText(drivers, direction);
+    const LONG error = pal::MoveText(drivers, direction);
     if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
   }
   if (drivers.error() != ERROR_SUCCESS) return pal::HResultFromWin32(drivers.error());
-  kTrace.Info(direction.done);
+  pal::kTrace.Info(direction.done);
   return S_OK;
 }
 
 HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled) {
   if (enabled == nullptr) return pal::kUsbBadInput;
   *enabled = 0;
-  ClientDrivers drivers;
+  pal::ClientDrivers drivers;
   while (drivers.Next()) {
     LONG error = ERROR_SUCCESS;
-    StoredText text;
-    const bool has_dll = ReadText(drivers.key(), kVisibleName, text, error);
+    pal::StoredText text;
+    const bool has_dll = pal::ReadText(drivers.key(), pal::kVisibleName, text, error);
     if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
     if (!has_dll) continue;
     *enabled = 1;
     return S_OK;
   }
   if (drivers.error() != ERROR_SUCCESS) return pal::HResultFromWin32(drivers.error());
-  kTrace.Info(kDisable.done);  // the line of the switch, also where nothing was switched
+  pal::kTrace.Info(pal::kDisable.done);  // the line of the switch, also where nothing was switched
   return S_OK;
 }

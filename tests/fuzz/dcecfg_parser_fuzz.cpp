@@ -26,14 +26,14 @@ void RequireTerminated(const char (&field)[kSize]) {
   Require(std::memchr(field, '\0', kSize) != nullptr);
 }
 
-void RequireWhole(const DcecfgKeyRecord& record) {
+void RequireWhole(const pal::DcecfgKeyRecord& record) {
   RequireTerminated(record.key_path);
   RequireTerminated(record.value_name);
   RequireTerminated(record.value_text);
   Require(record.binary_length <= 64);
   Require(std::string_view(record.key_path).starts_with("HKEY"));
   Require(std::strchr(record.key_path, '\\') != nullptr);
-  Require(record.type <= DcecfgValueType::kDword);
+  Require(record.type <= pal::DcecfgValueType::kDword);
 }
 
 struct Parse {
@@ -44,7 +44,7 @@ struct Parse {
   bool operator==(const Parse&) const = default;
 };
 
-std::size_t HashOf(const DcecfgKeyRecord& record) {
+std::size_t HashOf(const pal::DcecfgKeyRecord& record) {
   const auto text = [](const char* field) { return std::hash<std::string_view>()(field); };
   const std::string_view binary(reinterpret_cast<const char*>(record.binary), record.binary_length);
   return text(record.key_path) + 3 * text(record.value_name) + 5 * text(record.value_text) +
@@ -52,9 +52,9 @@ std::size_t HashOf(const DcecfgKeyRecord& record) {
          static_cast<DWORD>(record.type);
 }
 
-Parse ParseAgain(CDCECFGParser& parser) {
+Parse ParseAgain(pal::CDCECFGParser& parser) {
   Parse parse = {parser.ParseFile(), parser.record_count(), parser.offset(), 0};
-  for (const DcecfgKeyRecord& record : parser.records()) {
+  for (const pal::DcecfgKeyRecord& record : parser.records()) {
     RequireWhole(record);
     parse.records = 31 * parse.records + HashOf(record);
   }
@@ -65,7 +65,7 @@ Parse ParseAgain(CDCECFGParser& parser) {
 void RequireArguments(const char* format, va_list arguments) {
   while ((format = std::strchr(format, '%')) != nullptr) {
     if (*++format == 's') {
-      Require(std::strlen(va_arg(arguments, const char*)) < CDCECFGParser::kBufferSize);
+      Require(std::strlen(va_arg(arguments, const char*)) < pal::CDCECFGParser::kBufferSize);
     } else {
       static_cast<void>(va_arg(arguments, DWORD));
     }
@@ -76,7 +76,7 @@ void RequireArguments(const char* format, va_list arguments) {
 
 // Takes the place of the library's: walks the arguments by the format, so that a text without an
 // end is found, and formats nothing.
-DWORD PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ...) {
+DWORD pal::PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ...) {
   Require((category & 0x3FFFFFFF) ==
           pal::TraceCategory(pal::Facility::kConfigStore, pal::Severity::kPlain));
   if (std::string_view(format).starts_with("Abnormal")) ended_in_block = true;
@@ -88,17 +88,17 @@ DWORD PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ...) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const auto reused = std::make_unique<CDCECFGParser>();
-  CDCECFGParser& parser = *reused;
+  static const auto reused = std::make_unique<pal::CDCECFGParser>();
+  pal::CDCECFGParser& parser = *reused;
   const HRESULT loaded = parser.Load(std::span<const BYTE>(data, size));
-  Require((loaded == S_OK) == (size < CDCECFGParser::kBufferSize));
+  Require((loaded == S_OK) == (size < pal::CDCECFGParser::kBufferSize));
   Require(parser.record_count() == 0);
 
   ended_in_block = false;
   const Parse parse = ParseAgain(parser);
   if (ended_in_block) Require(parse.result == E_FAIL);
   Require(parse.result == S_OK || parse.result == E_FAIL);
-  Require(parse.count <= CDCECFGParser::kMaxRecords && parse.count == parser.records().size());
+  Require(parse.count <= pal::CDCECFGParser::kMaxRecords && parse.count == parser.records().size());
   Require(parse.offset == (loaded == S_OK ? size : 0));
   if (loaded != S_OK) Require(parse.result == S_OK && parse.count == 0);
 

@@ -11,12 +11,12 @@
 namespace {
 
 HRESULT SetString(HKEY root, const WCHAR* path, const WCHAR* name, const WCHAR* text, DWORD units) {
-  return PALRegSetString(root, path, name, std::span(text, units));
+  return pal::PALRegSetString(root, path, name, std::span(text, units));
 }
 
 HRESULT GetString(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* text, DWORD units,
                   DWORD* bytes) {
-  return PALRegGetString(root, path, name, std::span(text, units), bytes);
+  return pal::PALRegGetString(root, path, name, std::span(text, units), bytes);
 }
 
 HRESULT HoldMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms, DWORD hold_ms) {
@@ -26,22 +26,22 @@ HRESULT HoldMutex(pal::Facility facility, HANDLE mutex, DWORD timeout_ms, DWORD 
 }
 
 constexpr Internals kInternals{
-    &PALTrace,
-    &PALSysioTrace,
-    &PALRegRootFromName,
+    &pal::PALTrace,
+    &pal::PALSysioTrace,
+    &pal::PALRegRootFromName,
     &SetString,
-    &PALRegGetStringValue,
-    &PALRegSetDword,
-    &PALRegCreateSetDword,
-    &PALRegGetDword,
-    &PALRegSetBinary,
-    &PALRegGetBinary,
+    &pal::PALRegGetStringValue,
+    &pal::PALRegSetDword,
+    &pal::PALRegCreateSetDword,
+    &pal::PALRegGetDword,
+    &pal::PALRegSetBinary,
+    &pal::PALRegGetBinary,
     &GetString,
-    &PALWaitForMutex,
-    &PALReleaseMutexIfValid,
+    &pal::PALWaitForMutex,
+    &pal::PALReleaseMutexIfValid,
     &HoldMutex,
-    &ApplyAudioSetting,
-    &PALInitChecksumFile,
+    &pal::ApplyAudioSetting,
+    &pal::PALInitChecksumFile,
 };
 
 }  // namespace

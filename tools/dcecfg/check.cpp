@@ -24,7 +24,7 @@ namespace {
 // A file in the parser, with the warnings and errors that came of it.
 class ParsedFile {
  public:
-  explicit ParsedFile(std::span<const BYTE> file) : parser_(std::make_unique<CDCECFGParser>()) {
+  explicit ParsedFile(std::span<const BYTE> file) : parser_(std::make_unique<pal::CDCECFGParser>()) {
     current = this;
     refused_ = pal::Failed(parser_->Load(file)) || pal::Failed(parser_->ParseFile());
     current = nullptr;
@@ -49,7 +49,7 @@ class ParsedFile {
     }
   }
 
-  [[nodiscard]] std::span<const DcecfgKeyRecord> records() const { return parser_->records(); }
+  [[nodiscard]] std::span<const pal::DcecfgKeyRecord> records() const { return parser_->records(); }
   [[nodiscard]] bool refused() const { return refused_; }
   [[nodiscard]] std::size_t errors() const { return errors_; }
   [[nodiscard]] std::size_t warnings() const { return warnings_; }
@@ -60,7 +60,7 @@ class ParsedFile {
     findings_ += fmt::format("offset {}: {}: {}\n", parser_->item_offset(), kind, Escape(line));
   }
 
-  std::unique_ptr<CDCECFGParser> parser_;
+  std::unique_ptr<pal::CDCECFGParser> parser_;
   bool refused_ = false;
   std::size_t errors_ = 0;
   std::size_t warnings_ = 0;
@@ -84,14 +84,14 @@ std::string RegistryPath(std::string_view key_path) {
          Latin1(key_path.substr(key_path.find('\\')));
 }
 
-sim::RegistryValue RegistryValueOf(const DcecfgKeyRecord& record) {
+sim::RegistryValue RegistryValueOf(const pal::DcecfgKeyRecord& record) {
   const std::string_view text = record.value_text;
   switch (record.type) {
-    case DcecfgValueType::kString:  // 8-bit text without a terminator
+    case pal::DcecfgValueType::kString:  // 8-bit text without a terminator
       return {u"", REG_SZ, {text.begin(), text.end()}};
-    case DcecfgValueType::kDword:
+    case pal::DcecfgValueType::kDword:
       return {u"", REG_DWORD, sim::DwordData(static_cast<DWORD>(record.dword))};
-    case DcecfgValueType::kBinary:
+    case pal::DcecfgValueType::kBinary:
       break;
   }
   return {u"", REG_BINARY, {record.binary, record.binary + record.binary_length}};
@@ -103,7 +103,7 @@ struct ImportLines {
 };
 
 // As the simulated device's registry writes them when it holds this value alone.
-ImportLines ImportLinesOf(const DcecfgKeyRecord& record) {
+ImportLines ImportLinesOf(const pal::DcecfgKeyRecord& record) {
   const std::string path = RegistryPath(record.key_path);
   sim::RegistryValue value = RegistryValueOf(record);
   sim::Registry registry;
@@ -114,14 +114,14 @@ ImportLines ImportLinesOf(const DcecfgKeyRecord& record) {
   return {text.substr(key, value_line - key), text.substr(value_line)};
 }
 
-std::string ImportText(std::span<const DcecfgKeyRecord> records) {
+std::string ImportText(std::span<const pal::DcecfgKeyRecord> records) {
   std::string text;
   std::string last_key;
-  for (const DcecfgKeyRecord& record : records) {
+  for (const pal::DcecfgKeyRecord& record : records) {
     const ImportLines lines = ImportLinesOf(record);
     if (lines.key != last_key) text += lines.key;
     last_key = lines.key;
-    if (record.type == DcecfgValueType::kString) text += "; " + Quote(record.value_text) + '\n';
+    if (record.type == pal::DcecfgValueType::kString) text += "; " + Quote(record.value_text) + '\n';
     text += lines.value;
   }
   return text;
@@ -152,14 +152,14 @@ CheckReport Check(std::span<const BYTE> file) {
 std::optional<std::string> OnlyKeyOf(std::span<const BYTE> file) {
   const ParsedFile parsed(file);
   if (parsed.refused() || parsed.errors() != 0 || parsed.records().size() != 1) return std::nullopt;
-  const DcecfgKeyRecord& record = parsed.records().front();
+  const pal::DcecfgKeyRecord& record = parsed.records().front();
   return fmt::format("{}:{}", record.key_path, record.value_name);
 }
 
 }  // namespace dcecfg
 
 // The trace function of the library's parser, which is linked here without the rest of the library.
-DWORD PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ...) {
+DWORD pal::PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ...) {
   pal::TraceLine line;
   va_list arguments;
   va_start(arguments, format);

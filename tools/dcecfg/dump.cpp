@@ -4,7 +4,7 @@
 #include <iterator>
 #include <optional>
 
-#include "configstore/device_names.h"
+#include "sysinfo/options/device_names.h"
 #include "tools/dcecfg/limits.h"
 #include "tools/dcecfg/quote.h"
 #include "tools/dcecfg/syntax.h"

@@ -16,9 +16,9 @@ namespace dcecfg {
 namespace {
 
 constexpr std::size_t kMaxLiteralKey = 255;
-constexpr std::size_t kMaxKeyPath = sizeof(DcecfgKeyRecord::key_path) - 1;
-constexpr std::size_t kMaxValueName = sizeof(DcecfgKeyRecord::value_name) - 1;
-constexpr std::size_t kMaxText = sizeof(DcecfgKeyRecord::value_text) - 1;
+constexpr std::size_t kMaxKeyPath = sizeof(pal::DcecfgKeyRecord::key_path) - 1;
+constexpr std::size_t kMaxValueName = sizeof(pal::DcecfgKeyRecord::value_name) - 1;
+constexpr std::size_t kMaxText = sizeof(pal::DcecfgKeyRecord::value_text) - 1;
 constexpr std::size_t kMaxBinary = 64;
 
 bool IsHexadecimalDigit(char digit) {

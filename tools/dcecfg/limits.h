@@ -12,8 +12,8 @@
 
 namespace dcecfg {
 
-constexpr std::size_t kMaxFileSize = CDCECFGParser::kBufferSize - 1;
-constexpr std::size_t kMaxValues = CDCECFGParser::kMaxRecords;
+constexpr std::size_t kMaxFileSize = pal::CDCECFGParser::kBufferSize - 1;
+constexpr std::size_t kMaxValues = pal::CDCECFGParser::kMaxRecords;
 constexpr LONG kMinDword = -32768;
 constexpr LONG kMaxDword = 32767;
 

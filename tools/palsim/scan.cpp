@@ -1,7 +1,7 @@
 // The scan engine: which one it is, as the library tells it, and how it stands.
 #include <fmt/core.h>
 
-#include "configstore/device_names.h"
+#include "sysinfo/options/device_names.h"
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/commands.h"

@@ -1,0 +1,88 @@
+// What the device says of itself: one source for each thing.
+//
+// `length`: in, the size of `buffer` in bytes; out, the length of the text with its terminator,
+// where a source says nothing else. A failed source changes neither. Both are checked for null.
+#ifndef SYSINFO_IDENTITY_IDENTITY_SOURCES_H_
+#define SYSINFO_IDENTITY_IDENTITY_SOURCES_H_
+
+#include "platform/wince.h"
+
+namespace pal {
+
+using IdentitySource = HRESULT (*)(char* buffer, DWORD* length);
+
+// The model name, parameter 0x00D5.
+//
+// S_OK    done
+// E_FAIL  a null argument; the parameter cannot be read or has no bytes; the text does not fit.
+//         Traced.
+HRESULT PalGetModel(char* buffer, DWORD* length);
+
+// The model name for people, parameter 0x00D6.
+//
+// S_OK        done
+// 0x840F0002  a null argument; traced
+// E_FAIL      the parameter cannot be read or has no bytes; the text does not fit; traced
+HRESULT PalGetDispayModel(char* buffer, DWORD* length);
+
+// The firmware's version. `length` is one more than the text and its terminator need, and is also
+// stored where the text does not fit: callers have to bring one spare byte. That is kept.
+//
+// S_OK    done
+// E_FAIL  a null argument; the kernel control fails; the text does not fit. Traced.
+HRESULT PalGetFirmwareVer(char* buffer, DWORD* length);
+
+// The Ethernet address of parameter 0x0001, each byte in as few hexadecimal digits as it needs.
+//
+// S_OK  always. Where the parameter cannot be read, nothing is written and `length` stays.
+HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length);
+
+// "PocketPC" as the platform spells it, or "WINCE".
+//
+// S_OK        done
+// 0x840F0002  a null argument; traced
+// 0xFFFFFFFF  the version cannot be read, or the platform is not Windows CE
+// 0xFFFFFFF8  the text does not fit
+HRESULT PalGetOS(char* buffer, DWORD* length);
+
+// The operating system's major, minor and build number: "5.2.19202".
+//
+// S_OK        done
+// 0x840F0002  a null argument; traced
+// 0xFFFFFFFF  the version cannot be read, the platform is not Windows CE, or the text does not fit
+HRESULT PalGetOSVer(char* buffer, DWORD* length);
+
+// The hardware configuration, such as "CG0". `length` does not count the terminator.
+//
+// S_OK        done
+// 0x840F0002  a null argument; traced
+// 0xFFFFFFFF  the device has no OEM information
+// 0xFFFFFFF8  the text does not fit
+HRESULT PalGetHwConfig(char* buffer, DWORD* length);
+
+// The serial number.
+//
+// S_OK        done
+// 0x840F0002  a null argument; traced
+// 0xFFFFFFFF  the device has no OEM information
+// 0xFFFFFFF8  the text does not fit
+HRESULT PalGetSerialNum(char* buffer, DWORD* length);
+
+// A factory date, "07/25/2014", of parameter `id`: 0x0003 or 0x0004.
+//
+// S_OK  always. Where the id is another one or the parameter cannot be read, nothing is written and
+//       `length` stays.
+HRESULT PalGetDate(WORD id, char* buffer, DWORD* length);
+
+// The beginning of the hardware configuration with the serial number behind it, or, where that has
+// more than 11 characters, with the Ethernet address behind it.
+//
+// S_OK        done
+// 0x840F0002  a null argument
+// E_FAIL      the text does not fit
+// others      of PalGetHwConfig and PalGetSerialNum
+HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length);
+
+}  // namespace pal
+
+#endif  // SYSINFO_IDENTITY_IDENTITY_SOURCES_H_

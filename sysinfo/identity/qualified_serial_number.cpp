@@ -1,0 +1,40 @@
+// The serial number behind the hardware configuration that it belongs to.
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+#include "frame/result.h"
+#include "sysinfo/identity/answer_text.h"
+#include "sysinfo/identity/identity_result.h"
+#include "sysinfo/identity/identity_sources.h"
+
+namespace pal {
+namespace {
+
+constexpr size_t kConfigurationCharacters = 4;
+constexpr size_t kMostSerialCharacters = 11;
+
+}  // namespace
+
+HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
+  if (buffer == nullptr || length == nullptr) return kInvalidInput;
+  char configuration[128];
+  DWORD configuration_length = sizeof(configuration);
+  HRESULT result = PalGetHwConfig(configuration, &configuration_length);
+  if (Failed(result)) return result;
+  char number[512];
+  DWORD number_length = sizeof(number);
+  result = PalGetSerialNum(number, &number_length);
+  if (Failed(result)) return result;
+  if (std::strlen(number) > kMostSerialCharacters) {
+    number[0] = '\0';  // stays so where the address cannot be read
+    number_length = sizeof(number);
+    result = PalGetEtherMACAddress(number, &number_length);
+    if (Failed(result)) return result;
+  }
+  const size_t kept = std::min<size_t>(configuration_length, kConfigurationCharacters);
+  if (!Copy(std::span(configuration).subspan(kept), number)) return E_FAIL;
+  return PutText(configuration, buffer, length) ? S_OK : E_FAIL;
+}
+
+}  // namespace pal

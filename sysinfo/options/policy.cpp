@@ -1,0 +1,116 @@
+// Policies: for each feature a key that says where its switch stands.
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <span>
+
+#include "frame/registry.h"
+#include "frame/result.h"
+#include "frame/text.h"
+#include "frame/trace.h"
+#include "sysinfo/options/manufacturing_options.h"
+
+namespace pal {
+namespace {
+
+constexpr TraceSource kTrace{Facility::kConfigStore};
+
+constexpr HRESULT PolicyFailure(WORD code) {
+  return FamilyFailure(Facility::kManufacturingOption, code);
+}
+constexpr HRESULT kStateNotRead = PolicyFailure(4);
+constexpr HRESULT kLocationNotRead = PolicyFailure(6);
+constexpr HRESULT kFeatureNotOpened = PolicyFailure(7);
+constexpr HRESULT kStateOutOfRange = PolicyFailure(8);
+constexpr HRESULT kNoFeature = PolicyFailure(9);
+
+constexpr size_t kMaxPathUnits = 260;
+// One unit more than the largest text that is read, so that one without a null is ended too.
+using PolicyText = WCHAR[kMaxPathUnits + 1];
+
+// False for a value of another type, an empty text, and one of more than 520 bytes.
+bool ReadText(HKEY key, const WCHAR* name, PolicyText& text) {
+  DWORD type = REG_NONE;
+  DWORD bytes = kMaxPathUnits * sizeof(WCHAR);
+  const LONG error =
+      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes);
+  if (error != ERROR_SUCCESS || type != REG_SZ) return false;
+  text[bytes / sizeof(WCHAR)] = WCHAR{};  // an odd byte is no unit
+  return text[0] != WCHAR{};
+}
+
+std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
+  DWORD value = 0;
+  DWORD type = REG_NONE;
+  DWORD bytes = sizeof(value);
+  const LONG error =
+      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &bytes);
+  if (error != ERROR_SUCCESS || type != REG_DWORD || bytes == 0) return std::nullopt;
+  return value;
+}
+
+LONG OpenForReading(const WCHAR* path, UniqueRegistryKey& key) {
+  return OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE, key);
+}
+
+bool FeaturePath(const WCHAR* feature, std::span<WCHAR> path) {
+  constexpr WideText kRoot = kPolicyPath;
+  if (!Copy(path, kRoot)) return false;
+  path[kRoot.size()] = TEXT('\\');
+  return Copy(path.subspan(kRoot.size() + 1), feature);
+}
+
+// The key of a feature. A name that is too long for a key's path names no key.
+bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, UniqueRegistryKey& key) {
+  bool opened = false;
+  if (FeaturePath(feature, path)) {
+    kTrace.Info("IsDisabledByPolicy - Open indirect subkey: %ls", path.data());
+    opened = OpenForReading(path.data(), key) == ERROR_SUCCESS;
+  }
+  // The root alone, on purpose: the line before this one has the whole path.
+  if (!opened) {
+    kTrace.Error("IsDisabledByPolicy - Err open indirect subkey: %ls", kPolicyPath);
+  }
+  return opened;
+}
+
+HRESULT ResultOf(DWORD state) {
+  if (state > 1) return kStateOutOfRange;
+  return state == 0 ? kPolicyEnabled : kPolicyDisabled;
+}
+
+}  // namespace
+}  // namespace pal
+
+HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
+  if (feature == nullptr) {
+    pal::kTrace.Error("IsDisabledByPolicy - Invalid input ( feature )");
+    return pal::kNoFeature;
+  }
+  WCHAR feature_path[pal::kMaxPathUnits];
+  pal::UniqueRegistryKey feature_key;
+  if (!pal::OpenFeature(feature, feature_path, feature_key)) return pal::kFeatureNotOpened;
+
+  pal::PolicyText text;
+  if (!pal::ReadText(feature_key.get(), TEXT("PolicyLocation"), text)) {
+    pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls",
+                      feature_path);
+    return pal::kLocationNotRead;
+  }
+  pal::UniqueRegistryKey state_key;
+  if (pal::OpenForReading(text, state_key) != ERROR_SUCCESS) {
+    pal::kTrace.Info("IsDisabledByPolicy - Tavi key nonexistant.  Assume enabled");
+    return pal::kPolicyEnabled;
+  }
+  if (!pal::ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
+    pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
+    return pal::kStateNotRead;
+  }
+  const std::optional<DWORD> state = pal::ReadNumber(state_key.get(), text);
+  if (!state) {
+    pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy state keyvalue");
+    return pal::kStateNotRead;
+  }
+  pal::kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", *state);
+  return pal::ResultOf(*state);
+}
