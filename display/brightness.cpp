@@ -15,8 +15,6 @@ namespace {
 constexpr const WCHAR* kDisplayKey = TEXT("ControlPanel\\Backlight");
 constexpr const WCHAR* kKeypadKey = TEXT("ControlPanel\\Backlight\\Keyboard");
 
-constexpr HRESULT kWriteFailed = FamilyFailure(Facility::kDisplay, 0x08);
-
 constexpr std::array<DWORD, 5> kBrightnessLevels{1, 2, 3, 4, 5};
 constexpr std::array<DWORD, 3> kKeypadModes{0, 2, 4};
 constexpr std::array<DWORD, 2> kKeypadThresholds{0, 1};
@@ -111,8 +109,8 @@ HRESULT Set(const LevelSetting& setting, DWORD level) {
   kDisplayTrace.Info(setting.set, level);
   const HRESULT result = PALRegSetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
   if (Succeeded(result)) return result;
-  TraceFailure(setting, setting.write_failed, static_cast<DWORD>(kWriteFailed));
-  return kWriteFailed;
+  TraceFailure(setting, setting.write_failed, static_cast<DWORD>(PAL_DISP_E_WRITE_FAILED));
+  return PAL_DISP_E_WRITE_FAILED;
 }
 
 HRESULT Get(const LevelSetting& setting, DWORD* level) {

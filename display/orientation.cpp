@@ -11,9 +11,6 @@
 namespace pal {
 namespace {
 
-constexpr HRESULT kBadAngle = FamilyFailure(Facility::kDisplay, 0x01);
-constexpr HRESULT kChangeRefused = FamilyFailure(Facility::kDisplay, 0x02);
-
 struct Orientation {
   LONG angle;
   DWORD code;  // the platform's
@@ -36,7 +33,7 @@ HRESULT PALSetScreenOrientation(LONG angle) {
   const auto* const wanted = std::ranges::find(kOrientations, angle, &Orientation::angle);
   if (wanted == kOrientations.end()) {
     kDisplayTrace.Error("PALSetScreenOrientation - ERROR input.  in: %d\r\n", angle);
-    return kBadAngle;
+    return PAL_DISP_E_NO_SUCH_ORIENTATION;
   }
   DEVMODEW mode = OrientationMode(wanted->code);
   SetLastError(ERROR_SUCCESS);
@@ -46,7 +43,7 @@ HRESULT PALSetScreenOrientation(LONG angle) {
       "PALSetScreenOrientation - 0x%x=ChangeDisplaySettingsEx(reg_angle:%d[os_angle:%d]). "
       "dur: %d\r\n",
       change, angle, wanted->code, GetTickCount() - begin);
-  if (change != DISP_CHANGE_SUCCESSFUL) return kChangeRefused;
+  if (change != DISP_CHANGE_SUCCESSFUL) return PAL_DISP_E_CHANGE_REFUSED;
   return PALRegSetDword(HKEY_LOCAL_MACHINE, TEXT("System\\GDI\\Rotation"), TEXT("Angle"),
                         static_cast<DWORD>(angle));
 }

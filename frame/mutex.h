@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "frame/facility.h"
 #include "frame/result.h"
 #include "platform/wince.h"
 
@@ -20,7 +21,8 @@ namespace pal {
 
 // S_OK        released
 // S_FALSE     `mutex` is null; traced
-// 0x8007xxxx  the error of the release, 0x80070120 where the caller does not own the mutex; traced
+// PAL_E_WIN32(error)  the error of the release, PAL_E_WIN32(0x120) where the caller does not own
+// the mutex; traced
 HRESULT PALReleaseMutexIfValid(Facility facility, HANDLE mutex);
 
 // The wait of the feedback families.

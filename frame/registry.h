@@ -4,8 +4,9 @@
 // traces. Results, where a helper says nothing else:
 //   S_OK        done
 //   E_FAIL      a null path, name, buffer or out-pointer; nothing was opened or changed
-//   0x8007xxxx  the error of the open, the query or the write: 0x80070002 where the key or
-//               the value does not exist, 0x800700EA where the value is larger than the buffer
+//   PAL_E_WIN32(error)  the error of the open, the query or the write: PAL_E_FILE_NOT_FOUND where
+//   the key or
+//               the value does not exist, PAL_E_MORE_DATA where the value is larger than the buffer
 // The setters but PALRegCreateSetDword need a key that exists. Out-parameters are written on
 // success only. No getter checks the type of the value.
 #ifndef FRAME_REGISTRY_H_
@@ -53,7 +54,7 @@ namespace pal {
                                       DWORD* bytes);
 
 // Reads a text of at most 520 bytes up to its first null. `bytes` receives the size of the stored
-// value. 0x800700EA also where the text and its terminator do not fit `text`.
+// value. PAL_E_MORE_DATA also where the text and its terminator do not fit `text`.
 [[nodiscard]] HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name,
                                       std::span<WCHAR> text, DWORD* bytes);
 

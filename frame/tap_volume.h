@@ -23,7 +23,8 @@ struct TapVolume {
 // S_OK        done
 // E_FAIL      another level, nothing was changed; or the value is written and ApplyAudioSetting
 //             failed. Traced.
-// 0x8007xxxx  the error of the write, 0x80070002 where there is no such key; traced
+// PAL_E_WIN32(error)  the error of the write, PAL_E_FILE_NOT_FOUND where there is no such key;
+// traced
 [[nodiscard]] HRESULT SetTapVolume(const TapVolume& volume, DWORD level);
 
 // Reads the level back: 0x10002 is 2, 0x10000 is 0, anything else is what is stored. `level` is
@@ -31,7 +32,8 @@ struct TapVolume {
 //
 // S_OK        done
 // E_FAIL      `level` is null
-// 0x8007xxxx  the error of the read, 0x80070002 where there is no such key or value; traced
+// PAL_E_WIN32(error)  the error of the read, PAL_E_FILE_NOT_FOUND where there is no such key or
+// value; traced
 [[nodiscard]] HRESULT GetTapVolume(const TapVolume& volume, DWORD* level);
 
 }  // namespace pal

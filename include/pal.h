@@ -17,6 +17,7 @@
 #include "palonewire.h"
 #include "palpwr.h"
 #include "palreg.h"
+#include "palresult.h"
 #include "palscan.h"
 #include "palsecurity.h"
 #include "palstore.h"

@@ -46,6 +46,7 @@
 #ifndef PALBEEP_H_
 #define PALBEEP_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -83,8 +84,8 @@ HRESULT PALAPI PALBEEPTerm(void);
  *                     refused the volume; the control panel's volume cannot be read; for a step,
  *                     "CurrentVol" cannot be read or is no level's word, or the next level has no
  *                     word.
- * @retval 0x8007xxxx  the error of writing the control panel's volume, or for a step "CurrentVol".
- *                     That a level's word could not be copied to "CurrentVol" is not told.
+ * @retval PAL_E_WIN32(error)  the error of writing the control panel's volume, or for a step
+ * "CurrentVol". That a level's word could not be copied to "CurrentVol" is not told.
  */
 HRESULT PALAPI PALBEEPSetVolume(DWORD setting);
 
@@ -106,7 +107,7 @@ HRESULT PALAPI PALBEEPGetVolume(DWORD* level);
  *
  * @retval S_OK        copied
  * @retval E_FAIL      the word cannot be read, or @p volume_index is above 9; nothing was changed
- * @retval 0x8007xxxx  the error of writing "CurrentHeadset"
+ * @retval PAL_E_WIN32(error)  the error of writing "CurrentHeadset"
  */
 HRESULT PALAPI PALBEEPSetHeadsetBeeperVolume(DWORD volume_index);
 
@@ -171,7 +172,8 @@ HRESULT PALAPI PALBEEPGetHeadsetGain(DWORD* gain);
  *
  * @retval S_OK        written
  * @retval E_FAIL      a number is out of its range; nothing was changed
- * @retval 0x8007xxxx  the error of writing: 0x80070002 where the key does not exist
+ * @retval PAL_E_WIN32(error)  the error of writing: PAL_E_FILE_NOT_FOUND where the key does not
+ * exist
  */
 HRESULT PALAPI PALBEEPSetGRI(DWORD scan_type, DWORD value);
 
@@ -183,7 +185,7 @@ HRESULT PALAPI PALBEEPSetGRI(DWORD scan_type, DWORD value);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      @p scan_type is above 3, or @p value is null
- * @retval 0x8007xxxx  the error of reading: 0x80070002 where it was never set
+ * @retval PAL_E_WIN32(error)  the error of reading: PAL_E_FILE_NOT_FOUND where it was never set
  */
 HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
 
@@ -207,10 +209,9 @@ HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
  *                       done
  * @retval E_FAIL        the volume could not be put back, or could not be set to 0 for a silent
  *                       tone; without a tone, the vibration's failure
- * @retval 0x8007xxxx    the error of reading the file's path: 0x80070002 where there is none,
- *                       0x800700EA where its value has more than 520 bytes, or 260 units without
- *                       an end. Without a tone, the error of reading the indicator, or that of the
- *                       vibration.
+ * @retval PAL_E_WIN32(error)    the error of reading the file's path: PAL_E_FILE_NOT_FOUND where
+ * there is none, PAL_E_MORE_DATA where its value has more than 520 bytes, or 260 units without an
+ * end. Without a tone, the error of reading the indicator, or that of the vibration.
  */
 HRESULT PALAPI PALBEEPGoodReadEx(DWORD in_scan_type);
 
@@ -230,7 +231,7 @@ HRESULT PALAPI PALBEEPBadRead(void);
  * @retval E_INVALIDARG  there is no mutex (PALBEEPInit); nothing was done
  * @retval E_FAIL        the volume could not be put back, or could not be set to 0 for a silent
  *                       tone
- * @retval 0x8007xxxx    the error of reading the file's path, as of PALBEEPGoodReadEx
+ * @retval PAL_E_WIN32(error)    the error of reading the file's path, as of PALBEEPGoodReadEx
  */
 HRESULT PALAPI PALBEEPChangeConfig(void);
 
@@ -259,7 +260,7 @@ HRESULT PALAPI PALBEEPStartTagSearch(void);
  * @retval S_OK          done
  * @retval E_INVALIDARG  there is no mutex (PALBEEPInit); nothing was done
  * @retval E_FAIL        the volume could not be put back
- * @retval 0x8007xxxx    the error of stopping the sound
+ * @retval PAL_E_WIN32(error)    the error of stopping the sound
  */
 HRESULT PALAPI PALBEEPStopTagSearch(void);
 

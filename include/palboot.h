@@ -9,6 +9,7 @@
 #ifndef PALBOOT_H_
 #define PALBOOT_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -10,6 +10,7 @@
 #ifndef PALCOMXPWR_H_
 #define PALCOMXPWR_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

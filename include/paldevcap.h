@@ -17,6 +17,7 @@
 #ifndef PALDEVCAP_H_
 #define PALDEVCAP_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -14,6 +14,7 @@
 #ifndef PALDISP_H_
 #define PALDISP_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -38,7 +39,8 @@ HRESULT PALAPI PALDISPTerm(void);
  *
  * @retval S_OK       stored
  * @retval E_FAIL     another level; nothing was changed
- * @retval 0x83EE0008 it cannot be written, whatever the reason: the key is missing, for example
+ * @retval PAL_DISP_E_WRITE_FAILED it cannot be written, whatever the reason: the key is missing,
+ * for example
  */
 HRESULT PALAPI PALDISPSetDisplayBrightnessAmbient(DWORD level);
 
@@ -49,8 +51,8 @@ HRESULT PALAPI PALDISPSetDisplayBrightnessAmbient(DWORD level);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     @p level is null
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where the value is missing,
- *                    0x800700EA where it has more than four bytes
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
+ * is missing, PAL_E_MORE_DATA where it has more than four bytes
  */
 HRESULT PALAPI PALDISPGetDisplayBrightnessAmbient(DWORD* level);
 
@@ -108,10 +110,11 @@ HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold);
  * @param angle 0, 90, 180 or 270 degrees
  *
  * @retval S_OK       turned and stored
- * @retval 0x83EE0001 another angle; nothing was changed
- * @retval 0x83EE0002 the display driver refused; screen and registry are as they were
- * @retval 0x8007xxxx turned, but not stored: the system error of the registry, 0x80070002 where the
- *                    key is missing
+ * @retval PAL_DISP_E_NO_SUCH_ORIENTATION another angle; nothing was changed
+ * @retval PAL_DISP_E_CHANGE_REFUSED the display driver refused; screen and registry are as they
+ * were
+ * @retval PAL_E_WIN32(error) turned, but not stored: the system error of the registry,
+ * PAL_E_FILE_NOT_FOUND where the key is missing
  */
 HRESULT PALAPI PALDISPSetOrientation(LONG angle);
 
@@ -132,7 +135,7 @@ HRESULT PALAPI PALDISPGetOrientation(LONG* angle);
  * @param style any number; its meaning is the input panel's
  *
  * @retval S_OK       stored
- * @retval 0x8007xxxx the system error of creating the key or of writing the value
+ * @retval PAL_E_WIN32(error) the system error of creating the key or of writing the value
  */
 HRESULT PALAPI PALDISPSetSIPDock(DWORD style);
 
@@ -143,7 +146,8 @@ HRESULT PALAPI PALDISPSetSIPDock(DWORD style);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     @p style is null
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where key or value are missing
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where key or
+ * value are missing
  */
 HRESULT PALAPI PALDISPGetSIPDock(DWORD* style);
 
@@ -156,8 +160,8 @@ HRESULT PALAPI PALDISPGetSIPDock(DWORD* style);
  * @retval S_OK       stored, and the audio driver was told
  * @retval E_FAIL     another level, and nothing was changed; or stored, but the audio driver cannot
  *                    be told
- * @retval 0x8007xxxx the system error of the registry, and nothing was stored: 0x80070002 where the
- *                    key is missing
+ * @retval PAL_E_WIN32(error) the system error of the registry, and nothing was stored:
+ * PAL_E_FILE_NOT_FOUND where the key is missing
  */
 HRESULT PALAPI PALDISPSetScreenTapVol(DWORD level);
 
@@ -169,7 +173,8 @@ HRESULT PALAPI PALDISPSetScreenTapVol(DWORD level);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     @p level is null
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where the value is missing
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
+ * is missing
  */
 HRESULT PALAPI PALDISPGetScreenTapVol(DWORD* level);
 

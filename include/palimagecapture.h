@@ -9,6 +9,7 @@
 #ifndef PALIMAGECAPTURE_H_
 #define PALIMAGECAPTURE_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -21,6 +21,7 @@
 #ifndef PALKEY_H_
 #define PALKEY_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -115,7 +116,7 @@ HRESULT PALAPI PALKEYGetNumButtons(DWORD* count);
  *                     failure. Not null.
  *
  * @retval S_OK        done
- * @retval 0x83ED0007  the button is not supported, or there is no such number
+ * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, or there is no such number
  * @retval E_FAIL      @p name or @p length is null
  */
 HRESULT PALAPI PALKEYGetButtonName(LONG button, char* name, DWORD* length);
@@ -134,7 +135,7 @@ HRESULT PALAPI PALKEYGetButtonName(LONG button, char* name, DWORD* length);
  *                     where the two names belong to different ones. Not null.
  *
  * @retval S_OK        answered
- * @retval 0x83ED0007  the button is not supported, as in PALKEYGetButtonName
+ * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, as in PALKEYGetButtonName
  * @retval E_FAIL      @p action is null; or the path of the active layout, which was read when the
  *                     button was looked for, can then no longer be read
  */
@@ -160,8 +161,9 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
  * @param action  A PALKeyAction, 1 to 7.
  *
  * @retval S_OK        done
- * @retval 0x83ED0005  @p action is not 1 to 7; nothing was changed
- * @retval 0x83ED0007  the button is not supported, as in PALKEYGetButtonName; nothing was changed
+ * @retval PAL_KEY_E_NO_SUCH_ACTION  @p action is not 1 to 7; nothing was changed
+ * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, as in PALKEYGetButtonName; nothing
+ * was changed
  * @retval E_FAIL      the layout has no key "EVENTS\DELTA" or "EVENTS\STATE"; the name under
  *                     "EVENTS\DELTA" cannot be written; for plane 2 the layout's key or that of the
  *                     saved records cannot be opened, the saved plane cannot be read or has 4096
@@ -182,8 +184,9 @@ HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action);
  * @param state  0 disables; any other number enables and is written as 1.
  *
  * @retval S_OK        the key's last value is written
- * @retval 0x83ED0004  there is no such control key; nothing was written
- * @retval 0x8007xxxx  the error of the last write: 0x80070002 where the registry key does not exist
+ * @retval PAL_KEY_E_NO_SUCH_CONTROL_KEY  there is no such control key; nothing was written
+ * @retval PAL_E_WIN32(error)  the error of the last write: PAL_E_FILE_NOT_FOUND where the registry
+ * key does not exist
  */
 HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state);
 
@@ -198,9 +201,10 @@ HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      @p behavior is null
- * @retval 0x8007xxxx  the error of opening "Hardware\Devicemap\Keybd", of reading the layout's
- * path, of opening "ShiftKeys" or of listing its values: 0x80070002 where one is missing,
- * 0x800700EA where the path has more than 260 characters or the list more than 65536 values
+ * @retval PAL_E_WIN32(error)  the error of opening "Hardware\Devicemap\Keybd", of reading the
+ * layout's path, of opening "ShiftKeys" or of listing its values: PAL_E_FILE_NOT_FOUND where one is
+ * missing, PAL_E_MORE_DATA where the path has more than 260 characters or the list more than 65536
+ * values
  */
 HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior);
 
@@ -214,8 +218,8 @@ HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior);
  *
  * @retval S_OK          every shift key that could be listed is written
  * @retval E_INVALIDARG  @p behavior is above 2; nothing was changed
- * @retval 0x8007xxxx    as in PALKEYGetShiftBehavior, but for a failed list; or the error of
- *                       writing a shift key, and those behind it are unchanged
+ * @retval PAL_E_WIN32(error)    as in PALKEYGetShiftBehavior, but for a failed list; or the error
+ * of writing a shift key, and those behind it are unchanged
  */
 HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior);
 
@@ -230,7 +234,8 @@ HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior);
  * @retval S_OK        done
  * @retval E_FAIL      @p level is above 2, nothing was changed; or the audio driver cannot be told,
  *                     and the level is kept
- * @retval 0x8007xxxx  the error of the write: 0x80070002 where the registry key does not exist
+ * @retval PAL_E_WIN32(error)  the error of the write: PAL_E_FILE_NOT_FOUND where the registry key
+ * does not exist
  */
 HRESULT PALAPI PALKEYSetKeyTapVol(DWORD level);
 
@@ -242,7 +247,8 @@ HRESULT PALAPI PALKEYSetKeyTapVol(DWORD level);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      @p level is null
- * @retval 0x8007xxxx  the error of the read: 0x80070002 where the key or the value does not exist
+ * @retval PAL_E_WIN32(error)  the error of the read: PAL_E_FILE_NOT_FOUND where the key or the
+ * value does not exist
  */
 HRESULT PALAPI PALKEYGetKeyTapVol(DWORD* level);
 

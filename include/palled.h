@@ -22,6 +22,7 @@
 #ifndef PALLED_H_
 #define PALLED_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -33,7 +34,8 @@ PAL_INTERFACE_BEGIN
  * its whole time.
  *
  * @retval S_OK        done, also where the event could not be created
- * @retval 0x8007xxxx  the error of creating the mutex; handles of an earlier call stay in use
+ * @retval PAL_E_WIN32(error)  the error of creating the mutex; handles of an earlier call stay in
+ * use
  */
 HRESULT PALAPI PALLEDInit(void);
 
@@ -90,8 +92,8 @@ HRESULT PALAPI PALLEDGrLedToggle(DWORD scan_type);
  * @retval S_OK          answered
  * @retval E_FAIL        @p scan_type is above 3 or @p state is null; nothing is read or traced
  * @retval E_INVALIDARG  PALLEDInit has not made the mutex
- * @retval 0x8007xxxx    the error of opening the key or reading the value: 0x80070002 where there
- *                       is none
+ * @retval PAL_E_WIN32(error)    the error of opening the key or reading the value:
+ * PAL_E_FILE_NOT_FOUND where there is none
  */
 HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state);
 

@@ -11,8 +11,8 @@
  * or during provisioning and seeds the registry of the data-collection stack.
  *
  * The functions here may be called from any thread of any process. They take no lock: the files are
- * opened without sharing, so of two callers at once one may get 0x80070020 (sharing violation), and
- * provisioning runs one process at a time.
+ * opened without sharing, so of two callers at once one may get PAL_E_SHARING_VIOLATION (sharing
+ * violation), and provisioning runs one process at a time.
  *
  * A null out-pointer gives E_FAIL, and nothing is read, written or traced. The steps of every
  * function are traced with facility 1008.
@@ -20,6 +20,7 @@
 #ifndef PALMFGOPT_H_
 #define PALMFGOPT_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -63,7 +64,8 @@ HRESULT PALAPI PALMFGOpt_InternalDeviceType(DWORD* type, DWORD* s6_installed);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      the file is empty, or @p type is null
- * @retval 0x8007xxxx  the error of opening or reading the file: 0x80070002 where there is none
+ * @retval PAL_E_WIN32(error)  the error of opening or reading the file: PAL_E_FILE_NOT_FOUND where
+ * there is none
  */
 HRESULT PALAPI PALMFGOpt_InternalDevice2Type(DWORD* type);
 
@@ -75,7 +77,8 @@ HRESULT PALAPI PALMFGOpt_InternalDevice2Type(DWORD* type);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      the file is empty, or @p orientation is null
- * @retval 0x8007xxxx  the error of opening or reading the file: 0x80070002 where there is none
+ * @retval PAL_E_WIN32(error)  the error of opening or reading the file: PAL_E_FILE_NOT_FOUND where
+ * there is none
  */
 HRESULT PALAPI PALMFGOpt_InternalDevice_ImageOrientation(DWORD* orientation);
 
@@ -87,7 +90,8 @@ HRESULT PALAPI PALMFGOpt_InternalDevice_ImageOrientation(DWORD* orientation);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      the file is empty, or @p rotation is null
- * @retval 0x8007xxxx  the error of opening or reading the file: 0x80070002 where there is none
+ * @retval PAL_E_WIN32(error)  the error of opening or reading the file: PAL_E_FILE_NOT_FOUND where
+ * there is none
  */
 HRESULT PALAPI PALMFGOpt_InternalDevice2_MountingRotation(DWORD* rotation);
 
@@ -148,13 +152,15 @@ HRESULT PALAPI PALMFGOpt_IsBluetoothModuleInstalled(DWORD* installed);
  * @param feature  The name of the feature, for example "Bluetooth", as null-terminated UTF-16. The
  *                 path of its key has at most 259 units.
  *
- * @retval 0x04320001  enabled; also where the key that "PolicyLocation" names does not exist
- * @retval 0x04320002  disabled
- * @retval 0x84320004  "PolicyKey", or the DWORD that it names, cannot be read
- * @retval 0x84320006  "PolicyLocation" cannot be read
- * @retval 0x84320007  the feature has no key, its key cannot be opened, or @p feature is too long
- * @retval 0x84320008  the DWORD is neither 0 nor 1
- * @retval 0x84320009  @p feature is null
+ * @retval PAL_MFGOPT_S_ENABLED  enabled; also where the key that "PolicyLocation" names does not
+ * exist
+ * @retval PAL_MFGOPT_S_DISABLED  disabled
+ * @retval PAL_MFGOPT_E_VALUE_UNREADABLE  "PolicyKey", or the DWORD that it names, cannot be read
+ * @retval PAL_MFGOPT_E_LOCATION_UNREADABLE  "PolicyLocation" cannot be read
+ * @retval PAL_MFGOPT_E_NO_SUCH_FEATURE  the feature has no key, its key cannot be opened, or @p
+ * feature is too long
+ * @retval PAL_MFGOPT_E_VALUE_INVALID  the DWORD is neither 0 nor 1
+ * @retval PAL_MFGOPT_E_NO_FEATURE_GIVEN  @p feature is null
  */
 HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
 
@@ -169,8 +175,9 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  *
  * @retval S_OK        written
  * @retval E_FAIL      nothing was written though the write did not fail
- * @retval 0x8007xxxx  the error of opening, creating, positioning or writing the file: 0x80070003
- *                     where there is no folder "\ConfigStore", 0x80070020 where the file is in use
+ * @retval PAL_E_WIN32(error)  the error of opening, creating, positioning or writing the file:
+ * PAL_E_PATH_NOT_FOUND where there is no folder "\ConfigStore", PAL_E_SHARING_VIOLATION where the
+ * file is in use
  */
 HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status);
 
@@ -185,8 +192,9 @@ HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      @p status is null; the file is then not created
- * @retval 0x8007xxxx  the error of opening, creating, positioning or reading the file: 0x80070003
- *                     where there is no folder "\ConfigStore", 0x80070020 where the file is in use
+ * @retval PAL_E_WIN32(error)  the error of opening, creating, positioning or reading the file:
+ * PAL_E_PATH_NOT_FOUND where there is no folder "\ConfigStore", PAL_E_SHARING_VIOLATION where the
+ * file is in use
  */
 HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scan_type, DWORD* status);
 

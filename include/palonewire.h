@@ -9,6 +9,7 @@
 #ifndef PALONEWIRE_H_
 #define PALONEWIRE_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

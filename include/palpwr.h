@@ -16,6 +16,7 @@
 #ifndef PALPWR_H_
 #define PALPWR_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -26,8 +27,8 @@ PAL_INTERFACE_BEGIN
  * nothing.
  *
  * @retval S_OK       both events are there
- * @retval 0x83EFxxxx an event could not be created; xxxx are the low 16 bits of the system error.
- *                    No event is kept: a further call tries again
+ * @retval PAL_PWR_E_EVENT(error) an event could not be created; xxxx are the low 16 bits of the
+ * system error. No event is kept: a further call tries again
  */
 HRESULT PALAPI PALPWRInit(void);
 
@@ -46,13 +47,13 @@ HRESULT PALAPI PALPWRTerm(void);
  * @param minutes 0 (never), 1, 2, 3, 4, 5, 6, 10, 11, 15 or 30
  *
  * @retval S_OK       stored, and the power manager was told
- * @retval 0x83EF0011 not one of these values; nothing was changed
- * @retval 0x83EF000D stored, but there is no event to tell the power manager with: PALPWRInit was
- *                    not called or failed
- * @retval 0x83EFxxxx stored, but the event could not be set; xxxx are the low 16 bits of the system
- *                    error
- * @retval 0x8007xxxx not stored: the system error of the registry, 0x80070002 where the key is
- *                    missing
+ * @retval PAL_PWR_E_NO_SUCH_TIMEOUT not one of these values; nothing was changed
+ * @retval PAL_PWR_E_NO_EVENT stored, but there is no event to tell the power manager with:
+ * PALPWRInit was not called or failed
+ * @retval PAL_PWR_E_EVENT(error) stored, but the event could not be set; xxxx are the low 16 bits
+ * of the system error
+ * @retval PAL_E_WIN32(error) not stored: the system error of the registry, PAL_E_FILE_NOT_FOUND
+ * where the key is missing
  */
 HRESULT PALAPI PALPWRSetDeviceOff_Batt(DWORD minutes);
 
@@ -73,8 +74,8 @@ HRESULT PALAPI PALPWRSetDeviceOff_ExtPwr(DWORD minutes);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     @p minutes is null
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where the value is missing,
- *                    0x800700EA where it has more than four bytes
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
+ * is missing, PAL_E_MORE_DATA where it has more than four bytes
  */
 HRESULT PALAPI PALPWRGetDeviceOff_Batt(DWORD* minutes);
 
@@ -90,8 +91,9 @@ HRESULT PALAPI PALPWRGetDeviceOff_ExtPwr(DWORD* minutes);
  *
  * @retval S_OK       stored, and the power manager was told where there is an event to tell it by;
  *                    or not one of these values, and nothing was changed
- * @retval 0x8007xxxx the system error of the registry, and nothing was stored: 0x80070002 where the
- *                    key is missing; or of setting the event, after the value was stored
+ * @retval PAL_E_WIN32(error) the system error of the registry, and nothing was stored:
+ * PAL_E_FILE_NOT_FOUND where the key is missing; or of setting the event, after the value was
+ * stored
  */
 HRESULT PALAPI PALPWRSetScreenOff_Batt(LONG seconds);
 
@@ -111,7 +113,7 @@ HRESULT PALAPI PALPWRSetScreenOff_ExtPwr(LONG seconds);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     @p seconds is null
- * @retval 0x8007xxxx as for PALPWRGetDeviceOff_Batt
+ * @retval PAL_E_WIN32(error) as for PALPWRGetDeviceOff_Batt
  */
 HRESULT PALAPI PALPWRGetScreenOff_Batt(DWORD* seconds);
 
@@ -126,8 +128,8 @@ HRESULT PALAPI PALPWRGetScreenOff_ExtPwr(DWORD* seconds);
  * @retval S_OK       the driver has taken it; also where it cannot be opened and the system gives
  *                    no error for that
  * @retval 19         the driver refused it. No HRESULT: taken for one it is a success
- * @retval 0x8007xxxx the driver cannot be opened: 0x80070037 where the device has none, 0x80070020
- *                    while another has it open
+ * @retval PAL_E_WIN32(error) the driver cannot be opened: PAL_E_DEV_NOT_EXIST where the device has
+ * none, PAL_E_SHARING_VIOLATION while another has it open
  */
 HRESULT PALAPI PALPWRSetBootOption(DWORD option);
 
@@ -140,7 +142,7 @@ HRESULT PALAPI PALPWRSetBootOption(DWORD option);
  *                    for that, and then @p option is not written
  * @retval E_FAIL     @p option is null; the driver was not opened
  * @retval 19         the driver does not answer. No HRESULT: taken for one it is a success
- * @retval 0x8007xxxx as for PALPWRSetBootOption
+ * @retval PAL_E_WIN32(error) as for PALPWRSetBootOption
  */
 HRESULT PALAPI PALPWRGetBootOption(DWORD* option);
 
@@ -152,7 +154,8 @@ HRESULT PALAPI PALPWRGetBootOption(DWORD* option);
  *               Any other number is stored as option 0 is
  *
  * @retval S_OK       stored
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where the key is missing
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the key
+ * is missing
  */
 HRESULT PALAPI PALPWRSetPwrButton(LONG option);
 
@@ -163,7 +166,8 @@ HRESULT PALAPI PALPWRSetPwrButton(LONG option);
  *
  * @retval S_OK       answered
  * @retval E_FAIL     what is stored is the code of no option, or @p option is null
- * @retval 0x8007xxxx the system error of the registry: 0x80070002 where the value is missing
+ * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
+ * is missing
  */
 HRESULT PALAPI PALPWRGetPwrButton(DWORD* option);
 

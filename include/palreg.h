@@ -10,6 +10,7 @@
 #ifndef PALREG_H_
 #define PALREG_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -26,6 +26,7 @@
 #ifndef PALSCAN_H_
 #define PALSCAN_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -14,6 +14,7 @@
 #ifndef PALSECURITY_H_
 #define PALSECURITY_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -42,9 +43,9 @@ HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled);
  * @retval S_OK        both commands are written
  * @retval E_FAIL      a command has fewer than seven characters or is not terminated; it is left as
  *                     it is
- * @retval 0x8007xxxx  the error of opening, reading or writing a key: 0x80070002 where the key or
- *                     its unnamed value is missing, 0x800700EA where the command has more than 512
- *                     bytes; the command is left as it is
+ * @retval PAL_E_WIN32(error)  the error of opening, reading or writing a key: PAL_E_FILE_NOT_FOUND
+ * where the key or its unnamed value is missing, PAL_E_MORE_DATA where the command has more than
+ * 512 bytes; the command is left as it is
  */
 HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
 

@@ -21,6 +21,7 @@
 #ifndef PALSTORE_H_
 #define PALSTORE_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -46,11 +47,12 @@ typedef enum PALUsbFunction {
  * @param[out] option  A PALUsbFunction. Not null. Unchanged on failure.
  *
  * @retval S_OK       answered
- * @retval 0x844F0001 @p option is null, or the current client's name has more than 127 characters
- * @retval 0x844F0003 the bus does not tell its current client
- * @retval 0x844F0004 the bus cannot be opened
- * @retval 0x844F0005 there is no current client, or it is none of the four; the volume's name is
- *                    neither "DSK1:" nor "DSK2:", is missing, cannot be read or is longer than 256
+ * @retval PAL_STORE_E_INVALID_INPUT @p option is null, or the current client's name has more than
+ * 127 characters
+ * @retval PAL_STORE_E_GET_FAILED the bus does not tell its current client
+ * @retval PAL_STORE_E_BUS_NOT_OPENED the bus cannot be opened
+ * @retval PAL_STORE_E_UNKNOWN_CLIENT there is no current client, or it is none of the four; the
+ * volume's name is neither "DSK1:" nor "DSK2:", is missing, cannot be read or is longer than 256
  *                    bytes
  */
 HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option);
@@ -65,11 +67,12 @@ HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option);
  * @param option  A PALUsbFunction, 0 to 3.
  *
  * @retval S_OK        chosen
- * @retval 0x844F0001  @p option is above 3; neither the bus nor the registry is touched
- * @retval 0x844F0002  the bus refuses the client in one of the two steps
- * @retval 0x844F0004  the bus cannot be opened
- * @retval 0x8007xxxx  the system error of writing the volume's name: 0x80070002 where its key does
- *                     not exist. The second step is not made
+ * @retval PAL_STORE_E_INVALID_INPUT  @p option is above 3; neither the bus nor the registry is
+ * touched
+ * @retval PAL_STORE_E_SELECT_FAILED  the bus refuses the client in one of the two steps
+ * @retval PAL_STORE_E_BUS_NOT_OPENED  the bus cannot be opened
+ * @retval PAL_E_WIN32(error)  the system error of writing the volume's name: PAL_E_FILE_NOT_FOUND
+ * where its key does not exist. The second step is not made
  */
 HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option);
 
@@ -80,10 +83,10 @@ HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option);
  *                      a null pointer. Not null.
  *
  * @retval S_OK        answered
- * @retval 0x844F0001  @p enabled is null
- * @retval 0x8007xxxx  the system error of opening the drivers' key (0x80070002 where it does not
- *                     exist), of listing or opening a driver, or of reading its "Dll"; 0x800700EA
- *                     where that is longer than 520 bytes
+ * @retval PAL_STORE_E_INVALID_INPUT  @p enabled is null
+ * @retval PAL_E_WIN32(error)  the system error of opening the drivers' key (PAL_E_FILE_NOT_FOUND
+ * where it does not exist), of listing or opening a driver, or of reading its "Dll";
+ * PAL_E_MORE_DATA where that is longer than 520 bytes
  */
 HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled);
 
@@ -99,9 +102,9 @@ HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled);
  * @param enable  Not 0: disks are taken; 0: they are not.
  *
  * @retval S_OK        no driver has a text under the old name any more
- * @retval 0x8007xxxx  the system error of opening the drivers' key (0x80070002 where it does not
- *                     exist), of listing or opening a driver, or of reading, writing or deleting
- *                     its text; 0x800700EA where that is longer than 520 bytes
+ * @retval PAL_E_WIN32(error)  the system error of opening the drivers' key (PAL_E_FILE_NOT_FOUND
+ * where it does not exist), of listing or opening a driver, or of reading, writing or deleting its
+ * text; PAL_E_MORE_DATA where that is longer than 520 bytes
  */
 HRESULT PALAPI PALStore_SetUsbHostMassStorageEnable(BOOL enable);
 

@@ -17,6 +17,7 @@
 #ifndef PALSYSINFO_H_
 #define PALSYSINFO_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -78,8 +79,8 @@ HRESULT PALAPI PALSysinfo_Term(void);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval E_FAIL     The parameter cannot be read or holds no byte.
  */
 HRESULT PALAPI PALSysinfo_GetModelExA(char* buffer, DWORD* length);
@@ -98,8 +99,8 @@ HRESULT PALAPI PALSysinfo_GetModelExW(WCHAR* buffer, DWORD* length);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval E_FAIL     The kernel control fails.
  */
 HRESULT PALAPI PALSysinfo_GetFirmwareVerExA(char* buffer, DWORD* length);
@@ -121,8 +122,8 @@ HRESULT PALAPI PALSysinfo_GetFirmwareVerExW(WCHAR* buffer, DWORD* length);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval 0xFFFFFFFF The device has no OEM information, or it cannot be read.
  * @retval 0xFFFFFFF8 The serial number has more than 255 characters.
  */
@@ -142,8 +143,8 @@ HRESULT PALAPI PALSysinfo_GetSerialNumberExW(WCHAR* buffer, DWORD* length);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval 0xFFFFFFFF The device has no OEM information, or it cannot be read.
  */
 HRESULT PALAPI PALSysinfo_GetHwConfigExA(char* buffer, DWORD* length);
@@ -161,8 +162,8 @@ HRESULT PALAPI PALSysinfo_GetHwConfigExW(WCHAR* buffer, DWORD* length);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE (platform id
  *                    3).
  */
@@ -180,8 +181,8 @@ HRESULT PALAPI PALSysinfo_GetOSExW(WCHAR* buffer, DWORD* length);
  *                @p buffer is null or too short, the bytes needed. Not null. Unchanged on every
  *                other failure.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p length is null.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE (platform id
  *                    3).
  */
@@ -197,7 +198,7 @@ HRESULT PALAPI PALSysinfo_GetOSVerExW(WCHAR* buffer, DWORD* length);
  * @param buffer  Room for 64 bytes, 32 characters; receives the text with its terminator and is
  *                unchanged on failure. Null only asks whether there is a text.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The text is too long for the buffer.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The text is too long for the buffer.
  * @retval E_FAIL     The parameter cannot be read or holds no byte.
  */
 HRESULT PALAPI PALSysinfo_GetModel(WCHAR* buffer);
@@ -215,7 +216,7 @@ HRESULT PALAPI PALSysinfo_GetModelA(char* buffer);
  * @param buffer  Room for 64 bytes, 32 characters; receives the text with its terminator and is
  *                unchanged on failure. Null only asks whether there is a text.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The text is too long for the buffer.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The text is too long for the buffer.
  * @retval E_FAIL     The kernel control fails.
  */
 HRESULT PALAPI PALSysinfo_GetFirmwareVersion(WCHAR* buffer);
@@ -232,7 +233,7 @@ HRESULT PALAPI PALSysinfo_GetFirmwareVersionA(char* buffer);
  * @param buffer  Room for 64 bytes, 32 characters; receives the text with its terminator and is
  *                unchanged on failure. Null only asks whether there is a text.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The text is too long for the buffer.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The text is too long for the buffer.
  * @retval 0xFFFFFFFF The device has no OEM information, or it cannot be read.
  * @retval 0xFFFFFFF8 The serial number has more than 255 characters.
  */
@@ -250,7 +251,7 @@ HRESULT PALAPI PALSysinfo_GetSerialNumberA(char* buffer);
  * @param buffer  Room for 64 bytes, 32 characters; receives the text with its terminator and is
  *                unchanged on failure. Null only asks whether there is a text.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The text is too long for the buffer.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The text is too long for the buffer.
  * @retval 0xFFFFFFFF The device has no OEM information, or it cannot be read.
  */
 HRESULT PALAPI PALSysinfo_GetHardwareConfiguration(WCHAR* buffer);
@@ -269,7 +270,7 @@ HRESULT PALAPI PALSysinfo_GetHardwareConfigurationA(char* buffer);
  * @param buffer  Room for 64 bytes, 32 characters; receives the text with its terminator and is
  *                unchanged on failure. Null only asks whether there is a text.
  * @retval S_OK       Done; also with a null @p buffer.
- * @retval 0x840F0001 The parameter cannot be read or holds no byte.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The parameter cannot be read or holds no byte.
  */
 HRESULT PALAPI PALSysinfo_GetEtherMACAddress(WCHAR* buffer);
 /** The same function as PALSysinfo_GetEtherMACAddress, under its second name. */
@@ -285,7 +286,7 @@ HRESULT PALAPI PALSysinfo_GetEtherMACAddressA(char* buffer);
  * @param name     Room for 64 bytes, 32 characters; receives the name. May be null.
  * @param version  Room for 64 bytes; receives the version once the name is written. May be null.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The version does not fit 32 characters; the name is written.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The version does not fit 32 characters; the name is written.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE; neither buffer
  *                    is changed where both queries fail.
  */
@@ -300,7 +301,8 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystemA(char* name, char* version);
  * @param buffer  Room for 64 bytes, 32 characters; holds the name where only the version fails. May
  *                be null.
  * @retval S_OK       Done.
- * @retval 0x840F0001 The version does not fit 32 characters; the buffer holds the name.
+ * @retval PAL_SYSINFO_E_TOO_SHORT The version does not fit 32 characters; the buffer holds the
+ * name.
  * @retval 0xFFFFFFFF The version cannot be read, or the platform is not Windows CE.
  */
 HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer);
@@ -316,8 +318,8 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer);
  *                UTF-16) and is then empty.
  * @retval S_OK       Done, or with a null @p buffer: the length is told.
  * @retval E_NOTIMPL  @p detail is 11, 12 or 13, whatever the other arguments are.
- * @retval 0x840F0001 @p length is too short; nothing is written to @p buffer.
- * @retval 0x840F0002 @p detail is above 13 or negative, or @p length is null.
+ * @retval PAL_SYSINFO_E_TOO_SHORT @p length is too short; nothing is written to @p buffer.
+ * @retval PAL_SYSINFO_E_INVALID_INPUT @p detail is above 13 or negative, or @p length is null.
  * @retval E_FAIL     Model, display model: the parameter cannot be read or holds no byte. Firmware
  *                    version: the kernel control fails.
  * @retval 0xFFFFFFFF Serial number, hardware configuration, qualified serial number: there is no

@@ -19,6 +19,7 @@
 #ifndef PALSYSIO_H_
 #define PALSYSIO_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

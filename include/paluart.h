@@ -8,6 +8,7 @@
 #ifndef PALUART_H_
 #define PALUART_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

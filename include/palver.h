@@ -7,6 +7,7 @@
 #ifndef PALVER_H_
 #define PALVER_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN

@@ -13,6 +13,7 @@
 #ifndef PALVIB_H_
 #define PALVIB_H_
 
+#include "palresult.h"
 #include "paltypes.h"
 
 PAL_INTERFACE_BEGIN
@@ -40,8 +41,8 @@ HRESULT PALAPI PALVIBIsInstalled(void);
  * @param preset  1 to 9. Any other number is stored as well, and then refused by PALVIBVibrate.
  *
  * @retval S_OK        stored
- * @retval 0x8007xxxx  the error of opening the key or writing the value: 0x80070002 where the key
- *                     does not exist
+ * @retval PAL_E_WIN32(error)  the error of opening the key or writing the value:
+ * PAL_E_FILE_NOT_FOUND where the key does not exist
  */
 HRESULT PALAPI PALVIBSetVibratePreset(DWORD preset);
 
@@ -52,8 +53,8 @@ HRESULT PALAPI PALVIBSetVibratePreset(DWORD preset);
  *
  * @retval S_OK        answered
  * @retval E_FAIL      @p preset is null; nothing is read or traced
- * @retval 0x8007xxxx  the error of opening the key or reading the value: 0x80070002 where there is
- *                     none
+ * @retval PAL_E_WIN32(error)  the error of opening the key or reading the value:
+ * PAL_E_FILE_NOT_FOUND where there is none
  */
 HRESULT PALAPI PALVIBGetVibratePreset(DWORD* preset);
 
@@ -64,8 +65,8 @@ HRESULT PALAPI PALVIBGetVibratePreset(DWORD* preset);
  *
  * @retval S_OK        the driver has taken the request
  * @retval E_FAIL      the driver refused it, or the preset is not one of 1 to 9
- * @retval 0x8007xxxx  the error of reading the preset: 0x80070002 where none is chosen. The driver
- *                     is not asked.
+ * @retval PAL_E_WIN32(error)  the error of reading the preset: PAL_E_FILE_NOT_FOUND where none is
+ * chosen. The driver is not asked.
  */
 HRESULT PALAPI PALVIBVibrate(DWORD ignored);
 /** The same function as PALVIBVibrate, under its second name. */

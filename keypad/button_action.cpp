@@ -2,9 +2,9 @@
 #include <array>
 #include <optional>
 
+#include "frame/result.h"
 #include "include/palkey.h"
 #include "keypad/driver_reload.h"
-#include "keypad/keypad_result.h"
 #include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 #include "keypad/ordinary_key.h"
@@ -200,7 +200,7 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action) {
   DWORD found = PAL_KEY_ACTION_UNKNOWN;
   const HRESULT result = pal::ButtonIsSupported(button)
                              ? pal::GetAction(*pal::FindButton(button), found)
-                             : pal::kButtonNotSupported;
+                             : PAL_KEY_E_NOT_SUPPORTED;
   *action = found;
   pal::kKeypadTrace.Info("0x%08X=%s(%d,*%d)\r\n", result, pal::kGetName, button, found);
   return result;
@@ -208,10 +208,10 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action) {
 
 HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action) {
   pal::kKeypadTrace.Info("%s(%d,%d)\r\n", pal::kSetName, button, action);
-  HRESULT result = pal::kButtonNotSupported;
+  HRESULT result = PAL_KEY_E_NOT_SUPPORTED;
   LONG shown = action;
   if (pal::ButtonIsSupported(button)) {
-    result = pal::kActionOutOfRange;
+    result = PAL_KEY_E_NO_SUCH_ACTION;
     if (action >= PAL_KEY_ACTION_SCAN && action <= PAL_KEY_ACTION_OEM_TRIGGER) {
       shown = action - 1;
       result = pal::SetAction(*pal::FindButton(button), static_cast<size_t>(shown));

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "include/palkey.h"
-#include "keypad/keypad_result.h"
 #include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 
@@ -19,8 +18,8 @@ HRESULT PALAPI PALKEYGetButtonName(LONG button, char* name, DWORD* length) {
   if (name == nullptr || length == nullptr) return E_FAIL;
   pal::kKeypadTrace.Info("%s(%d,*,*)", kName, button);
   if (!pal::ButtonIsSupported(button)) {
-    pal::kKeypadTrace.Info("%s returned 0x%08X", kName, pal::kButtonNotSupported);
-    return pal::kButtonNotSupported;
+    pal::kKeypadTrace.Info("%s returned 0x%08X", kName, PAL_KEY_E_NOT_SUPPORTED);
+    return PAL_KEY_E_NOT_SUPPORTED;
   }
   const std::string_view text = pal::FindButton(button)->name;
   if (!pal::Copy(std::span(name, PAL_KEY_BUTTON_NAME_LENGTH), text)) return E_FAIL;

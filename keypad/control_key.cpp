@@ -2,8 +2,8 @@
 #include <array>
 
 #include "frame/registry.h"
+#include "frame/result.h"
 #include "include/palkey.h"
-#include "keypad/keypad_result.h"
 #include "keypad/keypad_trace.h"
 
 namespace pal {
@@ -45,10 +45,10 @@ HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state) {
   const auto row = static_cast<DWORD>(key);
   if (row >= pal::kControlKeys.size()) {
     pal::kKeypadTrace.Error("PALKEYControlKeyState - Incorrect key specified. hr: 0x%x\r\n",
-                            pal::kNoSuchControlKey);
+                            PAL_KEY_E_NO_SUCH_CONTROL_KEY);
     pal::kKeypadTrace.Error("PALKEYContolKeyState - ERROR copying reg string. hr: 0x%x\r\n",
-                            pal::kNoSuchControlKey);
-    return pal::kNoSuchControlKey;
+                            PAL_KEY_E_NO_SUCH_CONTROL_KEY);
+    return PAL_KEY_E_NO_SUCH_CONTROL_KEY;
   }
   const pal::ControlKeyValues& values = pal::kControlKeys[row];
   const HRESULT result = pal::WriteState(values.first, key, state);

@@ -15,7 +15,7 @@ constexpr std::array<NoValuesFormat, kShiftPlanes.size()> kNoValues = {
 };
 
 // What a button's record was before is saved already.
-// S_OK        whether it is; 0x8007xxxx  the saved records cannot be read
+// S_OK        whether it is; PAL_E_WIN32(error)  the saved records cannot be read
 HRESULT IsSaved(const WCHAR* plane_name, const ButtonRecord& button, bool& is_saved) {
   BYTE plane[kMaxPlaneBytes];
   const PlaneReading reading = ReadShiftPlane(kKeypadSettingsPath, plane_name, plane);

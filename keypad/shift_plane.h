@@ -54,10 +54,10 @@ struct PlaneReading {
   // larger than that, with nothing but zeros read.
   DWORD bytes;
   // S_OK        the layout's key was opened
-  // 0x8007xxxx  the error of opening it
+  // PAL_E_WIN32(error)  the error of opening it
   HRESULT opened;
   // S_OK        the plane was read, or there is none, or it is larger than the room
-  // 0x8007xxxx  the error of opening the key, or of reading a plane that exists
+  // PAL_E_WIN32(error)  the error of opening the key, or of reading a plane that exists
   HRESULT read;
 };
 
@@ -69,7 +69,7 @@ struct PlaneReading {
 // also where the plane is missing or cannot be read.
 //
 // S_OK        the layout's key was opened
-// 0x8007xxxx  the error of opening it
+// PAL_E_WIN32(error)  the error of opening it
 [[nodiscard]] HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
                                    const ButtonRecord& button, KeyRecord& record);
 
@@ -79,7 +79,8 @@ struct PlaneReading {
 //
 // S_OK         the plane was written, as far as PALRegSetBinary can tell
 // full_result  the plane has kMaxPlaneBytes or more
-// 0x8007xxxx   the plane exists and cannot be read, and nothing was written; or the error of
+// PAL_E_WIN32(error)   the plane exists and cannot be read, and nothing was written; or the error
+// of
 //              opening the key
 [[nodiscard]] HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
                                    const ButtonRecord& button, const KeyRecord& record,

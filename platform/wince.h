@@ -5,6 +5,7 @@
 #ifndef PLATFORM_WINCE_H_
 #define PLATFORM_WINCE_H_
 
+#include "../include/palresult.h"
 #include "../include/paltypes.h"
 
 #if defined(_WIN32)
@@ -57,12 +58,6 @@ using REGSAM = DWORD;
 constexpr BOOL FALSE = 0;
 constexpr BOOL TRUE = 1;
 constexpr size_t MAX_PATH = 260;
-
-constexpr HRESULT S_OK = 0;
-constexpr HRESULT S_FALSE = 1;
-constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001);
-constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
-constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
 
 constexpr LONG ERROR_SUCCESS = 0;
 constexpr LONG ERROR_FILE_NOT_FOUND = 2;

@@ -19,7 +19,7 @@ HANDLE CreateAutoResetEvent(const WCHAR* name) {
 }
 
 HRESULT EventFailure(DWORD error) {
-  return FamilyFailure(Facility::kPower, static_cast<WORD>(error));
+  return PAL_PWR_E_EVENT(error & 0xFFFF);
 }
 
 void Close(std::atomic<HANDLE>& event) {

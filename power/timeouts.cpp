@@ -17,9 +17,6 @@ constexpr const WCHAR* kKey = TEXT("System\\CurrentControlSet\\Control\\Power\\T
 // For the lines that show it in 8 bits.
 constexpr const char* kKeyName = R"(System\CurrentControlSet\Control\Power\Timeouts)";
 
-constexpr HRESULT kInvalidInput = FamilyFailure(Facility::kPower, 0x11);
-constexpr HRESULT kNoReloadEvent = FamilyFailure(Facility::kPower, 0x0D);
-
 // Exactly these: the odd members (6, 11, 121, 660) are meant, and so is the gap at 600 on battery.
 constexpr std::array<DWORD, 11> kDeviceOffBattery{0, 1, 2, 3, 4, 5, 6, 10, 11, 15, 30};
 constexpr std::array<DWORD, 9> kDeviceOffExternal{0, 1, 2, 5, 6, 10, 11, 15, 30};
@@ -36,9 +33,8 @@ struct Answers {
 };
 
 // Refuses, and reports an event that it cannot signal as the family's own failure.
-constexpr Answers kDeviceOff{60, kInvalidInput, kNoReloadEvent, [](DWORD error) {
-                               return FamilyFailure(Facility::kPower, static_cast<WORD>(error));
-                             }};
+constexpr Answers kDeviceOff{60, PAL_PWR_E_NO_SUCH_TIMEOUT, PAL_PWR_E_NO_EVENT,
+                             [](DWORD error) { return PAL_PWR_E_EVENT(error & 0xFFFF); }};
 // Ignores what it does not allow, and does without an event.
 constexpr Answers kScreenOff{1, S_OK, S_OK, [](DWORD error) { return HResultFromWin32(error); }};
 

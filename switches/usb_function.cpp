@@ -3,11 +3,11 @@
 #include <span>
 
 #include "frame/registry.h"
+#include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
 #include "include/palstore.h"
-#include "switches/usb_result.h"
 
 namespace pal {
 namespace {
@@ -55,14 +55,14 @@ HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
   ClientName name{};
   if (client_name == nullptr || !Copy(name, client_name)) {
     kTrace.Error("ERROR SetClientOption. Input buff invalid\r\n");
-    return kUsbBadInput;
+    return PAL_STORE_E_INVALID_INPUT;
   }
   UniqueFile bus;
   bus.Reset(OpenBus());
   if (!bus) {
     kTrace.Error("SetClientOption - ERROR 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
-    return kUsbBusNotOpened;
+    return PAL_STORE_E_BUS_NOT_OPENED;
   }
   kTrace.Info("SetClientOption - In client name: %ls, ioctl:0x%x\r\n", client_name, ioctl);
   DWORD returned = 0;
@@ -71,7 +71,7 @@ HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
   if (done == FALSE) {
     kTrace.Error("SetClientOption - ERROR 0x%x=DeviceIoControl(ioctl:0x%x). win32err: 0x%x\r\n",
                  done, ioctl, GetLastError());
-    return kUsbSelectFailed;
+    return PAL_STORE_E_SELECT_FAILED;
   }
   return S_OK;
 }
@@ -82,7 +82,7 @@ HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
   if (!bus) {
     kTrace.Error("GetClientOption - 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
-    return kUsbBusNotOpened;
+    return PAL_STORE_E_BUS_NOT_OPENED;
   }
   DWORD returned = 0;
   const BOOL done = DeviceIoControl(bus.get(), ioctl, nullptr, 0, information.data(),
@@ -90,7 +90,7 @@ HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
   if (done == FALSE) {
     kTrace.Error("GetClientOption - ERROR 0x%x=DeviceIoControl(). win32err: 0x%x\r\n", done,
                  GetLastError());
-    return kUsbGetFailed;
+    return PAL_STORE_E_GET_FAILED;
   }
   return S_OK;
 }
@@ -100,7 +100,7 @@ HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
 HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
   if (buffer == nullptr) {
     kTrace.Error("ERROR GetClientOption - Input buff invalid\r\n");
-    return kUsbBadInput;
+    return PAL_STORE_E_INVALID_INPUT;
   }
   ClientInformation information{};
   const HRESULT result = ReadClientInformation(ioctl, information);
@@ -112,7 +112,7 @@ HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
   if (!Copy(std::span(buffer, bytes / sizeof(WCHAR)), name)) {
     kTrace.Error("GetClientOption - Input buff too short, inlen: %d, Ucn.name_len: %d\r\n", bytes,
                  name_bytes);
-    return kUsbBadInput;
+    return PAL_STORE_E_INVALID_INPUT;
   }
   bytes = name_bytes;
   kTrace.Info("GetClientOption - Client name: %ls, len: %d\r\n", buffer, bytes);
@@ -121,7 +121,7 @@ HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
 
 HRESULT WriteVolumeName(DWORD option, const WCHAR* volume) {
   std::array<WCHAR, 16> text{};  // zeros behind the terminator: the helper stores one of them
-  if (!Copy(text, volume)) return kUsbBadInput;
+  if (!Copy(text, volume)) return PAL_STORE_E_INVALID_INPUT;
   const HRESULT result = PALRegSetString(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, text);
   kTrace.Info("SetUsbMassStorage - input:%d, Reg:%ls\\%ls=%ls\r\n", option, kMassStoragePath,
               kVolumeName, volume);
@@ -155,7 +155,7 @@ DWORD FindOption(const WCHAR* text) {
 HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option) {
   if (option >= pal::kFunctionOptions.size()) {
     pal::kTrace.Error("ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:%d\r\n", option);
-    return pal::kUsbBadInput;
+    return PAL_STORE_E_INVALID_INPUT;
   }
   const pal::FunctionOption& row = pal::kFunctionOptions[option];
   HRESULT result = pal::SetClientOption(row.client, pal::kSelectFirstStep);
@@ -166,14 +166,14 @@ HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option) {
 }
 
 HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option) {
-  if (option == nullptr) return pal::kUsbBadInput;
+  if (option == nullptr) return PAL_STORE_E_INVALID_INPUT;
   pal::TerminatedName name{};
   DWORD bytes = sizeof(pal::ClientName);
   HRESULT result = pal::GetClientOption(name.data(), bytes, pal::kGetCurrentClient);
   if (pal::Failed(result)) return result;
   if (_wcsicmp(name.data(), pal::kMassStorage) == 0) pal::ReadVolumeName(name);
   const DWORD found = pal::FindOption(name.data());
-  result = found == pal::kNoOption ? pal::kUsbUnknownClient : S_OK;
+  result = found == pal::kNoOption ? PAL_STORE_E_UNKNOWN_CLIENT : S_OK;
   if (found != pal::kNoOption) {
     pal::kTrace.Info("PALStore_GetUsbFuncDriver - Found match. %ls\r\n", name.data());
     *option = found;

@@ -4,10 +4,10 @@
 #include <span>
 
 #include "frame/registry.h"
+#include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "include/palstore.h"
-#include "switches/usb_result.h"
 
 namespace pal {
 namespace {
@@ -157,7 +157,7 @@ HRESULT PALAPI PALStore_SetUsbHostMassStorageEnable(BOOL enable) {
 }
 
 HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled) {
-  if (enabled == nullptr) return pal::kUsbBadInput;
+  if (enabled == nullptr) return PAL_STORE_E_INVALID_INPUT;
   *enabled = 0;
   pal::ClientDrivers drivers;
   while (drivers.Next()) {

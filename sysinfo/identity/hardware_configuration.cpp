@@ -46,7 +46,7 @@ std::string_view ReadConfiguration(const OemInformation& oem, Configuration& con
 HRESULT PalGetHwConfig(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) {
     kIdentityTrace.Error("ERROR PalGetHwConfig. Input invalid\r\n");
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   const OemInformation oem;
   if (oem.empty()) return kSourceFailed;

@@ -156,7 +156,7 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer) {
 HRESULT PALAPI PALSysinfo_GetDeviceDetailA(DWORD detail, char* buffer, DWORD* length) {
   pal::kIdentityTrace.Info("PALSysinfo_GetDeviceDetailA(%d,*,*). Entry. procid:0x%x", detail,
                            GetCurrentProcessId());
-  HRESULT result = pal::kInvalidInput;
+  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
   if (detail < pal::kSources.size()) {
     result = pal::QueryAnyDetail(detail, buffer, length);
   } else {
@@ -171,7 +171,7 @@ HRESULT PALAPI PALSysinfo_GetDeviceDetailA(DWORD detail, char* buffer, DWORD* le
 HRESULT PALAPI PALSysinfo_GetDeviceDetailW(DWORD detail, WCHAR* buffer, DWORD* length) {
   pal::kIdentityTrace.Info("PALSysinfo_GetDeviceDetailW(%d,*,*). Entry. procid:0x%x", detail,
                            GetCurrentProcessId());
-  HRESULT result = pal::kInvalidInput;
+  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
   if (detail < pal::kSources.size()) {
     result = pal::QueryAnyDetail(detail, buffer, length);
   } else {

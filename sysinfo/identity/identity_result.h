@@ -6,8 +6,6 @@
 
 namespace pal {
 
-inline constexpr HRESULT kBufferTooShort = FamilyFailure(Facility::kDeviceInformation, 1);
-inline constexpr HRESULT kInvalidInput = FamilyFailure(Facility::kDeviceInformation, 2);
 // The sources' own, older than the scheme of the others.
 inline constexpr HRESULT kSourceFailed = -1;
 inline constexpr HRESULT kSourceTooLong = -8;

@@ -21,7 +21,7 @@ HRESULT PalGetModel(char* buffer, DWORD* length);
 // The model name for people, parameter 0x00D6.
 //
 // S_OK        done
-// 0x840F0002  a null argument; traced
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // E_FAIL      the parameter cannot be read or has no bytes; the text does not fit; traced
 HRESULT PalGetDispayModel(char* buffer, DWORD* length);
 
@@ -40,7 +40,7 @@ HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length);
 // "PocketPC" as the platform spells it, or "WINCE".
 //
 // S_OK        done
-// 0x840F0002  a null argument; traced
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // 0xFFFFFFFF  the version cannot be read, or the platform is not Windows CE
 // 0xFFFFFFF8  the text does not fit
 HRESULT PalGetOS(char* buffer, DWORD* length);
@@ -48,14 +48,14 @@ HRESULT PalGetOS(char* buffer, DWORD* length);
 // The operating system's major, minor and build number: "5.2.19202".
 //
 // S_OK        done
-// 0x840F0002  a null argument; traced
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // 0xFFFFFFFF  the version cannot be read, the platform is not Windows CE, or the text does not fit
 HRESULT PalGetOSVer(char* buffer, DWORD* length);
 
 // The hardware configuration, such as "CG0". `length` does not count the terminator.
 //
 // S_OK        done
-// 0x840F0002  a null argument; traced
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // 0xFFFFFFFF  the device has no OEM information
 // 0xFFFFFFF8  the text does not fit
 HRESULT PalGetHwConfig(char* buffer, DWORD* length);
@@ -63,7 +63,7 @@ HRESULT PalGetHwConfig(char* buffer, DWORD* length);
 // The serial number.
 //
 // S_OK        done
-// 0x840F0002  a null argument; traced
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // 0xFFFFFFFF  the device has no OEM information
 // 0xFFFFFFF8  the text does not fit
 HRESULT PalGetSerialNum(char* buffer, DWORD* length);
@@ -78,7 +78,7 @@ HRESULT PalGetDate(WORD id, char* buffer, DWORD* length);
 // more than 11 characters, with the Ethernet address behind it.
 //
 // S_OK        done
-// 0x840F0002  a null argument
+// PAL_SYSINFO_E_INVALID_INPUT  a null argument
 // E_FAIL      the text does not fit
 // others      of PalGetHwConfig and PalGetSerialNum
 HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length);

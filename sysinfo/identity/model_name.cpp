@@ -47,7 +47,7 @@ HRESULT PalGetModel(char* buffer, DWORD* length) {
 HRESULT PalGetDispayModel(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) {
     kIdentityTrace.Error("ERROR PalGetDispayModel. Input invalid\r\n");
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   BYTE answer[kNameBytes] = {};
   DWORD bytes = 0;

@@ -29,7 +29,7 @@ bool IsPocketPc(WideText platform_type) {
 HRESULT PalGetOS(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) {
     kIdentityTrace.Error("ERROR PalGetOS. Input invalid\r\n");
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   OSVERSIONINFOW version;
   if (!ReadWindowsCeVersion(version)) return kSourceFailed;
@@ -45,7 +45,7 @@ HRESULT PalGetOS(char* buffer, DWORD* length) {
 HRESULT PalGetOSVer(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) {
     kIdentityTrace.Error("ERROR PalGetOSVer. Input invalid\r\n");
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   OSVERSIONINFOW version;
   if (!ReadWindowsCeVersion(version)) return kSourceFailed;

@@ -17,7 +17,7 @@ constexpr size_t kMostSerialCharacters = 11;
 }  // namespace
 
 HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
-  if (buffer == nullptr || length == nullptr) return kInvalidInput;
+  if (buffer == nullptr || length == nullptr) return PAL_SYSINFO_E_INVALID_INPUT;
   char configuration[128];
   DWORD configuration_length = sizeof(configuration);
   HRESULT result = PalGetHwConfig(configuration, &configuration_length);

@@ -36,11 +36,11 @@ struct SourceAnswer {
 HRESULT GiveOutA(const SourceAnswer& answer, char* buffer, DWORD* length) {
   if (length == nullptr) {
     kIdentityTrace.Error("PalProcessResultExA. Invalid input;procid:0x%x", GetCurrentProcessId());
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   HRESULT result = answer.result;
   if (*length < answer.length) {
-    result = kBufferTooShort;
+    result = PAL_SYSINFO_E_TOO_SHORT;
     kIdentityTrace.Error("PalProcessResultExA. In buff too short. inlen:%d, procid:0x%x", *length,
                          GetCurrentProcessId());
   } else {
@@ -55,7 +55,7 @@ HRESULT GiveOutA(const SourceAnswer& answer, char* buffer, DWORD* length) {
 HRESULT GiveOutW(const SourceAnswer& answer, WCHAR* buffer, DWORD* length) {
   if (length == nullptr) {
     kIdentityTrace.Error("PalSysIoRequestExW. Invalid input;procid:0x%x", GetCurrentProcessId());
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   const DWORD required = answer.length * static_cast<DWORD>(sizeof(WCHAR));
   const std::string_view text(answer.text, answer.text_length);
@@ -64,7 +64,7 @@ HRESULT GiveOutW(const SourceAnswer& answer, WCHAR* buffer, DWORD* length) {
     *length = required;
     kIdentityTrace.Error("PalSysIoRequestExW. In buff too short. Required len:%d, procid:0x%x",
                          required, GetCurrentProcessId());
-    return kBufferTooShort;
+    return PAL_SYSINFO_E_TOO_SHORT;
   }
   *length = static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR));
   kIdentityTrace.Info("PalSysIoRequestExW - %ls,len:%d, procid:0x%x", buffer, *length,
@@ -76,7 +76,7 @@ HRESULT GiveOutW(const SourceAnswer& answer, WCHAR* buffer, DWORD* length) {
 
 HRESULT PalProcessResultExA(IdentitySource source, char* buffer, DWORD* length) {
   const void* const place = buffer;
-  HRESULT result = kInvalidInput;
+  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
   kIdentityTrace.Info("PalProcessResultExA(fcn,0x%x,0x%x). procid:0x%x", place, length,
                       GetCurrentProcessId());
   if (buffer == nullptr && length == nullptr) {
@@ -97,7 +97,7 @@ HRESULT PalProcessResultExA(IdentitySource source, char* buffer, DWORD* length) 
 
 HRESULT PalSysIoRequestExW(IdentitySource source, WCHAR* buffer, DWORD* length) {
   const void* const place = buffer;
-  HRESULT result = kInvalidInput;
+  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
   kIdentityTrace.Info("PalSysIoRequestExW(fcn,0x%x,0x%x) - Entry. procid:0x%x", place, length,
                       GetCurrentProcessId());
   if (buffer == nullptr && length == nullptr) {

@@ -10,8 +10,8 @@ namespace pal {
 // or, with a null `buffer` or one that is too short, needs.
 //
 // S_OK        done
-// 0x840F0001  the buffer is shorter than what the source gives; traced
-// 0x840F0002  `length` is null; traced
+// PAL_SYSINFO_E_TOO_SHORT  the buffer is shorter than what the source gives; traced
+// PAL_SYSINFO_E_INVALID_INPUT  `length` is null; traced
 // others      the source's failure, as it is
 HRESULT PalProcessResultExA(IdentitySource source, char* buffer, DWORD* length);
 

@@ -122,7 +122,7 @@ std::string_view ReadSerial(const OemInformation& oem, SerialNumber& serial) {
 HRESULT PalGetSerialNum(char* buffer, DWORD* length) {
   if (buffer == nullptr || length == nullptr) {
     kIdentityTrace.Error("ERROR PalGetSerialNum. Input invalid\r\n");
-    return kInvalidInput;
+    return PAL_SYSINFO_E_INVALID_INPUT;
   }
   const OemInformation oem;
   if (oem.empty()) return kSourceFailed;

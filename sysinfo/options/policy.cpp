@@ -15,15 +15,6 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
-constexpr HRESULT PolicyFailure(WORD code) {
-  return FamilyFailure(Facility::kManufacturingOption, code);
-}
-constexpr HRESULT kStateNotRead = PolicyFailure(4);
-constexpr HRESULT kLocationNotRead = PolicyFailure(6);
-constexpr HRESULT kFeatureNotOpened = PolicyFailure(7);
-constexpr HRESULT kStateOutOfRange = PolicyFailure(8);
-constexpr HRESULT kNoFeature = PolicyFailure(9);
-
 constexpr size_t kMaxPathUnits = 260;
 // One unit more than the largest text that is read, so that one without a null is ended too.
 using PolicyText = WCHAR[kMaxPathUnits + 1];
@@ -75,7 +66,7 @@ bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, UniqueRegistryKey&
 }
 
 HRESULT ResultOf(DWORD state) {
-  if (state > 1) return kStateOutOfRange;
+  if (state > 1) return PAL_MFGOPT_E_VALUE_INVALID;
   return state == 0 ? kPolicyEnabled : kPolicyDisabled;
 }
 
@@ -85,17 +76,17 @@ HRESULT ResultOf(DWORD state) {
 HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   if (feature == nullptr) {
     pal::kTrace.Error("IsDisabledByPolicy - Invalid input ( feature )");
-    return pal::kNoFeature;
+    return PAL_MFGOPT_E_NO_FEATURE_GIVEN;
   }
   WCHAR feature_path[pal::kMaxPathUnits];
   pal::UniqueRegistryKey feature_key;
-  if (!pal::OpenFeature(feature, feature_path, feature_key)) return pal::kFeatureNotOpened;
+  if (!pal::OpenFeature(feature, feature_path, feature_key)) return PAL_MFGOPT_E_NO_SUCH_FEATURE;
 
   pal::PolicyText text;
   if (!pal::ReadText(feature_key.get(), TEXT("PolicyLocation"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls",
                       feature_path);
-    return pal::kLocationNotRead;
+    return PAL_MFGOPT_E_LOCATION_UNREADABLE;
   }
   pal::UniqueRegistryKey state_key;
   if (pal::OpenForReading(text, state_key) != ERROR_SUCCESS) {
@@ -104,12 +95,12 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   }
   if (!pal::ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
-    return pal::kStateNotRead;
+    return PAL_MFGOPT_E_VALUE_UNREADABLE;
   }
   const std::optional<DWORD> state = pal::ReadNumber(state_key.get(), text);
   if (!state) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy state keyvalue");
-    return pal::kStateNotRead;
+    return PAL_MFGOPT_E_VALUE_UNREADABLE;
   }
   pal::kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", *state);
   return pal::ResultOf(*state);

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr HRESULT kMissing = static_cast<HRESULT>(0x80070002);
 constexpr sim::AudioLevels kBefore{0x77777777, 5};
 
 class Beep : public DeviceTest {
@@ -92,8 +91,8 @@ TEST_F(Beep, GoodReadIsFeltAndHeardAsItsScannerSays) {
 }
 
 TEST_F(Beep, WithoutAnIndicatorNothingIsSensedAndTheReadsResultTold) {
-  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), kMissing);
-  EXPECT_EQ(process.exports().PALBEEPBadRead(), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(process.exports().PALBEEPBadRead(), PAL_E_FILE_NOT_FOUND);
   EXPECT_TRUE(Sensed().empty());
 }
 
@@ -128,8 +127,8 @@ TEST_F(Beep, BadReadPulsesFiveTimesAndSoundsOnce) {
 TEST_F(Beep, VibrationThatFailsIsTracedAndStopsNoTone) {
   Delete(kIndicatorKey, u"VibratePresetIndex");
   SetIndicator("IntGRI", 3);
-  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), kMissing);
-  EXPECT_EQ(process.exports().PALBEEPBadRead(), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(process.exports().PALBEEPBadRead(), PAL_E_FILE_NOT_FOUND);
   SetIndicator("IntGRI", 4);
   EXPECT_EQ(process.exports().PALBEEPGoodReadEx(0), S_OK);
   EXPECT_EQ(process.exports().PALBEEPBadRead(), S_OK);
@@ -319,18 +318,17 @@ TEST_F(Beep, PathsThatLeadNowhereAreSilent) {
   longest[518] = longest[519] = 0;
   std::vector<std::uint8_t> too_long = unterminated;
   too_long.insert(too_long.end(), 2, 0);
-  constexpr auto kTooLong = static_cast<HRESULT>(0x800700EA);
   unsigned played = 0;
   for (const Case& test :
-       {Case{{0, 0}, S_OK, 0}, Case{{}, S_OK, 0}, Case{unterminated, kTooLong, 0},
-        Case{too_long, kTooLong, 0}, Case{longest, S_OK, 1}}) {
+       {Case{{0, 0}, S_OK, 0}, Case{{}, S_OK, 0}, Case{unterminated, PAL_E_MORE_DATA, 0},
+        Case{too_long, PAL_E_MORE_DATA, 0}, Case{longest, S_OK, 1}}) {
     device.registry().SetRaw(kBeeperKey, "KeyClick", REG_SZ, test.path);
     EXPECT_EQ(process.exports().PALBEEPKeyClick(), test.result) << test.path.size();
     EXPECT_EQ(device.hardware().audio.levels, kBefore);
     EXPECT_EQ(device.calls("PlaySoundW"), played += test.played);
   }
   Delete(kBeeperKey, u"KeyClick");
-  EXPECT_EQ(process.exports().PALBEEPKeyClick(), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), PAL_E_FILE_NOT_FOUND);
   device.files().Remove("\\ConfigChange.wav");
   EXPECT_EQ(process.exports().PALBEEPChangeConfig(), S_OK) << "a sound that fails is traced only";
   EXPECT_EQ(TraceLines("PlayAudioFile").back(),
@@ -418,7 +416,7 @@ TEST_F(Beep, TagSearchKeepsItsLevelsUntilItIsStopped) {
 TEST_F(Beep, TagSearchWithoutAFileKeepsItsLevelsToo) {
   SetState("Headset", 1);
   Delete(kBeeperKey, u"TagSearch");
-  EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), kMissing);
+  EXPECT_EQ(process.exports().PALBEEPStartTagSearch(), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x33333333, 30}));
   EXPECT_EQ(process.exports().PALBEEPStopTagSearch(), S_OK);
   EXPECT_TRUE(Sensed().empty());
@@ -458,7 +456,7 @@ TEST_F(Beep, TagSearchThatWasNotStartedOrSavedIsNotPutBack) {
   EXPECT_EQ(device.hardware().audio.levels, (sim::AudioLevels{0x12345678, 30}));
   device.hardware().audio.levels.volume = 0x22222222;
   device.PlanFault({.call = "PlaySoundW", .error = 5});
-  EXPECT_EQ(exports.PALBEEPStopTagSearch(), static_cast<HRESULT>(0x80070005));
+  EXPECT_EQ(exports.PALBEEPStopTagSearch(), PAL_E_ACCESS_DENIED);
   EXPECT_EQ(TraceLines("StopAudioFile"),
             std::vector<std::string>{"StopAudioFile - 0x0=PlaySound(NULL,0,0), winerr:0x5"});
   levels_after = {0x22222222, 9};
@@ -556,7 +554,7 @@ TEST_F(Beep, AnyOtherCallMayFail) {
       device.PlanFault({.call = name, .nth = nth});
       const HRESULT result = process.exports().PALBEEPGoodReadEx(0);
       device.ClearFaults();
-      EXPECT_TRUE(result == S_OK || result == static_cast<HRESULT>(0x8007001F)) << name << nth;
+      EXPECT_TRUE(result == S_OK || result == PAL_E_WIN32(0x1F)) << name << nth;
       EXPECT_EQ(device.hardware().audio.levels, kBefore) << name << nth;
       EXPECT_EQ(process.new_handles(), 0u) << name << nth;
     }

@@ -8,7 +8,6 @@ namespace {
 
 constexpr const char* kSkin = "HKCR\\tdyskin\\Shell\\Open\\Command";
 constexpr const char* kCab = "HKCR\\cabfile\\Shell\\Open\\Command";
-constexpr HRESULT kMoreData = static_cast<HRESULT>(0x800700EA);
 
 using Bytes = std::vector<std::uint8_t>;
 using Lines = std::vector<std::string>;
@@ -149,7 +148,7 @@ TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
            Case{Units("wceload"), E_FAIL},
            Case{Units("wceload" + std::string(249, ' ')), E_FAIL},  // 512 bytes, no terminator
            Case{{'w'}, E_FAIL},
-           Case{Command("wceload" + std::string(249, ' ')), kMoreData, 234},  // 514 bytes
+           Case{Command("wceload" + std::string(249, ' ')), PAL_E_MORE_DATA, 234},  // 514 bytes
        }) {
     device.journal().Clear();
     Put(kSkin, test.command);
@@ -188,7 +187,7 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
     sim::Fault fault = test.fault;
     fault.error = 5;
     device.PlanFault(fault);
-    EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070005));
+    EXPECT_EQ(Set(1), PAL_E_ACCESS_DENIED);
     device.ClearFaults();
     EXPECT_EQ(Get(kSkin), test.first_is_switched ? Command("cabchck.exe") : good) << test.line;
     EXPECT_EQ(Get(kCab), good) << test.line;
@@ -199,7 +198,7 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
 TEST_F(CabProtection, IsNotSwitchedWithoutCommands) {
   for (const std::string& line : {NotOpened("tdyskin", 2), NotRead("tdyskin", 2)}) {
     device.journal().Clear();
-    EXPECT_EQ(Set(1), static_cast<HRESULT>(0x80070002));
+    EXPECT_EQ(Set(1), PAL_E_FILE_NOT_FOUND);
     EXPECT_EQ(CategorisedLines(), Lines{line});
     device.registry().Create(kSkin);
   }

@@ -16,10 +16,6 @@ using Lines = std::vector<std::string>;
 
 constexpr const char* kRotation = "HKLM\\System\\GDI\\Rotation";
 
-constexpr HRESULT Result(DWORD code) {
-  return static_cast<HRESULT>(code);
-}
-
 class Orientation : public DeviceTest {
  protected:
   Orientation() { device.registry().SetDword(kRotation, "Angle", 7); }
@@ -52,16 +48,16 @@ TEST_F(Orientation, TurnsTheScreenAndRemembersTheAngle) {
 
 TEST_F(Orientation, ARefusedChangeLeavesEverythingAsItWas) {
   for (const LONG angle : {45, 1, -90, 360, 4, std::numeric_limits<LONG>::min()}) {
-    EXPECT_EQ(pal.PALDISPSetOrientation(angle), Result(0x83EE0001)) << angle;
+    EXPECT_EQ(pal.PALDISPSetOrientation(angle), PAL_DISP_E_NO_SUCH_ORIENTATION) << angle;
   }
   EXPECT_EQ(device.calls("ChangeDisplaySettingsEx"), 0u);
   EXPECT_EQ(CategorisedLines().at(1),
             "0xC3EE0000 PALSetScreenOrientation - ERROR input.  in: 45\\r\\n");
   device.journal().Clear();
   display.orientations = {0, 1};
-  EXPECT_EQ(pal.PALDISPSetOrientation(270), Result(0x83EE0002));
+  EXPECT_EQ(pal.PALDISPSetOrientation(270), PAL_DISP_E_CHANGE_REFUSED);
   device.PlanFault({.call = "ChangeDisplaySettingsEx"});
-  EXPECT_EQ(pal.PALDISPSetOrientation(90), Result(0x83EE0002));
+  EXPECT_EQ(pal.PALDISPSetOrientation(90), PAL_DISP_E_CHANGE_REFUSED);
   EXPECT_EQ(display.turned_to, std::nullopt);
   EXPECT_EQ(Angle(), 7u);
   EXPECT_EQ(Turns(), Lines());
@@ -77,7 +73,7 @@ TEST_F(Orientation, ARefusedChangeLeavesEverythingAsItWas) {
 
 TEST_F(Orientation, AScreenMayTurnWithoutBeingRemembered) {
   device.registry().RemoveTree(kRotation);
-  EXPECT_EQ(pal.PALDISPSetOrientation(90), Result(0x80070002));
+  EXPECT_EQ(pal.PALDISPSetOrientation(90), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(display.orientation(), 1u);
 }
 
@@ -123,10 +119,10 @@ TEST(OrientationOfADevice, IsKeptInItsFolderAsTheBootOptionIs) {
     std::string kept;
   };
   for (const Case& test :
-       {Case{90, 3, 180, Result(0x83EE0002), 256, ""},
-        Case{90, 3, 270, Result(0x80070002), 5, state + "boot_option = 5\nrotation = 270\n"},
-        Case{270, 5, 90, Result(0x80070002), 0, state + "boot_option = 0\nrotation = 90\n"},
-        Case{90, 0, 0, Result(0x83EE0002), 0, state + "boot_option = 0\nrotation = 90\n"}}) {
+       {Case{90, 3, 180, PAL_DISP_E_CHANGE_REFUSED, 256, ""},
+        Case{90, 3, 270, PAL_E_FILE_NOT_FOUND, 5, state + "boot_option = 5\nrotation = 270\n"},
+        Case{270, 5, 90, PAL_E_FILE_NOT_FOUND, 0, state + "boot_option = 0\nrotation = 90\n"},
+        Case{90, 0, 0, PAL_DISP_E_CHANGE_REFUSED, 0, state + "boot_option = 0\nrotation = 90\n"}}) {
     sim::Device device;
     sim::LoadDevice(device, folder.path());
     {

@@ -17,10 +17,6 @@ constexpr DWORD kUntouched = 0xABCD;
 constexpr const char* kInfo = "0x43EE0000 ";
 constexpr const char* kError = "0xC3EE0000 ";
 
-constexpr HRESULT Result(DWORD code) {
-  return static_cast<HRESULT>(code);
-}
-
 class DisplaySettings : public DeviceTest {
  protected:
   DisplaySettings() {
@@ -134,13 +130,13 @@ TEST_F(DisplaySettings, LevelsAnswerAndTraceTheirFailures) {
     EXPECT_EQ(read, 9u);
     EXPECT_EQ(level.set(pal, 7), E_FAIL);
     device.PlanFault({.call = "RegSetValueExW", .error = 5});
-    EXPECT_EQ(level.set(pal, level.allowed.front()), Result(0x83EE0008));
+    EXPECT_EQ(level.set(pal, level.allowed.front()), PAL_DISP_E_WRITE_FAILED);
     device.ClearFaults();
     EXPECT_EQ(Written(), Lines());
 
     device.registry().RemoveTree("HKCU\\ControlPanel\\Backlight");
-    EXPECT_EQ(level.get(pal, &read), Result(0x80070002));
-    EXPECT_EQ(level.set(pal, level.allowed.back()), Result(0x83EE0008));
+    EXPECT_EQ(level.get(pal, &read), PAL_E_FILE_NOT_FOUND);
+    EXPECT_EQ(level.set(pal, level.allowed.back()), PAL_DISP_E_WRITE_FAILED);
     EXPECT_EQ(level.get(pal, nullptr), E_FAIL);
     EXPECT_EQ(read, 9u);
     device.registry().Create(kKeyboard);
@@ -159,7 +155,7 @@ TEST_F(DisplaySettings, LevelsAnswerAndTraceTheirFailures) {
 
 TEST_F(DisplaySettings, TheInputPanelsKeyIsCreatedWithTheFirstStyle) {
   DWORD style = kUntouched;
-  EXPECT_EQ(pal.PALDISPGetSIPDock(&style), Result(0x80070002));
+  EXPECT_EQ(pal.PALDISPGetSIPDock(&style), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(style, 0u);
   for (const DWORD wanted : {0U, 26U, 0xFFFFFFFFU}) {
     EXPECT_EQ(pal.PALDISPSetSIPDock(wanted), S_OK);
@@ -169,7 +165,7 @@ TEST_F(DisplaySettings, TheInputPanelsKeyIsCreatedWithTheFirstStyle) {
   }
   for (const char* call : {"RegCreateKeyExW", "RegSetValueExW"}) {
     device.PlanFault({.call = call, .error = 5});
-    EXPECT_EQ(pal.PALDISPSetSIPDock(1), Result(0x80070005)) << call;
+    EXPECT_EQ(pal.PALDISPSetSIPDock(1), PAL_E_ACCESS_DENIED) << call;
     device.ClearFaults();
   }
   EXPECT_EQ(device.registry().GetDword(kPanel, "DragStyle"), 0xFFFFFFFF);
@@ -215,8 +211,8 @@ TEST_F(DisplaySettings, TheScreensClickFails) {
   EXPECT_EQ(pal.PALDISPGetScreenTapVol(nullptr), E_FAIL);
   EXPECT_EQ(device.registry().GetDword(kVolume, "Screen"), 1u);
   device.registry().RemoveTree(kVolume);
-  EXPECT_EQ(pal.PALDISPSetScreenTapVol(1), Result(0x80070002));
-  EXPECT_EQ(pal.PALDISPGetScreenTapVol(&read), Result(0x80070002));
+  EXPECT_EQ(pal.PALDISPSetScreenTapVol(1), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(pal.PALDISPGetScreenTapVol(&read), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio), Lines());
   device.registry().Create(kVolume);
   device.RemoveModule("coredll.dll");

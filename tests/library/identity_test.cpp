@@ -13,8 +13,6 @@ namespace {
 using sim::QueryAnswer;
 using sim::TextAnswer;
 
-constexpr HRESULT kTooShort = static_cast<HRESULT>(0x840F0001);
-constexpr HRESULT kInvalid = static_cast<HRESULT>(0x840F0002);
 constexpr HRESULT kSourceFailed = -1;
 constexpr HRESULT kSourceTooLong = -8;
 constexpr const char* kIdentityKey = "HKLM\\Software\\Dravonel\\DVLHWID";
@@ -149,8 +147,8 @@ TEST_F(Identity, GivesEachTextAtItsLengthAndNeverBehindIt) {
     }
     for (const DWORD bytes : {DWORD{0}, length - 1}) {
       const std::string kept = bytes == 0 ? "" : "untouched";
-      EXPECT_EQ(DetailA(detail, bytes), (Answer{kTooShort, kept, length}));
-      EXPECT_EQ(DetailW(detail, 2 * bytes), (Answer{kTooShort, kept, 2 * length}));
+      EXPECT_EQ(DetailA(detail, bytes), (Answer{PAL_SYSINFO_E_TOO_SHORT, kept, length}));
+      EXPECT_EQ(DetailW(detail, 2 * bytes), (Answer{PAL_SYSINFO_E_TOO_SHORT, kept, 2 * length}));
     }
     DWORD needed = 0;
     EXPECT_EQ(process.exports().PALSysinfo_GetDeviceDetailA(detail, nullptr, &needed), S_OK);
@@ -159,9 +157,10 @@ TEST_F(Identity, GivesEachTextAtItsLengthAndNeverBehindIt) {
     EXPECT_EQ(needed, 2 * length);
     GuardedBuffer<WCHAR> buffer(8);
     EXPECT_EQ(process.exports().PALSysinfo_GetDeviceDetailW(detail, buffer.data(), nullptr),
-              kInvalid);
+              PAL_SYSINFO_E_INVALID_INPUT);
     EXPECT_EQ(buffer.text(), "untouched");
-    EXPECT_EQ(process.exports().PALSysinfo_GetDeviceDetailA(detail, nullptr, nullptr), kInvalid);
+    EXPECT_EQ(process.exports().PALSysinfo_GetDeviceDetailA(detail, nullptr, nullptr),
+              PAL_SYSINFO_E_INVALID_INPUT);
   }
 }
 
@@ -173,8 +172,8 @@ TEST_F(Identity, AnswersUnknownDetailsWhateverTheirArguments) {
   }
   device.journal().Clear();
   for (const DWORD detail : {14u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(DetailA(detail), (Answer{kInvalid, "untouched", 256}));
-    EXPECT_EQ(DetailW(detail, 512), (Answer{kInvalid, "untouched", 512}));
+    EXPECT_EQ(DetailA(detail), (Answer{PAL_SYSINFO_E_INVALID_INPUT, "untouched", 256}));
+    EXPECT_EQ(DetailW(detail, 512), (Answer{PAL_SYSINFO_E_INVALID_INPUT, "untouched", 512}));
   }
   EXPECT_EQ(CategorisedLines()[1],
             "0xC40F0000 PALSysinfo_GetDeviceDetailA(14,*,*). Input detail invalid. procid:0x1");
@@ -243,8 +242,9 @@ TEST_F(Identity, FixedFormsRefuseWhatTheirBufferDoesNotHold) {
     std::size_t characters;
     HRESULT a, w;
   };
-  for (const Case& test : {Case{31, S_OK, S_OK}, Case{32, S_OK, kTooShort},
-                           Case{63, S_OK, kTooShort}, Case{64, kTooShort, kTooShort}}) {
+  for (const Case& test : {Case{31, S_OK, S_OK}, Case{32, S_OK, PAL_SYSINFO_E_TOO_SHORT},
+                           Case{63, S_OK, PAL_SYSINFO_E_TOO_SHORT},
+                           Case{64, PAL_SYSINFO_E_TOO_SHORT, PAL_SYSINFO_E_TOO_SHORT}}) {
     SCOPED_TRACE(test.characters);
     const std::string model(test.characters, 'm');
     hardware.parameters[0x00D5] = TextAnswer(model);
@@ -264,14 +264,14 @@ TEST_F(Identity, AnAddressOrDateThatCannotBeReadNeeds256Bytes) {
   const sim::Exports& e = process.exports();
   GuardedBuffer<char> a(64);
   GuardedBuffer<WCHAR> w(32);
-  EXPECT_EQ(e.PALSysinfo_GetEtherMACAddressA(a.data()), kTooShort);
-  EXPECT_EQ(e.PALSysinfo_GetEtherMACAddress(w.data()), kTooShort);
+  EXPECT_EQ(e.PALSysinfo_GetEtherMACAddressA(a.data()), PAL_SYSINFO_E_TOO_SHORT);
+  EXPECT_EQ(e.PALSysinfo_GetEtherMACAddress(w.data()), PAL_SYSINFO_E_TOO_SHORT);
   EXPECT_EQ(a.text() + w.text(), "untoucheduntouched");
   for (const DWORD detail : {10u, 7u, 8u}) {
     SCOPED_TRACE(detail);
-    EXPECT_EQ(DetailA(detail, 255), (Answer{kTooShort, "untouched", 256}));
+    EXPECT_EQ(DetailA(detail, 255), (Answer{PAL_SYSINFO_E_TOO_SHORT, "untouched", 256}));
     EXPECT_EQ(DetailA(detail, 256), (Answer{S_OK, "", 256}));
-    EXPECT_EQ(DetailW(detail, 511), (Answer{kTooShort, "untouched", 512}));
+    EXPECT_EQ(DetailW(detail, 511), (Answer{PAL_SYSINFO_E_TOO_SHORT, "untouched", 512}));
     EXPECT_EQ(DetailW(detail, 512), (Answer{S_OK, "", 2}));
   }
   hardware.parameters[0x0048] = TextAnswer("012345678901");

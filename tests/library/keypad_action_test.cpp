@@ -10,8 +10,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr HRESULT kOutOfRange = static_cast<HRESULT>(0x83ED0005);
-constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x83ED0007);
 const std::string kFlushed = R"(HKEY_LOCAL_MACHINE\Drivers\HID\ClientDrivers\DVLKeyboard flushed)";
 const std::string kSignalled = "DVL_KEYBOARD_CHANGE_USB set";
 
@@ -193,16 +191,17 @@ TEST_F(KeypadAction, IsRefusedCleanly) {
     HRESULT result;
   };
   for (const Case& test :
-       {Case{5, 0, kOutOfRange}, Case{5, 8, kOutOfRange}, Case{5, -1, kOutOfRange},
-        Case{1, 1, kNotSupported}, Case{4, 8, kNotSupported}, Case{8, 1, kNotSupported},
-        Case{-1, 1, kNotSupported}, Case{0x7FFFFFFF, 1, kNotSupported}}) {
+       {Case{5, 0, PAL_KEY_E_NO_SUCH_ACTION}, Case{5, 8, PAL_KEY_E_NO_SUCH_ACTION},
+        Case{5, -1, PAL_KEY_E_NO_SUCH_ACTION}, Case{1, 1, PAL_KEY_E_NOT_SUPPORTED},
+        Case{4, 8, PAL_KEY_E_NOT_SUPPORTED}, Case{8, 1, PAL_KEY_E_NOT_SUPPORTED},
+        Case{-1, 1, PAL_KEY_E_NOT_SUPPORTED}, Case{0x7FFFFFFF, 1, PAL_KEY_E_NOT_SUPPORTED}}) {
     EXPECT_EQ(Set(test.button, test.action), test.result) << test.button << ' ' << test.action;
     EXPECT_EQ(TraceLines().back(),
               fmt::format("0x{:08X}=SetButtonAction({},{} \"zero based adjusted\")\\r\\n",
                           static_cast<DWORD>(test.result), test.button, test.action));
   }
   DWORD action = 1;
-  EXPECT_EQ(process.exports().PALKEYGetButtonAction(4, &action), kNotSupported);
+  EXPECT_EQ(process.exports().PALKEYGetButtonAction(4, &action), PAL_KEY_E_NOT_SUPPORTED);
   EXPECT_EQ(action, 255u);
   EXPECT_EQ(process.exports().PALKEYGetButtonAction(5, nullptr), E_FAIL);
   EXPECT_EQ(Changes(), Lines{});
@@ -219,7 +218,7 @@ TEST_F(KeypadAction, NamesTheButtonOfEachScanCode) {
     device.registry().SetBinary(kLayout, "ShiftPlane0", {7, button.scan_code, 0, 1, 0, 0});
     for (LONG id = 0; id < 8; ++id) {
       EXPECT_EQ(process.exports().PALKEYGetButtonName(id, name.data(), &length),
-                id == button.id ? S_OK : kNotSupported)
+                id == button.id ? S_OK : PAL_KEY_E_NOT_SUPPORTED)
           << button.name << ' ' << id;
     }
     EXPECT_EQ(name.data(), button.name);

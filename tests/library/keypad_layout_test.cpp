@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x83ED0007);
-
 const Bytes kButton5 = {7, 0x43, 9, 1, 0, 0x22};
 const Bytes kButton5Signals = {7, 0x43, 9, 2, 2, 5};
 const Bytes kButton6 = {7, 0x3F, 9, 1, 0, 0x21};
@@ -17,7 +15,7 @@ class KeypadLayout : public KeypadTest {
     std::array<char, PAL_KEY_BUTTON_NAME_LENGTH> name{};
     DWORD length = 0;
     const HRESULT result = process.exports().PALKEYGetButtonName(button, name.data(), &length);
-    EXPECT_TRUE(result == S_OK || result == kNotSupported);
+    EXPECT_TRUE(result == S_OK || result == PAL_KEY_E_NOT_SUPPORTED);
     return result == S_OK;
   }
   void Put(const std::string& layout, const std::string& plane, const std::optional<Bytes>& bytes) {
@@ -41,8 +39,8 @@ TEST_F(KeypadLayout, IsFoundByAPathOfAnyAllowedForm) {
     std::string repair_result;
     std::uint32_t type = REG_SZ;
   };
-  const HRESULT not_found = static_cast<HRESULT>(0x80070002);
-  const HRESULT more_data = static_cast<HRESULT>(0x800700EA);
+  const HRESULT not_found = PAL_E_FILE_NOT_FOUND;
+  const HRESULT more_data = PAL_E_MORE_DATA;
   const std::string fail = "0x80004005";
   for (const Case& test : {
            Case{"terminated", Unterminated(path) + end, true, S_OK, "0x0"},
@@ -68,7 +66,7 @@ TEST_F(KeypadLayout, IsFoundByAPathOfAnyAllowedForm) {
     };
     arrange();
     EXPECT_EQ(IsSupported(5), test.supported);
-    EXPECT_EQ(Set(5, 4), test.supported ? S_OK : kNotSupported);
+    EXPECT_EQ(Set(5, 4), test.supported ? S_OK : PAL_KEY_E_NOT_SUPPORTED);
     const Bytes written = EventOf(kLayout, "STATE", "Event5");
     EXPECT_EQ(written, test.supported ? Unterminated(u"StateCameraScan") : Bytes{});
     if (test.supported) {

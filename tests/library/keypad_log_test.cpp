@@ -202,8 +202,7 @@ TEST_F(KeypadLog, TellsWhatGoesWrong) {
            Case{R"(E PALKEYContolKeyState - ERROR control key. key: 3, state: 0x7, hr: )"
                 R"(0x80070002\r\n)",
                 [&] { registry.RemoveTree(kKeyboard); },
-                [&] { return keypad.PALKEYControlKeyState(3, 7); },
-                static_cast<HRESULT>(0x80070002)},
+                [&] { return keypad.PALKEYControlKeyState(3, 7); }, PAL_E_FILE_NOT_FOUND},
            Case{R"(E PALDISPSetKeyTapVol - Input invalid.  input:3\r\n)", [] {},
                 [&] { return keypad.PALKEYSetKeyTapVol(3); }, E_FAIL},
            Case{R"(I PALKEYGetShiftBehavior - Not all shift keys have the same behavior\r\n)",

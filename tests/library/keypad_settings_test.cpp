@@ -6,8 +6,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
-
 class KeypadSettings : public KeypadTest {
  protected:
   static constexpr const char* kShiftKeys = R"(HKLM\Hardware\Layout\ShiftKeys)";
@@ -37,8 +35,8 @@ TEST_F(KeypadSettings, SwitchesControlKeys) {
                  path + "\"HighContrastKeyEnable\"=dword:00000001"}},
            Case{2, 0, S_OK, {path + "\"BacklightKeyEnable\"=dword:00000000"}},
            Case{3, 0x80000000, S_OK, {path + "\"AltTabEnable\"=dword:00000001"}},
-           Case{4, 1, static_cast<HRESULT>(0x83ED0004), {}},
-           Case{-1, 1, static_cast<HRESULT>(0x83ED0004), {}},
+           Case{4, 1, PAL_KEY_E_NO_SUCH_CONTROL_KEY, {}},
+           Case{-1, 1, PAL_KEY_E_NO_SUCH_CONTROL_KEY, {}},
        }) {
     device.journal().Clear();
     EXPECT_EQ(process.exports().PALKEYControlKeyState(test.key, test.state), test.result);
@@ -54,7 +52,7 @@ TEST_F(KeypadSettings, SwitchesControlKeys) {
   EXPECT_EQ(process.exports().PALKEYControlKeyState(1, 1), S_OK) << "of the last write";
   EXPECT_EQ(Changes().size(), 1u);
   device.registry().RemoveTree(kKeyboard);
-  EXPECT_EQ(process.exports().PALKEYControlKeyState(1, 1), kNotFound);
+  EXPECT_EQ(process.exports().PALKEYControlKeyState(1, 1), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(Changes().size(), 1u) << "the key is not created";
 }
 
@@ -146,7 +144,7 @@ TEST_F(KeypadSettings, FailsWhereTheShiftKeysCannotBeReached) {
   };
   const std::string keyboard = "HKLM\\Hardware\\Devicemap\\Keybd";
   const std::string keys = "HKLM\\Hardware\\Layout\\ShiftKeys";
-  const HRESULT denied = static_cast<HRESULT>(0x80070005);
+  const HRESULT denied = PAL_E_ACCESS_DENIED;
   for (const Case& test : {
            Case{"keyboard",
                 {.call = "RegOpenKeyExW", .nth = 1, .error = 5},
@@ -214,8 +212,8 @@ TEST_F(KeypadSettings, FailsWhereTheShiftKeysCannotBeReached) {
 TEST_F(KeypadSettings, KeepsTheClickOfAKey) {
   const auto set = [&](DWORD level) { return process.exports().PALKEYSetKeyTapVol(level); };
   DWORD level = 77;
-  EXPECT_EQ(set(1), kNotFound) << "there is no such key yet";
-  EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(&level), kNotFound);
+  EXPECT_EQ(set(1), PAL_E_FILE_NOT_FOUND) << "there is no such key yet";
+  EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(&level), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(level, 77u);
   EXPECT_EQ(CategorisedLines(), (Lines{"0xC3ED0000 PALDISPSetKeyTapVol - Could not set reg key: "
                                        "ControlPanel\\Volume\\Key\\r\\n",

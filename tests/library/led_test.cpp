@@ -20,7 +20,6 @@ constexpr const char* kSettings = "HKLM\\SOFTWARE\\Dravonel\\PAL";
 constexpr const char* kNoMutex = "PALWaitForMutex - ERROR invalid mutex. hMutex: 0x0\\r\\n";
 constexpr const char* kNoRelease =
     "PALReleaseMutexIfValid - ERROR. Mutex not valid. hMutex: 0x0\\r\\n";
-constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 
 class LedTest : public DeviceTest {
  protected:
@@ -236,7 +235,7 @@ TEST_F(LedTest, StateIsToldAsItIsStored) {
            Case{0, S_OK, 0xFFFFFFFE, "procid: 0x{:x}, type: IntGrLed, led_state: -2\\r\\n"},
            Case{1, S_OK, 1, "procid: 0x{:x}, type: TethGrLed, led_state: 1\\r\\n"},
            Case{2, S_OK, 0, "procid: 0x{:x}, type: BTGrLed, led_state: 0\\r\\n"},
-           Case{3, kFileNotFound, kUntouched,
+           Case{3, PAL_E_FILE_NOT_FOUND, kUntouched,
                 "ERROR reading RFIDGrLed from reg. procid: 0x{:x}, hr: 0x80070002\\r\\n"},
        }) {
     device.journal().Clear();
@@ -283,7 +282,7 @@ TEST_F(LedTest, InitKeepsWhatThereIs) {
   EXPECT_EQ(exports.PALLEDInit(), S_OK);
   EXPECT_EQ(process.open_handles(), handles);
   device.PlanFault({.call = "CreateMutexW", .error = 8});
-  EXPECT_EQ(exports.PALLEDInit(), static_cast<HRESULT>(0x80070008));
+  EXPECT_EQ(exports.PALLEDInit(), PAL_E_WIN32(0x8));
   EXPECT_EQ(CategorisedLines(),
             Lines{fmt::format("0xC3EC0000 PALLEDInit - ERROR Creating mutex. procid: 0x{:x}, name: "
                               "DVLORQPALMutex, win32err: 0x8, hr: 0x80070008\\r\\n",

@@ -11,10 +11,6 @@ namespace {
 using namespace std::string_literals;
 
 constexpr DWORD kUntouched = 0xDEADBEEF;
-constexpr HRESULT kNoFile = static_cast<HRESULT>(0x80070002);
-constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
-constexpr HRESULT kGeneralFailure = static_cast<HRESULT>(0x8007001F);
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
 
 constexpr std::uint16_t kInternalDeviceCode = 0x1A;
 constexpr std::uint16_t kDataCollectionFlags = 0x1B;
@@ -101,7 +97,7 @@ TEST_F(ManufacturingOptions, DatacollHasOrientationRotationAndTheSecondDevice) {
     Answers answers;
   };
   const Case cases[] = {
-      {std::nullopt, {kNoFile, 255, 0, 0}},
+      {std::nullopt, {PAL_E_FILE_NOT_FOUND, 255, 0, 0}},
       {"", {E_FAIL, 255, 0, 0}},
       {"\xFF\xFF", {S_OK, 255, 0, 0}},
       {"\xFF\xFF\x19", {S_OK, 52, 0, 0}},
@@ -131,8 +127,8 @@ TEST_F(ManufacturingOptions, DatacollThatCannotBeReadGivesDefaultsAndTheError) {
     std::uint32_t error;
     HRESULT result;
   };
-  for (const Case& test :
-       {Case{"CreateFileW", 1, 32, kSharingViolation}, Case{"ReadFile", 1, 31, kGeneralFailure}}) {
+  for (const Case& test : {Case{"CreateFileW", 1, 32, PAL_E_SHARING_VIOLATION},
+                           Case{"ReadFile", 1, 31, PAL_E_WIN32(0x1F)}}) {
     device.PlanFault({.call = test.call, .from_then_on = true, .error = test.error});
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(test.result, DWORD{255}));
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(test.result, DWORD{0}));
@@ -183,11 +179,6 @@ TEST_F(ManufacturingOptions, ContentIsEnabledUnlessItsFlagsAreZero) {
 
 constexpr HRESULT kEnabled = 0x04320001;
 constexpr HRESULT kDisabled = 0x04320002;
-constexpr HRESULT kStateNotRead = static_cast<HRESULT>(0x84320004);
-constexpr HRESULT kLocationNotRead = static_cast<HRESULT>(0x84320006);
-constexpr HRESULT kNoFeatureKey = static_cast<HRESULT>(0x84320007);
-constexpr HRESULT kStateOutOfRange = static_cast<HRESULT>(0x84320008);
-constexpr HRESULT kNoFeature = static_cast<HRESULT>(0x84320009);
 
 // A fault of one value of a policy that otherwise says "disabled".
 struct PolicyCase {
@@ -199,15 +190,16 @@ struct PolicyCase {
 constexpr PolicyCase kPolicyCases[] = {
     {"disabled", kDisabled, [](sim::Registry&) {}},
     {"enabled", kEnabled, [](sim::Registry& r) { r.SetDword(kStates, "CameraOff", 0); }},
-    {"neither", kStateOutOfRange, [](sim::Registry& r) { r.SetDword(kStates, "CameraOff", 2); }},
-    {"no feature", kNoFeatureKey, [](sim::Registry& r) { r.RemoveTree(kFeature); }},
-    {"no location", kLocationNotRead,
+    {"neither", PAL_MFGOPT_E_VALUE_INVALID,
+     [](sim::Registry& r) { r.SetDword(kStates, "CameraOff", 2); }},
+    {"no feature", PAL_MFGOPT_E_NO_SUCH_FEATURE, [](sim::Registry& r) { r.RemoveTree(kFeature); }},
+    {"no location", PAL_MFGOPT_E_LOCATION_UNREADABLE,
      [](sim::Registry& r) { r.Find(kFeature)->DeleteValue(u"PolicyLocation"); }},
-    {"location too long", kLocationNotRead,
+    {"location too long", PAL_MFGOPT_E_LOCATION_UNREADABLE,
      [](sim::Registry& r) { r.SetString(kFeature, "PolicyLocation", std::string(260, 'x')); }},
-    {"location empty", kLocationNotRead,
+    {"location empty", PAL_MFGOPT_E_LOCATION_UNREADABLE,
      [](sim::Registry& r) { r.SetRaw(kFeature, "PolicyLocation", REG_SZ, {}); }},
-    {"location is no text", kLocationNotRead,
+    {"location is no text", PAL_MFGOPT_E_LOCATION_UNREADABLE,
      [](sim::Registry& r) { r.SetDword(kFeature, "PolicyLocation", 1); }},
     {"location without its null", kDisabled,
      [](sim::Registry& r) {
@@ -216,22 +208,22 @@ constexpr PolicyCase kPolicyCases[] = {
        r.SetRaw(kFeature, "PolicyLocation", REG_SZ, data);
      }},
     {"location names no key", kEnabled, [](sim::Registry& r) { r.RemoveTree(kStates); }},
-    {"no name", kStateNotRead,
+    {"no name", PAL_MFGOPT_E_VALUE_UNREADABLE,
      [](sim::Registry& r) {
        r.Find(kFeature)->DeleteValue(u"PolicyKey");
        r.SetString(kStates, "PolicyKey", "CameraOff");  // the wrong key to look in
      }},
-    {"no state", kStateNotRead,
+    {"no state", PAL_MFGOPT_E_VALUE_UNREADABLE,
      [](sim::Registry& r) { r.Find(kStates)->DeleteValue(u"CameraOff"); }},
-    {"state empty", kStateNotRead,
+    {"state empty", PAL_MFGOPT_E_VALUE_UNREADABLE,
      [](sim::Registry& r) { r.SetRaw(kStates, "CameraOff", REG_DWORD, {}); }},
-    {"state too long", kStateNotRead,
+    {"state too long", PAL_MFGOPT_E_VALUE_UNREADABLE,
      [](sim::Registry& r) {
        r.SetRaw(kStates, "CameraOff", REG_DWORD, {1, 0, 0, 0, 0});
      }},
     {"state short", kDisabled,
      [](sim::Registry& r) { r.SetRaw(kStates, "CameraOff", REG_DWORD, {1}); }},
-    {"state is no number", kStateNotRead,
+    {"state is no number", PAL_MFGOPT_E_VALUE_UNREADABLE,
      [](sim::Registry& r) { r.SetString(kStates, "CameraOff", "1"); }},
 };
 
@@ -244,7 +236,7 @@ TEST_F(ManufacturingOptions, PoliciesAnswerByTheirResultAndCloseTheirKeys) {
     device.registry().RemoveTree(kPolicy);
     device.registry().RemoveTree(kStates);
   }
-  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(nullptr), kNoFeature);
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(nullptr), PAL_MFGOPT_E_NO_FEATURE_GIVEN);
   EXPECT_EQ(Texts(sim::Effect::kRegistry), std::vector<std::string>{});
 }
 
@@ -256,11 +248,11 @@ TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
   };
   SetPolicy(1);
   for (const Case& test : {
-           Case{"RegOpenKeyExW", 1, kNoFeatureKey},
-           Case{"RegQueryValueExW", 1, kLocationNotRead},
+           Case{"RegOpenKeyExW", 1, PAL_MFGOPT_E_NO_SUCH_FEATURE},
+           Case{"RegQueryValueExW", 1, PAL_MFGOPT_E_LOCATION_UNREADABLE},
            Case{"RegOpenKeyExW", 2, kEnabled},
-           Case{"RegQueryValueExW", 2, kStateNotRead},
-           Case{"RegQueryValueExW", 3, kStateNotRead},
+           Case{"RegQueryValueExW", 2, PAL_MFGOPT_E_VALUE_UNREADABLE},
+           Case{"RegQueryValueExW", 3, PAL_MFGOPT_E_VALUE_UNREADABLE},
        }) {
     device.PlanFault({.call = test.call, .nth = test.nth, .error = 5});
     EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result)
@@ -273,10 +265,10 @@ TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
 TEST_F(ManufacturingOptions, PoliciesHaveNamesOfAtMost234Units) {
   std::u16string name(234, u'f');
   device.registry().Create(kPolicy + ("\\" + std::string(234, 'f')));
-  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), kLocationNotRead);
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), PAL_MFGOPT_E_LOCATION_UNREADABLE);
   name += u'f';
   const unsigned opens = device.calls("RegOpenKeyExW");
-  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), kNoFeatureKey);
+  EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(name.c_str()), PAL_MFGOPT_E_NO_SUCH_FEATURE);
   EXPECT_EQ(device.calls("RegOpenKeyExW"), opens);
 }
 
@@ -345,16 +337,19 @@ struct DpmFault {
 TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
   const std::string old = "\x05\x06";
   const DpmFault cases[] = {
-      {old, {.call = "CreateFileW", .error = 5}, kAccessDenied, old},
-      {std::nullopt, {.call = "CreateFileW", .nth = 2, .error = 5}, kAccessDenied, std::nullopt},
-      {std::nullopt, {.call = "WriteFile"}, kGeneralFailure, ""},
-      {std::nullopt, {.call = "WriteFile", .nth = 2}, kGeneralFailure, "\0\0"s},
-      {old, {.call = "SetFilePointer"}, kGeneralFailure, old},
-      {old, {.call = "WriteFile"}, kGeneralFailure, old},
+      {old, {.call = "CreateFileW", .error = 5}, PAL_E_ACCESS_DENIED, old},
+      {std::nullopt,
+       {.call = "CreateFileW", .nth = 2, .error = 5},
+       PAL_E_ACCESS_DENIED,
+       std::nullopt},
+      {std::nullopt, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), ""},
+      {std::nullopt, {.call = "WriteFile", .nth = 2}, PAL_E_WIN32(0x1F), "\0\0"s},
+      {old, {.call = "SetFilePointer"}, PAL_E_WIN32(0x1F), old},
+      {old, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), old},
       {old, {.call = "WriteFile", .transfers = 0}, E_FAIL, old},
       {std::nullopt, {.call = "WriteFile", .transfers = 1}, S_OK, "\0\x09"s},
       // Another process makes the file between the two opens.
-      {old, {.call = "CreateFileW", .error = 2}, static_cast<HRESULT>(0x80070050), old},
+      {old, {.call = "CreateFileW", .error = 2}, PAL_E_WIN32(0x50), old},
   };
   for (const DpmFault& test : cases) {
     SCOPED_TRACE(&test - cases);
@@ -371,11 +366,14 @@ TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
 TEST_F(ManufacturingOptions, DpmStatusThatCannotBeReadIsZero) {
   const std::string old = "\x05\x06";
   const DpmFault cases[] = {
-      {old, {.call = "CreateFileW", .error = 5}, kAccessDenied, old},
-      {std::nullopt, {.call = "CreateFileW", .nth = 2, .error = 5}, kAccessDenied, std::nullopt},
-      {std::nullopt, {.call = "WriteFile"}, kGeneralFailure, ""},
-      {old, {.call = "SetFilePointer"}, kGeneralFailure, old},
-      {old, {.call = "ReadFile"}, kGeneralFailure, old},
+      {old, {.call = "CreateFileW", .error = 5}, PAL_E_ACCESS_DENIED, old},
+      {std::nullopt,
+       {.call = "CreateFileW", .nth = 2, .error = 5},
+       PAL_E_ACCESS_DENIED,
+       std::nullopt},
+      {std::nullopt, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), ""},
+      {old, {.call = "SetFilePointer"}, PAL_E_WIN32(0x1F), old},
+      {old, {.call = "ReadFile"}, PAL_E_WIN32(0x1F), old},
       {old, {.call = "ReadFile", .transfers = 1}, S_OK, old},
   };
   for (const DpmFault& test : cases) {

@@ -53,7 +53,7 @@ TEST_F(MutexHelpers, GoOnWithoutTheMutexAfterTheTimeout) {
   process.Run([&] {
     EXPECT_EQ(process->wait_for_mutex(kLed, mutex, kTimeout), S_OK);
     EXPECT_EQ(GetTickCount(), kTimeout);
-    EXPECT_EQ(process->release_mutex(kLed, mutex), static_cast<HRESULT>(0x80070120));
+    EXPECT_EQ(process->release_mutex(kLed, mutex), PAL_E_WIN32(0x120));
   });
   const std::vector<std::string> lines = CategorisedLines();
   ASSERT_EQ(lines.size(), 2u);

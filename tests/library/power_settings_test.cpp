@@ -22,10 +22,6 @@ constexpr const char* kButton = "HKLM\\Drivers\\Builtin\\Pwrbutton";
 constexpr const char* kCodeName = "PowerButtonSuspendType";
 constexpr DWORD kUntouched = 0xABCD;
 
-constexpr HRESULT Result(DWORD code) {
-  return static_cast<HRESULT>(code);
-}
-
 class PowerSettings : public DeviceTest {
  protected:
   PowerSettings() {
@@ -77,9 +73,9 @@ const std::vector<Timeout>& Timeouts() {
        [](const Exports& pal, DWORD* value) { return pal.PALPWRGetDeviceOff_Batt(value); },
        60,
        {0, 1, 2, 3, 4, 5, 6, 10, 11, 15, 30},
-       Result(0x83EF0011),
-       Result(0x83EF000D),
-       Result(0x83EF2006),
+       PAL_PWR_E_NO_SUCH_TIMEOUT,
+       PAL_PWR_E_NO_EVENT,
+       PAL_PWR_E_EVENT(0x2006),
        {"PALPWRSetDeviceOff_Batt - ERROR invalid input: 0x7\\r\\n", "",
         "PALPWRSetDeviceOff_Batt - ERROR Cannot signal driver of chg event: 0x0\\r\\n",
         "PALPWRSetDeviceOff_Batt - SetEvent failed. event *, win32err: 0x12006\\r\\n",
@@ -91,9 +87,9 @@ const std::vector<Timeout>& Timeouts() {
        [](const Exports& pal, DWORD* value) { return pal.PALPWRGetDeviceOff_ExtPwr(value); },
        60,
        {0, 1, 2, 5, 6, 10, 11, 15, 30},
-       Result(0x83EF0011),
-       Result(0x83EF000D),
-       Result(0x83EF2006),
+       PAL_PWR_E_NO_SUCH_TIMEOUT,
+       PAL_PWR_E_NO_EVENT,
+       PAL_PWR_E_EVENT(0x2006),
        {"PALPWRSetDeviceOff_ExtPwr - ERROR invalid input: 0x7\\r\\n", "",
         "PALPWRSetDeviceOff_ExtPwr - ERROR Cannot signal driver of chg event: 0x0\\r\\n",
         "PALPWRSetDeviceOff_ExtPwr - SetEvent failed. event *, win32err: 0x12006\\r\\n",
@@ -105,7 +101,7 @@ const std::vector<Timeout>& Timeouts() {
        {0, 60, 120, 180, 240, 300, 360, 660},
        S_OK,
        S_OK,
-       Result(0x80072006),
+       PAL_E_WIN32(0x2006),
        {"SetScreenOff_Batt - Invalid input. input: 7\\r\\n",
         "SetScreenOff_Batt - Error writing to: " + path + "BattUserIdle\\r\\n",
         "SetScreenOff_Batt - Error event invalid: 0x0\\r\\n",
@@ -118,7 +114,7 @@ const std::vector<Timeout>& Timeouts() {
        {0, 60, 120, 121, 180, 240, 300, 360, 600, 660, 900, 1800},
        S_OK,
        S_OK,
-       Result(0x80072006),
+       PAL_E_WIN32(0x2006),
        {"SetScreenOff_ExtPwr - Invalid input. input: 7\\r\\n",
         "SetScreenOff_ExtPwr - Error writing to: " + path + "ACUserIdle\\r\\n",
         "SetScreenOff_ExtPwr - Error event invalid: 0x0\\r\\n",
@@ -162,7 +158,7 @@ TEST_F(PowerSettings, TimeoutsAnswerEachFailureInTheirWay) {
     const auto stored = [&] { return device.registry().GetDword(kTimeouts, timeout.value); };
     EXPECT_EQ(timeout.set(pal, 7), timeout.refused);
     device.PlanFault({.call = "RegSetValueExW", .error = 5});
-    EXPECT_EQ(timeout.set(pal, 0), Result(0x80070005));
+    EXPECT_EQ(timeout.set(pal, 0), PAL_E_ACCESS_DENIED);
     EXPECT_EQ(stored(), std::nullopt);
     device.ClearFaults();
     EXPECT_EQ(EventLines(), Lines());
@@ -179,17 +175,17 @@ TEST_F(PowerSettings, TimeoutsAnswerEachFailureInTheirWay) {
 
     device.registry().Find(kTimeouts)->DeleteValue(sim::ToUtf16(timeout.value));
     DWORD read = kUntouched;
-    EXPECT_EQ(timeout.get(pal, &read), Result(0x80070002));
+    EXPECT_EQ(timeout.get(pal, &read), PAL_E_FILE_NOT_FOUND);
     Lines expected = timeout.lines;
     std::erase(expected, "");
     EXPECT_EQ(ErrorLines(), expected);
 
     device.registry().SetBinary(kTimeouts, timeout.value, {1, 2, 3, 4, 5});
-    EXPECT_EQ(timeout.get(pal, &read), Result(0x800700EA));
+    EXPECT_EQ(timeout.get(pal, &read), PAL_E_MORE_DATA);
     EXPECT_EQ(read, kUntouched);
     EXPECT_EQ(timeout.get(pal, nullptr), E_FAIL);
     device.registry().RemoveTree(kTimeouts);
-    EXPECT_EQ(timeout.set(pal, 0), Result(0x80070002));
+    EXPECT_EQ(timeout.set(pal, 0), PAL_E_FILE_NOT_FOUND);
     device.registry().Create(kTimeouts);
   }
 }
@@ -264,8 +260,8 @@ TEST_F(PowerSettings, PowerButtonFailures) {
   device.registry().SetDword(kButton, kCodeName, 0x00100000);
   EXPECT_EQ(pal.PALPWRGetPwrButton(&read), E_FAIL);
   device.registry().RemoveTree(kButton);
-  EXPECT_EQ(pal.PALPWRGetPwrButton(&read), Result(0x80070002));
-  EXPECT_EQ(pal.PALPWRSetPwrButton(1), Result(0x80070002));
+  EXPECT_EQ(pal.PALPWRGetPwrButton(&read), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(pal.PALPWRSetPwrButton(1), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(pal.PALPWRGetPwrButton(nullptr), E_FAIL);
   EXPECT_EQ(read, kUntouched);
   EXPECT_EQ(device.registry().Find(kButton), nullptr);
@@ -301,8 +297,8 @@ TEST_F(PowerSettings, BootOptionIsKeptByTheDriver) {
   EXPECT_EQ(process.new_handles(), handles);
 
   device.hardware().drivers.clear();
-  EXPECT_EQ(pal.PALPWRSetBootOption(3), Result(0x80070037));
-  EXPECT_EQ(pal.PALPWRGetBootOption(&option), Result(0x80070037));
+  EXPECT_EQ(pal.PALPWRSetBootOption(3), PAL_E_DEV_NOT_EXIST);
+  EXPECT_EQ(pal.PALPWRGetBootOption(&option), PAL_E_DEV_NOT_EXIST);
   EXPECT_EQ(pal.PALPWRGetBootOption(nullptr), E_FAIL);
   EXPECT_EQ(option, kUntouched);
   const std::string refused =
@@ -326,10 +322,10 @@ TEST_F(PowerSettings, InitKeepsBothEventsOrNone) {
   EXPECT_EQ(process.new_handles(), with_events - 2);
   for (const unsigned failing : {1U, 2U}) {
     device.PlanFault({.call = "CreateEventW", .nth = failing, .error = 0x12008});
-    EXPECT_EQ(pal.PALPWRInit(), Result(0x83EF2008));
+    EXPECT_EQ(pal.PALPWRInit(), PAL_PWR_E_EVENT(0x2008));
     device.ClearFaults();
     EXPECT_EQ(process.new_handles(), with_events - 2);
-    EXPECT_EQ(pal.PALPWRSetDeviceOff_Batt(0), Result(0x83EF000D));
+    EXPECT_EQ(pal.PALPWRSetDeviceOff_Batt(0), PAL_PWR_E_NO_EVENT);
   }
   EXPECT_EQ(pal.PALPWRInit(), S_OK);
   EXPECT_EQ(pal.PALPWRSetDeviceOff_Batt(0), S_OK);
@@ -351,8 +347,8 @@ TEST_F(PowerSettings, TheConfigurationDriverHasOneUser) {
                          nullptr);
   });
   DWORD option = kUntouched;
-  EXPECT_EQ(pal.PALPWRSetBootOption(4), Result(0x80070020));
-  EXPECT_EQ(pal.PALPWRGetBootOption(&option), Result(0x80070020));
+  EXPECT_EQ(pal.PALPWRSetBootOption(4), PAL_E_SHARING_VIOLATION);
+  EXPECT_EQ(pal.PALPWRGetBootOption(&option), PAL_E_SHARING_VIOLATION);
   EXPECT_EQ(option, kUntouched);
   EXPECT_EQ(driver->boot_option(), 3);
   process.Run([&] { CloseHandle(opened); });

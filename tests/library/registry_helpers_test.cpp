@@ -11,9 +11,6 @@ namespace {
 constexpr const char* kPath = "HKEY_LOCAL_MACHINE\\Software\\Test";
 constexpr const WCHAR* kKey = TEXT("Software\\Test");
 constexpr const WCHAR* kValue = TEXT("Value");
-constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
-constexpr HRESULT kMoreData = static_cast<HRESULT>(0x800700EA);
-constexpr HRESULT kInjected = static_cast<HRESULT>(0x8007001F);
 
 class RegistryHelpers : public DeviceTest {
  protected:
@@ -79,7 +76,8 @@ TEST_F(RegistryHelpers, FindTheRootWhoseNameComesFirst) {
 
 TEST_F(RegistryHelpers, NeedAKeyThatExists) {
   process.Run([&] {
-    for (const Helper& helper : Helpers()) EXPECT_EQ(helper.call(kKey), kNotFound) << helper.name;
+    for (const Helper& helper : Helpers())
+      EXPECT_EQ(helper.call(kKey), PAL_E_FILE_NOT_FOUND) << helper.name;
     EXPECT_EQ(process->create_set_dword(HKEY_LOCAL_MACHINE, kKey, kValue, 7), S_OK);
   });
   EXPECT_EQ(device.registry().GetDword(kPath, "Value"), 7u);
@@ -91,7 +89,8 @@ TEST_F(RegistryHelpers, PassOnTheErrorOfTheValueOrIgnoreItAsDescribed) {
   device.PlanFault({.call = "RegQueryValueExW", .from_then_on = true});
   process.Run([&] {
     for (const Helper& helper : Helpers()) {
-      EXPECT_EQ(helper.call(kKey), helper.ignores_value_error ? S_OK : kInjected) << helper.name;
+      EXPECT_EQ(helper.call(kKey), helper.ignores_value_error ? S_OK : PAL_E_WIN32(0x1F))
+          << helper.name;
     }
   });
   EXPECT_EQ(size, 4u);
@@ -155,7 +154,7 @@ TEST_F(RegistryHelpers, ReadANumberOfOneToFourBytes) {
       EXPECT_EQ(number, kExpected[count]);
     }
     device.registry().SetBinary(kPath, "Value", stored);
-    EXPECT_EQ(process->get_dword(HKEY_LOCAL_MACHINE, kKey, kValue, &number), kMoreData);
+    EXPECT_EQ(process->get_dword(HKEY_LOCAL_MACHINE, kKey, kValue, &number), PAL_E_MORE_DATA);
     EXPECT_EQ(number, kExpected.back()) << "a failed read leaves the number alone";
   });
 }
@@ -181,7 +180,7 @@ TEST_F(RegistryHelpers, ReadAStringUpToItsEndAndItsLimit) {
   std::vector<WCHAR> room(261);
   for (const Case& test :
        {Case{0, false, S_OK}, Case{3, true, S_OK}, Case{3, false, S_OK}, Case{259, true, S_OK},
-        Case{260, false, S_OK}, Case{260, true, kMoreData}}) {
+        Case{260, false, S_OK}, Case{260, true, PAL_E_MORE_DATA}}) {
     std::vector<std::uint8_t> data;
     for (std::size_t unit = 0; unit < test.stored_units; ++unit) data.insert(data.end(), {'x', 0});
     if (test.terminated) data.insert(data.end(), {0, 0});

@@ -14,14 +14,6 @@ namespace {
 using Lines = std::vector<std::string>;
 using Bus = sim::UsbFunctionBus;
 
-constexpr auto kBadInput = static_cast<HRESULT>(0x844F0001);
-constexpr auto kSelectFailed = static_cast<HRESULT>(0x844F0002);
-constexpr auto kGetFailed = static_cast<HRESULT>(0x844F0003);
-constexpr auto kBusNotOpened = static_cast<HRESULT>(0x844F0004);
-constexpr auto kUnknownClient = static_cast<HRESULT>(0x844F0005);
-constexpr auto kMissing = static_cast<HRESULT>(0x80070002);
-constexpr auto kMoreData = static_cast<HRESULT>(0x800700EA);
-
 std::vector<std::uint8_t> Wide(std::u16string_view text) {
   return sim::WideTextAnswer(text, sim::Terminator::kMissing).bytes;
 }
@@ -105,7 +97,7 @@ TEST_F(UsbFunction, IsNotChosenByANumberAboveThree) {
   const unsigned calls = device.calls("CreateFileW") + device.calls("RegOpenKeyExW");
   for (const DWORD option : {4U, 0x80000000U, 0xFFFFFFFFU}) {
     device.journal().Clear();
-    EXPECT_EQ(Set(option), kBadInput);
+    EXPECT_EQ(Set(option), PAL_STORE_E_INVALID_INPUT);
     EXPECT_EQ(ErrorLines(), Lines{"ERROR PALStore_SetUsbFuncDriver - Invalid input opt. iOpt:" +
                                   std::to_string(static_cast<int>(option)) + "\\r\\n"});
   }
@@ -122,29 +114,25 @@ TEST_F(UsbFunction, StopsAtTheFirstStepThatFails) {
   const std::string storage = "Mass_Storage_Class";
   for (const Case& test : {
            Case{{.call = "CreateFileW", .error = 5},
-                kBusNotOpened,
+                PAL_STORE_E_BUS_NOT_OPENED,
                 "Other",
                 "DSK9:",
                 "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x5\\r\\n"},
            Case{{.call = "DeviceIoControl", .error = 31},
-                kSelectFailed,
+                PAL_STORE_E_SELECT_FAILED,
                 "Other",
                 "DSK9:",
                 "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220018). win32err: "
                 "0x1f\\r\\n"},
-           Case{{.call = "RegOpenKeyExW", .error = 2}, kMissing, storage, "DSK9:", ""},
-           Case{{.call = "RegSetValueExW", .error = 5},
-                static_cast<HRESULT>(0x80070005),
-                storage,
-                "DSK9:",
-                ""},
+           Case{{.call = "RegOpenKeyExW", .error = 2}, PAL_E_FILE_NOT_FOUND, storage, "DSK9:", ""},
+           Case{{.call = "RegSetValueExW", .error = 5}, PAL_E_ACCESS_DENIED, storage, "DSK9:", ""},
            Case{{.call = "CreateFileW", .nth = 2, .error = 55},
-                kBusNotOpened,
+                PAL_STORE_E_BUS_NOT_OPENED,
                 storage,
                 "DSK1:",
                 "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x37\\r\\n"},
            Case{{.call = "DeviceIoControl", .nth = 2, .error = 170},
-                kSelectFailed,
+                PAL_STORE_E_SELECT_FAILED,
                 storage,
                 "DSK1:",
                 "SetClientOption - ERROR 0x0=DeviceIoControl(ioctl:0x220010). win32err: "
@@ -177,15 +165,18 @@ TEST_F(UsbFunction, IsKnownByItsClientOrVolumeInAnyCase) {
            Case{u"sERIAL_cLASS", {}, S_OK, 0}, Case{u"RNDIS", {}, S_OK, 1},
            Case{u"mass_storage_class", Wide(u"dsk1:"), S_OK, 2},  // without a terminator
            Case{u"Mass_Storage_Class", Wide(terminated), S_OK, 3},
-           Case{u"Mass_Storage_Class", {}, kUnknownClient, kUntouched},
-           Case{u"Mass_Storage_Class", Wide(u"DSK3:"), kUnknownClient, kUntouched},
-           Case{u"Mass_Storage_Class", Wide(full), kUnknownClient, kUntouched},
-           Case{u"Mass_Storage_Class", Wide(full + u"x"), kUnknownClient, kUntouched},
-           Case{u"RNDIS2", {}, kUnknownClient, kUntouched},
-           Case{u"", {}, kUnknownClient, kUntouched},
-           Case{std::u16string(127, u'c'), {}, kUnknownClient, kUntouched},
-           Case{std::u16string(128, u'c'), {}, kBadInput, kUntouched},
-           Case{std::u16string(378, u'c'), {}, kBadInput, kUntouched},  // to the record's end
+           Case{u"Mass_Storage_Class", {}, PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(u"DSK3:"), PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(full), PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{u"Mass_Storage_Class", Wide(full + u"x"), PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{u"RNDIS2", {}, PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{u"", {}, PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{std::u16string(127, u'c'), {}, PAL_STORE_E_UNKNOWN_CLIENT, kUntouched},
+           Case{std::u16string(128, u'c'), {}, PAL_STORE_E_INVALID_INPUT, kUntouched},
+           Case{std::u16string(378, u'c'),
+                {},
+                PAL_STORE_E_INVALID_INPUT,
+                kUntouched},  // to the record's end
        }) {
     bus->set_told_name(test.client);
     const auto key = device.registry().Find(kKey);
@@ -207,9 +198,9 @@ TEST_F(UsbFunction, IsNotToldByABusThatFails) {
     std::string error;
   };
   for (const Case& test :
-       {Case{"CreateFileW", kBusNotOpened,
+       {Case{"CreateFileW", PAL_STORE_E_BUS_NOT_OPENED,
              "GetClientOption - 0xffffffff=CreateFile(). win32err: 0x5\\r\\n"},
-        Case{"DeviceIoControl", kGetFailed,
+        Case{"DeviceIoControl", PAL_STORE_E_GET_FAILED,
              "GetClientOption - ERROR 0x0=DeviceIoControl(). win32err: 0x5\\r\\n"}}) {
     device.journal().Clear();
     device.PlanFault({.call = test.call, .error = 5});
@@ -218,7 +209,7 @@ TEST_F(UsbFunction, IsNotToldByABusThatFails) {
     EXPECT_EQ(option, 9u);
     EXPECT_EQ(ErrorLines(), Lines{test.error});
   }
-  EXPECT_EQ(process.exports().PALStore_GetUsbFuncDriver(nullptr), kBadInput);
+  EXPECT_EQ(process.exports().PALStore_GetUsbFuncDriver(nullptr), PAL_STORE_E_INVALID_INPUT);
 }
 
 TEST_F(UsbFunction, IsUnknownWhereTheVolumeCannotBeRead) {
@@ -232,7 +223,7 @@ TEST_F(UsbFunction, IsUnknownWhereTheVolumeCannotBeRead) {
     }
     device.journal().Clear();
     DWORD option = 9;
-    EXPECT_EQ(Get(option), kUnknownClient) << call;
+    EXPECT_EQ(Get(option), PAL_STORE_E_UNKNOWN_CLIENT) << call;
     EXPECT_EQ(option, 9u);
     device.ClearFaults();
     EXPECT_EQ(CategorisedLines(),
@@ -256,7 +247,7 @@ TEST(UsbFunctionDescription, KeepsItsClientsAndTheirRefusals) {
     sim::Process process(device);
     EXPECT_EQ(process.exports().PALStore_SetUsbFuncDriver(0), S_OK);
     device.registry().Create("HKLM\\Drivers\\USB\\FunctionDrivers\\Mass_Storage_Class");
-    EXPECT_EQ(process.exports().PALStore_SetUsbFuncDriver(2), kSelectFailed);
+    EXPECT_EQ(process.exports().PALStore_SetUsbFuncDriver(2), PAL_STORE_E_SELECT_FAILED);
     EXPECT_EQ(device.journal().Texts(sim::Effect::kDriver),
               (Lines{"$bus\\OTG_0_2_0 set default client: Serial_Class",
                      "$bus\\OTG_0_2_0 set current client: Serial_Class",
@@ -371,20 +362,21 @@ TEST_F(UsbHostStorage, PassesOverWhatIsNoText) {
   EXPECT_EQ(Enable(0), S_OK);
   EXPECT_EQ(Values(), (Lines{"Dll=no text", "Dll__=" + longest, "Dll__=b.dll"}));
   SetText("2", "Dll", (longest + "xx").c_str());
-  EXPECT_EQ(Enable(0), kMoreData) << "a text that is too long ends the walk";
-  EXPECT_EQ(Enabled(), std::pair(kMoreData, 0U));
+  EXPECT_EQ(Enable(0), PAL_E_MORE_DATA) << "a text that is too long ends the walk";
+  EXPECT_EQ(Enabled(), std::pair(PAL_E_MORE_DATA, 0U));
 }
 
 TEST_F(UsbHostStorage, IsOffWithoutDriversAndFailsWithoutTheirKey) {
-  EXPECT_EQ(Enable(0), kMissing);
-  EXPECT_EQ(Enable(1), kMissing);
-  EXPECT_EQ(Enabled(), std::pair(kMissing, 0U));
+  EXPECT_EQ(Enable(0), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(Enable(1), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(Enabled(), std::pair(PAL_E_FILE_NOT_FOUND, 0U));
   const std::string line = "Error opening HKLM\\" + kPath + ". dwRet = 2";
   EXPECT_EQ(ErrorLines(), (Lines{line, line, line}));
   device.registry().Create(kKey);
   EXPECT_EQ(Enabled(), std::pair(S_OK, 0U));
   EXPECT_EQ(Enable(1), S_OK);
-  EXPECT_EQ(process.exports().PALStore_GetUsbHostMassStorageEnable(nullptr), kBadInput);
+  EXPECT_EQ(process.exports().PALStore_GetUsbHostMassStorageEnable(nullptr),
+            PAL_STORE_E_INVALID_INPUT);
 }
 
 // The walk fails at each of its calls in turn: what it leaves behind is what it had done by then.
@@ -444,7 +436,7 @@ TEST_F(UsbHostStorage, LeavesAWalkThatFailsWhereItWas) {
     sim::Fault fault = test.fault;
     fault.error = 5;
     device.PlanFault(fault);
-    EXPECT_EQ(Enable(test.enable), static_cast<HRESULT>(0x80070005)) << fault.call << fault.nth;
+    EXPECT_EQ(Enable(test.enable), PAL_E_ACCESS_DENIED) << fault.call << fault.nth;
     device.ClearFaults();
     EXPECT_EQ(Values(), test.values) << fault.call << fault.nth;
     EXPECT_EQ(ErrorLines(), test.error.empty() ? Lines{} : Lines{test.error + ". dwRet = 5"});
@@ -468,7 +460,7 @@ TEST_F(UsbHostStorage, IsNotToldByAWalkThatFails) {
        }) {
     device.journal().Clear();
     device.PlanFault(test.fault);
-    EXPECT_EQ(Enabled(), std::pair(static_cast<HRESULT>(0x80070005), 0U)) << test.fault.call;
+    EXPECT_EQ(Enabled(), std::pair(PAL_E_ACCESS_DENIED, 0U)) << test.fault.call;
     device.ClearFaults();
     EXPECT_EQ(ErrorLines(), test.errors);
     EXPECT_EQ(InfoLines(), Lines{});

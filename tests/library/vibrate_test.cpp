@@ -12,7 +12,6 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr const char* kSettings = "HKLM\\SOFTWARE\\Dravonel\\PAL";
-constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 
 class VibratorTest : public DeviceTest {
  protected:
@@ -43,7 +42,7 @@ TEST_F(VibratorTest, VibratesWithThePresetOfTheWholeDevice) {
 }
 
 TEST_F(VibratorTest, DoesNotVibrateWithoutAPresetThatIsOne) {
-  EXPECT_EQ(exports.PALVIBVibrate(0), kFileNotFound);
+  EXPECT_EQ(exports.PALVIBVibrate(0), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(CategorisedLines(),
             (Lines{"0xC3F70000 SetVibrateWithPreset - Unable to read preset index. hr: "
                    "0x80070002\\r\\n",
@@ -70,8 +69,8 @@ TEST_F(VibratorTest, TellsThatTheDriverRefuses) {
 TEST_F(VibratorTest, PresetIsKeptInTheRegistry) {
   DWORD preset = 77;
   device.registry().RemoveTree(kSettings);
-  EXPECT_EQ(exports.PALVIBSetVibratePreset(4), kFileNotFound);
-  EXPECT_EQ(exports.PALVIBGetVibratePreset(&preset), kFileNotFound);
+  EXPECT_EQ(exports.PALVIBSetVibratePreset(4), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(exports.PALVIBGetVibratePreset(&preset), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(exports.PALVIBGetVibratePreset(nullptr), E_FAIL);
   EXPECT_EQ(preset, 77u);
   EXPECT_EQ(device.registry().Find(kSettings), nullptr) << "the key is not created";

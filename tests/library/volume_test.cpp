@@ -9,7 +9,6 @@
 namespace {
 
 constexpr DWORD kUntouched = 0xABCD;
-constexpr HRESULT kMissing = static_cast<HRESULT>(0x80070002);
 
 class Volume : public DeviceTest {
  protected:
@@ -213,7 +212,7 @@ TEST_F(Volume, TellsWhichPartOfASettingFailed) {
   // The writes: "CurrentVol", then the control panel's volume. Its read is the last query.
   for (const Case& test : {Case{{.call = "RegSetValueExW", .nth = 1}, S_OK, ""},
                            Case{{.call = "RegSetValueExW", .nth = 2, .error = 5},
-                                static_cast<HRESULT>(0x80070005),
+                                PAL_E_ACCESS_DENIED,
                                 "SetCPLVol - ERROR writing to CPL  Vol registry:(0x80070005)"},
                            Case{{.call = "RegQueryValueExW", .nth = 8, .error = 2},
                                 E_FAIL,
@@ -237,7 +236,7 @@ TEST_F(Volume, IndicatorsAreKeptByScanType) {
   constexpr const char* kNames[] = {"IntGRI", "TethGRI", "BTGRI", "RFIDGRI"};
   DWORD value = kUntouched;
   for (DWORD scan_type = 0; scan_type < 4; ++scan_type) {
-    EXPECT_EQ(exports.PALBEEPGetGRI(scan_type, &value), kMissing);
+    EXPECT_EQ(exports.PALBEEPGetGRI(scan_type, &value), PAL_E_FILE_NOT_FOUND);
     EXPECT_EQ(value, kUntouched);
     EXPECT_EQ(exports.PALBEEPSetGRI(scan_type, scan_type + 2), S_OK);
     EXPECT_EQ(exports.PALBEEPSetGRI(scan_type, 6), E_FAIL);
@@ -250,8 +249,8 @@ TEST_F(Volume, IndicatorsAreKeptByScanType) {
   EXPECT_EQ(exports.PALBEEPGetGRI(4, &value), E_FAIL);
   device.registry().RemoveTree(kIndicatorKey);
   device.journal().Clear();
-  EXPECT_EQ(exports.PALBEEPSetGRI(1, 1), kMissing);
-  EXPECT_EQ(exports.PALBEEPGetGRI(3, &value), kMissing);
+  EXPECT_EQ(exports.PALBEEPSetGRI(1, 1), PAL_E_FILE_NOT_FOUND);
+  EXPECT_EQ(exports.PALBEEPGetGRI(3, &value), PAL_E_FILE_NOT_FOUND);
   EXPECT_EQ(exports.PALBEEPSetGRI(0, 6), E_FAIL);
   EXPECT_EQ(CategorisedLines(),
             BeeperLog({

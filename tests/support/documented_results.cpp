@@ -7,19 +7,13 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
 
 namespace {
-
-const std::map<std::string, std::string> kNamedResults{
-    {"S_OK", "00000000"},
-    {"E_FAIL", "80004005"},
-    {"E_NOTIMPL", "80004001"},
-    {"E_INVALIDARG", "80070057"},
-};
 
 struct Comment {
   DocumentedResults results;
@@ -58,6 +52,24 @@ std::string ReadFile(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// The digits of each result code by its name.
+std::map<std::string, std::string> ReadNamedResults() {
+  std::map<std::string, std::string> named{{"PAL_E_WIN32", "8007xxxx"},
+                                           {"PAL_PWR_E_EVENT", "83EFxxxx"},
+                                           {"S_OK", "00000000"},
+                                           {"S_FALSE", "00000001"}};
+  const std::string text = ReadFile(PROJECT_DIR "/include/palresult.h");
+  static const std::regex code(R"(#define (\w+) PAL_RESULT\(0x(\w{8})\))");
+  static const std::regex system(R"(#define (\w+) PAL_E_WIN32\((\d+)\))");
+  for (std::sregex_iterator row(text.begin(), text.end(), code), end; row != end; ++row) {
+    named.try_emplace((*row)[1], (*row)[2]);
+  }
+  for (std::sregex_iterator row(text.begin(), text.end(), system), end; row != end; ++row) {
+    named.try_emplace((*row)[1], fmt::format("8007{:04X}", std::stoul((*row)[2])));
+  }
+  return named;
+}
+
 // The comment of an export is the last one before its declaration.
 std::map<std::string, Comment> ReadComments() {
   constexpr std::string_view kDeclared = " PALAPI ";
@@ -79,8 +91,9 @@ std::map<std::string, Comment> ReadComments() {
 }  // namespace
 
 void DocumentedResults::Add(const std::string& word) {
-  const auto named = kNamedResults.find(word);
-  if (named != kNamedResults.end()) {
+  static const std::map<std::string, std::string> results = ReadNamedResults();
+  const auto named = results.find(NameIn(word));
+  if (named != results.end()) {
     patterns_.insert(named->second);
   } else if (word.starts_with("0x") && word.size() == 10) {
     patterns_.insert(word.substr(2));

@@ -127,7 +127,7 @@ TEST_F(Palsim, CallsEveryExport) {
 
 // Whoever documents a new code gives it a name too.
 TEST(PalsimNames, EveryCodeOfTheHeadersHasAName) {
-  const std::regex code("@retval (0x[08][34][0-9A-F]{6})\\b");
+  const std::regex code("PAL_RESULT\\((0x[08][34][0-9A-F]{6})\\)");
   std::size_t codes = 0;
   for (const auto& header : std::filesystem::directory_iterator(PROJECT_DIR "/include")) {
     std::ifstream file(header.path());
@@ -147,8 +147,7 @@ TEST(PalsimNames, EveryCodeOfTheHeadersHasAName) {
     }
   }
   EXPECT_GT(codes, 20u);
-  EXPECT_EQ(palsim::ResultText(static_cast<HRESULT>(0x83EF0008)),
-            "0x83EF0008 power: system error 8");
+  EXPECT_EQ(palsim::ResultText(PAL_PWR_E_EVENT(0x8)), "0x83EF0008 power: system error 8");
 }
 
 // `script` gives the shell a terminal.

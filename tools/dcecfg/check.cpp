@@ -24,7 +24,8 @@ namespace {
 // A file in the parser, with the warnings and errors that came of it.
 class ParsedFile {
  public:
-  explicit ParsedFile(std::span<const BYTE> file) : parser_(std::make_unique<pal::CDCECFGParser>()) {
+  explicit ParsedFile(std::span<const BYTE> file)
+      : parser_(std::make_unique<pal::CDCECFGParser>()) {
     current = this;
     refused_ = pal::Failed(parser_->Load(file)) || pal::Failed(parser_->ParseFile());
     current = nullptr;
@@ -121,7 +122,8 @@ std::string ImportText(std::span<const pal::DcecfgKeyRecord> records) {
     const ImportLines lines = ImportLinesOf(record);
     if (lines.key != last_key) text += lines.key;
     last_key = lines.key;
-    if (record.type == pal::DcecfgValueType::kString) text += "; " + Quote(record.value_text) + '\n';
+    if (record.type == pal::DcecfgValueType::kString)
+      text += "; " + Quote(record.value_text) + '\n';
     text += lines.value;
   }
   return text;

@@ -6,7 +6,6 @@
 #include <span>
 
 #include "keypad/button_table.h"
-#include "keypad/keypad_result.h"
 #include "keypad/shift_plane.h"
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
@@ -38,7 +37,7 @@ void ShowButton(Session& session, LONG button) {
   const pal::ButtonRecord* const record = pal::FindButton(button);
   if (result < 0) {
     fmt::print("{:>3}  {:<18} {}\n", button, record == nullptr ? "-" : record->name,
-               result == pal::kButtonNotSupported ? "not supported" : ResultText(result));
+               result == PAL_KEY_E_NOT_SUPPORTED ? "not supported" : ResultText(result));
     return;
   }
   const sim::Registry& registry = session.device().registry();

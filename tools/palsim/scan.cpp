@@ -1,9 +1,9 @@
 // The scan engine: which one it is, as the library tells it, and how it stands.
 #include <fmt/core.h>
 
-#include "sysinfo/options/device_names.h"
 #include "platform/sim/exports.h"
 #include "platform/sim/text.h"
+#include "sysinfo/options/device_names.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/engine_parts.h"
 #include "tools/palsim/names.h"
