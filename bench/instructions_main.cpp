@@ -1,16 +1,14 @@
-// Calls every export in every build of the library, first to see that they do the same, then, under
-// callgrind, to count the instructions: bench/measure.py starts it so and reads the counts.
+// Makes the calls whose instructions bench/measure.py counts: every export as the tests call it,
+// and a dozen of them, each the shape of many, beside the same call written by hand. It prints a
+// line for each; callgrind's counts are dumped under the name that begins the line.
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "bench/export_rows.h"
+#include "tests/support/export_rows.h"
 
 #if __has_include(<valgrind/callgrind.h>)
 #include <valgrind/callgrind.h>
@@ -22,140 +20,133 @@
 
 namespace {
 
-using bench::Answer;
-using bench::Build;
-using bench::Row;
-using bench::Subject;
+constexpr const char* kLibrary = BINARY_DIR "/DVLORQPAL.so";
+constexpr const char* kByHand = BINARY_DIR "/DVLORQPAL_by_hand.so";
 
-constexpr int kCalls = 10;
-
-constexpr const char* kPlatformCalls[] = {
-#define SIM_CALL(name) #name,
-#include "calls.inc"
-#undef SIM_CALL
-};
-constexpr const char* kExports[] = {
-#define PAL_EXPORT(name) #name,
-#include "exports.inc"
-#undef PAL_EXPORT
-};
-
-using Calls = std::map<std::string, unsigned>;
-
-Calls CountCalls(const sim::Device& device) {
-  Calls calls;
-  for (const char* name : kPlatformCalls) {
-    if (const unsigned count = device.calls(name)) calls[name] = count;
+// The most that a configuration store can hold: 256 indexed entries of three bytes each.
+void WithFullStore(sim::Device& device) {
+  std::vector<std::uint8_t> bytes{0xBB};
+  for (unsigned entry = 0; entry < 256; ++entry) {
+    bytes.insert(bytes.end(), {static_cast<std::uint8_t>(entry % 3),
+                               static_cast<std::uint8_t>(entry), std::uint8_t{0}});
   }
-  return calls;
+  bytes.push_back(0xFF);
+  device.files().Write("\\ConfigStore\\dcecfg", bytes);
 }
 
-Calls Difference(const Calls& before, Calls after) {
-  for (const auto& [name, count] : before) after[name] -= count;
-  std::erase_if(after, [](const auto& call) { return call.second == 0; });
-  return after;
-}
+struct Shape {
+  const char* row;  // its title
+  const char* what;
+  double limit;  // the library's own instructions, in those of the call by hand
+  void (*arrange)(sim::Device& device) = nullptr;
+};
 
-// What one call did. Memory is each build's own affair.
+constexpr Shape kShapes[] = {
+    {"PALDISPGetDisplayBrightnessAmbient", "a number read from the registry", 2},
+    {"PALDISPSetDisplayBrightnessAmbient", "a number written to the registry", 3},
+    {"PALLEDGrLedOn", "an LED switched under a mutex", 3.7},
+    {"PALBEEPGetVolume", "a level looked for", 2},
+    {"PALBEEPKeyClick", "a tone played", 2.4},
+    {"PALSysinfo_GetSerialNumberExA", "a text that the process has kept", 7},
+    {"PALMFGOpt_InternalDeviceType", "a parameter of the device looked up", 3.8},
+    {"PALMFGOpt_IsDisabledByPolicy", "keys whose paths are put together", 1.5},
+    {"PALSysio_SetScanTrigger", "a driver told", 3.6},
+    {"PALSysio_MmMapIoSpace", "a service passed on to a kept target", 1.2},
+    {"PALPWRSuspendCtrl: stop", "a flag set", 1.6},
+    {"PALMFGOpt_ConfigStoreRegUpdate", "256 entries of a configuration store", 25, &WithFullStore},
+};
+
+// What two calls gave and did.
 struct Deed {
-  Answer answer{};
-  Calls calls;
-  unsigned allocations = 0;
-  std::vector<std::string> effects;  // but for trace lines
+  DWORD first = 0;
+  DWORD second = 0;
+  Room room;
+  std::vector<std::string> effects;  // of the first on the device, but for trace lines
 
   bool operator==(const Deed& other) const {
-    return std::memcmp(&answer, &other.answer, sizeof(answer)) == 0 && calls == other.calls &&
-           effects == other.effects;
+    return first == other.first && second == other.second && effects == other.effects &&
+           room.HoldsTheSameAs(other.room);
   }
 };
 
-std::string Text(const Deed& deed) {
-  std::string text =
-      fmt::format("  result 0x{:x}, number {}, second {}, degrees {}, text {}", deed.answer.result,
-                  deed.answer.number, deed.answer.second, deed.answer.degrees, deed.answer.text);
-  for (const auto& [name, count] : deed.calls) text += fmt::format("\n    {} {}", count, name);
-  for (const std::string& effect : deed.effects) text += "\n    " + effect;
-  return text;
-}
-
-Deed Observe(const Row& row, Subject& subject) {
-  Deed deed;
-  subject.device().journal().Clear();
-  subject.device().journal().set_keeps_entries(true);
-  const Calls before = CountCalls(subject.device());
-  row.call(subject, deed.answer);
-  deed.calls = Difference(before, CountCalls(subject.device()));
-  deed.allocations = deed.calls["malloc"];
-  deed.calls.erase("malloc");
-  deed.calls.erase("free");
-  subject.device().journal().set_keeps_entries(false);
-  for (const sim::JournalEntry& entry : subject.device().journal().entries()) {
-    if (entry.effect == sim::Effect::kTrace || entry.effect == sim::Effect::kDebug) continue;
-    deed.effects.push_back(entry.text);
-  }
-  return deed;
-}
-
-// Collecting is on for the calls alone.
-void Count(const Row& row, Subject& subject, Build build) {
-  Answer answer{};
+template <typename Body>
+void Count(const std::string& name, const Body& body) {
   CALLGRIND_ZERO_STATS;
-  for (int call = 0; call < kCalls; ++call) {
-    CALLGRIND_TOGGLE_COLLECT;
-    row.call(subject, answer);
-    CALLGRIND_TOGGLE_COLLECT;
-    if (row.undo != nullptr) row.undo(subject);
-  }
-  const std::string name = fmt::format("{} {}", row.name, bench::NameOf(build));
+  CALLGRIND_TOGGLE_COLLECT;
+  body();
+  CALLGRIND_TOGGLE_COLLECT;
   CALLGRIND_DUMP_STATS_AT(name.c_str());
 }
 
-Deed Measure(const Row& row, Subject& subject, Build build) {
+// Each in a process of its own that has not made the call yet.
+void MeasureExports() {
+  for (const ExportRow& row : ExportRows()) {
+    sim::Device device;
+    ArrangeFor(row, device);
+    sim::Process process(device);
+    if (row.before) row.before(process);
+    const std::string name = fmt::format("row{}", &row - ExportRows().data());
+    Room room;
+    Count(name, [&] { (void)row.run(process.exports(), room); });
+    fmt::print("{}\t{}\n", name, row.title());
+    if (row.after) row.after(process);
+  }
+}
+
+void MeasureEntry() {
+  sim::Device device;
+  ArrangeFor(ExportRows().front(), device);
+  std::unique_ptr<sim::Process> process;
+  Count("attach", [&] { process = std::make_unique<sim::Process>(device); });
+  Count("detach", [&] { process.reset(); });
+}
+
+std::vector<std::string> EffectsOf(sim::Device& device) {
+  std::vector<std::string> effects;
+  for (const sim::JournalEntry& entry : device.journal().entries()) {
+    if (entry.effect == sim::Effect::kTrace || entry.effect == sim::Effect::kDebug) continue;
+    effects.push_back(entry.text);
+  }
+  return effects;
+}
+
+// Two calls of a process: what they do is compared, and the second is counted.
+Deed Play(const Shape& shape, const ExportRow& row, const char* library, const std::string& name) {
+  sim::Device device;
+  ArrangeFor(row, device);
+  if (shape.arrange != nullptr) shape.arrange(device);
+  sim::Process process(device, "caller.exe", library);
+  if (row.before) row.before(process);
   Deed deed;
-  subject.Run([&] {
-    if (row.prepare != nullptr) row.prepare(subject);
-    // The first call finds nothing in the caches that some sources have.
-    Answer answer{};
-    row.call(subject, answer);
-    if (row.undo != nullptr) row.undo(subject);
-    deed = Observe(row, subject);
-    if (row.undo != nullptr) row.undo(subject);
-    Count(row, subject, build);
-    if (row.finish != nullptr) row.finish(subject);
-  });
+  device.journal().Clear();
+  deed.first = row.run(process.exports(), deed.room);
+  deed.effects = EffectsOf(device);
+  device.journal().set_keeps_entries(false);
+  Count(name, [&] { deed.second = row.run(process.exports(), deed.room); });
+  if (row.after) row.after(process);
   return deed;
 }
 
-void PrintRow(const Row& row, const Deed& traced, const Deed& untraced) {
-  unsigned all = 0;
-  for (const auto& [name, count] : untraced.calls) all += count;
-  fmt::print("{} calls={} malloc={}\n", row.name, all, traced.allocations);
-}
-
-bool HasAllExports() {
-  std::set<std::string> missing(std::begin(kExports), std::end(kExports));
-  for (const Row& row : bench::Rows()) missing.erase(row.name);
-  for (const std::string& name : missing) fmt::print(stderr, "{} has no row\n", name);
-  return missing.empty();
+bool Measure(const Shape& shape) {
+  const auto row = std::ranges::find(ExportRows(), shape.row, &ExportRow::title);
+  if (row == ExportRows().end()) {
+    fmt::print(stderr, "{}: there is no such row\n", shape.row);
+    return false;
+  }
+  const std::string name = fmt::format("shape{}", &shape - kShapes);
+  if (!(Play(shape, *row, kLibrary, name + ".library") ==
+        Play(shape, *row, kByHand, name + ".by_hand"))) {
+    fmt::print(stderr, "{}: the call by hand does something else\n", shape.row);
+    return false;
+  }
+  fmt::print("{}\t{}\t{}\t{}\n", name, shape.row, shape.what, shape.limit);
+  return true;
 }
 
 }  // namespace
 
 int main() {
-  bool is_good = HasAllExports();
-  std::vector<std::unique_ptr<Subject>> subjects;
-  subjects.reserve(bench::kBuilds.size());
-  for (const Build build : bench::kBuilds) subjects.push_back(std::make_unique<Subject>(build));
-  for (const Row& row : bench::Rows()) {
-    std::vector<Deed> deeds;
-    deeds.reserve(subjects.size());
-    for (size_t at = 0; at < subjects.size(); ++at) {
-      deeds.push_back(Measure(row, *subjects[at], bench::kBuilds[at]));
-    }
-    PrintRow(row, deeds[0], deeds[1]);
-    if (deeds[1] == deeds[2]) continue;
-    is_good = false;
-    fmt::print(stderr, "{}: the builds differ\n{}\n{}\n", row.name, Text(deeds[1]), Text(deeds[2]));
-  }
-  return is_good ? 0 : 1;
+  MeasureEntry();
+  MeasureExports();
+  return std::ranges::count_if(kShapes, &Measure) == std::ssize(kShapes) ? 0 : 1;
 }

@@ -39,6 +39,8 @@ class Room {
   [[nodiscard]] bool IsUntouched() const;
   // Whether each block is a number and holds this one.
   [[nodiscard]] bool Holds(DWORD number) const;
+  // Whether another one's blocks hold the same.
+  [[nodiscard]] bool HoldsTheSameAs(const Room& other) const;
 
  private:
   struct Block {

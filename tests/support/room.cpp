@@ -46,3 +46,7 @@ bool Room::Holds(DWORD number) const {
     return *reinterpret_cast<const DWORD*>(block.bytes.data() + kGuardBytes) == number;
   });
 }
+
+bool Room::HoldsTheSameAs(const Room& other) const {
+  return std::ranges::equal(blocks_, other.blocks_, {}, &Block::bytes, &Block::bytes);
+}
