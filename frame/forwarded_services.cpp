@@ -21,13 +21,9 @@ constexpr const char* kVersionExport = "PALVER_LogVersion";
 using Path = std::array<WCHAR, MAX_PATH>;
 
 template <typename... Arguments>
-void Trace([[maybe_unused]] Severity severity,
-           [[maybe_unused]] TraceSource::Format<Arguments...> format,
-           [[maybe_unused]] Arguments... arguments) {
-  if constexpr (kTraceLines) {
-    PALSysioTrace(0, TraceCategory(Facility::kProvider, severity), format.text(),
-                  VariadicTraceArgument(arguments)...);
-  }
+void Trace(Severity severity, TraceSource::Format<Arguments...> format, Arguments... arguments) {
+  PALSysioTrace(0, TraceCategory(Facility::kProvider, severity), format.text(),
+                VariadicTraceArgument(arguments)...);
 }
 
 // Null where the provider has no such export.

@@ -35,13 +35,6 @@ DWORD PALTrace(DWORD debug_echo, DWORD category, const char* format, ...);
 // kept.
 DWORD PALSysioTrace(DWORD ignored, DWORD category, const char* format, ...);
 
-// Without its lines the library is built for one purpose: to measure what they cost.
-#ifdef PAL_WITHOUT_TRACE_LINES
-inline constexpr bool kTraceLines = false;
-#else
-inline constexpr bool kTraceLines = true;
-#endif
-
 enum class Severity : DWORD { kPlain = 0, kInfo = 1, kWarning = 2, kError = 3 };
 
 // Severity 3 gives (facility | 0xFFFFC000) << 16, the error word of a facility of any width.
@@ -91,12 +84,9 @@ class TraceSource {
   constexpr TraceSource(Facility facility, DWORD echo) : facility_(facility), echo_(echo) {}
 
   template <typename... Arguments>
-  void Write([[maybe_unused]] Severity severity, [[maybe_unused]] const char* format,
-             [[maybe_unused]] Arguments... arguments) const {
-    if constexpr (kTraceLines) {
-      PALTrace(echo_, TraceCategory(facility_, severity), format,
-               VariadicTraceArgument(arguments)...);
-    }
+  void Write(Severity severity, const char* format, Arguments... arguments) const {
+    PALTrace(echo_, TraceCategory(facility_, severity), format,
+             VariadicTraceArgument(arguments)...);
   }
 
   Facility facility_;

@@ -67,13 +67,10 @@ void Format(std::span<char> text, TraceSource::Format<Arguments...> format,
 }
 
 template <typename... Arguments>
-void TraceProgress([[maybe_unused]] TraceSource::Format<Arguments...> format,
-                   [[maybe_unused]] Arguments... arguments) {
-  if constexpr (kTraceLines) {
-    Message message{};
-    Format(message, format, arguments...);
-    kTrace.Info("PALOneWire::FindVehicleDock(): %s", message.data());
-  }
+void TraceProgress(TraceSource::Format<Arguments...> format, Arguments... arguments) {
+  Message message{};
+  Format(message, format, arguments...);
+  kTrace.Info("PALOneWire::FindVehicleDock(): %s", message.data());
 }
 
 void TraceFailure(const char* message) {
