@@ -57,26 +57,12 @@ static_assert(std::all_of(kDeviceCodes.begin(), kDeviceCodes.end(),
                           }),
               "a type and its name belong to different rows of the name table");
 
-namespace device_code_detail {
-
-inline constexpr size_t kCodes = 0x20;  // more than the largest code
-
-// By code. What a lookup needs of the rows above, which are not there when the library runs.
-inline constexpr std::array<BYTE, kCodes> kTypes = [] {
-  std::array<BYTE, kCodes> types{};
-  types.fill(static_cast<BYTE>(kUnknownDeviceCode));
-  for (const DeviceCode& row : kDeviceCodes) types[row.code] = static_cast<BYTE>(row.device_type);
-  return types;
-}();
-
-}  // namespace device_code_detail
-
 // Nothing for a code that stands for no type.
 constexpr std::optional<DWORD> FindDeviceType(DWORD code) {
-  if (code >= device_code_detail::kTypes.size()) return std::nullopt;
-  const BYTE type = device_code_detail::kTypes[code];
-  if (type == kUnknownDeviceCode) return std::nullopt;
-  return type;
+  for (const DeviceCode& row : kDeviceCodes) {
+    if (row.code == code) return row.device_type;
+  }
+  return std::nullopt;
 }
 
 }  // namespace pal
