@@ -353,7 +353,7 @@ HRESULT PALAPI PALBEEPTerm() {
   if (mutex == nullptr) return S_OK;
   pal::PALReleaseMutexIfValid(pal::Facility::kBeeper, mutex);
   pal::beep_mutex.store(nullptr, std::memory_order_relaxed);
-  pal::UniqueMutex(mutex).Close();
+  pal::UniqueMutex(mutex).Reset();
   return S_OK;
 }
 

@@ -178,8 +178,8 @@ HRESULT PALAPI PALLEDTerm() {
   }
   pal::initialised.store(FALSE, std::memory_order_relaxed);
   guard.Release();
-  pal::UniqueMutex(pal::Take(pal::led_mutex)).Close();
-  pal::UniqueEvent(pal::Take(pal::on_timeout_event)).Close();
+  pal::UniqueMutex(pal::Take(pal::led_mutex)).Reset();
+  pal::UniqueEvent(pal::Take(pal::on_timeout_event)).Reset();
   return guard.wait_result();
 }
 

@@ -9,8 +9,8 @@
 
 namespace pal {
 
-// Move-only. Closes on every path and, but for Close, leaves the last error as it was, so that a
-// caller can read the error of the call that failed after its handles are gone.
+// Move-only. Closes on every path and leaves the last error as it was, so that a caller can read
+// the error of a failed call after its handles are closed.
 //
 // Traits name the `Value`, a pointer or a number, and give `IsValid(Value)` and `Close(Value)`. An
 // empty owner holds null or 0.
@@ -42,13 +42,6 @@ class UniqueHandle {
     if (!Traits::IsValid(closing)) return;
     const PreservedLastError preserved;
     Traits::Close(closing);
-  }
-
-  // Closes what is held at the end of what has succeeded: nobody asks for the last error then, and
-  // it is not kept.
-  void Close() {
-    const Value closing = std::exchange(value_, Value{});
-    if (Traits::IsValid(closing)) Traits::Close(closing);
   }
 
  private:

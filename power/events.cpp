@@ -23,7 +23,7 @@ HRESULT EventFailure(DWORD error) {
 }
 
 void Close(std::atomic<HANDLE>& event) {
-  UniqueEvent(event.load(std::memory_order_relaxed)).Close();
+  UniqueEvent(event.load(std::memory_order_relaxed)).Reset();
   event.store(nullptr, std::memory_order_relaxed);
 }
 

@@ -84,7 +84,7 @@ HANDLE OpenScanDriver() {
 }
 
 void CloseScanDriver() {
-  UniqueFile(DriverHandle()).Close();
+  UniqueFile(DriverHandle()).Reset();
   KeepDriverHandle(INVALID_HANDLE_VALUE);
 }
 
