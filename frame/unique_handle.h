@@ -1,4 +1,4 @@
-// One owner for everything that the platform hands out and wants back.
+// Owners of handles: registry keys, files, events, mutexes, processes, threads and modules.
 #ifndef FRAME_UNIQUE_HANDLE_H_
 #define FRAME_UNIQUE_HANDLE_H_
 
