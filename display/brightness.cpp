@@ -1,5 +1,5 @@
-// Brightness of the display and of the keypad's backlight: five levels that the backlight drivers
-// read, which differ in where they are kept and what they allow.
+// Brightness of the display and of the keypad's backlight: five values that the backlight drivers
+// read.
 #include <algorithm>
 #include <array>
 #include <span>
@@ -19,7 +19,7 @@ constexpr std::array<DWORD, 5> kBrightnessLevels{1, 2, 3, 4, 5};
 constexpr std::array<DWORD, 3> kKeypadModes{0, 2, 4};
 constexpr std::array<DWORD, 2> kKeypadThresholds{0, 1};
 
-// The display's lines are all informational, also those that say ERROR: log filters know them so.
+// The display's lines are all informational, also those that say ERROR: log filters rely on it.
 enum class FailureSeverity : DWORD { kInfo, kError };
 
 using NumberFormat = TraceSource::Format<DWORD>;
@@ -31,7 +31,8 @@ struct LevelSetting {
   FailureSeverity failure_severity;
   NumberFormat invalid;
   NumberFormat set;
-  NumberFormat write_failed;  // two name another value than the one that is written: kept
+  // Two of these lines name another value than the one that is written; log readers match them.
+  NumberFormat write_failed;
   NumberFormat read_failed;
   NumberFormat get;
 };

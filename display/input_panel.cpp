@@ -23,7 +23,7 @@ HRESULT PALAPI PALDISPGetSIPDock(DWORD* style) {
   return result;
 }
 
-// The helper's key closes without a trace in the last error, so that it is the failed call's.
+// Closing the key does not change the last error, so that the line shows the failed call's.
 HRESULT PALAPI PALDISPSetSIPDock(DWORD style) {
   SetLastError(ERROR_SUCCESS);
   const HRESULT result =

@@ -48,7 +48,7 @@ HRESULT PALSetScreenOrientation(LONG angle) {
                         static_cast<DWORD>(angle));
 }
 
-// The driver is asked and not the registry: others turn the screen too.
+// Reads the driver and not the registry: other programs turn the screen too.
 HRESULT PALGetScreenOrientation(LONG* angle) {
   DEVMODEW mode = OrientationMode(DMDO_0);
   const LONG test = ChangeDisplaySettingsEx(nullptr, &mode, nullptr, CDS_TEST, nullptr);

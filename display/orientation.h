@@ -1,4 +1,4 @@
-// The rotation of the screen, which the display driver knows.
+// The rotation of the screen.
 #ifndef DISPLAY_ORIENTATION_H_
 #define DISPLAY_ORIENTATION_H_
 

@@ -6,7 +6,7 @@
 namespace pal {
 namespace {
 
-// The getter's line has the setter's name: kept, log readers match it.
+// The getter's line names the setter; log readers match it.
 constexpr TapVolume kScreenTapVolume{
     kDisplayTrace, TEXT("Screen"), "PALDISPSetScreenTapVol - Input invalid.  input:%d\r\n",
     "PALDISPSetScreenTapVol - Could not set reg key: %ls\\%ls\r\n",

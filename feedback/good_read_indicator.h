@@ -1,4 +1,4 @@
-// What a good read of each kind of scanner is answered with, as it is stored.
+// The stored indicator of each kind of scanner: the tones and the vibration of a good read.
 #ifndef FEEDBACK_GOOD_READ_INDICATOR_H_
 #define FEEDBACK_GOOD_READ_INDICATOR_H_
 

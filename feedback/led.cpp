@@ -43,15 +43,15 @@ HANDLE Get(const std::atomic<HANDLE>& handle) {
   return handle.load(std::memory_order_relaxed);
 }
 
-// The handle itself, which is then the caller's to close.
+// Gives the handle away; the caller closes it.
 HANDLE Take(std::atomic<HANDLE>& handle) {
   HANDLE taken = Get(handle);
   handle.store(nullptr, std::memory_order_relaxed);
   return taken;
 }
 
-// All but the notification pair also try to release what they could not wait for; the difference
-// is kept on purpose and shows in the log only.
+// After a failed wait all but the notification pair try to release the mutex too. Readers of the
+// log know the line of that release.
 class LedGuard : public MutexGuard {
  public:
   explicit LedGuard(AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease)
@@ -107,7 +107,7 @@ HRESULT Switch(const LedSwitch& request) {
 DWORD ReadOnDurationMs(const WCHAR* name) {
   DWORD duration_ms = 0;
   const HRESULT result = PALRegGetDword(HKEY_LOCAL_MACHINE, kSettingsKey, name, &duration_ms);
-  // A flash that never ends is no setting either.
+  // A flash that never ends counts as unreadable too.
   if (Succeeded(result) && duration_ms != INFINITE) return duration_ms;
   kTrace.Error("PALLEDGrLedToggle - ERROR reading dur key. Use default of %dmsec: %ls\\%ls\r\n",
                kDefaultOnDurationMs, kSettingsKey, name);
@@ -155,13 +155,13 @@ HRESULT PALAPI PALLEDInit() {
     const DWORD error = GetLastError();
     const HRESULT result = pal::HResultFromWin32(error);
     pal::initialised.store(FALSE, std::memory_order_relaxed);
-    // The line names another mutex than the one that was tried: kept so on purpose.
+    // The line names another mutex; readers of the log know it so.
     pal::kTrace.Error(
         "PALLEDInit - ERROR Creating mutex. procid: 0x%x, name: %ls, win32err: 0x%x, hr: 0x%x\r\n",
         GetCurrentProcessId(), TEXT("DVLORQPALMutex"), error, result);
     return result;
   }
-  // Of a second call the first one's handle stays: it may be waited for just now.
+  // A second call leaves the first call's handle: another thread may be waiting for it.
   if (pal::Get(pal::led_mutex) == nullptr)
     pal::led_mutex.store(mutex.Release(), std::memory_order_relaxed);
   if (pal::initialised.load(std::memory_order_relaxed) != FALSE) return S_OK;
@@ -218,7 +218,7 @@ HRESULT PALAPI PALLEDGrLedToggle(DWORD scan_type) {
   }
   const DWORD duration_ms = pal::ReadOnDurationMs(pal::kScanTypes[scan_type].on_duration_ms);
   pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOn);
-  // For the whole time the mutex is held: other requests wait behind a flash.
+  // The mutex is held all the time: other requests wait until the flash has ended.
   pal::WaitForEndOfFlash(duration_ms);
   pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOff);
   return S_OK;
@@ -238,7 +238,7 @@ HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state) {
 HRESULT PALAPI PALLEDIsGrLedOn() {
   NLED_SETTINGS_INFO settings{};
   settings.LedNum = static_cast<UINT>(pal::kGoodReadLed);
-  // What a call that fails leaves in the record is off.
+  // Where the call fails the record stays 0, which is off.
   NLedGetDeviceInfo(NLED_SETTINGS_INFO_ID, &settings);
   if (settings.OffOnBlink != pal::kLedOn) return E_FAIL;
   pal::kTrace.Info("IsGrLedOn - Good Read Led state. state: 0x%x\r\n", settings.OffOnBlink);

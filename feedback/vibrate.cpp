@@ -10,8 +10,8 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kVibrator};
 
-// Where the preset stands, for all processes that have the library loaded; nothing else is in this
-// section. Not const: what is const needs no sharing and may go elsewhere.
+// The place of the preset, shared by all processes that have the library loaded. Nothing else is in
+// this section. Not const: the linker may put constants elsewhere.
 [[gnu::section(".shared")]] constinit WCHAR preset_key[] = TEXT("SOFTWARE\\Dravonel\\PAL");
 [[gnu::section(".shared")]] constinit WCHAR preset_value[] = TEXT("VibratePresetIndex");
 

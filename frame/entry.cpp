@@ -28,7 +28,7 @@ constexpr Family kFamilies[] = {
     {&PALDoNothing, &PALDoNothing}, {&PALDoNothing, &PALDoNothing},
 };
 
-// What a family answers is left to its own exports: the library loads in any case.
+// A family that cannot start reports that in its own exports; the library loads in any case.
 void Attach(HMODULE module) {
   SetOwnModule(module);
   for (const Family& family : kFamilies) {
@@ -43,7 +43,7 @@ void Detach() {
 }  // namespace
 }  // namespace pal
 
-// Never fails; threads that come and go mean nothing to the library.
+// Never fails. Nothing is done for threads that start or end.
 extern "C" BOOL WINAPI DllMain(HANDLE module, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) pal::Attach(static_cast<HMODULE>(module));
   if (reason == DLL_PROCESS_DETACH) pal::Detach();

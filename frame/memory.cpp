@@ -1,5 +1,5 @@
-// The library's own operator new and delete: the platform's are not reliable by name. An operator
-// new that throws is left out on purpose, so that a use of it does not link.
+// The library's own operator new and delete: the platform's are not reliable by name. There is no
+// operator new that throws, so that a use of it does not link.
 #include <cstdlib>
 #include <new>
 

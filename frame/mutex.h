@@ -19,16 +19,15 @@ namespace pal {
 // E_INVALIDARG  `mutex` is null or INVALID_HANDLE_VALUE; traced
 [[nodiscard]] HRESULT PALWaitForMutex(Facility facility, HANDLE mutex, DWORD timeout_ms);
 
-// S_OK        released
-// S_FALSE     `mutex` is null; traced
-// PAL_E_WIN32(error)  the error of the release, PAL_E_WIN32(0x120) where the caller does not own
-// the mutex; traced
+// S_OK                released
+// S_FALSE             `mutex` is null; traced
+// PAL_E_WIN32(error)  the error of the release, 0x120 where the caller does not own it; traced
 HRESULT PALReleaseMutexIfValid(Facility facility, HANDLE mutex);
 
 // The wait of the feedback families.
 inline constexpr DWORD kMutexTimeoutMs = 2000;
 
-// What a guard does at its end after a wait that failed, which only an invalid mutex makes it do.
+// What a guard does at its end after a failed wait; a wait fails only for an invalid mutex.
 enum class AfterFailedWait { kSkipRelease, kTryRelease };
 
 // Waits in its constructor and releases in its destructor, also after a wait that timed out.

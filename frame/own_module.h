@@ -7,14 +7,14 @@
 
 namespace pal {
 
-// For the entry alone, which is told the handle when a process attaches.
+// Called by the entry only, which gets the handle when a process attaches.
 void SetOwnModule(HMODULE module);
 
 // This library's handle in this process.
 [[nodiscard]] HMODULE OwnModule();
 
-// Loads this library once more: it then stays in the process until what is given is freed, whatever
-// others free. Empty where that fails.
+// Loads this library once more: it then stays in the process at least until the owner is freed.
+// Empty where that fails.
 [[nodiscard]] UniqueModule HoldOwnModule();
 
 }  // namespace pal

@@ -7,8 +7,8 @@
 
 namespace pal {
 
-// Where a volume is kept, and what its family traces. The lines' texts are the key's or the
-// screen's own; the last two show the key and the value.
+// The value of a volume, and the lines of its family. The last two lines show the key and the
+// value.
 struct TapVolume {
   TraceSource trace;
   const WCHAR* value_name;  // a DWORD under HKEY_CURRENT_USER "ControlPanel\Volume"
@@ -17,14 +17,13 @@ struct TapVolume {
   TraceSource::Format<const WCHAR*, const WCHAR*> read_failed;
 };
 
-// Keeps a level (0, 1 or 2) and has the audio driver read its settings again. Levels 0 and 1 are
-// kept as they are, level 2 as 0x10002.
+// Stores a level (0, 1 or 2) and has the audio driver read its settings again. Levels 0 and 1 are
+// stored as they are, level 2 as 0x10002.
 //
 // S_OK        done
 // E_FAIL      another level, nothing was changed; or the value is written and ApplyAudioSetting
 //             failed. Traced.
-// PAL_E_WIN32(error)  the error of the write, PAL_E_FILE_NOT_FOUND where there is no such key;
-// traced
+// PAL_E_WIN32(error)  the error of the write, PAL_E_FILE_NOT_FOUND without the key; traced
 [[nodiscard]] HRESULT SetTapVolume(const TapVolume& volume, DWORD level);
 
 // Reads the level back: 0x10002 is 2, 0x10000 is 0, anything else is what is stored. `level` is
@@ -32,8 +31,7 @@ struct TapVolume {
 //
 // S_OK        done
 // E_FAIL      `level` is null
-// PAL_E_WIN32(error)  the error of the read, PAL_E_FILE_NOT_FOUND where there is no such key or
-// value; traced
+// PAL_E_WIN32(error)  the error of the read, PAL_E_FILE_NOT_FOUND without key or value; traced
 [[nodiscard]] HRESULT GetTapVolume(const TapVolume& volume, DWORD* level);
 
 }  // namespace pal

@@ -20,6 +20,15 @@
 
 namespace pal {
 
+using TraceLine = char[1024];
+
+// The platform writes no terminator to a line that it cuts or that just fits.
+inline void FormatTraceLine(TraceLine& line, const char* format, va_list arguments) {
+  line[0] = '\0';
+  _vsnprintf(line, sizeof(line) - 1, format, arguments);
+  line[sizeof(line) - 1] = '\0';
+}
+
 // Formats a line of at most 1023 characters (a longer one is cut), hands it to "DVLLogString" of
 // the event-log library, and echoes it to the debug output where `debug_echo` is not 0. Never
 // fails: where the event-log library is missing, each line tries to load it once and is otherwise
@@ -30,9 +39,8 @@ namespace pal {
 // The arguments are not checked against `format` here. Families go through TraceSource.
 DWORD PALTrace(DWORD debug_echo, DWORD category, const char* format, ...);
 
-// The older variant of the forwarded physical-memory services. `ignored` has no meaning: the line
-// is never echoed. The event-log library is loaded once, its entry looked up once, and both are
-// kept.
+// As PALTrace, for the forwarded physical-memory services. `ignored` has no meaning: the line is
+// never echoed. The event-log library is loaded once, and its entry is looked up once.
 DWORD PALSysioTrace(DWORD ignored, DWORD category, const char* format, ...);
 
 enum class Severity : DWORD { kPlain = 0, kInfo = 1, kWarning = 2, kError = 3 };

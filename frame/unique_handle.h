@@ -1,4 +1,4 @@
-// One owner for everything that the platform hands out and wants back.
+// Owners of handles: registry keys, files, events, mutexes, processes, threads and modules.
 #ifndef FRAME_UNIQUE_HANDLE_H_
 #define FRAME_UNIQUE_HANDLE_H_
 
@@ -10,7 +10,7 @@
 namespace pal {
 
 // Move-only. Closes on every path and leaves the last error as it was, so that a caller can read
-// the error of the call that failed after its handles are gone.
+// the error of a failed call after its handles are closed.
 //
 // Traits name the `Value`, a pointer or a number, and give `IsValid(Value)` and `Close(Value)`. An
 // empty owner holds null or 0.

@@ -1,7 +1,8 @@
-// What a button does: reading and setting the events that are signalled for it.
+// The action of a button: reading and setting the events that are signalled for it.
 #include <array>
 #include <optional>
 
+#include "frame/registry.h"
 #include "frame/result.h"
 #include "include/palkey.h"
 #include "keypad/driver_reload.h"
@@ -14,9 +15,6 @@ namespace {
 
 constexpr size_t kMaxEventUnits = 256;
 using EventName = std::array<WCHAR, kMaxEventUnits + 1>;
-
-constexpr const char* kGetName = "GetButtonAction";
-constexpr const char* kSetName = "SetButtonAction";
 
 // One of the two events of a button.
 struct EventKind {
@@ -52,19 +50,18 @@ bool OpenEvents(const EventKind& kind, const LayoutPath& layout, LayoutPath& pat
   return OpenKeypadKey(path.data(), key) == ERROR_SUCCESS;
 }
 
-bool ReadEventName(const ButtonRecord& button, HKEY key, EventName& name) {
-  return ReadKeypadText(key, button.event_value_name, name) == ERROR_SUCCESS;
+bool ReadEventName(const ButtonRecord& button, const UniqueRegistryKey& key, EventName& name) {
+  return ReadText(key, button.event_value_name, name) == ERROR_SUCCESS;
 }
 
-// The next three tell an action, or nothing where it cannot be told. `path` is then the key at
-// which they gave up.
+// Both give the action, or nothing where it cannot be told. `path` is the key that was read.
 
 std::optional<size_t> ReadDelta(const ButtonRecord& button, const LayoutPath& layout,
                                 LayoutPath& path) {
   UniqueRegistryKey key;
   if (!OpenEvents(kDelta, layout, path, key)) return std::nullopt;
   EventName name;
-  if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
+  if (!ReadEventName(button, key, name)) return GetActionForDefaultWindowsKeys(button);
   kKeypadTrace.Info("\"%s\", %ls=%ls, %ls\r\n", button.name, button.event_value_name, name.data(),
                     path.data());
   TakeRightScanForLeft(kDelta, name);
@@ -76,33 +73,9 @@ std::optional<size_t> ConfirmState(const ButtonRecord& button, const LayoutPath&
   UniqueRegistryKey key;
   if (!OpenEvents(kState, layout, path, key)) return std::nullopt;
   EventName name;
-  if (!ReadEventName(button, key.get(), name)) return GetActionForDefaultWindowsKeys(button);
+  if (!ReadEventName(button, key, name)) return GetActionForDefaultWindowsKeys(button);
   TakeRightScanForLeft(kState, name);
   if (WideText(name.data()) != button.action_events[action].state) return std::nullopt;
-  return action;
-}
-
-std::optional<size_t> ConfirmMultikey(const ButtonRecord& button, const LayoutPath& layout,
-                                      size_t action, LayoutPath& path) {
-  if (button.multikey_value_name == nullptr) return action;
-  path = BelowLayout(layout, TEXT("\\MULTIKEYS"));
-  UniqueRegistryKey key;
-  if (OpenKeypadKey(path.data(), key) != ERROR_SUCCESS) return std::nullopt;
-  decltype(button.multikey_data) data{};
-  auto bytes = static_cast<DWORD>(data.size());
-  const LONG error =
-      RegQueryValueExW(key.get(), button.event_value_name, nullptr, nullptr, data.data(), &bytes);
-  if (error != ERROR_SUCCESS || bytes != data.size() || data != button.multikey_data) {
-    return std::nullopt;
-  }
-  return action;
-}
-
-std::optional<size_t> ReadAction(const ButtonRecord& button, const LayoutPath& layout,
-                                 LayoutPath& path) {
-  std::optional<size_t> action = ReadDelta(button, layout, path);
-  if (action) action = ConfirmState(button, layout, *action, path);
-  if (action) action = ConfirmMultikey(button, layout, *action, path);
   return action;
 }
 
@@ -112,11 +85,12 @@ HRESULT GetAction(const ButtonRecord& button, DWORD& action) {
   const HRESULT result = ResolveButtonKeyPath(layout, button);
   LayoutPath path = layout;
   std::optional<size_t> found;
-  if (Succeeded(result)) found = ReadAction(button, layout, path);
+  if (Succeeded(result)) found = ReadDelta(button, layout, path);
+  if (found) found = ConfirmState(button, layout, *found, path);
   if (found) {
     action = static_cast<DWORD>(*found) + 1;
   } else {
-    kKeypadTrace.Error("%s error in HKLM\\%ls\r\n", kGetName, path.data());
+    kKeypadTrace.Error("GetButtonAction error in HKLM\\%ls\r\n", path.data());
   }
   return result;
 }
@@ -128,15 +102,16 @@ struct Change {
   DWORD current_action;  // as callers count
 };
 
-HRESULT WriteEvent(const Change& change, const EventKind& kind, HKEY key, const LayoutPath& path) {
+HRESULT WriteEvent(const Change& change, const EventKind& kind, const UniqueRegistryKey& key,
+                   const LayoutPath& path) {
   const ButtonRecord& button = change.button;
   const HRESULT result =
       SetupKeyForScanKeys(change.layout, button, change.current_action, kind.is_state);
   if (result != S_OK) return result;
   const WCHAR* const event_name = button.action_events[change.action].*kind.of_action;
-  kKeypadTrace.Info("%s: \"%s\", %ls, %ls=%ls\r\n", kSetName, button.name, path.data(),
+  kKeypadTrace.Info("SetButtonAction: \"%s\", %ls, %ls=%ls\r\n", button.name, path.data(),
                     button.event_value_name, event_name);
-  const LONG error = WriteEventName(key, button.event_value_name, event_name);
+  const LONG error = WriteText(key, button.event_value_name, event_name);
   if (error != ERROR_SUCCESS && kind.must_be_written) return HResultFromWin32(error);
   return SetupKeyForWinDefkeys(change.layout, button, change.action, kind.is_state);
 }
@@ -146,21 +121,11 @@ bool WriteState(const Change& change) {
   UniqueRegistryKey key;
   if (!OpenEvents(kState, change.layout, path, key)) return false;
   EventName current;
-  if (ReadEventName(change.button, key.get(), current)) {
+  if (ReadEventName(change.button, key, current)) {
     kKeypadTrace.Info("SetButtonAction()2 \"%s\", %ls=%ls\r\n", change.button.name,
                       change.button.event_value_name, current.data());
   }
-  return WriteEvent(change, kState, key.get(), path) == S_OK;
-}
-
-bool WriteMultikey(const ButtonRecord& button, const LayoutPath& layout) {
-  if (button.multikey_value_name == nullptr) return true;
-  const LayoutPath path = BelowLayout(layout, TEXT("\\MULTIKEY"));
-  UniqueRegistryKey key;
-  return OpenKeypadKey(path.data(), key) == ERROR_SUCCESS &&
-         RegSetValueExW(key.get(), button.multikey_value_name, 0, REG_BINARY,
-                        button.multikey_data.data(),
-                        static_cast<DWORD>(button.multikey_data.size())) == ERROR_SUCCESS;
+  return WriteEvent(change, kState, key, path) == S_OK;
 }
 
 bool TellDriver(const ButtonRecord& button) {
@@ -173,7 +138,7 @@ bool TellDriver(const ButtonRecord& button) {
          Succeeded(ReloadKeypadDriver(button.change_event_name, kLines));
 }
 
-// What is written before a failure stays.
+// Values that are written before a failure stay.
 HRESULT SetAction(const ButtonRecord& button, size_t action) {
   LayoutPath layout;
   // A layout that is not found shows when its events are opened.
@@ -185,9 +150,9 @@ HRESULT SetAction(const ButtonRecord& button, size_t action) {
   const HRESULT result = PALKEYGetButtonAction(button.id, &current_action);
   if (!opened) return E_FAIL;
   const Change change{button, layout, action, current_action};
-  if (WriteEvent(change, kDelta, delta.get(), path) != S_OK) return E_FAIL;
+  if (WriteEvent(change, kDelta, delta, path) != S_OK) return E_FAIL;
   delta.Reset();
-  const bool done = WriteState(change) && WriteMultikey(button, layout) && TellDriver(button);
+  const bool done = WriteState(change) && TellDriver(button);
   return done ? result : E_FAIL;
 }
 
@@ -196,18 +161,18 @@ HRESULT SetAction(const ButtonRecord& button, size_t action) {
 
 HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action) {
   if (action == nullptr) return E_FAIL;
-  pal::kKeypadTrace.Info("%s(%d,*)\r\n", pal::kGetName, button);
+  pal::kKeypadTrace.Info("GetButtonAction(%d,*)\r\n", button);
   DWORD found = PAL_KEY_ACTION_UNKNOWN;
   const HRESULT result = pal::ButtonIsSupported(button)
                              ? pal::GetAction(*pal::FindButton(button), found)
                              : PAL_KEY_E_NOT_SUPPORTED;
   *action = found;
-  pal::kKeypadTrace.Info("0x%08X=%s(%d,*%d)\r\n", result, pal::kGetName, button, found);
+  pal::kKeypadTrace.Info("0x%08X=GetButtonAction(%d,*%d)\r\n", result, button, found);
   return result;
 }
 
 HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action) {
-  pal::kKeypadTrace.Info("%s(%d,%d)\r\n", pal::kSetName, button, action);
+  pal::kKeypadTrace.Info("SetButtonAction(%d,%d)\r\n", button, action);
   HRESULT result = PAL_KEY_E_NOT_SUPPORTED;
   LONG shown = action;
   if (pal::ButtonIsSupported(button)) {
@@ -217,7 +182,7 @@ HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action) {
       result = pal::SetAction(*pal::FindButton(button), static_cast<size_t>(shown));
     }
   }
-  pal::kKeypadTrace.Info("0x%08X=%s(%d,%d \"zero based adjusted\")\r\n", result, pal::kSetName,
+  pal::kKeypadTrace.Info("0x%08X=SetButtonAction(%d,%d \"zero based adjusted\")\r\n", result,
                          button, shown);
   return result;
 }

@@ -19,7 +19,7 @@ inline constexpr const WCHAR* kKeypadSettingsPath = TEXT("Software\\Dravonel\\PA
 inline constexpr std::array<const WCHAR*, 3> kShiftPlanes = {
     TEXT("ShiftPlane0"), TEXT("ShiftPlane1"), TEXT("ShiftPlane2")};
 
-// What the driver signals for a button: on each change, and for as long as it is held.
+// The events that the driver signals for a button: on each change, and for as long as it is held.
 struct ActionEvents {
   const WCHAR* delta;
   const WCHAR* state;
@@ -27,23 +27,20 @@ struct ActionEvents {
 
 inline constexpr size_t kActionCount = 7;
 
+// The format of the keypad's data has more than any button uses, and there is no code for it: a
+// layout below the key that names it (flag 2), and combinations of keys ("\\MULTIKEYS" when read,
+// "\\MULTIKEY" when written).
 struct ButtonRecord {
-  // Of `flags`: the layout's path is the key's own with the value's text behind it.
-  static constexpr DWORD kLayoutBelowKey = 2;
-
-  LONG id;  // its number
+  LONG id;
   const char* name;
-  DWORD flags;
   DWORD scan_code;
   const WCHAR* key_path;
   const WCHAR* value_name;                               // null: `key_path` is the layout itself
   const WCHAR* event_value_name;                         // ends with the number of the event
   std::array<ActionEvents, kActionCount> action_events;  // action 1 first
-  const WCHAR* multikey_value_name;                      // null: no combination of keys
-  std::array<BYTE, 7> multikey_data;
-  const WCHAR* change_event_name;  // null: nobody is told of a change
-  // A key of the keyboard, which has an ordinary meaning of its own. Its records in the planes are
-  // saved and rewritten for any other one.
+  const WCHAR* change_event_name;                        // null: nobody is told of a change
+  // An ordinary key of the keyboard. Its records in the planes are saved, and rewritten for any
+  // other action.
   bool is_ordinary_key;
 };
 
@@ -75,28 +72,22 @@ constexpr ButtonRecord OnKeyboard(LONG id, const char* name, DWORD scan_code,
                                   bool is_ordinary_key) {
   return {.id = id,
           .name = name,
-          .flags = 1,
           .scan_code = scan_code,
           .key_path = kKeyboardPath,
           .value_name = kActiveLayoutValue,
           .event_value_name = event_value_name,
           .action_events = EventsWith(reader),
-          .multikey_value_name = nullptr,
-          .multikey_data = {},
           .change_event_name = TEXT("DVL_KEYBOARD_CHANGE_USB"),
           .is_ordinary_key = is_ordinary_key};
 }
 
 inline constexpr ButtonRecord kHandle{.id = 0,
                                       .name = "Handle",
-                                      .flags = 0,
                                       .scan_code = 0,
                                       .key_path = TEXT("Software\\Dravonel\\RFIDServer\\Keybd"),
                                       .value_name = nullptr,
                                       .event_value_name = TEXT("Event1"),
                                       .action_events = EventsWith(kCenterReader),
-                                      .multikey_value_name = nullptr,
-                                      .multikey_data = {},
                                       .change_event_name = nullptr,
                                       .is_ordinary_key = false};
 inline constexpr ButtonRecord kLeftBottom =
@@ -112,14 +103,10 @@ inline constexpr ButtonRecord kRightBottom =
 
 }  // namespace button_detail
 
-// A handle whose trigger is wired to the keyboard. No device of today has it, and no number finds
-// it.
-inline constexpr ButtonRecord kKeyboardHandle = button_detail::OnKeyboard(
-    PAL_KEY_BUTTON_COUNT, "Handle", 0x90, TEXT("Event1"), button_detail::kMiddleReader, false);
-// Names of buttons that no device of today has.
-inline constexpr std::array<const char*, 2> kUnusedButtonNames = {"Left Front", "Right Front"};
+// No device of today has a second "Handle" (wired to the keyboard: scan code 0x90, "Event1" and the
+// middle reader's events), a "Left Front" or a "Right Front" button.
 
-// By number; null for one that no device has.
+// By number; null for a button that no device has.
 inline constexpr std::array<const ButtonRecord*, PAL_KEY_BUTTON_COUNT> kButtonRecords = {
     &button_detail::kHandle,
     nullptr,
@@ -141,7 +128,7 @@ static_assert([] {
 inline constexpr const ButtonRecord& kLeftBottomButton = button_detail::kLeftBottom;
 inline constexpr const ButtonRecord& kLeftTopButton = button_detail::kLeftTop;
 
-// Null for a number that is none of a button.
+// Null for a number without a button.
 constexpr const ButtonRecord* FindButton(LONG button) {
   const auto index = static_cast<DWORD>(button);
   return index < kButtonRecords.size() ? kButtonRecords[index] : nullptr;

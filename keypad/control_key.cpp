@@ -9,7 +9,7 @@
 namespace pal {
 namespace {
 
-// Spelled otherwise than where the layout is looked up; the registry does not mind.
+// Spelled otherwise than kKeyboardPath; the registry ignores case.
 constexpr const WCHAR* kControlKeyPath = TEXT("Hardware\\DeviceMap\\Keybd");
 
 struct ControlKeyValues {

@@ -7,16 +7,16 @@
 
 namespace pal {
 
-// Who tells it, in the lines.
+// The lines of the caller.
 struct DriverReloadLines {
   TraceSource::Format<> flushing;
   TraceSource::Format<const WCHAR*, DWORD> open_failed;
   TraceSource::Format<const WCHAR*, DWORD> flush_failed;
 };
 
-// Flushes the driver's key and then sets the event, so that the driver, once it is awake, reads
-// what lasts. Without the event nothing is done and nothing has failed; a flush that fails does not
-// keep the event from being set.
+// Flushes the driver's key and then sets the event, so that the driver reads values that are
+// stored. Where the event cannot be created nothing is done, with S_OK; where the flush fails the
+// event is set all the same.
 //
 // S_OK    done
 // E_FAIL  the driver's key cannot be opened; the event is not set. Traced.

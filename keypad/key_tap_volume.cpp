@@ -6,7 +6,7 @@
 namespace pal {
 namespace {
 
-// The lines have the screen tap's family in their name, and the getter the setter's: kept so.
+// The lines name the display family, and the getter's line the setter: log readers match them.
 constexpr TapVolume kKeyTapVolume{
     kKeypadTrace,
     TEXT("Key"),

@@ -1,4 +1,4 @@
-// Where a button's layout is, and the texts of its events.
+// The path of a button's layout, and the names of its events.
 #ifndef KEYPAD_LAYOUT_H_
 #define KEYPAD_LAYOUT_H_
 
@@ -12,7 +12,7 @@
 
 namespace pal {
 
-// The largest path of a layout, and room for it with what stands before it and behind it.
+// The longest path of a layout, and room for it with a subkey behind it.
 inline constexpr size_t kMaxLayoutUnits = 260;
 using LayoutPath = std::array<WCHAR, kMaxLayoutUnits + 60>;
 
@@ -26,30 +26,27 @@ inline constexpr WideText kStateEvents = TEXT("\\EVENTS\\STATE");
 // Opens a key under HKEY_LOCAL_MACHINE with full access.
 [[nodiscard]] LONG OpenKeypadKey(const WCHAR* path, UniqueRegistryKey& key);
 
-// Reads a text of at most text.size() - 1 units and ends it, whatever type and end its data have.
-// Returns the error of the read; `text` is then as it was.
-[[nodiscard]] LONG ReadKeypadText(HKEY key, const WCHAR* name, std::span<WCHAR> text);
+// Reads the path of a layout, of at most 260 units.
+[[nodiscard]] LONG ReadLayoutPath(const UniqueRegistryKey& key, const WCHAR* name,
+                                  LayoutPath& layout);
 
-// Finds the path of a button's layout. It is the path as far as it is known also on failure.
+// Finds the path of a button's layout. On failure `path` is the key that names the layout.
 //
 // S_OK    done
 // E_FAIL  the key that names the layout cannot be opened, or its value cannot be read or has more
 //         than 260 units. Traced.
 [[nodiscard]] HRESULT ResolveButtonKeyPath(LayoutPath& path, const ButtonRecord& button);
 
-// Writes the name of an event, without its terminator: so the driver's other texts are. The key has
-// to exist.
+// Writes the name of an event, without a terminator like the driver's other texts. The key has to
+// exist.
 //
 // S_OK    done
 // E_FAIL  the key cannot be opened, or the value cannot be written
 HRESULT CreateEventForEventKey(const WCHAR* path, const WCHAR* value_name, const WCHAR* event_name);
 
-// Whether plane 0 of the active layout has a record of the button; the handle's own layout is not
-// asked. A plane of more than 1024 bytes has none.
+// True where plane 0 of the active layout has a record of the button; the handle's own layout is
+// not read. A plane of more than 1024 bytes has no records here.
 [[nodiscard]] bool ButtonIsSupported(LONG button);
-
-// What CreateEventForEventKey writes, into a key that is open.
-[[nodiscard]] LONG WriteEventName(HKEY key, const WCHAR* value_name, const WCHAR* event_name);
 
 }  // namespace pal
 

@@ -15,12 +15,17 @@
 namespace pal {
 namespace {
 
-constexpr const char* kName = "FixScanKeyEvents";
 constexpr const WCHAR* kDoneFlag = TEXT("FixActive");
 
 constexpr const ButtonRecord& kScanButton = kLeftBottomButton;
 constexpr size_t kScan = PAL_KEY_ACTION_SCAN - 1;
 constexpr size_t kCameraScan = PAL_KEY_ACTION_CAMERA_SCAN - 1;
+
+constexpr NoValuesLines kNoValues = {
+    "FixScanKeyEvents: Did not get Values for %s button in shift plane 0\r\n",
+    "FixScanKeyEvents: Did not get Values for %s button in shift plane 1\r\n",
+    "FixScanKeyEvents: Did not get Values for %s button in shift plane 2\r\n",
+};
 
 bool IsDone() {
   DWORD done = 0;
@@ -54,10 +59,10 @@ void WriteEvents(const LayoutPath& layout) {
   static_cast<void>(CreateEventForEventKey(state.data(), kScanButton.event_value_name, scan.state));
 }
 
-// Without saving the original: the button is no ordinary key.
+// The original is not saved: the button is no ordinary key.
 HRESULT SignalEvent(const WCHAR* layout, size_t plane) {
   std::optional<KeyRecord> record;
-  const HRESULT result = ReadKeyRecord(kName, layout, plane, kScanButton, record);
+  const HRESULT result = ReadKeyRecord(kNoValues, layout, plane, kScanButton, record);
   if (!record) return result;
   ModifyKeyDataForEventTrigger(kScanButton.event_value_name, *record);
   return SetKeyValues(layout, kShiftPlanes[plane], kScanButton, *record);
@@ -69,7 +74,7 @@ HRESULT Repair() {
       "FixScanKeyEvents - Could not open %ls. winerr:0x%x",
       "FixScanKeyEvents - RegFlushKey %ls failure. winerr:0x%x",
   };
-  kKeypadTrace.Info("%s: Modifying registry for side buttons\r\n", kName);
+  kKeypadTrace.Info("FixScanKeyEvents: Modifying registry for side buttons\r\n");
   LayoutPath layout;
   HRESULT result = ResolveButtonKeyPath(layout, kLeftTopButton);
   if (Failed(result)) return result;
@@ -84,14 +89,14 @@ HRESULT Repair() {
 }  // namespace
 
 bool FixScanKeyEvents() {
-  kKeypadTrace.Info("%s Enter\r\n", kName);
+  kKeypadTrace.Info("FixScanKeyEvents Enter\r\n");
   HRESULT result = S_OK;
   if (!IsDone()) {
     result = Repair();
-    // Attempted once and never again, whatever came of it.
+    // The repair is tried once, whatever its result.
     static_cast<void>(PALRegCreateSetDword(HKEY_LOCAL_MACHINE, kKeypadSettingsPath, kDoneFlag, 1));
   }
-  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", kName, result);
+  kKeypadTrace.Info("FixScanKeyEvents Complete hr=0x%x\r\n", result);
   return Succeeded(result);
 }
 

@@ -1,7 +1,8 @@
-// What the shift keys of the active layout do.
+// The behaviour of the shift keys of the active layout.
 #include <array>
 #include <optional>
 
+#include "frame/registry.h"
 #include "frame/result.h"
 #include "include/palkey.h"
 #include "keypad/keypad_trace.h"
@@ -11,7 +12,7 @@ namespace pal {
 namespace {
 
 constexpr size_t kMaxNameUnits = 260;
-// More values than any key has: a registry that is broken must not keep a caller for ever.
+// More values than any key has: a caller must not hang on a broken registry.
 constexpr DWORD kMostValues = 0x10000;
 constexpr BYTE kBehaviorBits = 7;
 constexpr WideText kShiftKeyPrefix = TEXT("ShiftKey");
@@ -38,8 +39,7 @@ LONG OpenShiftKeys(const OpeningLines& lines, LayoutPath& path, UniqueRegistryKe
     return error;
   }
   LayoutPath layout;
-  error = ReadKeypadText(keyboard.get(), kActiveLayoutValue,
-                         std::span(layout).first(kMaxLayoutUnits + 1));
+  error = ReadLayoutPath(keyboard, kActiveLayoutValue, layout);
   if (error != ERROR_SUCCESS) {
     kKeypadTrace.Error(lines.query_failed, kKeyboardPath, kActiveLayoutValue,
                        static_cast<DWORD>(error));
@@ -59,8 +59,8 @@ class ShiftKeyList {
  public:
   explicit ShiftKeyList(HKEY key) : key_(key) {}
 
-  // Goes to the next shift key and passes over other values. False at the end of the list, and
-  // where it cannot be read further.
+  // Goes to the next shift key and skips other values. False at the end of the list, and where the
+  // next value cannot be read.
   [[nodiscard]] bool Next(ShiftKey& shift_key) {
     while (true) {
       DWORD type = REG_NONE;
@@ -96,7 +96,7 @@ class ShiftKeyList {
   LONG error_ = ERROR_SUCCESS;
 };
 
-// A layout without shift keys has the first behaviour: kept so.
+// A layout without shift keys has the first behaviour.
 DWORD BehaviorOf(std::optional<BYTE> bits) {
   if (!bits) return PAL_SHIFT_BEHAVIOR_0;
   DWORD behavior = 0;
@@ -162,8 +162,7 @@ HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior) {
   while (shift_keys.Next(shift_key)) {
     BYTE& first = shift_key.data.front();
     first = static_cast<BYTE>((first & ~pal::kBehaviorBits) | pal::kBitOf[behavior]);
-    error = RegSetValueExW(key.get(), shift_key.name.data(), 0, REG_BINARY, shift_key.data.data(),
-                           static_cast<DWORD>(shift_key.data.size()));
+    error = WriteBytes(key, shift_key.name.data(), shift_key.data);
     if (error != ERROR_SUCCESS) {
       pal::kKeypadTrace.Error(
           "PALKEYSetShiftBehavior - Error saving HKLM\\%ls\\%ls. dwRet = 0x%x\r\n", path.data(),
@@ -176,5 +175,5 @@ HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior) {
         "PALKEYSetShiftBehavior - Error enumerating HKLM\\%ls. dwRet = 0x%x\r\n", path.data(),
         static_cast<DWORD>(shift_keys.error()));
   }
-  return S_OK;  // also where the list ended with an error: kept so
+  return S_OK;  // also where the list ended with an error
 }

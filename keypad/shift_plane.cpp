@@ -34,7 +34,7 @@ bool Replace(std::span<BYTE> plane, const KeyRecord& record) {
   return replaced;
 }
 
-// Behind the last whole record: what follows that is no record, and nobody would find one there.
+// Puts the record behind the last whole one. Bytes of a record that was cut short are overwritten.
 void Append(std::span<BYTE> plane, DWORD& bytes, const KeyRecord& record) {
   if (bytes + kKeyRecordBytes >= kMaxPlaneBytes) {
     kKeypadTrace.Error("2 Source Buffer too short dwLen = %d dwBufLen=%d\r\n", bytes,
@@ -47,15 +47,24 @@ void Append(std::span<BYTE> plane, DWORD& bytes, const KeyRecord& record) {
   TraceRecord(kAdded, offset, record);
 }
 
+// Tries the write of a plane whose key could not be opened for the read. Where the key opens now,
+// the result is the read's all the same: a plane that was not read must not be written over.
+HRESULT TryToOpenForWrite(const WCHAR* layout, HRESULT read_result) {
+  UniqueRegistryKey key;
+  const LONG error = OpenRegistryKey(HKEY_LOCAL_MACHINE, layout, KEY_SET_VALUE, key);
+  return error == ERROR_SUCCESS ? read_result : HResultFromWin32(error);
+}
+
 HRESULT SetRecord(const WCHAR* layout, const WCHAR* plane_name, const KeyRecord& record,
                   HRESULT full_result) {
   BYTE plane[kMaxPlaneBytes];
   const PlaneReading reading = ReadShiftPlane(layout, plane_name, plane);
-  if (Failed(reading.read)) return reading.read;
+  if (Succeeded(reading.opened) && Failed(reading.read)) return reading.read;
   DWORD bytes = reading.bytes;
   const bool is_full = bytes == kMaxPlaneBytes;
   if (is_full || !Replace(std::span(plane).first(bytes), record)) Append(plane, bytes, record);
   if (is_full) return full_result;
+  if (Failed(reading.opened)) return TryToOpenForWrite(layout, reading.opened);
   return PALRegSetBinary(HKEY_LOCAL_MACHINE, layout, plane_name, plane, bytes);
 }
 
@@ -72,13 +81,12 @@ PlaneReading ReadShiftPlane(const WCHAR* layout, const WCHAR* plane_name, std::s
   const LONG open_error = OpenRegistryKey(HKEY_LOCAL_MACHINE, layout, KEY_QUERY_VALUE, key);
   const HRESULT opened = HResultFromWin32(open_error);
   if (open_error != ERROR_SUCCESS) return {0, opened, opened};
-  const auto room = static_cast<DWORD>(plane.size());
-  DWORD size = room;
-  const LONG error = RegQueryValueExW(key.get(), plane_name, nullptr, nullptr, plane.data(), &size);
-  if (error == ERROR_SUCCESS) return {size, opened, S_OK};
-  // What a query that fails leaves in its buffer is anybody's guess.
+  StoredValue stored;
+  const LONG error = ReadBytes(key, plane_name, plane, stored);
+  if (error == ERROR_SUCCESS) return {stored.bytes, opened, S_OK};
+  // The platform does not say what a failed query leaves in its buffer.
   std::fill(plane.begin(), plane.end(), BYTE{0});
-  if (error == ERROR_MORE_DATA) return {room, opened, S_OK};
+  if (error == ERROR_MORE_DATA) return {static_cast<DWORD>(plane.size()), opened, S_OK};
   return {0, opened, error == ERROR_FILE_NOT_FOUND ? S_OK : HResultFromWin32(error)};
 }
 
@@ -93,7 +101,7 @@ HRESULT GetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const ButtonR
     std::copy(found.begin(), found.end(), record.begin());
     TraceRecord(kCopied, offset, found);
   });
-  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "GetKeyValues", reading.opened);
+  kKeypadTrace.Info("GetKeyValues Complete hr=0x%x\r\n", reading.opened);
   return reading.opened;
 }
 
@@ -101,20 +109,21 @@ HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name, const ButtonR
                      const KeyRecord& record, HRESULT full_result) {
   kKeypadTrace.Info("SetKeyValues %ls: Enter %ls ID:%d\r\n", layout, plane_name, button.id);
   const HRESULT result = SetRecord(layout, plane_name, record, full_result);
-  kKeypadTrace.Info("%s Complete hr=0x%x\r\n", "SetKeyValues", result);
+  kKeypadTrace.Info("SetKeyValues Complete hr=0x%x\r\n", result);
   return result;
 }
 
 void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, KeyRecord& record) {
   const BYTE event = EventNumber(event_value_name);
-  kKeypadTrace.Info("%s: Enter Event: %ls index: %u\r\n", "ModifyKeyDataForEventTrigger",
+  kKeypadTrace.Info("ModifyKeyDataForEventTrigger: Enter Event: %ls index: %u\r\n",
                     event_value_name, event);
   record[kKeyOutputClass] = kSignalsEvent;
   record[kKeyOutputClass + 1] = kSignalsEvent;
   record[kKeyEvent] = event;
-  kKeypadTrace.Info("%s: Complete Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x modified\r\n",
-                    "ModifyKeyDataForEventTrigger", record[kKeyScanCode], record[0], record[1],
-                    record[2], record[3], record[4], record[5]);
+  kKeypadTrace.Info(
+      "ModifyKeyDataForEventTrigger: Complete Key (%d):0x%x, 0x%x, 0x%x, 0x%x, 0x%x, 0x%x "
+      "modified\r\n",
+      record[kKeyScanCode], record[0], record[1], record[2], record[3], record[4], record[5]);
 }
 
 bool SignalsEvent(const WCHAR* event_value_name, const KeyRecord& record) {

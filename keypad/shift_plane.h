@@ -31,8 +31,8 @@ constexpr bool IsRecordOf(std::span<const BYTE> record, BYTE kind, DWORD scan_co
   return record[kKeyKind] == kind && record[kKeyScanCode] == scan_code;
 }
 
-// The one walk over a plane: whole records only, with their offsets, until `visit` says true of
-// one. False where it says so of none.
+// Visits the whole records of a plane, with their offsets, until `visit` gives true. False where it
+// never does.
 template <typename Visit>
 constexpr bool AnyKeyRecord(std::span<BYTE> plane, Visit visit) {
   for (size_t offset = 0; plane.size() - offset >= kKeyRecordBytes; offset += kKeyRecordBytes) {
@@ -48,7 +48,7 @@ constexpr void ForEachKeyRecord(std::span<BYTE> plane, Visit visit) {
   });
 }
 
-// What came of reading a plane.
+// The outcome of reading a plane.
 struct PlaneReading {
   // 0 where the layout has no such plane or it cannot be read. The whole room where the plane is
   // larger than that, with nothing but zeros read.
@@ -77,11 +77,10 @@ struct PlaneReading {
 // one. A plane that has no room for it is written back as it was, and one of kMaxPlaneBytes and
 // more is not written at all; an error line tells of both.
 //
-// S_OK         the plane was written, as far as PALRegSetBinary can tell
-// full_result  the plane has kMaxPlaneBytes or more
-// PAL_E_WIN32(error)   the plane exists and cannot be read, and nothing was written; or the error
-// of
-//              opening the key
+// S_OK                the result of PALRegSetBinary, which does not tell of a write that failed
+// full_result         the plane has kMaxPlaneBytes or more
+// PAL_E_WIN32(error)  the plane exists and cannot be read, or the key cannot be opened; nothing was
+//                     written. Without the key the record is traced as added all the same.
 [[nodiscard]] HRESULT SetKeyValues(const WCHAR* layout, const WCHAR* plane_name,
                                    const ButtonRecord& button, const KeyRecord& record,
                                    HRESULT full_result = S_OK);
@@ -89,7 +88,7 @@ struct PlaneReading {
 // Makes a record signal the event of a button ("Event5" gives event 5).
 void ModifyKeyDataForEventTrigger(const WCHAR* event_value_name, KeyRecord& record);
 
-// Whether it does already.
+// True where the record signals that event already.
 [[nodiscard]] bool SignalsEvent(const WCHAR* event_value_name, const KeyRecord& record);
 
 }  // namespace pal

@@ -1,4 +1,4 @@
-// The boot option, one byte that the configuration driver keeps.
+// The boot option, one byte that the configuration driver stores.
 #include "frame/result.h"
 #include "frame/unique_handle.h"
 #include "include/palpwr.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr DWORD kGetBootOption = 100000;
 constexpr DWORD kSetBootOption = 100001;
-// No HRESULT of any family, but what callers know.
+// Not an HRESULT of any family; callers know this number.
 constexpr HRESULT kControlFailed = 19;
 
 using OpenFailedFormat = TraceSource::Format<const char*, DWORD>;
@@ -31,7 +31,7 @@ HRESULT PALAPI PALPWRSetBootOption(DWORD option) {
   const HRESULT opened = pal::OpenConfigurationDriver(
       driver, "PALPWRSetBootOption - ERROR Failed to open device: %s, win32err: 0x%x\r\n");
   if (!driver) return opened;
-  // The driver takes the option for the size of a buffer that there is none of.
+  // The driver reads the option from the buffer size; there is no buffer.
   DWORD returned = 0;
   if (DeviceIoControl(driver.get(), pal::kSetBootOption, nullptr, option, nullptr, 0, &returned,
                       nullptr) != FALSE) {

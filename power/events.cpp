@@ -12,7 +12,6 @@ namespace {
 
 constinit std::atomic<HANDLE> reload_event{nullptr};
 constinit std::atomic<HANDLE> backlight_event{nullptr};
-constinit std::atomic<BOOL> initialised{FALSE};
 
 HANDLE CreateAutoResetEvent(const WCHAR* name) {
   return CreateEventW(nullptr, FALSE, FALSE, name);
@@ -22,6 +21,7 @@ HRESULT EventFailure(DWORD error) {
   return PAL_PWR_E_EVENT(error & 0xFFFF);
 }
 
+// Nothing is done for an event that is null.
 void Close(std::atomic<HANDLE>& event) {
   UniqueEvent(event.load(std::memory_order_relaxed)).Reset();
   event.store(nullptr, std::memory_order_relaxed);
@@ -36,9 +36,7 @@ HANDLE ReloadEvent() {
 }  // namespace pal
 
 HRESULT PALAPI PALPWRInit() {
-  if (pal::initialised.load(std::memory_order_relaxed) != FALSE || pal::ReloadEvent() != nullptr) {
-    return S_OK;
-  }
+  if (pal::ReloadEvent() != nullptr) return S_OK;
   pal::UniqueEvent reload(pal::CreateAutoResetEvent(TEXT("PowerManager/ReloadActivityTimeouts")));
   if (!reload) {
     const DWORD error = GetLastError();
@@ -57,14 +55,11 @@ HRESULT PALAPI PALPWRInit() {
   }
   pal::reload_event.store(reload.Release(), std::memory_order_relaxed);
   pal::backlight_event.store(backlight.Release(), std::memory_order_relaxed);
-  pal::initialised.store(TRUE, std::memory_order_relaxed);
   return S_OK;
 }
 
 HRESULT PALAPI PALPWRTerm() {
-  if (pal::initialised.load(std::memory_order_relaxed) == FALSE) return S_OK;
   pal::Close(pal::reload_event);
   pal::Close(pal::backlight_event);
-  pal::initialised.store(FALSE, std::memory_order_relaxed);
   return S_OK;
 }

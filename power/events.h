@@ -1,4 +1,4 @@
-// The events through which others learn of changed power settings.
+// The events that tell others of changed power settings.
 #ifndef POWER_EVENTS_H_
 #define POWER_EVENTS_H_
 

@@ -1,4 +1,4 @@
-// What the power button does, as the code that its driver reads.
+// The action of the power button, stored as the code that its driver reads.
 #include <algorithm>
 #include <array>
 
@@ -20,7 +20,7 @@ constexpr std::array<DWORD, 6> kCodes{0x00000000, 0x01000000, 0x00200000,
 }  // namespace
 }  // namespace pal
 
-// An option that there is not is stored as option 0 and not refused: kept, callers rely on it.
+// An unknown option is stored as option 0 and not refused: callers rely on it.
 HRESULT PALAPI PALPWRSetPwrButton(LONG option) {
   pal::kPowerTrace.Info("PALPWRSetPwrButton - Entry.  in_opt: %d\r\n", option);
   const auto index = static_cast<DWORD>(option);

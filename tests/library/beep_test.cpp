@@ -561,4 +561,14 @@ TEST_F(Beep, AnyOtherCallMayFail) {
   }
 }
 
+TEST_F(Beep, TakesOverTheLevelAlsoWhereTheGainCannotBeRead) {
+  device.registry().SetDword(kBeeperKey, "High", 0x99999999);  // as medium, which is tried first
+  device.PlanFault({.call = "waveInMessage"});
+  EXPECT_EQ(process.exports().PALBEEPKeyClick(), S_OK);
+  EXPECT_EQ(TraceLines("SetVolume - Applying sys vol:0x99999999 to CurrentVol").size(), 1u);
+  EXPECT_EQ(TraceLines("PALBEEPGetSpeakerGain(in:3,*) - Entry").size(), 1u);
+  EXPECT_EQ(Texts(sim::Effect::kRegistry).size(), 1u);
+  EXPECT_EQ(Heard().front(), "volume 0x77777777") << "the codec is left alone";
+}
+
 }  // namespace

@@ -270,4 +270,31 @@ TEST_F(KeypadLayout, WritesOverNoPlaneThatItCannotRead) {
   }
 }
 
+TEST_F(KeypadLayout, TracesARecordAsAddedAlsoWhereThePlaneHasNoKey) {
+  device.registry().RemoveTree(kSettings);
+  const Planes before = PlanesOf(kLayout);
+  EXPECT_EQ(Set(5, 1), E_FAIL);
+  EXPECT_EQ(TraceLines("Key (0):0x7, 0x43, ").size(), 3u) << "one for each plane";
+  EXPECT_EQ(TraceLines("SetupKeyForScanKeys Complete hr=0x80070002").size(), 1u);
+  EXPECT_EQ(PlanesOf(kLayout), before);
+  EXPECT_EQ(device.registry().Find(kSettings), nullptr) << "the key is not created";
+}
+
+TEST_F(KeypadLayout, AnswersAsTheLastPlaneThatWasWritten) {
+  const std::string line =
+      "SetupKeyForScanKeys: Did not get Values for Left Side Top button in shift plane 2";
+  unsigned unread = 0;
+  for (unsigned open = 1; open <= 20; ++open) {
+    Arrange();
+    device.PlanFault({.call = "RegOpenKeyExW", .nth = open});
+    const HRESULT result = Set(5, 1);
+    device.ClearFaults();
+    if (TraceLines(line).empty()) continue;
+    ++unread;
+    EXPECT_EQ(result, S_OK) << "planes 0 and 1 were written";
+    EXPECT_EQ(Get(5), 1u);
+  }
+  EXPECT_EQ(unread, 1u);
+}
+
 }  // namespace

@@ -110,6 +110,25 @@ TEST_F(Trace, LeavesTheLastErrorAlone) {
   });
 }
 
+DWORD WINAPI LogAndFail(DWORD /*category*/, const char* /*line*/) {
+  SetLastError(ERROR_INVALID_PARAMETER);
+  return 0;
+}
+
+TEST_F(Trace, LeavesTheLastErrorAloneWhereTheEventLogChangesIt) {
+  auto* const entry = reinterpret_cast<int (*)()>(reinterpret_cast<void*>(&LogAndFail));
+  device.InstallModule({"DVLEventLog.dll", {{"DVLLogString", entry}}});
+  InternalsProcess fresh(device, "fresh.exe");
+  fresh.Run([&] {
+    SetLastError(42);
+    fresh->trace(0, kCategory, "line");
+    fresh->trace(1, kCategory, "line");
+    EXPECT_EQ(GetLastError(), 42u);
+    fresh->sysio_trace(0, kCategory, "line");
+    EXPECT_EQ(GetLastError(), 42u);
+  });
+}
+
 TEST_F(Trace, BuildsTheCategoryWordOfEachSeverity) {
   using pal::Severity;
   EXPECT_EQ(pal::TraceCategory(pal::Facility::kBeeper, Severity::kPlain), 0x03EB0000u);

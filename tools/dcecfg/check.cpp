@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "configstore/dcecfg_parser.h"
-#include "frame/event_log.h"
 #include "frame/registry_root.h"
 #include "frame/result.h"
 #include "frame/trace.h"
