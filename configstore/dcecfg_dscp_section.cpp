@@ -6,7 +6,7 @@
 #include "configstore/dcecfg_format.h"
 #include "configstore/dcecfg_parser.h"
 #include "frame/text.h"
-#include "sysinfo/options/device_names.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 

@@ -10,7 +10,7 @@
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "include/palreg.h"
-#include "sysinfo/identity/identity_sources.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

@@ -2,7 +2,7 @@
 #include "frame/registry.h"
 #include "frame/trace.h"
 #include "include/palimagecapture.h"
-#include "sysinfo/options/manufacturing_options.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

@@ -3,7 +3,7 @@
 #include "sysinfo/identity/hexadecimal.h"
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

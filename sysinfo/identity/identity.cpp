@@ -6,6 +6,7 @@
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/identity_trace.h"
 #include "sysinfo/identity/result_converter.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

@@ -11,13 +11,6 @@ namespace pal {
 
 using IdentitySource = HRESULT (*)(char* buffer, DWORD* length);
 
-// The model name, parameter 0x00D5.
-//
-// S_OK    done
-// E_FAIL  a null argument; the parameter cannot be read or has no bytes; the text does not fit.
-//         Traced.
-HRESULT PalGetModel(char* buffer, DWORD* length);
-
 // The model name for people, parameter 0x00D6.
 //
 // S_OK        done

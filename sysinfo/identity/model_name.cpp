@@ -5,7 +5,7 @@
 #include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

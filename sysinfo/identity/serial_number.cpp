@@ -9,9 +9,9 @@
 #include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
 #include "sysinfo/identity/oem_information.h"
 #include "sysinfo/identity/operating_system.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

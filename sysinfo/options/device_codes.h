@@ -13,9 +13,6 @@
 
 namespace pal {
 
-inline constexpr DWORD kUnknownDeviceCode = 254;
-inline constexpr DWORD kNoDevice = 255;
-
 struct DeviceCode {
   BYTE code;
   DWORD device_type;  // the row of kDeviceNames

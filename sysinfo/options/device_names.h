@@ -31,6 +31,10 @@ inline constexpr auto kDeviceNames = std::to_array<WideText>({
 static_assert(kDeviceNames.size() == 54);
 static_assert(kDeviceNames[46] == kDeviceNames[47]);
 
+// The two internal device types that are no rows of the table.
+inline constexpr DWORD kUnknownDeviceCode = 254;  // the code that was read stands for no type
+inline constexpr DWORD kNoDevice = 255;
+
 }  // namespace pal
 
 #endif  // SYSINFO_OPTIONS_DEVICE_NAMES_H_

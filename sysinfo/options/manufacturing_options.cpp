@@ -1,6 +1,4 @@
 // Manufacturing options that come from non-volatile parameters and from policies.
-#include "sysinfo/options/manufacturing_options.h"
-
 #include <array>
 #include <bit>
 #include <optional>
@@ -9,7 +7,8 @@
 #include "frame/registry.h"
 #include "frame/result.h"
 #include "frame/trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "include/palmfgopt.h"
+#include "sysinfo/internal.h"
 #include "sysinfo/options/device_codes.h"
 
 namespace pal {
@@ -111,7 +110,7 @@ HRESULT PALAPI PALMFGOpt_IsDataCollectionContentEnabled(DWORD* enabled) {
 HRESULT PALAPI PALMFGOpt_IsBluetoothModuleInstalled(DWORD* installed) {
   if (installed == nullptr) return E_FAIL;
   *installed = 1;
-  if (PALMFGOpt_IsDisabledByPolicy(TEXT("Bluetooth")) == pal::kPolicyDisabled) {
+  if (PALMFGOpt_IsDisabledByPolicy(TEXT("Bluetooth")) == PAL_MFGOPT_S_DISABLED) {
     pal::kTrace.Info("PALMFGOpt_IsBluetoothModuleInstalled. BT is Disabled");
     *installed = 0;
   }

@@ -8,7 +8,8 @@
 #include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
-#include "sysinfo/options/manufacturing_options.h"
+#include "include/palmfgopt.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -67,7 +68,7 @@ bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, UniqueRegistryKey&
 
 HRESULT ResultOf(DWORD state) {
   if (state > 1) return PAL_MFGOPT_E_VALUE_INVALID;
-  return state == 0 ? kPolicyEnabled : kPolicyDisabled;
+  return state == 0 ? PAL_MFGOPT_S_ENABLED : PAL_MFGOPT_S_DISABLED;
 }
 
 }  // namespace
@@ -91,7 +92,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   pal::UniqueRegistryKey state_key;
   if (pal::OpenForReading(text, state_key) != ERROR_SUCCESS) {
     pal::kTrace.Info("IsDisabledByPolicy - Tavi key nonexistant.  Assume enabled");
-    return pal::kPolicyEnabled;
+    return PAL_MFGOPT_S_ENABLED;
   }
   if (!pal::ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
