@@ -9,36 +9,14 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kMaxStringBytes = 520;
+constexpr size_t kMaxStringUnits = 260;
 
-// Behind a success nobody asks for the last error, so that it need not be kept over the close.
-inline void CloseAfterSuccess(UniqueRegistryKey& key) {
-  RegCloseKey(key.Release());
-}
-
-// The error of the open or of the write.
-inline LONG SetValue(HKEY root, const WCHAR* path, const WCHAR* name, DWORD type, const void* data,
-                     DWORD bytes) {
+// Opens a key, does `operation` on it and closes it. The error of the open or of the operation.
+template <typename Operation>
+LONG WithKey(HKEY root, const WCHAR* path, REGSAM access, Operation operation) {
   UniqueRegistryKey key;
-  LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
-  if (error != ERROR_SUCCESS) return error;
-  error = RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
-  if (error == ERROR_SUCCESS) CloseAfterSuccess(key);
-  return error;
-}
-
-inline LONG Query(const UniqueRegistryKey& key, const WCHAR* name, void* buffer, DWORD& bytes) {
-  return RegQueryValueExW(key.get(), name, nullptr, nullptr, static_cast<BYTE*>(buffer), &bytes);
-}
-
-// The error of the open or of the query. `bytes` is the buffer's size, then the value's.
-inline LONG GetValue(HKEY root, const WCHAR* path, const WCHAR* name, void* buffer, DWORD& bytes) {
-  UniqueRegistryKey key;
-  LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
-  if (error != ERROR_SUCCESS) return error;
-  error = Query(key, name, buffer, bytes);
-  if (error == ERROR_SUCCESS) CloseAfterSuccess(key);
-  return error;
+  const LONG error = OpenRegistryKey(root, path, access, key);
+  return error == ERROR_SUCCESS ? operation(key) : error;
 }
 
 }  // namespace
@@ -51,68 +29,108 @@ HKEY PALRegRootFromName(const char* name) {
   return root < std::size(roots) ? roots[root] : HKEY_LOCAL_MACHINE;
 }
 
+LONG ReadBytes(const UniqueRegistryKey& key, const WCHAR* name, std::span<BYTE> bytes,
+               StoredValue& stored) {
+  stored = {REG_NONE, static_cast<DWORD>(bytes.size())};
+  return RegQueryValueExW(key.get(), name, nullptr, &stored.type, bytes.data(), &stored.bytes);
+}
+
+LONG ReadNumber(const UniqueRegistryKey& key, const WCHAR* name, DWORD& number,
+                StoredValue* stored) {
+  DWORD read = 0;
+  StoredValue value;
+  const LONG error = ReadBytes(key, name, {reinterpret_cast<BYTE*>(&read), sizeof(read)}, value);
+  if (error == ERROR_SUCCESS) number = read;
+  if (stored != nullptr) *stored = value;
+  return error;
+}
+
+LONG ReadText(const UniqueRegistryKey& key, const WCHAR* name, std::span<WCHAR> text,
+              StoredValue* stored) {
+  StoredValue value;
+  const size_t room = (text.size() - 1) * sizeof(WCHAR);
+  const LONG error = ReadBytes(key, name, {reinterpret_cast<BYTE*>(text.data()), room}, value);
+  if (error == ERROR_SUCCESS) text[value.bytes / sizeof(WCHAR)] = WCHAR{};
+  if (stored != nullptr) *stored = value;
+  return error;
+}
+
+LONG WriteBytes(const UniqueRegistryKey& key, const WCHAR* name, std::span<const BYTE> bytes,
+                DWORD type) {
+  return RegSetValueExW(key.get(), name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
+}
+
+LONG WriteNumber(const UniqueRegistryKey& key, const WCHAR* name, DWORD number) {
+  const auto* const bytes = reinterpret_cast<const BYTE*>(&number);
+  return WriteBytes(key, name, {bytes, sizeof(number)}, REG_DWORD);
+}
+
+LONG WriteText(const UniqueRegistryKey& key, const WCHAR* name, WideText text) {
+  const auto* const bytes = reinterpret_cast<const BYTE*>(text.data());
+  return WriteBytes(key, name, {bytes, text.size() * sizeof(WCHAR)}, REG_SZ);
+}
+
 HRESULT PALRegSetString(HKEY root, const WCHAR* path, const WCHAR* name,
                         std::span<const WCHAR> text) {
   if (path == nullptr || name == nullptr || text.data() == nullptr) return E_FAIL;
   const size_t units = Length(text) + 2;  // the terminator and what stands behind it
   if (units > text.size()) return E_FAIL;
-  const auto bytes = static_cast<DWORD>(units * sizeof(WCHAR));
-  return HResultFromWin32(SetValue(root, path, name, REG_SZ, text.data(), bytes));
+  return HResultFromWin32(WithKey(root, path, KEY_SET_VALUE, [&](const UniqueRegistryKey& key) {
+    return WriteText(key, name, {text.data(), units});
+  }));
 }
 
 HRESULT PALRegGetStringValue(HKEY root, const WCHAR* path, const WCHAR* name, WCHAR* buffer,
                              DWORD* bytes) {
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
-  DWORD value_bytes = *bytes;
-  const LONG error = GetValue(root, path, name, buffer, value_bytes);
-  if (error == ERROR_SUCCESS) *bytes = value_bytes;
-  return HResultFromWin32(error);
+  return HResultFromWin32(WithKey(root, path, KEY_QUERY_VALUE, [&](const UniqueRegistryKey& key) {
+    StoredValue stored;
+    const LONG error = ReadBytes(key, name, {reinterpret_cast<BYTE*>(buffer), *bytes}, stored);
+    if (error == ERROR_SUCCESS) *bytes = stored.bytes;
+    return error;
+  }));
 }
 
 HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
   if (path == nullptr || name == nullptr) return E_FAIL;
-  return HResultFromWin32(SetValue(root, path, name, REG_DWORD, &value, sizeof(value)));
+  return HResultFromWin32(WithKey(root, path, KEY_SET_VALUE, [&](const UniqueRegistryKey& key) {
+    return WriteNumber(key, name, value);
+  }));
 }
 
 HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
   if (path == nullptr || name == nullptr) return E_FAIL;
   UniqueRegistryKey key;
   LONG error = CreateRegistryKey(root, path, key);
-  if (error == ERROR_SUCCESS) {
-    error = RegSetValueExW(key.get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
-                           sizeof(value));
-  }
+  if (error == ERROR_SUCCESS) error = WriteNumber(key, name, value);
   return HResultFromWin32(error);
 }
 
 HRESULT PALRegGetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD* value) {
   if (path == nullptr || name == nullptr || value == nullptr) return E_FAIL;
-  DWORD stored = 0;
-  DWORD bytes = sizeof(stored);
-  const LONG error = GetValue(root, path, name, &stored, bytes);
-  if (error == ERROR_SUCCESS) *value = stored;
-  return HResultFromWin32(error);
+  return HResultFromWin32(WithKey(root, path, KEY_QUERY_VALUE, [&](const UniqueRegistryKey& key) {
+    return ReadNumber(key, name, *value);
+  }));
 }
 
 HRESULT PALRegSetBinary(HKEY root, const WCHAR* path, const WCHAR* name, const BYTE* data,
                         DWORD bytes) {
   if (path == nullptr || name == nullptr || data == nullptr) return E_FAIL;
-  UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_SET_VALUE, key);
-  if (error == ERROR_SUCCESS) RegSetValueExW(key.get(), name, 0, REG_BINARY, data, bytes);
-  return HResultFromWin32(error);
+  return HResultFromWin32(WithKey(root, path, KEY_SET_VALUE, [&](const UniqueRegistryKey& key) {
+    static_cast<void>(WriteBytes(key, name, {data, bytes}));
+    return ERROR_SUCCESS;
+  }));
 }
 
 HRESULT PALRegGetBinary(HKEY root, const WCHAR* path, const WCHAR* name, BYTE* buffer,
                         DWORD* bytes) {
   if (path == nullptr || name == nullptr || buffer == nullptr || bytes == nullptr) return E_FAIL;
-  UniqueRegistryKey key;
-  const LONG error = OpenRegistryKey(root, path, KEY_QUERY_VALUE, key);
-  DWORD value_bytes = *bytes;
-  if (error == ERROR_SUCCESS && Query(key, name, buffer, value_bytes) == ERROR_SUCCESS) {
-    *bytes = value_bytes;
-  }
-  return HResultFromWin32(error);
+  return HResultFromWin32(WithKey(root, path, KEY_QUERY_VALUE, [&](const UniqueRegistryKey& key) {
+    StoredValue stored;
+    const LONG error = ReadBytes(key, name, {buffer, *bytes}, stored);
+    if (error == ERROR_SUCCESS) *bytes = stored.bytes;
+    return ERROR_SUCCESS;
+  }));
 }
 
 HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::span<WCHAR> text,
@@ -120,13 +138,14 @@ HRESULT PALRegGetString(HKEY root, const WCHAR* path, const WCHAR* name, std::sp
   if (path == nullptr || name == nullptr || text.data() == nullptr || bytes == nullptr) {
     return E_FAIL;
   }
-  WCHAR stored[kMaxStringBytes / sizeof(WCHAR)] = {};
-  DWORD stored_bytes = sizeof(stored);
-  const LONG error = GetValue(root, path, name, stored, stored_bytes);
+  WCHAR read[kMaxStringUnits + 1] = {};
+  StoredValue stored;
+  const LONG error = WithKey(root, path, KEY_QUERY_VALUE, [&](const UniqueRegistryKey& key) {
+    return ReadText(key, name, read, &stored);
+  });
   if (error != ERROR_SUCCESS) return HResultFromWin32(error);
-  const WideText stored_text(stored, Length<WCHAR>(stored));
-  if (!Copy(text, stored_text)) return HResultFromWin32(ERROR_MORE_DATA);
-  *bytes = stored_bytes;
+  if (!Copy(text, WideText(read))) return HResultFromWin32(ERROR_MORE_DATA);
+  *bytes = stored.bytes;
   return S_OK;
 }
 

@@ -116,7 +116,7 @@ struct StoredText {
 };
 
 // False where the driver has no such value or one of another type; `error` is then ERROR_SUCCESS.
-bool ReadText(HKEY driver, const WCHAR* name, StoredText& text, LONG& error) {
+bool ReadStoredText(HKEY driver, const WCHAR* name, StoredText& text, LONG& error) {
   text.bytes = kMaxDllBytes;
   DWORD type = REG_NONE;
   error = RegQueryValueExW(driver, name, nullptr, &type, text.data.data(), &text.bytes);
@@ -130,7 +130,7 @@ bool ReadText(HKEY driver, const WCHAR* name, StoredText& text, LONG& error) {
 LONG MoveText(const ClientDrivers& drivers, const Direction& direction) {
   StoredText text;
   LONG error = ERROR_SUCCESS;
-  if (!ReadText(drivers.key(), direction.from, text, error)) {
+  if (!ReadStoredText(drivers.key(), direction.from, text, error)) {
     return drivers.Checked(error, direction.read_failed, direction.from);
   }
   error = drivers.Checked(
@@ -163,7 +163,7 @@ HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled) {
   while (drivers.Next()) {
     LONG error = ERROR_SUCCESS;
     pal::StoredText text;
-    const bool has_dll = pal::ReadText(drivers.key(), pal::kVisibleName, text, error);
+    const bool has_dll = pal::ReadStoredText(drivers.key(), pal::kVisibleName, text, error);
     if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
     if (!has_dll) continue;
     *enabled = 1;

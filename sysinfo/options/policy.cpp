@@ -21,7 +21,7 @@ constexpr size_t kMaxPathUnits = 260;
 using PolicyText = WCHAR[kMaxPathUnits + 1];
 
 // False for a value of another type, an empty text, and one of more than 520 bytes.
-bool ReadText(HKEY key, const WCHAR* name, PolicyText& text) {
+bool ReadPolicyText(HKEY key, const WCHAR* name, PolicyText& text) {
   DWORD type = REG_NONE;
   DWORD bytes = kMaxPathUnits * sizeof(WCHAR);
   const LONG error =
@@ -31,7 +31,7 @@ bool ReadText(HKEY key, const WCHAR* name, PolicyText& text) {
   return text[0] != WCHAR{};
 }
 
-std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
+std::optional<DWORD> ReadPolicyNumber(HKEY key, const WCHAR* name) {
   DWORD value = 0;
   DWORD type = REG_NONE;
   DWORD bytes = sizeof(value);
@@ -84,7 +84,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   if (!pal::OpenFeature(feature, feature_path, feature_key)) return PAL_MFGOPT_E_NO_SUCH_FEATURE;
 
   pal::PolicyText text;
-  if (!pal::ReadText(feature_key.get(), TEXT("PolicyLocation"), text)) {
+  if (!pal::ReadPolicyText(feature_key.get(), TEXT("PolicyLocation"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls",
                       feature_path);
     return PAL_MFGOPT_E_LOCATION_UNREADABLE;
@@ -94,11 +94,11 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
     pal::kTrace.Info("IsDisabledByPolicy - Tavi key nonexistant.  Assume enabled");
     return PAL_MFGOPT_S_ENABLED;
   }
-  if (!pal::ReadText(feature_key.get(), TEXT("PolicyKey"), text)) {
+  if (!pal::ReadPolicyText(feature_key.get(), TEXT("PolicyKey"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
     return PAL_MFGOPT_E_VALUE_UNREADABLE;
   }
-  const std::optional<DWORD> state = pal::ReadNumber(state_key.get(), text);
+  const std::optional<DWORD> state = pal::ReadPolicyNumber(state_key.get(), text);
   if (!state) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy state keyvalue");
     return PAL_MFGOPT_E_VALUE_UNREADABLE;
