@@ -1,4 +1,4 @@
-// Manufacturing options that come from non-volatile parameters and from policies.
+// The manufacturing options in non-volatile parameters and policies.
 #include <array>
 #include <bit>
 #include <optional>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
-// Requests: the parameter's id, in as many bytes as the kernel wants for it.
+// The requests: the parameter's id, in the number of bytes that the kernel expects.
 constexpr std::array<BYTE, 4> kInternalDeviceCode{0x1A};
 constexpr std::array<BYTE, 4> kDataCollectionFlags{0x1B};
 constexpr std::array<BYTE, 2> kAitBit{0xD7};
@@ -25,7 +25,7 @@ constexpr DWORD kDeviceCodeMask = 0x7F;
 constexpr DWORD kFallbackDeviceType = 34;
 static_assert(kDeviceNames[kFallbackDeviceType] == WideText(TEXT("ENG17")));
 
-// Nothing where the read fails. Bytes that the parameter does not bring are 0.
+// Nothing where the read fails. Bytes that the parameter does not have are 0.
 std::optional<DWORD> ReadParameter(std::span<const BYTE> request) {
   std::array<BYTE, sizeof(DWORD)> value{};
   DWORD bytes_returned = 0;
