@@ -19,27 +19,22 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
-struct RegistryData {
-  DWORD type;
-  const void* bytes;
-  size_t size;
-};
-
-// A string is stored as the 8-bit text that it is, without a terminator. That is kept on purpose:
-// its readers expect it so.
-RegistryData DataOf(const DcecfgKeyRecord& record) {
+// A string is stored as 8-bit text without a terminator: the data-collection stack reads it so.
+LONG WriteData(const UniqueRegistryKey& key, const WCHAR* name, const DcecfgKeyRecord& record) {
   switch (record.type) {
-    case DcecfgValueType::kString:
-      return {REG_SZ, record.value_text, std::strlen(record.value_text)};
+    case DcecfgValueType::kString: {
+      const auto* const text = reinterpret_cast<const BYTE*>(record.value_text);
+      return WriteBytes(key, name, {text, std::strlen(record.value_text)}, REG_SZ);
+    }
     case DcecfgValueType::kDword:
-      return {REG_DWORD, &record.dword, sizeof(record.dword)};
+      return WriteNumber(key, name, static_cast<DWORD>(record.dword));
     case DcecfgValueType::kBinary:
       break;
   }
-  return {REG_BINARY, record.binary, record.binary_length};
+  return WriteBytes(key, name, {record.binary, record.binary_length});
 }
 
-// The root is closed like any key, though it was not opened: the platform ignores that.
+// The root is closed like any key, although it was not opened; the platform ignores this.
 void WriteValue(const DcecfgKeyRecord& record) {
   std::string_view path_below_root = record.key_path;
   const size_t root_length = Find(path_below_root, '\\');
@@ -52,9 +47,7 @@ void WriteValue(const DcecfgKeyRecord& record) {
   const UniqueRegistryKey root(PALRegRootFromName(record.key_path));
   UniqueRegistryKey key;
   if (CreateRegistryKey(root.get(), path, key) != ERROR_SUCCESS) return;
-  const RegistryData data = DataOf(record);
-  RegSetValueExW(key.get(), name, 0, data.type, static_cast<const BYTE*>(data.bytes),
-                 static_cast<DWORD>(data.size));
+  static_cast<void>(WriteData(key, name, record));  // a failed write is not reported
 }
 
 void TraceValue(const DcecfgKeyRecord& record) {

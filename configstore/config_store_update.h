@@ -6,13 +6,12 @@
 
 namespace pal {
 
-// Reads "\ConfigStore\dcecfg" and writes each of its keys, in file order, once all of it has been
-// parsed. Failures of single registry writes are not reported.
+// Parses all of "\ConfigStore\dcecfg", and then writes its keys in file order. Failures of single
+// registry writes are not reported.
 //
-// S_OK    done; also, deliberately, where there is no memory for the parser
-// E_FAIL  the file is missing, cannot be read, holds 1024 bytes or more, or ends inside a DSCP
-// section;
-//         nothing was written
+// S_OK    done; also, on purpose, where there is no memory for the parser
+// E_FAIL  the file is missing, cannot be read, has 1024 bytes or more, or ends inside a DSCP
+//         section; nothing was written
 [[nodiscard]] HRESULT ConfigStoreRegUpdate();
 
 }  // namespace pal

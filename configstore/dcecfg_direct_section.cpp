@@ -2,13 +2,10 @@
 #include <string_view>
 
 #include "configstore/dcecfg_format.h"
-#include "configstore/dcecfg_parser.h"
+#include "configstore/dcecfg_sections.h"
 #include "frame/text.h"
 
-namespace pal {
-
-using dcecfg::kTrace;
-
+namespace pal::dcecfg {
 namespace {
 
 struct IndexedKey {
@@ -31,19 +28,16 @@ constexpr std::array<IndexedKey, 9> kIndexedKeys = {{
 constexpr size_t kMaxLiteralKeyLength = 255;
 
 bool IsLiteralMarker(BYTE byte) {
-  using namespace dcecfg;
   return byte == kStringKey || byte == kDwordKey || byte == kBinaryKey;
 }
 
 DcecfgValueType TypeOfMarker(BYTE marker) {
-  if (marker == dcecfg::kStringKey) return DcecfgValueType::kString;
-  if (marker == dcecfg::kDwordKey) return DcecfgValueType::kDword;
-  return DcecfgValueType::kBinary;
+  if (marker == kStringKey) return DcecfgValueType::kString;
+  return marker == kDwordKey ? DcecfgValueType::kDword : DcecfgValueType::kBinary;
 }
 
 [[nodiscard]] bool SetKey(DcecfgKeyRecord& record, const IndexedKey& key) {
-  const bool has_root = dcecfg::HasRoot(key.key);
-  return Copy(record.key_path, has_root ? "" : dcecfg::kBaseKey) &&
+  return Copy(record.key_path, HasRoot(key.key) ? "" : kBaseKey) &&
          Append(record.key_path, key.key) && Copy(record.value_name, key.value_name);
 }
 
@@ -57,52 +51,19 @@ IndexedKey SplitLiteralKey(std::string_view text) {
   return split;
 }
 
-}  // namespace
-
-// Faulty entries leave the section's result alone: it has none.
-void CDCECFGParser::ParseDirectSection() {
-  reader_.Advance();
-  kTrace.Plain("Entry Parsing direct registry section...");
-  while (!reader_.ended()) {
-    ParseDirectEntry();
-    if (reader_.At(dcecfg::kEndOfSection)) break;
-  }
-  kTrace.Plain(" Exit Parsing direct registry section...");
-  reader_.Advance();
-}
-
-void CDCECFGParser::ParseDirectEntry() {
-  DcecfgKeyRecord record = {};
-  const BYTE first = reader_.ReadByte();
-  const Key key =
-      IsLiteralMarker(first) ? ReadLiteralKey(first, record) : ReadIndexedKey(first, record);
-  if (key == Key::kNone || reader_.ended()) {
-    reader_.Advance();
-    kTrace.Error("No key processed.");
-    return;
-  }
-  if (!ReadDirectValue(record) || key == Key::kMisfit) return;
-  if (record.type == DcecfgValueType::kDword) {
-    kTrace.Info("Value = %d", record.dword);
-  } else {
-    kTrace.Info("Value = %s", record.value_text);
-  }
-  AddRecord(record);
-}
-
-CDCECFGParser::Key CDCECFGParser::ReadLiteralKey(BYTE marker, DcecfgKeyRecord& record) {
+Key ReadLiteralKey(DcecfgReader& reader, BYTE marker, DcecfgKeyRecord& record) {
   record.type = TypeOfMarker(marker);
-  if (reader_.ended()) {
+  if (reader.ended()) {
     kTrace.Error("Unexpected end of file");
     return Key::kNone;
   }
-  const auto text = reader_.ReadString();
+  const auto text = reader.ReadString();
   if (!text) {
     kTrace.Error("End of file before end of string");
     return Key::kNone;
   }
   if (text->size() > kMaxLiteralKeyLength || !SetKey(record, SplitLiteralKey(*text))) {
-    dcecfg::TraceTooLong();
+    TraceTooLong();
     return Key::kMisfit;
   }
   if (const std::string_view path = record.key_path; Find(path, '\\') == path.size()) {
@@ -113,7 +74,7 @@ CDCECFGParser::Key CDCECFGParser::ReadLiteralKey(BYTE marker, DcecfgKeyRecord& r
   return Key::kFilled;
 }
 
-CDCECFGParser::Key CDCECFGParser::ReadIndexedKey(BYTE index, DcecfgKeyRecord& record) {
+Key ReadIndexedKey(BYTE index, DcecfgKeyRecord& record) {
   record.type = DcecfgValueType::kDword;
   if (index >= kIndexedKeys.size() || !SetKey(record, kIndexedKeys[index])) {
     kTrace.Error("Index %d out of bounds", index);
@@ -124,15 +85,48 @@ CDCECFGParser::Key CDCECFGParser::ReadIndexedKey(BYTE index, DcecfgKeyRecord& re
 }
 
 // False where the value has no end or does not fit.
-bool CDCECFGParser::ReadDirectValue(DcecfgKeyRecord& record) {
+bool ReadValue(DcecfgReader& reader, DcecfgKeyRecord& record) {
   if (record.type == DcecfgValueType::kDword) {
-    record.dword = reader_.ReadNumber();
+    record.dword = reader.ReadNumber();
     return true;
   }
-  const bool binary = record.type == DcecfgValueType::kBinary;
-  const Text read = binary ? ReadHexadecimal(record) : ReadValueText(record);
+  const bool is_binary = record.type == DcecfgValueType::kBinary;
+  const Text read = is_binary ? ReadHexadecimal(reader, record) : ReadValueText(reader, record);
   if (read == Text::kNoEnd) kTrace.Error("End of file before end of string");
   return read == Text::kRead;
 }
 
-}  // namespace pal
+void ParseEntry(DcecfgReader& reader, DcecfgRecords& records) {
+  DcecfgKeyRecord record = {};
+  const BYTE first = reader.ReadByte();
+  const Key key = IsLiteralMarker(first) ? ReadLiteralKey(reader, first, record)
+                                         : ReadIndexedKey(first, record);
+  if (key == Key::kNone || reader.ended()) {
+    reader.Advance();
+    kTrace.Error("No key processed.");
+    return;
+  }
+  if (!ReadValue(reader, record) || key == Key::kMisfit) return;
+  if (record.type == DcecfgValueType::kDword) {
+    kTrace.Info("Value = %d", record.dword);
+  } else {
+    kTrace.Info("Value = %s", record.value_text);
+  }
+  records.Add(record);
+}
+
+}  // namespace
+
+// The section has no result of its own: faulty entries do not fail it.
+void ParseDirectSection(DcecfgReader& reader, DcecfgRecords& records) {
+  reader.Advance();
+  kTrace.Plain("Entry Parsing direct registry section...");
+  while (!reader.ended()) {
+    ParseEntry(reader, records);
+    if (reader.At(kEndOfSection)) break;
+  }
+  kTrace.Plain(" Exit Parsing direct registry section...");
+  reader.Advance();
+}
+
+}  // namespace pal::dcecfg

@@ -4,17 +4,15 @@
 #include <utility>
 
 #include "configstore/dcecfg_format.h"
-#include "configstore/dcecfg_parser.h"
+#include "configstore/dcecfg_sections.h"
 #include "frame/text.h"
-#include "sysinfo/options/device_names.h"
+#include "sysinfo/internal.h"
 
-namespace pal {
-
-using dcecfg::kTrace;
-
+namespace pal::dcecfg {
 namespace {
 
-// Port 0 has the empty name, so that its path holds two backslashes in a row; that is kept.
+// Port 0 has the empty name. Its path therefore holds two backslashes in a row, which the registry
+// takes for one.
 constexpr auto kPortNames = std::to_array<WideText>({
     TEXT(""),   TEXT("1"),  TEXT("2"),  TEXT("3"),  TEXT("4"),  TEXT("5"),  TEXT("6"),
     TEXT("7"),  TEXT("8"),  TEXT("9"),  TEXT("10"), TEXT("11"), TEXT("12"), TEXT("13"),
@@ -41,10 +39,17 @@ std::string_view FrameKey(BYTE frame_type) {
   return {};
 }
 
-// <base>\<subsection>\<index name>\, where the frame's key is still to follow.
+// The entries of one key index.
+struct Block {
+  char path[sizeof(DcecfgKeyRecord::key_path)] = {};
+  bool one_byte_seen = false;
+  bool two_byte_seen = false;
+};
+
+// Writes <base>\<subsection>\<index name>\ to `path`; the frame's key follows it.
 [[nodiscard]] bool SetBlockPath(std::span<char> path, const Subsection& subsection, size_t index) {
   char name[32];
-  return Narrow(name, subsection.index_names[index]) && Copy(path, dcecfg::kBaseKey) &&
+  return Narrow(name, subsection.index_names[index]) && Copy(path, kBaseKey) &&
          Append(path, subsection.key) && Append(path, "\\") && Append(path, name) &&
          Append(path, "\\");
 }
@@ -57,100 +62,27 @@ std::string_view FrameKey(BYTE frame_type) {
          Copy(record.value_name, value_name);
 }
 
-}  // namespace
-
-// The markers that end a block, a subsection and the section are looked for behind an item only,
-// never in place of one.
-HRESULT CDCECFGParser::ParseDscpSection() {
-  reader_.Advance();
-  kTrace.Info(" Entry Parsing DSCP registry section...");
-  do {
-    if (reader_.ended()) {
-      kTrace.Error("Unexpected end of file");
-      kTrace.Info(" Exit Parsing DSCP registry section...");
-      return E_FAIL;
-    }
-    ParseDscpSubsection();
-  } while (!reader_.At(dcecfg::kEndOfSection));
-  reader_.Advance();
-  kTrace.Info(" Exit Parsing DSCP registry section...");
-  return S_OK;
-}
-
-void CDCECFGParser::ParseDscpSubsection() {
-  const BYTE subsection = reader_.ReadByte();
-  if (subsection >= kSubsections.size()) {
-    kTrace.Error("Subsection index out of bounds");
-    return;
-  }
-  bool block_closed = false;
-  do {
-    block_closed = ParseDscpBlock(subsection);
-  } while (!reader_.ended() && !reader_.At(dcecfg::kEndOfSubsection));
-  if (!reader_.ended()) {
-    reader_.Advance();
-  } else if (!block_closed) {
-    kTrace.Error("Abnormal subsection end");
-  }
-}
-
-// Whether the block's end marker was found.
-bool CDCECFGParser::ParseDscpBlock(size_t subsection) {
-  if (reader_.ended()) return false;
-  const BYTE index = reader_.ReadByte();
-  DscpBlock block;
-  if (index >= kSubsections[subsection].index_names.size() ||
-      !SetBlockPath(block.path, kSubsections[subsection], index)) {
-    kTrace.Error("Key Index out of bounds");
-    return false;
-  }
-  while (!reader_.ended()) {
-    if (!ParseDscpEntry(block) && reader_.ended()) kTrace.Error("Abnormal keyentry end");
-    if (reader_.At(dcecfg::kEndOfBlock)) {
-      reader_.Advance();
-      return true;
-    }
-  }
-  return false;
-}
-
-// False where the entry has no value: its key is faulty, or the data ended inside it.
-bool CDCECFGParser::ParseDscpEntry(DscpBlock& block) {
-  DcecfgKeyRecord record = {};
-  const Key key = ReadDscpKey(block, record);
-  if (key == Key::kNone) return false;
-  if (key == Key::kFilled) {
-    kTrace.Info("DSCP Key %s : %s type %d found", record.key_path, record.value_name, record.type);
-  }
-  const Text read = ReadHexadecimal(record);
-  if (read == Text::kNoEnd) return false;
-  if (read == Text::kTooLong || key == Key::kMisfit) return true;
-  kTrace.Info("Value = %s", record.value_text);
-  AddRecord(record);
-  return true;
-}
-
-// Three bytes are gone after a bad frame type or format: both and the one behind them.
-CDCECFGParser::Key CDCECFGParser::ReadDscpKey(DscpBlock& block, DcecfgKeyRecord& record) {
-  const std::string_view frame_key = FrameKey(reader_.ReadByte());
-  const BYTE format = reader_.ReadByte();
+// A bad frame type or format takes three bytes: both of them and the one behind.
+Key ReadKey(DcecfgReader& reader, Block& block, DcecfgKeyRecord& record) {
+  const std::string_view frame_key = FrameKey(reader.ReadByte());
+  const BYTE format = reader.ReadByte();
   if (frame_key.empty() || format > kNamed) {
-    reader_.Advance();
+    reader.Advance();
     kTrace.Error("Invalid frame or command type");
     return Key::kNone;
   }
-  if (reader_.ended()) return Key::kNone;
+  if (reader.ended()) return Key::kNone;
 
   std::string_view value_name;
   if (format == kNamed) {
-    const auto name = reader_.ReadString();
-    if (!name || reader_.ended()) return Key::kNone;
+    const auto name = reader.ReadString();
+    if (!name || reader.ended()) return Key::kNone;
     value_name = *name;
   } else {
     value_name = format == kOneByte ? "OneByteAfterFidFmt" : "TwoByteAfterFidFmt";
   }
   if (!SetKey(record, block.path, frame_key, format, value_name)) {
-    dcecfg::TraceTooLong();
+    TraceTooLong();
     return Key::kMisfit;
   }
   // Both records are kept: the later one wins in the registry.
@@ -163,4 +95,79 @@ CDCECFGParser::Key CDCECFGParser::ReadDscpKey(DscpBlock& block, DcecfgKeyRecord&
   return Key::kFilled;
 }
 
-}  // namespace pal
+// False where the entry has no value: its key is faulty, or the data ended inside it.
+bool ParseEntry(DcecfgReader& reader, Block& block, DcecfgRecords& records) {
+  DcecfgKeyRecord record = {};
+  const Key key = ReadKey(reader, block, record);
+  if (key == Key::kNone) return false;
+  if (key == Key::kFilled) {
+    kTrace.Info("DSCP Key %s : %s type %d found", record.key_path, record.value_name, record.type);
+  }
+  const Text read = ReadHexadecimal(reader, record);
+  if (read == Text::kNoEnd) return false;
+  if (read == Text::kTooLong || key == Key::kMisfit) return true;
+  kTrace.Info("Value = %s", record.value_text);
+  records.Add(record);
+  return true;
+}
+
+// True where the block's end marker was found.
+bool ParseBlock(DcecfgReader& reader, const Subsection& subsection, DcecfgRecords& records) {
+  if (reader.ended()) return false;
+  const BYTE index = reader.ReadByte();
+  Block block;
+  if (index >= subsection.index_names.size() || !SetBlockPath(block.path, subsection, index)) {
+    kTrace.Error("Key Index out of bounds");
+    return false;
+  }
+  while (!reader.ended()) {
+    if (!ParseEntry(reader, block, records) && reader.ended()) {
+      kTrace.Error("Abnormal keyentry end");
+    }
+    if (reader.At(kEndOfBlock)) {
+      reader.Advance();
+      return true;
+    }
+  }
+  return false;
+}
+
+void ParseSubsection(DcecfgReader& reader, DcecfgRecords& records) {
+  const BYTE index = reader.ReadByte();
+  if (index >= kSubsections.size()) {
+    kTrace.Error("Subsection index out of bounds");
+    return;
+  }
+  bool block_closed = false;
+  do {
+    block_closed = ParseBlock(reader, kSubsections[index], records);
+  } while (!reader.ended() && !reader.At(kEndOfSubsection));
+  if (!reader.ended()) {
+    reader.Advance();
+  } else if (!block_closed) {
+    kTrace.Error("Abnormal subsection end");
+  }
+}
+
+}  // namespace
+
+// The markers that end a block, a subsection and the section count only behind an item, never in
+// place of one.
+HRESULT ParseDscpSection(DcecfgReader& reader, DcecfgRecords& records) {
+  reader.Advance();
+  kTrace.Info(" Entry Parsing DSCP registry section...");
+  HRESULT result = S_OK;
+  do {
+    if (reader.ended()) {
+      kTrace.Error("Unexpected end of file");
+      result = E_FAIL;
+      break;
+    }
+    ParseSubsection(reader, records);
+  } while (!reader.At(kEndOfSection));
+  reader.Advance();
+  kTrace.Info(" Exit Parsing DSCP registry section...");
+  return result;
+}
+
+}  // namespace pal::dcecfg

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "configstore/dcecfg_format.h"
 #include "configstore/dcecfg_parser.h"
+#include "configstore/dcecfg_sections.h"
 #include "frame/unique_handle.h"
 
 namespace pal {
@@ -9,7 +9,7 @@ namespace pal {
 using dcecfg::kTrace;
 
 HRESULT CDCECFGParser::Load() {
-  record_count_ = 0;
+  records_.Clear();
   reader_.Clear();
   const UniqueFile file(CreateFileW(TEXT("\\ConfigStore\\dcecfg"), GENERIC_READ, 0, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));

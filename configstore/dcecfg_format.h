@@ -1,17 +1,12 @@
-// What the sections of a configuration store have in common. Internal to the parser.
+// The marker bytes of a configuration store, and where its keys stand.
 #ifndef CONFIGSTORE_DCECFG_FORMAT_H_
 #define CONFIGSTORE_DCECFG_FORMAT_H_
 
 #include <string_view>
 
-#include "frame/trace.h"
 #include "platform/wince.h"
 
-namespace pal {
-
-namespace dcecfg {
-
-inline constexpr TraceSource kTrace{Facility::kConfigStore};
+namespace pal::dcecfg {
 
 inline constexpr BYTE kDirectSection = 0xBB;
 inline constexpr BYTE kDscpSection = 0xCC;
@@ -22,19 +17,15 @@ inline constexpr BYTE kEndOfBlock = 0xDD;
 inline constexpr BYTE kEndOfSubsection = 0xEE;
 inline constexpr BYTE kEndOfSection = 0xFF;
 
-// Where keys without a root's name stand. Any name that begins so counts as a root's; one that is
-// none is looked up as HKEY_LOCAL_MACHINE when the value is written.
+// A key without the name of a root stands below this one.
 inline constexpr std::string_view kBaseKey = R"(HKEY_LOCAL_MACHINE\Software\Dravonel\)";
+
+// Any name that begins so counts as a root's name; one that names no root stands for
+// HKEY_LOCAL_MACHINE when the value is written.
 constexpr bool HasRoot(std::string_view key) {
   return key.starts_with("HKEY");
 }
 
-inline void TraceTooLong() {
-  kTrace.Error("Key, value name or value too long. Entry skipped.");
-}
-
-}  // namespace dcecfg
-
-}  // namespace pal
+}  // namespace pal::dcecfg
 
 #endif  // CONFIGSTORE_DCECFG_FORMAT_H_

@@ -13,14 +13,13 @@
 
 namespace pal {
 
-// Every advance that reaches the end of the data, and every one behind it, puts the cursor back to
-// the start and sets the end flag. From then on there are no bytes: what stands at the start of the
-// data matches no marker and is not read again.
+// An advance that reaches the end of the data puts the cursor back to the start and sets the end
+// flag. From then on there are no bytes: the start of the data is not read again.
 class DcecfgReader {
  public:
   static constexpr DWORD kBufferSize = 1024;
 
-  // False where `data` would fill the buffer; there is then no data.
+  // False, and no data are loaded, where `data` would fill the buffer.
   [[nodiscard]] bool Load(std::span<const BYTE> data) {
     Clear();
     if (data.size() >= buffer_.size()) return false;
@@ -44,7 +43,7 @@ class DcecfgReader {
   [[nodiscard]] bool HasByte() const { return !ended_ && cursor_ < length_; }
   [[nodiscard]] bool At(BYTE marker) const { return HasByte() && buffer_[cursor_] == marker; }
   [[nodiscard]] DWORD offset() const { return ended_ ? length_ : cursor_; }
-  // Where the byte, text or number that was read last begins.
+  // Where the last byte, text or number that was read begins.
   [[nodiscard]] DWORD item_offset() const { return ended_ ? length_ : item_; }
 
   void Advance(DWORD bytes = 1) {
@@ -52,7 +51,7 @@ class DcecfgReader {
     if (ended_ || cursor_ >= length_) RunOff();
   }
 
-  // 0 where there is none.
+  // 0 at the end.
   BYTE ReadByte() {
     item_ = cursor_;
     const BYTE byte = HasByte() ? buffer_[cursor_] : BYTE{0};

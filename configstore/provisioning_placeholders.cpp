@@ -1,4 +1,4 @@
-// Exports that provisioning tools ask for and that this family of devices does not have.
+// Exports that provisioning tools call, although this family of devices does not support them.
 #include "frame/trace.h"
 #include "include/palmfgopt.h"
 

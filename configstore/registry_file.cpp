@@ -1,16 +1,17 @@
-// Whether a registry file belongs to the device that it lies on.
+// Imports a registry file where it is meant for this device.
 #include "configstore/registry_file.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
 #include <string_view>
 
 #include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "include/palreg.h"
-#include "sysinfo/identity/identity_sources.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -18,11 +19,10 @@ namespace {
 constexpr TraceSource kTrace{Facility::kRegistryFile};
 
 struct FileTag {
-  const char* model_prefix;  // empty: no model takes the files of this row
-  std::string_view tag;      // in the names of the files that are meant for the family
+  const char* model_prefix;  // empty: no model imports the files of this row
+  std::string_view tag;      // part of the names of the files for these models
 };
 
-// The first row that fits counts: the order matters.
 constexpr std::array<FileTag, 16> kFileTags = {{
     {"", "P8"},
     {"", "P7"},
@@ -47,29 +47,25 @@ constexpr char UpperCase(char character) {
   return is_lower ? static_cast<char>(character - 'a' + 'A') : character;
 }
 
-bool Contains(std::string_view text, std::string_view part) {
-  return std::search(text.begin(), text.end(), part.begin(), part.end()) != text.end();
-}
-
-// `upper_case_name` is in upper case already.
-bool HasTagInAnyCase(std::string_view upper_case_name, std::string_view tag) {
-  const auto is_same = [](char of_name, char of_tag) { return of_name == UpperCase(of_tag); };
+template <typename IsSame>
+bool HasTag(std::string_view upper_case_name, std::string_view tag, IsSame is_same) {
   return std::search(upper_case_name.begin(), upper_case_name.end(), tag.begin(), tag.end(),
                      is_same) != upper_case_name.end();
 }
 
 bool IsPlatformSpecific(std::string_view upper_case_name) {
+  const auto is_same = [](char of_name, char of_tag) { return of_name == UpperCase(of_tag); };
   return std::any_of(kFileTags.begin(), kFileTags.end(),
-                     [&](const FileTag& row) { return HasTagInAnyCase(upper_case_name, row.tag); });
+                     [&](const FileTag& row) { return HasTag(upper_case_name, row.tag, is_same); });
 }
 
-// The tag is looked for as it stands here. The one with a small letter is never found in a name in
-// upper case, so that the files of its family are for nobody: kept so on purpose.
+// The case of the tag counts here. A tag with a small letter is never part of a name in upper case:
+// the files with "RMx14" are imported on no model, on purpose.
 bool IsForModel(std::string_view upper_case_name, const char* model) {
   return std::any_of(kFileTags.begin(), kFileTags.end(), [&](const FileTag& row) {
     const size_t length = std::strlen(row.model_prefix);
     return length != 0 && _strnicmp(model, row.model_prefix, length) == 0 &&
-           Contains(upper_case_name, row.tag);
+           HasTag(upper_case_name, row.tag, std::equal_to<char>());
   });
 }
 
@@ -96,13 +92,12 @@ HRESULT LoadRegistry(const WCHAR* directory, const WCHAR* file_name, DWORD clear
   std::transform(name, name + upper_case_name.size(), name, &UpperCase);
   if (!IsPlatformSpecific(upper_case_name)) {
     kTrace.Echoed().Info("PALREG_LoadRegistry Importing platform agnostic file %s", name);
-    return PALInitCheckAndLoadRegFile(directory, file_name, clear_trees);
-  }
-  if (!IsForModel(upper_case_name, model)) {
+  } else if (IsForModel(upper_case_name, model)) {
+    kTrace.Echoed().Info("PALREG_LoadRegistry Importing %s", name);
+  } else {
     kTrace.Echoed().Info("PALREG_LoadRegistry Did not import %ls,%ls", directory, file_name);
     return S_OK;
   }
-  kTrace.Echoed().Info("PALREG_LoadRegistry Importing %s", name);
   return PALInitCheckAndLoadRegFile(directory, file_name, clear_trees);
 }
 

@@ -1,4 +1,4 @@
-// Registry files: import through the platform's importer, only where a file has changed.
+// Registry files: the platform's importer imports those that have changed.
 #ifndef CONFIGSTORE_REGISTRY_FILE_H_
 #define CONFIGSTORE_REGISTRY_FILE_H_
 
@@ -6,12 +6,12 @@
 
 namespace pal {
 
-// The sum of the file's 32-bit little-endian words and of each of the one to three bytes behind
-// them, modulo 2 to the 32nd. 0 where the file is empty, cannot be opened without sharing, cannot
-// be read, or where there is no memory for the read buffer.
+// The sum of the file's 32-bit little-endian words and of the one to three bytes behind them,
+// modulo 2 to the 32nd. 0 where the file is empty or cannot be opened without sharing, its size or
+// content cannot be read, or there is no memory.
 [[nodiscard]] DWORD PALInitChecksumFile(const WCHAR* path);
 
-// Imports one file unless its checksum is the one that was stored at its last import.
+// Imports a file, unless its checksum is the one of its last import.
 //
 // S_OK    imported, or unchanged
 // E_FAIL  the path does not fit 260 units, or the importer cannot be started or has not ended after

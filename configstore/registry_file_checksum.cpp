@@ -15,12 +15,11 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kRegistryFile};
 
-// A file is summed while this much of it is in the processor's cache. Whole words, so that only the
-// last part of a file can end within one.
+// The size of one read. A multiple of the word size: only the last part can end inside a word.
 constexpr DWORD kPartBytes = 16 * 1024;
 
-// In the device's own order, which is little-endian. Several sums side by side do not wait for each
-// other.
+// Words in the device's byte order, which is little-endian. Additions to different sums do not wait
+// for each other.
 DWORD SumOfWords(std::span<const DWORD> words) {
   std::array<DWORD, 4> sums{};
   for (; words.size() >= sums.size(); words = words.subspan(sums.size())) {
@@ -36,7 +35,7 @@ DWORD SumOf(std::span<const DWORD> buffer, DWORD bytes) {
   return std::accumulate(behind, behind + bytes % sizeof(DWORD), SumOfWords(words));
 }
 
-// False where the read fails. What it does not bring counts as zeros.
+// False where the read fails. Bytes that were not read count as zeros.
 bool ReadPart(HANDLE file, std::span<DWORD> buffer, DWORD bytes) {
   DWORD bytes_read = 0;
   if (!ReadFile(file, buffer.data(), bytes, &bytes_read, nullptr)) return false;
@@ -72,7 +71,11 @@ DWORD PALInitChecksumFile(const WCHAR* path) {
     return 0;
   }
   const DWORD size = GetFileSize(file.get(), nullptr);
-  if (size == 0 || size == INVALID_FILE_SIZE) {
+  if (size == INVALID_FILE_SIZE) {
+    kTrace.Error("PALInitChecksumFile - %d=GetFileSize()", size);
+    return 0;
+  }
+  if (size == 0) {
     kTrace.Info("PALInitChecksumFile - %d=GetFileSize()", size);
     return 0;
   }

@@ -14,13 +14,13 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kRegistryFile};
 
-// One REG_DWORD for each file that was imported, under the file's name.
+// Has a REG_DWORD with the checksum for each imported file, under the file's name.
 constexpr const WCHAR* kChecksumStore = TEXT("\\Software\\Dravonel\\REGCHKSUMS");
 constexpr const WCHAR* kImporter = TEXT("\\Windows\\orqautoreg.exe");
 constexpr DWORD kImportTimeoutMs = 120000;
 
-// What a full import replaces, in the order of deletion. Three names end in a blank on purpose: the
-// trees that they seem to name stay.
+// The trees that a full import replaces, in the order of deletion. Three names end in a blank, on
+// purpose: no tree is deleted for them.
 constexpr std::array<const WCHAR*, 12> kReplacedTrees = {
     TEXT("\\Software\\Dravonel\\ADCDevices "),
     TEXT("\\Software\\Dravonel\\ADCGroupConfig"),
@@ -40,18 +40,17 @@ bool BuildPath(std::span<WCHAR> path, const WCHAR* directory, const WCHAR* file_
   return Copy(path, directory) && Append(path, TEXT("\\")) && Append(path, file_name);
 }
 
-// A value of another type or size is none.
-std::optional<DWORD> StoredChecksum(HKEY store, const WCHAR* file_name) {
+// A value of another type or size is no checksum.
+std::optional<DWORD> StoredChecksum(const UniqueRegistryKey& store, const WCHAR* file_name) {
   DWORD checksum = 0;
-  DWORD type = REG_NONE;
-  DWORD bytes = sizeof(checksum);
-  const LONG error = RegQueryValueExW(store, file_name, nullptr, &type,
-                                      reinterpret_cast<BYTE*>(&checksum), &bytes);
-  const bool counts = error == ERROR_SUCCESS && type == REG_DWORD && bytes == sizeof(checksum);
+  StoredValue stored;
+  const LONG error = ReadNumber(store, file_name, checksum, &stored);
+  const bool counts =
+      error == ERROR_SUCCESS && stored.type == REG_DWORD && stored.bytes == sizeof(checksum);
   return counts ? std::optional<DWORD>(checksum) : std::nullopt;
 }
 
-bool IsUnchanged(HKEY store, const WCHAR* file_name, DWORD checksum) {
+bool IsUnchanged(const UniqueRegistryKey& store, const WCHAR* file_name, DWORD checksum) {
   const std::optional<DWORD> stored = StoredChecksum(store, file_name);
   if (!stored) return false;
   kTrace.Info("PALInitCheckAndLoadRegFile: %ls saved: 0x%x, calcd: 0x%x.", file_name, *stored,
@@ -61,8 +60,8 @@ bool IsUnchanged(HKEY store, const WCHAR* file_name, DWORD checksum) {
   return true;
 }
 
-// Runs the importer to its end. How it ended is not looked at; a wait that fails is as good as one
-// that timed out: nobody knows whether the import is done.
+// Runs the importer and waits for its end. Its exit code does not matter. A wait that fails counts
+// as a time-out: it is not known whether the import is done.
 HRESULT Import(const WCHAR* path, const WCHAR* file_name) {
   kTrace.Info("PALInitCheckAndLoadRegFile: Importing %ls", path);
   PROCESS_INFORMATION started = {};
@@ -82,13 +81,10 @@ HRESULT Import(const WCHAR* path, const WCHAR* file_name) {
   return S_OK;
 }
 
-// `store` may be none, where the key could not be created.
+// `store` is empty where the key could not be created.
 void StoreChecksum(const UniqueRegistryKey& store, const WCHAR* file_name, DWORD checksum) {
   kTrace.Info("PALInitCheckAndLoadRegFile: Writing %ls checksum:0x%x", file_name, checksum);
-  const bool is_written = store && RegSetValueExW(store.get(), file_name, 0, REG_DWORD,
-                                                  reinterpret_cast<const BYTE*>(&checksum),
-                                                  sizeof(checksum)) == ERROR_SUCCESS;
-  if (is_written) return;
+  if (store && WriteNumber(store, file_name, checksum) == ERROR_SUCCESS) return;
   kTrace.Error("PALInitCheckAndLoadRegFile: Error writing %ls checksum", file_name);
 }
 
@@ -100,10 +96,10 @@ HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_nam
   if (!BuildPath(path, directory, file_name)) return E_FAIL;
   const DWORD checksum = PALInitChecksumFile(path);
 
-  // Without the store every call imports; that its checksum is lost is said when it is written.
+  // Without the store each call imports; StoreChecksum traces that the checksum is lost.
   UniqueRegistryKey store;
   static_cast<void>(CreateRegistryKey(HKEY_LOCAL_MACHINE, kChecksumStore, store));
-  if (store && IsUnchanged(store.get(), file_name, checksum)) return S_OK;
+  if (store && IsUnchanged(store, file_name, checksum)) return S_OK;
 
   if (clear_trees != 0) {
     for (const WCHAR* const tree : kReplacedTrees) {

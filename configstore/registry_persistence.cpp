@@ -1,4 +1,4 @@
-// Keeping the registry over a cold boot.
+// Makes the registry survive a cold boot.
 #include "frame/result.h"
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
-// A service that owns the flush holds this event and waits for it.
+// A service that flushes the registry holds this event and waits for it.
 constexpr const WCHAR* kFlushEvent = TEXT("DVLRegFlushKeyAll");
 
 struct RootFlush {
@@ -27,12 +27,12 @@ void Announce(const RootFlush& flush) {
   }
 }
 
-// A root that fails does not keep the others from being flushed.
+// The other roots are flushed also where one fails.
 HRESULT FlushRoots() {
   const RootFlush flushes[] = {
       {HKEY_LOCAL_MACHINE, Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKLM)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKLM).  win32err:0x%x\r\n"},
-      // Announced as an error: kept so on purpose.
+      // This announcement alone is an error line.
       {HKEY_CURRENT_USER, Severity::kError, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCU)\r\n",
        "PALMFGOpt_PersistRegistry - ERROR RegFlushKey(HKCU).  win32err:0x%x\r\n"},
       {HKEY_CLASSES_ROOT, Severity::kInfo, "PALMFGOpt_PersistRegistry - RegFlushKey(HKCR)\r\n",
@@ -63,7 +63,7 @@ HRESULT SignalService(HANDLE event) {
 }  // namespace pal
 
 HRESULT PALAPI PALMFGOpt_PersistRegistry() {
-  // A new event leaves the last error alone: it must not be that of an earlier call.
+  // A new event does not set the last error, so that an earlier one would be read.
   SetLastError(ERROR_SUCCESS);
   const pal::UniqueEvent event(CreateEventW(nullptr, TRUE, FALSE, pal::kFlushEvent));
   const DWORD error = GetLastError();

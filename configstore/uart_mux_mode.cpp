@@ -1,4 +1,4 @@
-// The multiplexer of the serial port: no device has one.
+// The multiplexer of the serial port. No device of the family has one.
 #include "include/paluart.h"
 #include "platform/wince.h"
 

@@ -54,17 +54,18 @@ typedef enum PALCapabilityState {
  * whatever case; those with the indexes from 0 to their count are asked for, but none above 256.
  * 3 where GetNumberOfInterfaces fails, or counts more than 256 and none that was asked for is it.
  *
- * @param name  The capability's name, 8-bit text, with a terminator.
+ * @param name  The capability's name, 8-bit text, with a terminator. No capability has
+ *              a name of more than 127 characters.
  *
- * @retval 0  the name is none of the ten and no plug-in knows it, or, for the internal scanner and
- *            the camera, the device's code stands for no type
+ * @retval 0  the name is too long, or it is none of the ten and no plug-in knows it, or, for the
+ *            internal scanner and the camera, the device's code stands for no type
  * @retval 1  installed
  * @retval 2  not installed
  * @retval 3  the question failed: @p name is null, there was no memory for a name that is none of
  *            the ten, or the capability's answer in the table
  */
 DWORD PALAPI PALDevCap_GetDevCapsA(const char* name);
-/** As PALDevCap_GetDevCapsA, in UTF-16. A name of more than 127 characters answers 0. */
+/** As PALDevCap_GetDevCapsA, in UTF-16. */
 DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
 
 /**
@@ -86,7 +87,8 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
  * | Accelerometer   | 5, or 2 where its driver cannot be opened                                   |
  * | Pedometer       | 4                                                                           |
  *
- * @param name  The capability's name, 8-bit text, with a terminator.
+ * @param name  The capability's name, 8-bit text, with a terminator. No capability has
+ *              a name of more than 127 characters.
  *
  * @retval 0     the name is none of the ten or null, or the capability's answer
  * @retval 2     the capability's answer: not installed
@@ -96,7 +98,7 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
  * @return Of WWAN and GPS also any other number that "LastEquipmentState" holds.
  */
 DWORD PALAPI PALDevCap_EnabledA(const char* name);
-/** As PALDevCap_EnabledA, in UTF-16. A name of more than 127 characters answers 0. */
+/** As PALDevCap_EnabledA, in UTF-16. */
 DWORD PALAPI PALDevCap_EnabledW(const WCHAR* name);
 
 /**

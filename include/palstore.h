@@ -47,8 +47,8 @@ typedef enum PALUsbFunction {
  * @param[out] option  A PALUsbFunction. Not null. Unchanged on failure.
  *
  * @retval S_OK       answered
- * @retval PAL_STORE_E_INVALID_INPUT @p option is null, or the current client's name has more than
- * 127 characters
+ * @retval E_FAIL     @p option is null
+ * @retval PAL_STORE_E_INVALID_INPUT the current client's name has more than 127 characters
  * @retval PAL_STORE_E_GET_FAILED the bus does not tell its current client
  * @retval PAL_STORE_E_BUS_NOT_OPENED the bus cannot be opened
  * @retval PAL_STORE_E_UNKNOWN_CLIENT there is no current client, or it is none of the four; the
@@ -83,7 +83,7 @@ HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option);
  *                      a null pointer. Not null.
  *
  * @retval S_OK        answered
- * @retval PAL_STORE_E_INVALID_INPUT  @p enabled is null
+ * @retval E_FAIL      @p enabled is null
  * @retval PAL_E_WIN32(error)  the system error of opening the drivers' key (PAL_E_FILE_NOT_FOUND
  * where it does not exist), of listing or opening a driver, or of reading its "Dll";
  * PAL_E_MORE_DATA where that is longer than 520 bytes

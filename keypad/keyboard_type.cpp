@@ -4,7 +4,7 @@
 
 #include "include/palkey.h"
 #include "keypad/keypad_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

@@ -10,7 +10,7 @@
 #include "keypad/layout.h"
 #include "keypad/ordinary_key.h"
 #include "keypad/shift_plane.h"
-#include "sysinfo/identity/identity_sources.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

@@ -17,6 +17,8 @@
 #include <string.h>
 #include <wincrypt.h>
 
+#define VER_PLATFORM_WIN32_CE 3
+
 #else
 
 #include <stdarg.h>
@@ -69,6 +71,7 @@ constexpr LONG ERROR_GEN_FAILURE = 31;
 constexpr LONG ERROR_SHARING_VIOLATION = 32;
 constexpr LONG ERROR_DEV_NOT_EXIST = 55;
 constexpr LONG ERROR_INVALID_PARAMETER = 87;
+constexpr LONG ERROR_BUFFER_OVERFLOW = 111;
 constexpr LONG ERROR_CALL_NOT_IMPLEMENTED = 120;
 constexpr LONG ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr LONG ERROR_MOD_NOT_FOUND = 126;
@@ -125,6 +128,7 @@ constexpr DWORD EVENT_SET = 3;
 constexpr DWORD POWER_STATE_RESET = 0x00800000;
 constexpr DWORD POWER_FORCE = 0x00001000;
 
+constexpr DWORD VER_PLATFORM_WIN32_CE = 3;
 constexpr UINT SPI_GETPLATFORMTYPE = 257;
 constexpr UINT SPI_GETOEMINFO = 258;
 

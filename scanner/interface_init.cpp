@@ -1,5 +1,4 @@
-// Bringing the scan engine up when the reading stack starts.
-#include "frame/result.h"
+// The start of the scan engine with the reading stack.
 #include "frame/trace.h"
 #include "frame/unique_handle.h"
 #include "include/palmfgopt.h"
@@ -13,8 +12,8 @@ constexpr TraceSource kTrace{Facility::kScanner};
 
 constexpr DWORD kCameraMutexTimeoutMs = 60000;
 
-// Keeps other holders of the name away. Apart from MutexGuard: it has lines of its own, tells
-// a time-out from a mutex that it got, and releases only what it owns.
+// Keeps other holders of the name away. Unlike MutexGuard it has lines of its own, fails after a
+// time-out, and releases only a mutex that it owns.
 class CameraMutex {
  public:
   CameraMutex() : mutex_(CreateMutexW(nullptr, FALSE, TEXT("DCEDRIVER_INIT_SEPARATOR"))) {
@@ -22,7 +21,7 @@ class CameraMutex {
     if (wait_ == WAIT_TIMEOUT) {
       kTrace.Error("Camera mutex timeout.\r\n");
     } else {
-      // Told of every other outcome, also of a mutex that could not be made.
+      // The line of every other outcome, also where the mutex could not be created.
       kTrace.Info("Got camera mutex.\r\n");
     }
   }
@@ -39,7 +38,7 @@ class CameraMutex {
   DWORD wait_ = WAIT_FAILED;
 };
 
-// The results of the steps are in the trace alone, and the power counts as on whatever they are.
+// The steps trace their own results. The power counts as on even where a step fails.
 void BringUp(const ScanEngine& engine) {
   ScanSetOperationalMode(TRUE);
   if (engine.is_on_spi_clock) PALSysio_SetScanTrigger(FALSE);
@@ -56,7 +55,7 @@ HRESULT BringUpUnderMutex(const ScanEngine& engine) {
 HRESULT InitInterface() {
   DWORD type = 0;
   DWORD s6_installed = 0;
-  if (Failed(PALMFGOpt_InternalDeviceType(&type, &s6_installed))) return S_OK;
+  static_cast<void>(PALMFGOpt_InternalDeviceType(&type, &s6_installed));  // never fails
   const ScanEngine& engine = LearnScanEngine(type);
   kTrace.Info("Internal DevType: %d\r\n", type);
   if (engine.is_on_spi_clock) return BringUpUnderMutex(engine);

@@ -43,7 +43,7 @@ consteval bool AreInOrder() {
   }
   return true;
 }
-static_assert(AreInOrder(), "an operation is found by its number");
+static_assert(AreInOrder(), "an operation is the index of its row");
 
 constexpr uintptr_t kNotOpen = ~uintptr_t{0};  // INVALID_HANDLE_VALUE
 
@@ -70,7 +70,7 @@ bool SendValue(DWORD code, DWORD value) {
 
 }  // namespace
 
-// The driver has one user at a time: the handle of an earlier open must be gone before the next.
+// The driver has one user at a time: the handle of an earlier open is closed first.
 HANDLE OpenScanDriver() {
   CloseScanDriver();
   UniqueFile driver(CreateFileW(TEXT("SCD1:"), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
@@ -78,9 +78,9 @@ HANDLE OpenScanDriver() {
   if (!driver) {
     kTrace.Error("PALSysio_Init() CreateFile( SCD1: )error: 0x%x\r\n", GetLastError());
   }
-  HANDLE kept = driver.Release();
-  KeepDriverHandle(kept);
-  return kept;
+  HANDLE handle = driver.Release();
+  KeepDriverHandle(handle);
+  return handle;
 }
 
 void CloseScanDriver() {

@@ -3,7 +3,7 @@
 #include <atomic>
 
 #include "frame/result.h"
-#include "sysinfo/options/device_codes.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {

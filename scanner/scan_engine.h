@@ -1,4 +1,4 @@
-// The two kinds of scan engine: where their trigger is, and in which order they are switched.
+// The two kinds of scan engine: they differ in the trigger and in the order of switching.
 #ifndef SCANNER_SCAN_ENGINE_H_
 #define SCANNER_SCAN_ENGINE_H_
 
@@ -12,15 +12,15 @@ namespace pal {
 using ScanSwitch = HRESULT (*)(BOOL on);
 
 struct ScanEngine {
-  // Whether the trigger is the SPI clock line; the engine is then brought up under a mutex.
+  // The trigger is the SPI clock line. Such an engine is started under a mutex.
   bool is_on_spi_clock;
   ScanOperation trigger;
   std::array<ScanSwitch, 2> switching_order;  // on and off alike
 };
 
-// The engine of the type learnt last.
+// The engine of the device type that was learnt last.
 [[nodiscard]] const ScanEngine& CurrentScanEngine();
-// Learns a type, and gives its engine.
+// Learns a device type, and returns its engine.
 const ScanEngine& LearnScanEngine(DWORD device_type);
 [[nodiscard]] const ScanEngine& ScanEngineOf(DWORD device_type);
 
@@ -28,7 +28,7 @@ const ScanEngine& LearnScanEngine(DWORD device_type);
 void SetScanPowerState(bool is_on);
 
 // Each returns E_FAIL where the driver is not open or refuses.
-HRESULT PALSysio_SetScanPower(BOOL on);  // success is the new power state
+HRESULT PALSysio_SetScanPower(BOOL on);  // on success `on` is the new power state
 HRESULT ScanSetEnable(BOOL enable);
 HRESULT ScanSetOperationalMode(BOOL normal);
 

@@ -1,4 +1,4 @@
-// The exports of the bar-code reading stack's way to the scan engine.
+// The exports through which the bar-code reading stack controls the scan engine.
 #include <span>
 
 #include "frame/result.h"
@@ -16,7 +16,7 @@ constexpr TraceSource kTrace{Facility::kScanner};
 constexpr DWORD kMinimumBaudRate = 1200;
 constexpr DWORD kMaximumBaudRate = 460800;
 
-// Every switch gets its turn, also behind one that fails.
+// All switches are set, also after one that fails.
 HRESULT SwitchAll(std::span<const ScanSwitch> switches, BOOL on) {
   HRESULT result = S_OK;
   for (const ScanSwitch set : switches) {
@@ -39,9 +39,9 @@ HRESULT PALAPI PALSysio_Open() {
   DWORD type = 0;
   DWORD s6_installed = 0;
   const HRESULT result = PALMFGOpt_InternalDeviceType(&type, &s6_installed);
-  if (pal::Succeeded(result) && pal::ScanEngineOf(type).is_on_spi_clock) {
+  if (pal::ScanEngineOf(type).is_on_spi_clock) {
     pal::LearnScanEngine(type);
-    // The line alone: the trigger is not pulled here, on purpose.
+    // Only the line: the trigger is not sent here, on purpose.
     pal::kTrace.Info("ENG14 - PALSysio_Open. PALSysio_SetScanTrigger(TRUE)\r\n");
   }
   pal::kTrace.Info("Exit PALSysio_Open g_hOEMScanDLL: 0x%x, hr: 0x%x\r\n", driver, result);
@@ -67,7 +67,7 @@ HRESULT PALAPI PALSysio_SetScanEnable(BOOL enable) {
 HRESULT PALAPI PALSysio_SetScanFlashEnable(BOOL download_enable) {
   pal::kTrace.Info("Enter PALSysio_SetScanFlashEnable: fDownloadEnable:%d\r\n", download_enable);
   const HRESULT result = pal::ScanSetOperationalMode(download_enable == FALSE ? TRUE : FALSE);
-  // The line ends without the result: kept so.
+  // The line has no result behind "hr:".
   pal::kTrace.Info("Exit PALSysio_SetScanFlashEnable hr:\r\n");
   return result;
 }

@@ -18,21 +18,22 @@ constexpr DWORD kWrong = 1;
 
 enum class Reading { kDone, kNothingThere, kFailed };
 
-// An empty value is nothing.
-Reading ReadSecret(HKEY member, const WCHAR* name, SecretBytes& secret) {
-  DWORD bytes = 0;
-  LONG error = RegQueryValueExW(member, name, nullptr, nullptr, nullptr, &bytes);
+// An empty value counts as missing.
+Reading ReadSecret(const UniqueRegistryKey& member, const WCHAR* name, SecretBytes& secret) {
+  StoredValue stored;
+  const LONG error = ReadBytes(member, name, {}, stored);
   if (error == ERROR_FILE_NOT_FOUND) return Reading::kNothingThere;
   if (error != ERROR_SUCCESS) return Reading::kFailed;
-  if (bytes == 0) return Reading::kNothingThere;
-  if (!secret.Allocate(bytes)) return Reading::kFailed;
-  error = RegQueryValueExW(member, name, nullptr, nullptr, secret.data(), &bytes);
-  if (error != ERROR_SUCCESS) return Reading::kFailed;
-  secret.Shorten(bytes);
+  if (stored.bytes == 0) return Reading::kNothingThere;
+  if (!secret.Allocate(stored.bytes) ||
+      ReadBytes(member, name, {secret.data(), secret.size()}, stored) != ERROR_SUCCESS) {
+    return Reading::kFailed;
+  }
+  secret.Shorten(stored.bytes);
   return Reading::kDone;
 }
 
-bool IsPasswordOf(HKEY member, WideText password) {
+bool IsPasswordOf(const UniqueRegistryKey& member, WideText password) {
   SecretBytes stored_hash;
   SecretBytes salt;
   const Reading hash_reading = ReadSecret(member, TEXT("h"), stored_hash);
@@ -55,8 +56,8 @@ bool IsRight(const WCHAR* member, WideText password) {
   if (!Copy(path, kMembers) || !Append(path, name)) return false;
   UniqueRegistryKey key;
   const LONG error = OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE, key);
-  // A member that nobody provisioned has the empty password.
-  return error == ERROR_SUCCESS ? IsPasswordOf(key.get(), password) : password.empty();
+  // The password of a member without a key is empty.
+  return error == ERROR_SUCCESS ? IsPasswordOf(key, password) : password.empty();
 }
 
 }  // namespace
@@ -67,7 +68,7 @@ DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password) {
   const WCHAR* const text = password == nullptr ? TEXT("") : password;
   const DWORD answer =
       pal::IsRight(member, pal::WideText(text, wcslen(text))) ? pal::kRight : pal::kWrong;
-  // The line says that 2 is no: kept so.
+  // The line says that 2 is no, but no is 1.
   pal::kTrace.Info("Exit PALSecurity_CheckPx. procid:0x%x, member:0x%x(0=yes,2=no)\r\n",
                    GetCurrentProcessId(), answer);
   return answer;

@@ -21,7 +21,7 @@ struct HashTraits {
 using UniqueProvider = UniqueHandle<ProviderTraits>;
 using UniqueHash = UniqueHandle<HashTraits>;
 
-// Nothing where it fails; the last error says why.
+// Empty on failure; the last error says why.
 UniqueProvider Acquire(DWORD flags) {
   HCRYPTPROV provider = 0;
   const bool is_acquired =
@@ -29,7 +29,7 @@ UniqueProvider Acquire(DWORD flags) {
   return UniqueProvider(is_acquired ? provider : 0);
 }
 
-// A key set that has to be made first is of use to the next check only: on purpose.
+// Where the key set is missing it is created, but only the next check uses it: on purpose.
 UniqueProvider AcquireProvider() {
   UniqueProvider provider = Acquire(0);
   if (provider) return provider;
@@ -94,7 +94,7 @@ bool HashPassword(std::span<const BYTE> salt, WideText password, SecretBytes& ha
 
 bool AreEqualInConstantTime(std::span<const BYTE> left, std::span<const BYTE> right) {
   if (left.size() != right.size()) return false;
-  // Volatile: the compiler must not find out that the first difference settles it.
+  // Volatile: the compiler must not leave the loop at the first difference.
   volatile BYTE difference = 0;
   for (size_t at = 0; at < left.size(); ++at) {
     difference = static_cast<BYTE>(difference | (left[at] ^ right[at]));

@@ -1,4 +1,4 @@
-// The hash under which a password is kept.
+// The hash that is stored for a password.
 #ifndef SECURITY_PASSWORD_HASH_H_
 #define SECURITY_PASSWORD_HASH_H_
 
@@ -9,12 +9,12 @@
 
 namespace pal {
 
-// SHA-1 of the salt and of the password's characters. False where CryptoAPI fails or has no key set
-// yet; in that case one is made for the next call. Every failure is traced but one: a provider that
-// cannot be acquired for another reason than a missing key set.
+// SHA-1 of the salt and of the password's characters. False where CryptoAPI fails, also where it
+// has no key set yet: one is then created for the next call. Failures are traced, but not that of a
+// provider that cannot be acquired for another reason.
 [[nodiscard]] bool HashPassword(std::span<const BYTE> salt, WideText password, SecretBytes& hash);
 
-// Takes the same time wherever the two differ.
+// Takes the same time wherever the first difference is.
 [[nodiscard]] bool AreEqualInConstantTime(std::span<const BYTE> left, std::span<const BYTE> right);
 
 }  // namespace pal

@@ -1,4 +1,4 @@
-// Memory for what must not be found in it later.
+// Memory that is wiped after use.
 #ifndef SECURITY_SECRET_BYTES_H_
 #define SECURITY_SECRET_BYTES_H_
 
@@ -10,7 +10,7 @@
 
 namespace pal {
 
-// Written through a volatile pointer, so that the compiler cannot leave it out as of no use.
+// The pointer is volatile, so that the compiler keeps the writes.
 inline void Wipe(std::span<BYTE> bytes) {
   volatile BYTE* const begin = bytes.data();
   for (size_t at = 0; at < bytes.size(); ++at) begin[at] = 0;
@@ -24,13 +24,13 @@ class SecretBytes {
   SecretBytes(const SecretBytes&) = delete;
   SecretBytes& operator=(const SecretBytes&) = delete;
 
-  // Once, on an empty one. False where there is no memory.
+  // May be called once. False where there is no memory.
   [[nodiscard]] bool Allocate(DWORD bytes) {
     block_.reset(new (std::nothrow_t{}) BYTE[bytes]());
     allocated_ = size_ = block_ == nullptr ? 0 : bytes;
     return block_ != nullptr;
   }
-  // What of the block is of use; never more than was allocated.
+  // Sets the number of bytes in use; it never grows.
   void Shorten(DWORD bytes) { size_ = bytes < size_ ? bytes : size_; }
 
   [[nodiscard]] BYTE* data() { return block_.get(); }

@@ -15,7 +15,7 @@ constexpr DWORD kBeforeRestart = 0x010123B0;  // a kernel control
 struct BootOption {
   LONG option;
   const WCHAR* state;
-  DWORD before_restart;  // what the kernel control is given first; 0: it is not called
+  DWORD before_restart;  // the input of the kernel control; 0: the control is not called
 };
 
 constexpr auto kBootOptions = std::to_array<BootOption>({
@@ -24,7 +24,7 @@ constexpr auto kBootOptions = std::to_array<BootOption>({
     {PAL_BOOT_PREPARED, TEXT("reboot"), 0x00040006},
 });
 
-bool TellKernel(DWORD value) {
+bool PrepareKernel(DWORD value) {
   if (KernelIoControl(kBeforeRestart, &value, sizeof(value), nullptr, 0, nullptr) != FALSE) {
     return true;
   }
@@ -41,7 +41,7 @@ HRESULT PALAPI PALBOOT_BootTerminal(LONG option) {
     pal::kTrace.Error("Boot request invalid option");
     return E_FAIL;
   }
-  if (row->before_restart == 0 || pal::TellKernel(row->before_restart)) {
+  if (row->before_restart == 0 || pal::PrepareKernel(row->before_restart)) {
     SetSystemPowerState(row->state, POWER_STATE_RESET, POWER_FORCE);
   }
   return S_OK;

@@ -1,4 +1,4 @@
-// Power of the COM ports, which this family does not switch.
+// The power of the COM ports. No device of the family can switch it.
 #include "frame/trace.h"
 #include "include/palcomxpwr.h"
 

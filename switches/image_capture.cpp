@@ -1,8 +1,8 @@
-// Whether images may be captured: the device's build, then the owner's policy.
+// Whether images may be captured: the device's build and the owner's policy decide.
 #include "frame/registry.h"
 #include "frame/trace.h"
 #include "include/palimagecapture.h"
-#include "sysinfo/options/manufacturing_options.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -26,9 +26,7 @@ PALImageCaptureStatus ReadPolicy() {
     return PAL_IMAGE_CAPTURE_NOT_AVAILABLE;
   }
   DWORD disabled = 0;
-  DWORD bytes = sizeof(disabled);
-  const LONG error = RegQueryValueExW(policy.get(), kValueName, nullptr, nullptr,
-                                      reinterpret_cast<BYTE*>(&disabled), &bytes);
+  const LONG error = ReadNumber(policy, kValueName, disabled);
   kTrace.Info("HKLM\\%ls\\%ls = %u. lRet = %u", kPolicyPath, kValueName, disabled, error);
   if (error != ERROR_SUCCESS) {
     kTrace.Error("Failed to get HKLM\\%ls\\%ls. lRet = %u", kPolicyPath, kValueName, error);
@@ -51,8 +49,7 @@ DWORD PALAPI PALImageCapture_SetEnable(BOOL enable) {
   pal::UniqueRegistryKey policy;
   if (pal::OpenPolicy(pal::kSwitchTrace, KEY_SET_VALUE, policy) != ERROR_SUCCESS) return 1;
   const DWORD disabled = enable == FALSE ? 1 : 0;
-  const LONG error = RegSetValueExW(policy.get(), pal::kValueName, 0, REG_DWORD,
-                                    reinterpret_cast<const BYTE*>(&disabled), sizeof(disabled));
+  const LONG error = pal::WriteNumber(policy, pal::kValueName, disabled);
   if (error == ERROR_SUCCESS) return 0;
   pal::kSwitchTrace.Error("Failed to set HKLM\\%ls\\%ls to %u. lRet = %u", pal::kPolicyPath,
                           pal::kValueName, disabled, error);

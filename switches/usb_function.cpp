@@ -1,4 +1,4 @@
-// What the device is to a USB host: the client driver on the function bus.
+// The device as a function of a USB host: the client driver on the function bus.
 #include <array>
 #include <span>
 
@@ -19,7 +19,7 @@ constexpr DWORD kGetCurrentClient = 0x0022000C;
 constexpr DWORD kSelectFirstStep = 0x00220018;
 constexpr DWORD kSelectSecondStep = 0x00220010;
 
-// What the bus is given, and what it tells: the name stands first, and a description behind it.
+// The input and the output of the bus. The output has a description behind the client's name.
 using ClientName = std::array<WCHAR, 128>;
 using ClientInformation = std::array<WCHAR, 378>;
 static_assert(sizeof(ClientName) == 256 && sizeof(ClientInformation) == 756);
@@ -33,7 +33,7 @@ struct FunctionOption {
   const WCHAR* client;
   const WCHAR* volume;  // null: the client exposes none
 
-  // By what the option is known again.
+  // What identifies the option when it is read back.
   [[nodiscard]] constexpr const WCHAR* text() const { return volume != nullptr ? volume : client; }
 };
 
@@ -57,8 +57,7 @@ HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
     kTrace.Error("ERROR SetClientOption. Input buff invalid\r\n");
     return PAL_STORE_E_INVALID_INPUT;
   }
-  UniqueFile bus;
-  bus.Reset(OpenBus());
+  const UniqueFile bus(OpenBus());
   if (!bus) {
     kTrace.Error("SetClientOption - ERROR 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
@@ -77,8 +76,7 @@ HRESULT SetClientOption(const WCHAR* client_name, DWORD ioctl) {
 }
 
 HRESULT ReadClientInformation(DWORD ioctl, ClientInformation& information) {
-  UniqueFile bus;
-  bus.Reset(OpenBus());
+  const UniqueFile bus(OpenBus());
   if (!bus) {
     kTrace.Error("GetClientOption - 0x%x=CreateFile(). win32err: 0x%x\r\n", bus.get(),
                  GetLastError());
@@ -105,7 +103,7 @@ HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
   ClientInformation information{};
   const HRESULT result = ReadClientInformation(ioctl, information);
   if (Failed(result)) return result;
-  // A name that is not terminated runs on to the record's end, and no buffer has room for it.
+  // A name without a terminator has the length of the record: no buffer has room for it.
   const WideText name(information.data(), Length<WCHAR>(information));
   if (name.empty()) return S_OK;
   const auto name_bytes = static_cast<DWORD>((name.size() + 1) * sizeof(WCHAR));
@@ -120,8 +118,8 @@ HRESULT GetClientOption(WCHAR* buffer, DWORD& bytes, DWORD ioctl) {
 }
 
 HRESULT WriteVolumeName(DWORD option, const WCHAR* volume) {
-  std::array<WCHAR, 16> text{};  // zeros behind the terminator: the helper stores one of them
-  if (!Copy(text, volume)) return PAL_STORE_E_INVALID_INPUT;
+  std::array<WCHAR, 16> text{};  // PALRegSetString also stores the zero behind the terminator
+  static_cast<void>(Copy(text, volume));  // it always fits
   const HRESULT result = PALRegSetString(HKEY_LOCAL_MACHINE, kMassStoragePath, kVolumeName, text);
   kTrace.Info("SetUsbMassStorage - input:%d, Reg:%ls\\%ls=%ls\r\n", option, kMassStoragePath,
               kVolumeName, volume);
@@ -166,7 +164,7 @@ HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option) {
 }
 
 HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option) {
-  if (option == nullptr) return PAL_STORE_E_INVALID_INPUT;
+  if (option == nullptr) return E_FAIL;
   pal::TerminatedName name{};
   DWORD bytes = sizeof(pal::ClientName);
   HRESULT result = pal::GetClientOption(name.data(), bytes, pal::kGetCurrentClient);

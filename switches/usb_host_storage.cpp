@@ -1,4 +1,5 @@
-// Whether the device takes USB disks: the names under which its client drivers have their DLL.
+// Whether the device takes USB disks: its client drivers have their DLL under one name or the
+// other.
 #include <array>
 #include <optional>
 #include <span>
@@ -15,15 +16,14 @@ namespace {
 constexpr TraceSource kTrace{Facility::kUsb};
 
 constexpr WideText kDriversPath = TEXT("\\Drivers\\USB\\ClientDrivers\\Mass_Storage_Class");
-constexpr size_t kMaxDllBytes = 520;
 
 using ValueFailure = TraceSource::Format<const WCHAR*, const WCHAR*, LONG>;
 
-// One of the two walks: the text that each driver has under one name gets the other.
+// One of the two walks: in each driver the value `from` is renamed to `to`.
 struct Direction {
   const WCHAR* from;
   const WCHAR* to;
-  std::optional<ValueFailure> read_failed;  // nothing: it is not traced
+  std::optional<ValueFailure> read_failed;  // nothing: the failure is not traced
   ValueFailure write_failed;
   TraceSource::Format<> done;
 };
@@ -43,21 +43,21 @@ constexpr ValueFailure kDeleteFailed = "Error deleting HKLM\\%ls\\%ls. dwRet = %
 // The client drivers, one after another.
 class ClientDrivers {
  public:
-  // Goes to the first, and then to the next. False behind the last and on a failure, which is
-  // traced.
+  // Moves to the first driver, and then to the next. False behind the last one and on a failure,
+  // which is traced.
   [[nodiscard]] bool Next();
   [[nodiscard]] LONG error() const { return error_; }
 
-  [[nodiscard]] HKEY key() const { return driver_.get(); }
+  [[nodiscard]] const UniqueRegistryKey& driver() const { return driver_; }
 
-  // The error of an operation on a value of the driver, which is traced where there is one.
+  // Returns `error`, which comes from an operation on a value of the driver. A failure is traced.
   [[nodiscard]] LONG Checked(LONG error, const std::optional<ValueFailure>& line,
                              const WCHAR* value_name) const;
 
  private:
   using Path = std::array<WCHAR, kDriversPath.size() + 1 + MAX_PATH>;
 
-  // Of the key that was opened last.
+  // The path of the key that was opened last.
   [[nodiscard]] Path PathForTrace() const;
   void Open(HKEY parent, const WCHAR* path, UniqueRegistryKey& key);
 
@@ -73,7 +73,7 @@ ClientDrivers::Path ClientDrivers::PathForTrace() const {
   const bool fits =
       Copy(path, kDriversPath) &&
       (name_.front() == WCHAR{} || (Append(path, TEXT("\\")) && Append(path, name_.data())));
-  static_cast<void>(fits);  // there is room for it
+  static_cast<void>(fits);  // it always does
   return path;
 }
 
@@ -109,35 +109,34 @@ bool ClientDrivers::Next() {
   return error_ == ERROR_SUCCESS;
 }
 
-// A text of a driver, as it is stored.
-struct StoredText {
-  std::array<BYTE, kMaxDllBytes> data;
-  DWORD bytes;
-};
+using DllText = std::array<BYTE, 520>;
 
-// False where the driver has no such value or one of another type; `error` is then ERROR_SUCCESS.
-bool ReadStoredText(HKEY driver, const WCHAR* name, StoredText& text, LONG& error) {
-  text.bytes = kMaxDllBytes;
-  DWORD type = REG_NONE;
-  error = RegQueryValueExW(driver, name, nullptr, &type, text.data.data(), &text.bytes);
-  const bool is_other = error == ERROR_FILE_NOT_FOUND ||
-                        ((error == ERROR_SUCCESS || error == ERROR_MORE_DATA) && type != REG_SZ);
-  if (is_other) error = ERROR_SUCCESS;
-  return !is_other && error == ERROR_SUCCESS;
+// Nothing where the driver has no such value, or one of another type; `error` is then
+// ERROR_SUCCESS.
+std::optional<std::span<const BYTE>> ReadDll(const UniqueRegistryKey& driver, const WCHAR* name,
+                                             DllText& text, LONG& error) {
+  StoredValue stored;
+  error = ReadBytes(driver, name, text, stored);
+  const bool is_other =
+      (error == ERROR_SUCCESS || error == ERROR_MORE_DATA) && stored.type != REG_SZ;
+  if (error == ERROR_FILE_NOT_FOUND || is_other) {
+    error = ERROR_SUCCESS;
+    return std::nullopt;
+  }
+  if (error != ERROR_SUCCESS) return std::nullopt;
+  return std::span(text).first(stored.bytes);
 }
 
-// The text has both names for a moment, and so is never lost.
+// The text is written under its new name before the old one is deleted: it is never lost.
 LONG MoveText(const ClientDrivers& drivers, const Direction& direction) {
-  StoredText text;
+  DllText text;
   LONG error = ERROR_SUCCESS;
-  if (!ReadStoredText(drivers.key(), direction.from, text, error)) {
-    return drivers.Checked(error, direction.read_failed, direction.from);
-  }
-  error = drivers.Checked(
-      RegSetValueExW(drivers.key(), direction.to, 0, REG_SZ, text.data.data(), text.bytes),
-      direction.write_failed, kVisibleName);
+  const auto dll = ReadDll(drivers.driver(), direction.from, text, error);
+  if (!dll) return drivers.Checked(error, direction.read_failed, direction.from);
+  error = drivers.Checked(WriteBytes(drivers.driver(), direction.to, *dll, REG_SZ),
+                          direction.write_failed, kVisibleName);
   if (error != ERROR_SUCCESS) return error;
-  return drivers.Checked(RegDeleteValueW(drivers.key(), direction.from), kDeleteFailed,
+  return drivers.Checked(RegDeleteValueW(drivers.driver().get(), direction.from), kDeleteFailed,
                          direction.from);
 }
 
@@ -157,19 +156,17 @@ HRESULT PALAPI PALStore_SetUsbHostMassStorageEnable(BOOL enable) {
 }
 
 HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled) {
-  if (enabled == nullptr) return PAL_STORE_E_INVALID_INPUT;
+  if (enabled == nullptr) return E_FAIL;
   *enabled = 0;
   pal::ClientDrivers drivers;
   while (drivers.Next()) {
     LONG error = ERROR_SUCCESS;
-    pal::StoredText text;
-    const bool has_dll = pal::ReadStoredText(drivers.key(), pal::kVisibleName, text, error);
+    pal::DllText text;
+    *enabled = pal::ReadDll(drivers.driver(), pal::kVisibleName, text, error) ? 1 : 0;
     if (error != ERROR_SUCCESS) return pal::HResultFromWin32(error);
-    if (!has_dll) continue;
-    *enabled = 1;
-    return S_OK;
+    if (*enabled != 0) return S_OK;
   }
   if (drivers.error() != ERROR_SUCCESS) return pal::HResultFromWin32(drivers.error());
-  pal::kTrace.Info(pal::kDisable.done);  // the line of the switch, also where nothing was switched
+  pal::kTrace.Info(pal::kDisable.done);  // the switch's line, although nothing was switched
   return S_OK;
 }

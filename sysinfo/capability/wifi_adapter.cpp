@@ -12,8 +12,7 @@ constexpr TraceSource kTrace{Facility::kDeviceInformation};
 
 constexpr auto kAdapterNames = std::to_array<const char*>({"AR6K_SD1", "TIWLN1"});
 constexpr DWORD kEthernet = 6;
-// No device has more. A driver that says so cannot be believed, and asking for each would keep the
-// caller for ever.
+// No device has more interfaces. A wrong count of a driver must not keep the caller for ever.
 constexpr DWORD kMaxInterfaces = 256;
 
 bool IsWifiAdapter(const MIB_IFROW& row) {
@@ -33,8 +32,8 @@ DWORD PalDevCap_IsWifiInstalled() {
     kTrace.Error("PalDevCap_IsWifiInstalled 0x%x=GetNumberOfInterfaces() failed.\r\n", error);
     return PAL_CAPABILITY_ERROR;
   }
-  // One index more than there are interfaces, on purpose: so all are seen whether they count from 0
-  // or from 1.
+  // One index more than there are interfaces: this finds all of them whether the driver counts from
+  // 0 or from 1.
   const DWORD last = std::min(count, kMaxInterfaces);
   for (DWORD index = 0; index <= last; ++index) {
     MIB_IFROW row{};
@@ -44,7 +43,7 @@ DWORD PalDevCap_IsWifiInstalled() {
                 reinterpret_cast<const char*>(row.bDescr));
     return PAL_CAPABILITY_INSTALLED;
   }
-  // Of those that were not asked for nothing is known.
+  // Interfaces behind the last index may be it: this is no answer.
   return count > kMaxInterfaces ? PAL_CAPABILITY_ERROR : PAL_CAPABILITY_NOT_INSTALLED;
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kOneWire};
 
-// The record that every call to the driver takes and gives back.
+// The record that is input and output of every call to the driver.
 struct OneWireRecord {
   DWORD index;  // in: of the device; out: the number of devices
   std::array<BYTE, 8> id;
@@ -29,10 +29,10 @@ static_assert(offsetof(OneWireRecord, memory) == 20 && offsetof(OneWireRecord, s
 
 using NumberFormat = TraceSource::Format<DWORD>;
 
-// One kind of call to the driver, and what is traced where it fails.
+// One kind of call to the driver, and the lines of its failures.
 struct Request {
   DWORD code;
-  const char* call_failed;  // null: nothing is traced, on purpose
+  const char* call_failed;  // null: the driver's refusal is not traced
   NumberFormat status_failed;
 };
 constexpr Request kSearch{0x80100004, "  search IOCTL failed", "  search failed %.8X"};
@@ -42,7 +42,7 @@ constexpr Request kGetDeviceId{0x8010000C, "  get dev ID IOCTL failed", "  Get d
 constexpr Request kGetMemorySize{0x80100014, nullptr, "  Memsize failed %.8X"};
 constexpr Request kReadMemory{0x80100018, "  read mem IOCTL failed", "  read mem failed %.8X"};
 
-// A bus never has so many; a driver that says so would keep the caller for ever.
+// No bus has more devices. A wrong count of the driver must not keep the caller for ever.
 constexpr DWORD kMaxDevices = 256;
 constexpr BYTE kIdFill = 0xCC;
 constexpr size_t kPartNumberOffset = 1;
@@ -164,7 +164,7 @@ bool PALOneWire::ReadPartNumber(DWORD index, PartNumber& part_number) const {
   return true;
 }
 
-// The memory's size is told and does not limit the read.
+// The memory's size is only traced: it does not limit the read.
 bool PALOneWire::IsVehicleDock(DWORD index) const {
   PartNumber part_number{};
   return TraceId(index) && TraceMemorySize(index) && ReadPartNumber(index, part_number) &&

@@ -9,9 +9,9 @@
 
 namespace pal {
 
-// Twelve lower-case digits: those of the first Ethernet adapter other than the USB one, or zeros
-// where there is none, where the adapters cannot be listed and where memory is short. What a list
-// gave is kept for the life of the process.
+// Twelve lower-case digits of the first Ethernet adapter that is not the USB one. Zeros where there
+// is no such adapter, the adapters cannot be listed, or there is no memory. The answer of a list is
+// kept until the process ends.
 [[nodiscard]] std::array<char, 12> AdapterAddress();
 
 }  // namespace pal

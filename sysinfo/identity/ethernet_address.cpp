@@ -1,9 +1,7 @@
-// The Ethernet address that the device got at the factory.
+// The Ethernet address, written at the factory.
 #include "sysinfo/identity/answer_text.h"
-#include "sysinfo/identity/hexadecimal.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -26,7 +24,7 @@ HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length) {
                          GetLastError());
     return S_OK;
   }
-  // A byte below 0x10 gives one digit: kept, though the text then does not say which byte it was.
+  // A byte below 0x10 gives one digit, on purpose.
   char text[2 * kAddressBytes];
   char* end = text;
   for (const BYTE byte : std::span(answer).first(kAddressBytes)) {

@@ -2,8 +2,7 @@
 
 #include "sysinfo/identity/answer_text.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -14,7 +13,7 @@ bool IsDateParameter(WORD id) {
   return id == 0x0003 || id == 0x0004;
 }
 
-// Two digits, and three where the byte is no packed decimal number above 99.
+// Writes a packed decimal byte as two digits; as three where a digit above 9 makes more than 99.
 char* PutPackedDecimal(char* to, BYTE byte) {
   const int number = (byte >> 4) * 10 + (byte & 0xF);
   if (number > 99) *to++ = static_cast<char>('0' + number / 100);

@@ -1,6 +1,5 @@
 #include "sysinfo/identity/answer_text.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
 
 namespace pal {
 namespace {
@@ -8,7 +7,7 @@ namespace {
 constexpr DWORD kFirmwareInformation = 0x01012000;
 constexpr size_t kInformationBytes = 128;
 constexpr size_t kVersionOffset = 63;
-constexpr DWORD kUsualLength = 13;  // what the trace gives as the version's length, whatever it is
+constexpr DWORD kTracedLength = 13;  // the line always shows this as the version's length
 
 }  // namespace
 
@@ -31,7 +30,7 @@ HRESULT PalGetFirmwareVer(char* buffer, DWORD* length) {
   *length = static_cast<DWORD>(version.size() + 2);
   if (fits) return S_OK;
   kIdentityTrace.Error("ERROR PalGetFirmwareVer. Input buff too small. inlen:%d, verlen:%d\r\n",
-                       room, kUsualLength);
+                       room, kTracedLength);
   return E_FAIL;
 }
 

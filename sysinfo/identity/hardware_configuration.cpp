@@ -4,11 +4,9 @@
 #include "sysinfo/identity/answer_text.h"
 #include "sysinfo/identity/identity_cache.h"
 #include "sysinfo/identity/identity_registry.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
 #include "sysinfo/identity/oem_information.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -21,8 +19,8 @@ constinit IdentityCache<kConfigurationBytes> cache;
 
 using Configuration = char[kConfigurationBytes];
 
-// From the parameter, then from the registry, then the configuration that every device has. Cut to
-// what the cache holds.
+// Asks the parameter, then the registry; "CG0" where both have nothing. A longer text is cut to the
+// size of the cache.
 std::string_view ReadConfiguration(const OemInformation& oem, Configuration& configuration) {
   const WORD parameter =
       oem.text() == TEXT("Dravonel Rx") ? kRxConfigurationParameter : kConfigurationParameter;
@@ -30,7 +28,7 @@ std::string_view ReadConfiguration(const OemInformation& oem, Configuration& con
   IdentityRegistryText registry_text;
   DWORD bytes = 0;
   std::string_view text;
-  // No count is no failure here: the zeros of the buffer then end what was written.
+  // A count of 0 is no failure here: the buffer's zeros end the text.
   if (PalReadNvParm(ParameterRequest(parameter), answer, bytes)) {
     text = TextOf(std::span(answer).first(bytes > 0 ? bytes : sizeof(answer)));
   }

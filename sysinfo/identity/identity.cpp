@@ -1,16 +1,16 @@
 // The exported identity queries: each is one source through one converter.
 #include <array>
 
+#include "frame/result.h"
 #include "include/palsysinfo.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
 #include "sysinfo/identity/result_converter.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
 
-// Callers see the hardware configuration's length with its terminator.
+// The source does not count the terminator of the hardware configuration; callers get it counted.
 HRESULT HardwareConfiguration(char* buffer, DWORD* length) {
   const HRESULT result = PalGetHwConfig(buffer, length);
   if (Succeeded(result)) ++*length;
@@ -22,7 +22,7 @@ HRESULT FactoryDate(char* buffer, DWORD* length) {
   return PalGetDate(kParameter, buffer, length);
 }
 
-// By detail id. A null source is a detail that no device has.
+// By detail id. A detail without a source is one that no device has.
 constexpr std::array<IdentitySource, PAL_DEVICE_DETAIL_COUNT> kSources = [] {
   std::array<IdentitySource, PAL_DEVICE_DETAIL_COUNT> sources{};
   sources[PAL_DETAIL_HARDWARE_CONFIGURATION] = &HardwareConfiguration;
@@ -51,7 +51,7 @@ HRESULT Query(PALDeviceDetail detail, Unit* buffer, DWORD* length) {
   return Convert(kSources[detail], buffer, length);
 }
 
-// For callers that bring a buffer of a size agreed on.
+// For callers without a length: every buffer has the same size.
 template <typename Unit>
 HRESULT QueryFixed(PALDeviceDetail detail, Unit* buffer) {
   DWORD length = PAL_IDENTITY_FIXED_LENGTH;
@@ -64,10 +64,27 @@ HRESULT QueryOperatingSystem(Unit* name, Unit* version) {
   return Failed(result) ? result : QueryFixed(PAL_DETAIL_OS_VERSION, version);
 }
 
+using DetailLine = TraceSource::Format<DWORD, DWORD>;
+struct DetailLines {
+  DetailLine entry;
+  DetailLine invalid;
+  TraceSource::Format<HRESULT, DWORD, DWORD> exit;
+};
+
 template <typename Unit>
-HRESULT QueryAnyDetail(DWORD detail, Unit* buffer, DWORD* length) {
-  const IdentitySource source = kSources[detail];
-  return source == nullptr ? E_NOTIMPL : Convert(source, buffer, length);
+HRESULT QueryAnyDetail(const DetailLines& lines, DWORD detail, Unit* buffer, DWORD* length) {
+  const DWORD process = GetCurrentProcessId();
+  kIdentityTrace.Info(lines.entry, detail, process);
+  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
+  if (detail >= kSources.size()) {
+    kIdentityTrace.Error(lines.invalid, detail, process);
+  } else if (const IdentitySource source = kSources[detail]; source == nullptr) {
+    result = E_NOTIMPL;
+  } else {
+    result = Convert(source, buffer, length);
+  }
+  kIdentityTrace.Info(lines.exit, result, detail, process);
+  return result;
 }
 
 }  // namespace
@@ -148,38 +165,22 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystemA(char* name, char* version) {
 HRESULT PALAPI PALSysinfo_GetOperatingSystemW(WCHAR* name, WCHAR* version) {
   return pal::QueryOperatingSystem(name, version);
 }
-// The version goes over the name: kept, because callers take it for the version.
+// The version overwrites the name: callers of this export expect the version.
 HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer) {
   return pal::QueryOperatingSystem(buffer, buffer);
 }
 
 HRESULT PALAPI PALSysinfo_GetDeviceDetailA(DWORD detail, char* buffer, DWORD* length) {
-  pal::kIdentityTrace.Info("PALSysinfo_GetDeviceDetailA(%d,*,*). Entry. procid:0x%x", detail,
-                           GetCurrentProcessId());
-  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
-  if (detail < pal::kSources.size()) {
-    result = pal::QueryAnyDetail(detail, buffer, length);
-  } else {
-    pal::kIdentityTrace.Error(
-        "PALSysinfo_GetDeviceDetailA(%d,*,*). Input detail invalid. procid:0x%x", detail,
-        GetCurrentProcessId());
-  }
-  pal::kIdentityTrace.Info("0x%x=PALSysinfo_GetDeviceDetailA(%d,*,*). Exit. procid:0x%x", result,
-                           detail, GetCurrentProcessId());
-  return result;
+  constexpr pal::DetailLines kLines{
+      "PALSysinfo_GetDeviceDetailA(%d,*,*). Entry. procid:0x%x",
+      "PALSysinfo_GetDeviceDetailA(%d,*,*). Input detail invalid. procid:0x%x",
+      "0x%x=PALSysinfo_GetDeviceDetailA(%d,*,*). Exit. procid:0x%x"};
+  return pal::QueryAnyDetail(kLines, detail, buffer, length);
 }
 HRESULT PALAPI PALSysinfo_GetDeviceDetailW(DWORD detail, WCHAR* buffer, DWORD* length) {
-  pal::kIdentityTrace.Info("PALSysinfo_GetDeviceDetailW(%d,*,*). Entry. procid:0x%x", detail,
-                           GetCurrentProcessId());
-  HRESULT result = PAL_SYSINFO_E_INVALID_INPUT;
-  if (detail < pal::kSources.size()) {
-    result = pal::QueryAnyDetail(detail, buffer, length);
-  } else {
-    pal::kIdentityTrace.Error(
-        "PALSysinfo_GetDeviceDetailW(%d,*,*). Input detail invalid. procid:0x%x", detail,
-        GetCurrentProcessId());
-  }
-  pal::kIdentityTrace.Info("0x%x=PALSysinfo_GetDeviceDetailW(%d,*,*). Exit. procid:0x%x", result,
-                           detail, GetCurrentProcessId());
-  return result;
+  constexpr pal::DetailLines kLines{
+      "PALSysinfo_GetDeviceDetailW(%d,*,*). Entry. procid:0x%x",
+      "PALSysinfo_GetDeviceDetailW(%d,*,*). Input detail invalid. procid:0x%x",
+      "0x%x=PALSysinfo_GetDeviceDetailW(%d,*,*). Exit. procid:0x%x"};
+  return pal::QueryAnyDetail(kLines, detail, buffer, length);
 }

@@ -1,4 +1,4 @@
-// An identity text that a process keeps once it has found it.
+// An identity text that a process keeps from the first time it is read.
 #ifndef SYSINFO_IDENTITY_IDENTITY_CACHE_H_
 #define SYSINFO_IDENTITY_IDENTITY_CACHE_H_
 
@@ -13,9 +13,9 @@
 
 namespace pal {
 
-// Never cleared and never changed. The device has one processor, so that what one thread stores
-// another sees in the same order; the fences keep the compiler to it, and cost nothing. Two threads
-// that fill it at once have read the same text from the device. `kSize` counts the text's end.
+// Filled once, and then never changed. The device has one processor: threads see stores in the
+// order of the program, and the fences make the compiler keep that order. Two threads that fill it
+// at once have read the same text from the device. `kSize` counts the terminator.
 template <size_t kSize>
 class IdentityCache {
  public:

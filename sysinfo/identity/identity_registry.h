@@ -1,4 +1,4 @@
-// The identity values that the registry holds for devices without parameters.
+// The identity texts in the registry, for devices without parameters.
 #ifndef SYSINFO_IDENTITY_IDENTITY_REGISTRY_H_
 #define SYSINFO_IDENTITY_IDENTITY_REGISTRY_H_
 
@@ -9,12 +9,11 @@
 
 namespace pal {
 
-// Room for a text of 128 bytes of UTF-16 and its end.
+// Room for a text of 128 bytes of UTF-16 and its terminator.
 using IdentityRegistryText = char[65];
 
-// Reads the text `name` below HKEY_LOCAL_MACHINE\Software\Dravonel\DVLHWID. Empty where key or
-// value do not exist, where the value is no REG_SZ or has more than 128 bytes, and where it is
-// empty.
+// Reads the text `name` below HKEY_LOCAL_MACHINE\Software\Dravonel\DVLHWID. Empty where it does not
+// exist, is of another type than REG_SZ, or has more than 128 bytes.
 [[nodiscard]] std::string_view ReadIdentityRegistry(const WCHAR* name,
                                                     IdentityRegistryText& buffer);
 

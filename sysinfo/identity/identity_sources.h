@@ -1,32 +1,33 @@
-// What the device says of itself: one source for each thing.
+// What the device says about itself: one source for each text, beside PalGetModel.
 //
 // `length`: in, the size of `buffer` in bytes; out, the length of the text with its terminator,
-// where a source says nothing else. A failed source changes neither. Both are checked for null.
+// where a source says nothing else. A failed source changes neither. Both may be null: this is a
+// failure that each source names.
 #ifndef SYSINFO_IDENTITY_IDENTITY_SOURCES_H_
 #define SYSINFO_IDENTITY_IDENTITY_SOURCES_H_
 
+#include "frame/trace.h"
 #include "platform/wince.h"
 
 namespace pal {
 
+inline constexpr TraceSource kIdentityTrace{Facility::kDeviceInformation};
+
+// Two results of the sources that are older than the result codes of the families.
+inline constexpr HRESULT kSourceFailed = -1;
+inline constexpr HRESULT kSourceTooLong = -8;
+
 using IdentitySource = HRESULT (*)(char* buffer, DWORD* length);
 
-// The model name, parameter 0x00D5.
-//
-// S_OK    done
-// E_FAIL  a null argument; the parameter cannot be read or has no bytes; the text does not fit.
-//         Traced.
-HRESULT PalGetModel(char* buffer, DWORD* length);
-
-// The model name for people, parameter 0x00D6.
+// The model name that is shown to users, parameter 0x00D6.
 //
 // S_OK        done
 // PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
 // E_FAIL      the parameter cannot be read or has no bytes; the text does not fit; traced
 HRESULT PalGetDispayModel(char* buffer, DWORD* length);
 
-// The firmware's version. `length` is one more than the text and its terminator need, and is also
-// stored where the text does not fit: callers have to bring one spare byte. That is kept.
+// The firmware's version. `length` receives one more than the text and its terminator need, also
+// where the text does not fit: callers need a spare byte.
 //
 // S_OK    done
 // E_FAIL  a null argument; the kernel control fails; the text does not fit. Traced.
@@ -41,31 +42,32 @@ HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length);
 //
 // S_OK        done
 // PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
-// 0xFFFFFFFF  the version cannot be read, or the platform is not Windows CE
-// 0xFFFFFFF8  the text does not fit
+// kSourceFailed  the version cannot be read, or the platform is not Windows CE
+// kSourceTooLong  the text does not fit
 HRESULT PalGetOS(char* buffer, DWORD* length);
 
 // The operating system's major, minor and build number: "5.2.19202".
 //
 // S_OK        done
 // PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
-// 0xFFFFFFFF  the version cannot be read, the platform is not Windows CE, or the text does not fit
+// kSourceFailed  the version cannot be read, the platform is not Windows CE, or the text does not
+// fit
 HRESULT PalGetOSVer(char* buffer, DWORD* length);
 
 // The hardware configuration, such as "CG0". `length` does not count the terminator.
 //
 // S_OK        done
 // PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
-// 0xFFFFFFFF  the device has no OEM information
-// 0xFFFFFFF8  the text does not fit
+// kSourceFailed  the device has no OEM information
+// kSourceTooLong  the text does not fit
 HRESULT PalGetHwConfig(char* buffer, DWORD* length);
 
 // The serial number.
 //
 // S_OK        done
 // PAL_SYSINFO_E_INVALID_INPUT  a null argument; traced
-// 0xFFFFFFFF  the device has no OEM information
-// 0xFFFFFFF8  the text does not fit
+// kSourceFailed  the device has no OEM information
+// kSourceTooLong  the text does not fit
 HRESULT PalGetSerialNum(char* buffer, DWORD* length);
 
 // A factory date, "07/25/2014", of parameter `id`: 0x0003 or 0x0004.

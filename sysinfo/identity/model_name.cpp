@@ -1,11 +1,9 @@
-// The model's name, and the name under which people know it.
+// The model's name, and the name that is shown to users.
 #include <algorithm>
 
 #include "sysinfo/identity/answer_text.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -15,7 +13,7 @@ constexpr WORD kDisplayModelParameter = 0x00D6;
 constexpr size_t kNameBytes = 128;
 constexpr BYTE kUnwritten = 0xEE;
 
-// The fill shows how far a driver wrote that claims more than it did.
+// Drops the fill at the end, which a driver leaves that reports more bytes than it wrote.
 std::span<const BYTE> WithoutFill(std::span<const BYTE> answer) {
   while (!answer.empty() && answer.back() == kUnwritten) answer = answer.first(answer.size() - 1);
   return answer;

@@ -1,4 +1,4 @@
-// What the maker calls the device model family: "Dravonel Rx", "Greywing 7".
+// The maker's name of the family of models, such as "Dravonel Rx" or "Greywing 7".
 #ifndef SYSINFO_IDENTITY_OEM_INFORMATION_H_
 #define SYSINFO_IDENTITY_OEM_INFORMATION_H_
 
@@ -13,7 +13,7 @@ namespace pal {
 template <size_t kUnits>
 class SystemText {
  public:
-  // Empty where the call fails, and where it writes nothing.
+  // Empty where the call fails or writes nothing.
   explicit SystemText(UINT action) {
     if (SystemParametersInfoW(action, sizeof(buffer_), buffer_, 0) == FALSE) buffer_[0] = WCHAR{};
   }
@@ -24,7 +24,7 @@ class SystemText {
   WCHAR buffer_[kUnits] = {};  // an answer may have no terminator
 };
 
-// 512 bytes. Read anew at every query: a buffer of the whole process would be written by two
+// 512 bytes. Read again at each query: a buffer for the whole process would be written by two
 // threads at once.
 class OemInformation : public SystemText<256> {
  public:

@@ -4,18 +4,14 @@
 #include <iterator>
 
 #include "sysinfo/identity/answer_text.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
 #include "sysinfo/identity/oem_information.h"
 
 namespace pal {
 namespace {
 
-constexpr DWORD kWindowsCe = 3;  // VER_PLATFORM_WIN32_CE
-
 bool ReadWindowsCeVersion(OSVERSIONINFOW& version) {
-  return ReadOsVersion(version) && version.dwPlatformId == kWindowsCe;
+  return ReadOsVersion(version) && version.dwPlatformId == VER_PLATFORM_WIN32_CE;
 }
 
 bool IsPocketPc(WideText platform_type) {

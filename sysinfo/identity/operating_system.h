@@ -6,7 +6,7 @@
 
 namespace pal {
 
-// False where the call fails; all numbers are then 0.
+// False where the call fails; all numbers of `version` are then 0.
 [[nodiscard]] inline bool ReadOsVersion(OSVERSIONINFOW& version) {
   version = {};
   version.dwOSVersionInfoSize = sizeof(version);

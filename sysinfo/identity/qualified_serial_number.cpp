@@ -1,11 +1,10 @@
-// The serial number behind the hardware configuration that it belongs to.
+// The serial number with the hardware configuration in front of it.
 #include <algorithm>
 #include <cstring>
 #include <span>
 
 #include "frame/result.h"
 #include "sysinfo/identity/answer_text.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
 
 namespace pal {
@@ -27,10 +26,9 @@ HRESULT PalGetQualifiedSerialNum(char* buffer, DWORD* length) {
   result = PalGetSerialNum(number, &number_length);
   if (Failed(result)) return result;
   if (std::strlen(number) > kMostSerialCharacters) {
-    number[0] = '\0';  // stays so where the address cannot be read
+    number[0] = '\0';  // the answer where the address cannot be read
     number_length = sizeof(number);
-    result = PalGetEtherMACAddress(number, &number_length);
-    if (Failed(result)) return result;
+    static_cast<void>(PalGetEtherMACAddress(number, &number_length));  // never fails
   }
   const size_t kept = std::min<size_t>(configuration_length, kConfigurationCharacters);
   if (!Copy(std::span(configuration).subspan(kept), number)) return E_FAIL;

@@ -4,15 +4,14 @@
 #include <cstring>
 #include <span>
 
+#include "frame/result.h"
 #include "frame/text.h"
-#include "sysinfo/identity/identity_result.h"
-#include "sysinfo/identity/identity_trace.h"
 
 namespace pal {
 namespace {
 
-// What a source answered. The text ends before the buffer does, whatever the source did to it; the
-// length may be more than it needs, because a source that writes nothing leaves it as it was.
+// The answer of a source. The text is always terminated inside the buffer. The length may be more
+// than the text needs: a source that writes nothing leaves the length of the buffer.
 struct SourceAnswer {
   explicit SourceAnswer(IdentitySource source) {
     text[0] = '\0';

@@ -3,15 +3,12 @@
 
 #include "sysinfo/identity/adapter_address.h"
 #include "sysinfo/identity/answer_text.h"
-#include "sysinfo/identity/hexadecimal.h"
 #include "sysinfo/identity/identity_cache.h"
 #include "sysinfo/identity/identity_registry.h"
-#include "sysinfo/identity/identity_result.h"
 #include "sysinfo/identity/identity_sources.h"
-#include "sysinfo/identity/identity_trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
 #include "sysinfo/identity/oem_information.h"
 #include "sysinfo/identity/operating_system.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -39,8 +36,8 @@ struct DeviceId {
 };
 static_assert(sizeof(DeviceId) == 20);
 
-// Each of the steps below writes what it finds, with a terminator, and gives an empty text where it
-// finds nothing.
+// Each step below writes what it finds to `serial`, with a terminator. It returns an empty text
+// where it finds nothing.
 std::string_view Keep(std::string_view text, SerialNumber& serial) {
   return Copy(serial, text) ? std::string_view(serial, text.size()) : std::string_view();
 }
@@ -49,11 +46,11 @@ bool ReadSerialParameter(WORD id, std::span<BYTE> answer, DWORD& bytes) {
   return PalReadNvParm(ParameterRequest(id), answer, bytes) && bytes > 0 && bytes < kParameterBytes;
 }
 
-// From Windows CE 5.2 on one leading zero is dropped, before that all of them. Of CE 6 and later
-// every version counts, of earlier ones the minor version alone.
+// From Windows CE 5.2 on one leading zero is dropped, before that all of them. Below CE 6 the minor
+// version alone decides: 4.2 counts as recent too.
 size_t ZerosToDrop(std::string_view digits) {
   OSVERSIONINFOW version;
-  static_cast<void>(ReadOsVersion(version));  // what cannot be read counts as old
+  static_cast<void>(ReadOsVersion(version));  // an unknown version counts as old
   size_t zeros = 0;
   while (zeros < digits.size() && digits[zeros] == '0') ++zeros;
   const bool is_recent = version.dwMajorVersion > 5 || version.dwMinorVersion >= 2;
@@ -71,7 +68,7 @@ std::string_view SerialOfRawBytes(std::span<const BYTE, kRawBytes> bytes, Serial
   return Keep(text, serial);
 }
 
-// A text that is there but empty is an answer too: the raw bytes are then not asked for.
+// An empty text parameter counts as read: the parameter with the raw bytes is then not asked.
 std::string_view SerialOfParameters(WideText oem, SerialNumber& serial) {
   BYTE answer[kParameterBytes] = {};
   DWORD bytes = 0;

@@ -1,4 +1,4 @@
-// Manufacturing options that come from the file datacoll.
+// The manufacturing options in the file datacoll.
 #include <array>
 #include <optional>
 #include <span>
@@ -45,15 +45,15 @@ HRESULT ReadDatacoll(std::span<BYTE> data, DWORD& bytes_read) {
 // read, with nothing read.
 HRESULT LoadCFGDatacoll(std::span<BYTE> data, DWORD& data_bytes) {
   kTrace.Info("Entry LoadCFGDatacoll, dwMaxDataSizeBytes:%d", static_cast<DWORD>(data.size()));
-  DWORD bytes_read = 0;
-  const HRESULT result = ReadDatacoll(data, bytes_read);
-  data_bytes = bytes_read;
+  data_bytes = 0;
+  const HRESULT result = ReadDatacoll(data, data_bytes);
   kTrace.Info("Exit LoadCFGDatacoll, hr:0x%x, dwBytesRead:%d, *pdwDataSizeBytes:%d", result,
-              bytes_read, data_bytes);
+              data_bytes, data_bytes);
   return result;
 }
 
-// One byte of the file: 0 where the file cannot be loaded or is shorter. `data_bytes` is the size.
+// Reads one byte of the file: 0 where the file cannot be loaded or has no such byte. `data_bytes`
+// receives the file's size.
 HRESULT LoadDatacollByte(DWORD offset, DWORD& value, DWORD& data_bytes) {
   Datacoll data;
   const HRESULT result = LoadCFGDatacoll(data, data_bytes);

@@ -13,16 +13,13 @@
 
 namespace pal {
 
-inline constexpr DWORD kUnknownDeviceCode = 254;
-inline constexpr DWORD kNoDevice = 255;
-
 struct DeviceCode {
   BYTE code;
   DWORD device_type;  // the row of kDeviceNames
   WideText name;      // of that row; empty where the type has none
 };
 
-// The codes 0x05 and 0x06 share one type on purpose.
+// The codes 0x05 and 0x06 stand for one type.
 inline constexpr auto kDeviceCodes = std::to_array<DeviceCode>({
     {0x00, kNoDevice, {}},
     {0x01, 11, TEXT("ENG38")},

@@ -10,8 +10,8 @@
 
 namespace pal {
 
-// Rows 46 and 47 carry the same name on purpose: two device types share one registry key. The
-// device types 54 to 56 have no name.
+// Rows 46 and 47 have one name: the two device types share a registry key. The device types 54 to
+// 56 have no name.
 inline constexpr auto kDeviceNames = std::to_array<WideText>({
     TEXT("None"),       TEXT("ENG47"), TEXT("ENG46"),         TEXT("ENG45"),
     TEXT("ENG44"),      TEXT("ASCII"), TEXT("ENG43"),         TEXT("ENG42"),
@@ -30,6 +30,10 @@ inline constexpr auto kDeviceNames = std::to_array<WideText>({
 });
 static_assert(kDeviceNames.size() == 54);
 static_assert(kDeviceNames[46] == kDeviceNames[47]);
+
+// The two internal device types that are no rows of the table.
+inline constexpr DWORD kUnknownDeviceCode = 254;  // the code that was read stands for no type
+inline constexpr DWORD kNoDevice = 255;
 
 }  // namespace pal
 

@@ -50,8 +50,8 @@ HRESULT OpenOrCreateStore(DWORD access, UniqueFile& store) {
   return HResultFromWin32(error);
 }
 
-// `store` holds the file on success and nothing otherwise. Where a new file was made, it stands
-// behind the bytes that were written to it.
+// `store` holds the file on success and nothing otherwise. The position in a new file is behind the
+// bytes that were written.
 HRESULT PALMFGOpt_OpenDPMCStore(DWORD access, UniqueFile& store) {
   const HRESULT result = OpenOrCreateStore(access, store);
   kTrace.Info("PALMFGOpt_OpenDPMCStore. hr: 0x%x, hFile:0x%x", result, store.get());

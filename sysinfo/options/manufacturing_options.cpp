@@ -1,6 +1,4 @@
-// Manufacturing options that come from non-volatile parameters and from policies.
-#include "sysinfo/options/manufacturing_options.h"
-
+// The manufacturing options in non-volatile parameters and policies.
 #include <array>
 #include <bit>
 #include <optional>
@@ -9,7 +7,8 @@
 #include "frame/registry.h"
 #include "frame/result.h"
 #include "frame/trace.h"
-#include "sysinfo/identity/nonvolatile_parameters.h"
+#include "include/palmfgopt.h"
+#include "sysinfo/internal.h"
 #include "sysinfo/options/device_codes.h"
 
 namespace pal {
@@ -17,7 +16,7 @@ namespace {
 
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
-// Requests: the parameter's id, in as many bytes as the kernel wants for it.
+// The requests: the parameter's id, in the number of bytes that the kernel expects.
 constexpr std::array<BYTE, 4> kInternalDeviceCode{0x1A};
 constexpr std::array<BYTE, 4> kDataCollectionFlags{0x1B};
 constexpr std::array<BYTE, 2> kAitBit{0xD7};
@@ -26,7 +25,7 @@ constexpr DWORD kDeviceCodeMask = 0x7F;
 constexpr DWORD kFallbackDeviceType = 34;
 static_assert(kDeviceNames[kFallbackDeviceType] == WideText(TEXT("ENG17")));
 
-// Nothing where the read fails. Bytes that the parameter does not bring are 0.
+// Nothing where the read fails. Bytes that the parameter does not have are 0.
 std::optional<DWORD> ReadParameter(std::span<const BYTE> request) {
   std::array<BYTE, sizeof(DWORD)> value{};
   DWORD bytes_returned = 0;
@@ -111,7 +110,7 @@ HRESULT PALAPI PALMFGOpt_IsDataCollectionContentEnabled(DWORD* enabled) {
 HRESULT PALAPI PALMFGOpt_IsBluetoothModuleInstalled(DWORD* installed) {
   if (installed == nullptr) return E_FAIL;
   *installed = 1;
-  if (PALMFGOpt_IsDisabledByPolicy(TEXT("Bluetooth")) == pal::kPolicyDisabled) {
+  if (PALMFGOpt_IsDisabledByPolicy(TEXT("Bluetooth")) == PAL_MFGOPT_S_DISABLED) {
     pal::kTrace.Info("PALMFGOpt_IsBluetoothModuleInstalled. BT is Disabled");
     *installed = 0;
   }

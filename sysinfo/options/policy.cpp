@@ -1,14 +1,14 @@
 // Policies: for each feature a key that says where its switch stands.
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <span>
 
 #include "frame/registry.h"
 #include "frame/result.h"
 #include "frame/text.h"
 #include "frame/trace.h"
-#include "sysinfo/options/manufacturing_options.h"
+#include "include/palmfgopt.h"
+#include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
@@ -16,28 +16,20 @@ namespace {
 constexpr TraceSource kTrace{Facility::kConfigStore};
 
 constexpr size_t kMaxPathUnits = 260;
-// One unit more than the largest text that is read, so that one without a null is ended too.
 using PolicyText = WCHAR[kMaxPathUnits + 1];
 
 // False for a value of another type, an empty text, and one of more than 520 bytes.
-bool ReadPolicyText(HKEY key, const WCHAR* name, PolicyText& text) {
-  DWORD type = REG_NONE;
-  DWORD bytes = kMaxPathUnits * sizeof(WCHAR);
-  const LONG error =
-      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &bytes);
-  if (error != ERROR_SUCCESS || type != REG_SZ) return false;
-  text[bytes / sizeof(WCHAR)] = WCHAR{};  // an odd byte is no unit
-  return text[0] != WCHAR{};
+bool ReadPolicyText(const UniqueRegistryKey& key, const WCHAR* name, PolicyText& text) {
+  StoredValue stored;
+  return ReadText(key, name, text, &stored) == ERROR_SUCCESS && stored.type == REG_SZ &&
+         text[0] != WCHAR{};
 }
 
-std::optional<DWORD> ReadPolicyNumber(HKEY key, const WCHAR* name) {
-  DWORD value = 0;
-  DWORD type = REG_NONE;
-  DWORD bytes = sizeof(value);
-  const LONG error =
-      RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &bytes);
-  if (error != ERROR_SUCCESS || type != REG_DWORD || bytes == 0) return std::nullopt;
-  return value;
+// False for a value of another type, and one of 0 bytes.
+bool ReadState(const UniqueRegistryKey& key, const WCHAR* name, DWORD& state) {
+  StoredValue stored;
+  return ReadNumber(key, name, state, &stored) == ERROR_SUCCESS && stored.type == REG_DWORD &&
+         stored.bytes != 0;
 }
 
 LONG OpenForReading(const WCHAR* path, UniqueRegistryKey& key) {
@@ -67,7 +59,7 @@ bool OpenFeature(const WCHAR* feature, std::span<WCHAR> path, UniqueRegistryKey&
 
 HRESULT ResultOf(DWORD state) {
   if (state > 1) return PAL_MFGOPT_E_VALUE_INVALID;
-  return state == 0 ? kPolicyEnabled : kPolicyDisabled;
+  return state == 0 ? PAL_MFGOPT_S_ENABLED : PAL_MFGOPT_S_DISABLED;
 }
 
 }  // namespace
@@ -83,7 +75,7 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   if (!pal::OpenFeature(feature, feature_path, feature_key)) return PAL_MFGOPT_E_NO_SUCH_FEATURE;
 
   pal::PolicyText text;
-  if (!pal::ReadPolicyText(feature_key.get(), TEXT("PolicyLocation"), text)) {
+  if (!pal::ReadPolicyText(feature_key, TEXT("PolicyLocation"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy loc indirect key: %ls",
                       feature_path);
     return PAL_MFGOPT_E_LOCATION_UNREADABLE;
@@ -91,17 +83,17 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature) {
   pal::UniqueRegistryKey state_key;
   if (pal::OpenForReading(text, state_key) != ERROR_SUCCESS) {
     pal::kTrace.Info("IsDisabledByPolicy - Tavi key nonexistant.  Assume enabled");
-    return pal::kPolicyEnabled;
+    return PAL_MFGOPT_S_ENABLED;
   }
-  if (!pal::ReadPolicyText(feature_key.get(), TEXT("PolicyKey"), text)) {
+  if (!pal::ReadPolicyText(feature_key, TEXT("PolicyKey"), text)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy indirect keyname");
     return PAL_MFGOPT_E_VALUE_UNREADABLE;
   }
-  const std::optional<DWORD> state = pal::ReadPolicyNumber(state_key.get(), text);
-  if (!state) {
+  DWORD state = 0;
+  if (!pal::ReadState(state_key, text, state)) {
     pal::kTrace.Error("IsDisabledByPolicy - Err Reading policy state keyvalue");
     return PAL_MFGOPT_E_VALUE_UNREADABLE;
   }
-  pal::kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", *state);
-  return pal::ResultOf(*state);
+  pal::kTrace.Info("IsDisabledByPolicy - Disabled keyvalue state:%d", state);
+  return pal::ResultOf(state);
 }

@@ -370,4 +370,32 @@ TEST(CapabilityDescription, IsRefusedWithItsLine) {
   }
 }
 
+TEST_F(Capabilities, LongNamesAreUnknownToBothForms) {
+  for (const std::size_t length : {127u, 128u}) {
+    const std::string name(length, 'y');
+    device.registry().SetDword(kPlugins, name, 1);
+    EXPECT_EQ(Installed(name), length < 128 ? 1u : 0u);
+    EXPECT_EQ(Enabled(name), 0u);
+  }
+}
+
+TEST_F(Capabilities, ProbesWithoutEntryLinesTraceTheirFailures) {
+  const std::string bluetooth = "0xC40F0000 PalSysinfo_IsBluetoothInstalled - ERROR ";
+  EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);
+  device.files().Write("\\ConfigStore\\BMN0", "x");
+  device.PlanFault({.call = "ReadFile", .error = 5});
+  EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);
+  EXPECT_EQ(exports.PalSysinfo_IsAccelInstalled(), 2u);
+  EXPECT_EQ(CategorisedLines(),
+            (Lines{bluetooth + "CreateFile(). win32err: 0x2\\r\\n",
+                   bluetooth + "ReadFile(). win32err: 0x5\\r\\n",
+                   "0xC40F0000 PalSysinfo_IsAccelInstalled - ERROR CreateFile(). "
+                   "win32err: 0x37\\r\\n"}));
+  device.journal().Clear();
+  EXPECT_EQ(exports.PALDevCap_GetDevCapsA("Vibrate"), 2u);
+  EXPECT_EQ(CategorisedLines().back(),
+            "0xC40F0000 PalSysinfo_IsVibrateInstalled - ERROR PALVIBIsInstalled(). "
+            "hr: 0x80004005\\r\\n");
+}
+
 }  // namespace

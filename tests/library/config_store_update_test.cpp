@@ -130,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "\xBB\xAC"
                  "K:V\0"
                  "G1 21G\0\xFF"sv,
-                 {"K \"V\"=hex:00,00,01"},
+                 {"K \"V\"=hex:00,02,01"},
                  {}},
         FileCase{"each root",
                  "\xBB\xAB"
@@ -499,6 +499,13 @@ TEST_F(DamagedConfigStore, RandomMarkersAndTexts) {
     for (char& byte : file) byte = kAlphabet[random() % kAlphabet.size()];
     CheckDamaged(file);
   }
+}
+
+// Blanks and a sign may stand in a pair in front of its digits.
+TEST_F(ConfigStoreUpdate, ReadsPairsOfDigitsAsStrtoulDoes) {
+  EXPECT_EQ(Update("\xBB\xAC"
+                   "K:V\0 5\t6+7-85x0x-\0\xFF"sv),
+            std::vector<std::string>{std::string(kBase) + "K \"V\"=hex:05,06,07,f8,05,00,00"});
 }
 
 }  // namespace

@@ -334,4 +334,12 @@ TEST_F(RegistryFiles, GoesOnWithoutWhatItCanDoWithout) {
   }
 }
 
+TEST_F(RegistryFiles, ASizeThatCannotBeReadIsAnError) {
+  device.PlanFault({.call = "GetFileSize"});
+  EXPECT_EQ(Load(u"stack.reg"), S_OK);
+  EXPECT_EQ(Stored("stack.reg"), 0u);
+  const Lines lines = CategorisedLines();
+  EXPECT_EQ(std::ranges::count(lines, "0xC45E0000 PALInitChecksumFile - -1=GetFileSize()"), 1);
+}
+
 }  // namespace

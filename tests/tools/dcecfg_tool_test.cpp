@@ -287,4 +287,25 @@ TEST(DcecfgTool, RefusesWhatTheDeviceRefuses) {
   }
 }
 
+// The device takes -1 for a number of one byte, and then reads this byte again.
+TEST(DcecfgTool, DumpShowsANumberOfOneByteAsTheDeviceTakesIt) {
+  const Bytes literal{0xBB, 0xAB, 'A', ':', 'B', 0, 0xFF};
+  EXPECT_EQ(dcecfg::Dump(literal),
+            "direct {\n"
+            "  bytes AB 41 3A 42 00  # dword \"A:B\" -1: the number has one byte only\n"
+            "}\n");
+  EXPECT_EQ(dcecfg::Check(literal).values, 1u);
+  ExpectRoundTrip(literal);
+
+  Bytes indexed{0xBB};
+  for (unsigned entry = 0; entry < 256; ++entry) indexed.insert(indexed.end(), {0, 5, 0});
+  indexed.insert(indexed.end(), {1, 0xFF});
+  const std::string text = dcecfg::Dump(indexed);
+  EXPECT_TRUE(text.starts_with("oversized ")) << "the 257th value counts too";
+  EXPECT_NE(text.find("  bytes 01  # indexed 1 -1: the number has one byte only\n}\n"),
+            std::string::npos)
+      << text;
+  ExpectRoundTrip(indexed);
+}
+
 }  // namespace

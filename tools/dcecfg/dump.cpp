@@ -20,6 +20,7 @@ struct Entry {
   std::size_t size = 0;
   std::string text;
   std::string comment;
+  bool is_value = !text.empty();  // the device writes it to the registry
 };
 
 // The parts of one entry, one after the other; each is nothing where the data end in it.
@@ -28,9 +29,10 @@ class EntryReader {
   explicit EntryReader(Bytes data) : data_(data) {}
 
   [[nodiscard]] std::size_t size() const { return at_; }
+  [[nodiscard]] bool ended() const { return at_ == data_.size(); }
 
   std::optional<BYTE> Byte() {
-    if (at_ == data_.size()) return std::nullopt;
+    if (ended()) return std::nullopt;
     return data_[at_++];
   }
 
@@ -66,6 +68,16 @@ Entry Faulty(const EntryReader& reader, const Fault& fault) {
   return {reader.size(), "", *fault};
 }
 
+// With one byte left for the number, the device takes -1 and reads the byte again behind the entry.
+// No statement makes such bytes.
+Entry NumberEntry(EntryReader& reader, const std::string& statement, const std::string& comment) {
+  if (const auto number = reader.Dword()) {
+    return {reader.size(), fmt::format("{} {}", statement, *number), comment};
+  }
+  if (reader.ended()) return Cut(reader);
+  return {reader.size(), "", statement + " -1: the number has one byte only", true};
+}
+
 Entry IndexedEntry(Bytes data) {
   EntryReader reader(data);
   const BYTE index = *reader.Byte();
@@ -74,16 +86,12 @@ Entry IndexedEntry(Bytes data) {
     reader.Byte();
     return {reader.size(), "", fmt::format("no key has index {}", index)};
   }
-  const auto number = reader.Dword();
-  if (!number) return Cut(reader);
-  return {reader.size(), fmt::format("indexed {} {}", index, *number), Escape(*name)};
+  return NumberEntry(reader, fmt::format("indexed {}", index), Escape(*name));
 }
 
 Entry DwordEntry(EntryReader& reader, const std::string& key, const Fault& key_fault) {
-  const auto number = reader.Dword();
-  if (!number) return Cut(reader);
-  if (key_fault) return Faulty(reader, key_fault);
-  return {reader.size(), fmt::format("dword {} {}", Quote(key), *number), ""};
+  Entry entry = NumberEntry(reader, fmt::format("dword {}", Quote(key)), "");
+  return key_fault && entry.is_value ? Faulty(reader, key_fault) : entry;
 }
 
 Entry DirectEntry(Bytes data) {
@@ -210,10 +218,10 @@ class Dumper {
   }
 
   void Put(const Entry& entry) {
+    if (entry.is_value) ++values_;
     if (entry.text.empty()) {
       PutBytes(rest_.first(entry.size), entry.comment);
     } else {
-      ++values_;
       Line(entry.text, entry.comment);
     }
     rest_ = rest_.subspan(entry.size);
