@@ -12,7 +12,6 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kBufferOverflow = 111;
 constexpr UINT kEthernet = 6;
 constexpr std::string_view kUsbAdapter = "RNDISFN1";
 constexpr size_t kAddressBytes = 6;
@@ -52,7 +51,7 @@ std::array<char, 12> AdapterAddress() {
   if (const std::string_view cached = cache.Read(copy); !cached.empty()) return CopyOf(cached);
   AddressText text = CopyOf(kNoAddress);
   ULONG bytes = 0;
-  if (GetAdaptersInfo(nullptr, &bytes) != kBufferOverflow) return text;
+  if (GetAdaptersInfo(nullptr, &bytes) != ERROR_BUFFER_OVERFLOW) return text;
   if (bytes < sizeof(IP_ADAPTER_INFO)) return text;
   const std::unique_ptr<BYTE[]> list(new (std::nothrow_t{}) BYTE[bytes]);
   if (list == nullptr) return text;

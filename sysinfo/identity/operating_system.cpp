@@ -12,10 +12,8 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kWindowsCe = 3;  // VER_PLATFORM_WIN32_CE
-
 bool ReadWindowsCeVersion(OSVERSIONINFOW& version) {
-  return ReadOsVersion(version) && version.dwPlatformId == kWindowsCe;
+  return ReadOsVersion(version) && version.dwPlatformId == VER_PLATFORM_WIN32_CE;
 }
 
 bool IsPocketPc(WideText platform_type) {
