@@ -53,6 +53,7 @@ sim::Device& Prepared(sim::Device& device) {
   sim::LoadDevice(device, PROJECT_DIR "/devices/rm21");
   device.InstallModule(QuietEventLog());
   device.InstallModule(Provider());
+  device.set_library_path(R"(\Program Files\Dravonel\DVLPAL.dll)");  // not the provider's name
   return device;
 }
 
