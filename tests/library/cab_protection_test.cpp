@@ -31,8 +31,9 @@ std::string NotRead(const std::string& class_name, int error) {
   return "0xC4460000 Failed to get HKEY_CLASSES_ROOT\\" + class_name +
          "\\Shell\\Open\\Command default value. dwRet = " + std::to_string(error);
 }
-std::string NotWritten(const std::string& class_name, int error) {
-  return "0xC4460000 Error writing cabchck.exe to HKEY_CLASSES_ROOT\\" + class_name +
+std::string NotWritten(const std::string& class_name, int error,
+                       const std::string& command = "cabchck.exe") {
+  return "0xC4460000 Error writing " + command + " to HKEY_CLASSES_ROOT\\" + class_name +
          "\\Shell\\Open\\Command. dwRet = " + std::to_string(error);
 }
 
@@ -194,6 +195,14 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
     EXPECT_EQ(Get(kCab), good) << test.line;
     EXPECT_EQ(CategorisedLines(), Lines{test.line});
   }
+}
+
+TEST_F(CabProtection, TracesACommandWithoutItsTerminatorUpToItsEnd) {
+  const std::string longest(249, 'x');  // 512 bytes
+  Put(kSkin, Units("wceload" + longest));
+  device.PlanFault({.call = "RegSetValueExW", .error = 5});
+  EXPECT_EQ(Set(1), PAL_E_ACCESS_DENIED);
+  EXPECT_EQ(CategorisedLines(), Lines{NotWritten("tdyskin", 5, "cabchck" + longest)});
 }
 
 TEST_F(CabProtection, IsNotSwitchedWithoutCommands) {
