@@ -48,7 +48,7 @@ LONG DeleteFirstLeaf(HKEY root, const WCHAR* path) {
 void DeleteRegistryTree(HKEY root, const WCHAR* path) {
   LONG error = ERROR_SUCCESS;
   while (error == ERROR_SUCCESS) error = DeleteFirstLeaf(root, path);
-  if (error == ERROR_NO_MORE_ITEMS) RegDeleteKeyW(root, path);
+  if (error == ERROR_NO_MORE_ITEMS) RegDeleteKeyW(root, WithoutLeadingBackslash(path));
 }
 
 }  // namespace pal

@@ -14,6 +14,13 @@ namespace pal {
 // HKEY_LOCAL_MACHINE for any other name, and for null.
 [[nodiscard]] HKEY PALRegRootFromName(const char* name);
 
+// A key's path as the platform's calls take it: without a backslash at its beginning. Some paths of
+// the library have one in their trace lines, and so may those that come from files and values.
+[[nodiscard]] inline const WCHAR* WithoutLeadingBackslash(const WCHAR* path) {
+  while (*path == TEXT('\\')) ++path;
+  return path;
+}
+
 // The functions that take a key, or give one, return the system error of the call: ERROR_SUCCESS
 // where it is done. None of them traces.
 
@@ -21,7 +28,7 @@ namespace pal {
 [[nodiscard]] inline LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
                                           UniqueRegistryKey& key) {
   HKEY opened = nullptr;
-  const LONG error = RegOpenKeyExW(root, path, 0, access, &opened);
+  const LONG error = RegOpenKeyExW(root, WithoutLeadingBackslash(path), 0, access, &opened);
   key.Reset(error == ERROR_SUCCESS ? opened : nullptr);
   return error;
 }
@@ -30,7 +37,8 @@ namespace pal {
 [[nodiscard]] inline LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
   HKEY created = nullptr;
   DWORD disposition = 0;
-  const LONG error = RegCreateKeyExW(root, path, 0, nullptr, 0, 0, nullptr, &created, &disposition);
+  const LONG error = RegCreateKeyExW(root, WithoutLeadingBackslash(path), 0, nullptr, 0, 0, nullptr,
+                                     &created, &disposition);
   key.Reset(error == ERROR_SUCCESS ? created : nullptr);
   return error;
 }

@@ -34,15 +34,14 @@ HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled);
 /**
  * Has a password asked for before a CAB package is installed, or not: replaces the first seven
  * characters of the two open commands by "cabchck" or "wceload". What follows them stays, and so do
- * type and size of the value.
+ * type and size of the value, also of a command that is stored without its terminator.
  *
  * The second key, "cabfile\Shell\Open\Command", is left alone where the first fails.
  *
  * @param enable  1: ask. Any other number: do not ask.
  *
  * @retval S_OK        both commands are written
- * @retval E_FAIL      a command has fewer than seven characters or is not terminated; it is left as
- *                     it is
+ * @retval E_FAIL      a command has fewer than seven characters; it is left as it is
  * @retval PAL_E_WIN32(error)  the error of opening, reading or writing a key: PAL_E_FILE_NOT_FOUND
  * where the key or its unnamed value is missing, PAL_E_MORE_DATA where the command has more than
  * 512 bytes; the command is left as it is

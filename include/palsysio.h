@@ -9,8 +9,11 @@
  * each service here looks up the provider's export of the same name and keeps what it found until
  * the process ends, be it that there is none. The provider is never freed.
  *
- * Only one copy of this library may be installed: a second one in another folder would be taken for
- * the provider, and the two would forward to each other without end.
+ * The platform tells the libraries of a process apart by their file name without extension,
+ * whatever their folder. A process that has this library loaded as "DVLORQPAL.dll" gets this
+ * library again from every path of that name, and the services answer as with a missing provider.
+ * Where they are needed, the installer installs this library under another file name, beside the
+ * provider, and the programs load it by that name.
  *
  * The functions here may be called from any thread of any process. They take no lock and add no
  * rule of their own to those of the provider. Only the loading and a missing export are traced,

@@ -30,15 +30,12 @@
 #define WINAPI
 
 using ULONG = uint32_t;
-using UCHAR = BYTE;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using LPDWORD = DWORD*;
 using LPBYTE = BYTE*;
 using LPWSTR = WCHAR*;
 using LPCWSTR = const WCHAR*;
-using LPSTR = char*;
-using LPCSTR = const char*;
 
 using HANDLE = void*;
 using HINSTANCE = struct HINSTANCE__*;
@@ -67,6 +64,7 @@ constexpr LONG ERROR_PATH_NOT_FOUND = 3;
 constexpr LONG ERROR_ACCESS_DENIED = 5;
 constexpr LONG ERROR_INVALID_HANDLE = 6;
 constexpr LONG ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr LONG ERROR_INVALID_DATA = 13;
 constexpr LONG ERROR_GEN_FAILURE = 31;
 constexpr LONG ERROR_SHARING_VIOLATION = 32;
 constexpr LONG ERROR_DEV_NOT_EXIST = 55;
@@ -113,7 +111,6 @@ constexpr DWORD REG_DWORD = 4;
 constexpr DWORD REG_MULTI_SZ = 7;
 constexpr REGSAM KEY_QUERY_VALUE = 0x0001;
 constexpr REGSAM KEY_SET_VALUE = 0x0002;
-constexpr REGSAM KEY_ENUMERATE_SUB_KEYS = 0x0008;
 constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 
 constexpr DWORD DLL_PROCESS_DETACH = 0;
@@ -125,6 +122,8 @@ constexpr DWORD EVENT_PULSE = 1;
 constexpr DWORD EVENT_RESET = 2;
 constexpr DWORD EVENT_SET = 3;
 
+constexpr DWORD VER_PLATFORM_WIN32_CE = 3;
+
 constexpr DWORD POWER_STATE_RESET = 0x00800000;
 constexpr DWORD POWER_FORCE = 0x00001000;
 
@@ -132,9 +131,7 @@ constexpr DWORD VER_PLATFORM_WIN32_CE = 3;
 constexpr UINT SPI_GETPLATFORMTYPE = 257;
 constexpr UINT SPI_GETOEMINFO = 258;
 
-constexpr DWORD SND_SYNC = 0x00000000;
 constexpr DWORD SND_ASYNC = 0x00000001;
-constexpr DWORD SND_NODEFAULT = 0x00000002;
 constexpr DWORD SND_LOOP = 0x00000008;
 constexpr DWORD SND_FILENAME = 0x00020000;
 
@@ -142,7 +139,6 @@ constexpr UINT NLED_SUPPORTS_INFO_ID = 1;
 constexpr UINT NLED_SETTINGS_INFO_ID = 2;
 
 constexpr DWORD DM_DISPLAYORIENTATION = 0x00800000;
-constexpr DWORD DM_DISPLAYQUERYORIENTATION = 0x01000000;
 constexpr DWORD DMDO_0 = 0;
 constexpr DWORD DMDO_90 = 1;
 constexpr DWORD DMDO_180 = 2;

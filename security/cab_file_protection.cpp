@@ -25,7 +25,6 @@ constexpr WideText kInstaller = TEXT("wceload");
 static_assert(kChecker.size() == kProgramLength && kInstaller.size() == kProgramLength);
 
 constexpr DWORD kMaxCommandBytes = 512;
-constexpr LONG kErrorInvalidData = 13;  // ERROR_INVALID_DATA
 
 void TraceReadFailure(const WCHAR* path, LONG error) {
   kTrace.Error("Failed to get HKEY_CLASSES_ROOT\\%ls default value. dwRet = %u", path, error);
@@ -42,7 +41,7 @@ class OpenCommand {
   [[nodiscard]] bool AsksForPassword() const {
     return _wcsnicmp(text_.data(), kChecker.data(), kProgramLength) == 0;
   }
-  // False, and nothing changes, where the command holds no whole program name or does not end.
+  // False, and nothing changes, where the command is shorter than a program's name.
   [[nodiscard]] bool SetProgram(WideText program);
 
  private:
@@ -50,7 +49,8 @@ class OpenCommand {
   UniqueRegistryKey key_;
   DWORD type_ = REG_NONE;
   DWORD bytes_ = 0;
-  std::array<WCHAR, kMaxCommandBytes / sizeof(WCHAR)> text_{};
+  // With room for the end of a command that is stored without one.
+  std::array<WCHAR, kMaxCommandBytes / sizeof(WCHAR) + 1> text_{};
 };
 
 LONG OpenCommand::Read(REGSAM access) {
@@ -69,9 +69,8 @@ LONG OpenCommand::Read(REGSAM access) {
 
 bool OpenCommand::SetProgram(WideText program) {
   const std::span<WCHAR> stored = std::span(text_).first(bytes_ / sizeof(WCHAR));
-  const size_t length = Length<WCHAR>(stored);
-  if (length < kProgramLength || length == stored.size()) {
-    TraceReadFailure(path_, kErrorInvalidData);
+  if (Length<WCHAR>(stored) < kProgramLength) {
+    TraceReadFailure(path_, ERROR_INVALID_DATA);
     return false;
   }
   std::copy(program.begin(), program.end(), stored.begin());

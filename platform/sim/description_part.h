@@ -72,8 +72,8 @@ class Part {
   toml::table table_;
 };
 
-// A table of the author's part, by its key: [modules] and those that describe hardware. Each reader
-// stands in a file of its own family.
+// What the author's part holds under one key: the path of the library, [modules], and the tables
+// that describe hardware. The reader of each table stands in a file of its own family.
 struct DescriptionSection {
   std::string_view key;
   void (*read)(const Part& part, const toml::node& node, Device& device);

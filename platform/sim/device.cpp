@@ -84,6 +84,7 @@ void Device::CopyFrom(const Device& other) {
   kernel_->hardware = other.kernel_->hardware;
   for (auto& driver : kernel_->hardware.drivers) driver = driver->Clone();
   kernel_->modules = other.kernel_->modules;
+  kernel_->library_path = other.kernel_->library_path;
   kernel_->programs = other.kernel_->programs;
 }
 
@@ -153,6 +154,11 @@ void Device::RemoveModule(std::string_view name) {
 std::vector<Module> Device::modules() const {
   const Scheduler::Lock lock(kernel_->mutex);
   return kernel_->modules;
+}
+
+void Device::set_library_path(std::string path) {
+  const Scheduler::Lock lock(kernel_->mutex);
+  kernel_->library_path = std::move(path);
 }
 
 void Device::InstallProgram(Program program) {

@@ -60,6 +60,9 @@ struct Fault {
   std::optional<std::uint32_t> transfers{};
 };
 
+// Where the library lies on a new device.
+inline constexpr std::string_view kLibraryPath = "\\Program Files\\Dravonel\\DVLORQPAL.dll";
+
 enum class RestartKind : std::uint8_t { kWarm, kCold };
 
 // "restart, warm", as it stands in the journal.
@@ -153,15 +156,17 @@ class Device {
   // Called with the bytes of each heap block that a library frees, just before it is gone.
   void set_on_free(std::function<void(std::string_view bytes)> on_free);
 
-  // Libraries that LoadLibraryW finds: by name those in \Windows, by path those of any folder. A
-  // new device has "coredll.dll", with its entry "AudioUpdateFromRegistry", "DVLEventLog.dll",
-  // which puts its lines into the journal, and "DVLORQPAL.dll", which does the services that the
-  // library of the same name passes on to it. That library itself lies in
-  // "\Program Files\Dravonel"; a process has it loaded, so that where \Windows has none of that
-  // name, loading by name gives it once more.
+  // Libraries that LoadLibraryW finds: by name those in \Windows, by path those of any folder. The
+  // platform tells the libraries of a process apart by their file name without extension: once one
+  // is loaded, every path with this file name gives it again. A new device has "coredll.dll", with
+  // its entry "AudioUpdateFromRegistry", "DVLEventLog.dll", which puts its lines into the journal,
+  // and "DVLORQPAL.dll", the provider, which does the services that the library passes on.
   void InstallModule(Module module);         // in place of one with the same path
   void RemoveModule(std::string_view name);  // in whatever folder
   [[nodiscard]] std::vector<Module> modules() const;
+  // Where the library lies that every process is made with, from the next process on. It begins as
+  // kLibraryPath, whose file name is the provider's too: a process then cannot load the provider.
+  void set_library_path(std::string path);
 
   // Adds a program, in place of one with the same path. A new device has the registry importer,
   // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
@@ -201,7 +206,8 @@ class Thread {
 // has freed it.
 class Process {
  public:
-  // `name` is that of the program's file, in "\Program Files", or its path.
+  // `name` is that of the program's file, in "\Program Files", or its path. Throws std::logic_error
+  // where the device has 32 processes already, which is the platform's most.
   // `library` is a build of the library; empty: the one that was built with the simulator.
   explicit Process(Device& device, const std::string& name = "caller.exe",
                    std::filesystem::path library = {});

@@ -18,8 +18,19 @@ namespace fs = std::filesystem;
 constexpr std::string_view kMarker = "# Kept by the simulator";
 constexpr std::string_view kMarkerLine = "# Kept by the simulator: do not edit below.\n";
 
+void ReadLibrary(const Part& part, const toml::node& node, Device& device) {
+  constexpr std::string_view kExpected =
+      R"(a path from the root: library = '\Windows\library.dll')";
+  const std::string& path = part.As<toml::value<std::string>>(node, kExpected).get();
+  if (!path.starts_with('\\') || path.ends_with('\\') || !FileSystem::IsPathAllowed(path)) {
+    part.Fail(node.source(), fmt::format("expected {}", kExpected));
+  }
+  device.set_library_path(path);
+}
+
 constexpr std::array kSections{
     DescriptionSection{"modules", &ReadModules},
+    DescriptionSection{"library", &ReadLibrary},
     DescriptionSection{"configuration_driver", &ReadConfigurationDriver},
     DescriptionSection{"display", &ReadDisplay},
     DescriptionSection{"one_wire", &ReadOneWire},

@@ -31,8 +31,9 @@ std::string NotRead(const std::string& class_name, int error) {
   return "0xC4460000 Failed to get HKEY_CLASSES_ROOT\\" + class_name +
          "\\Shell\\Open\\Command default value. dwRet = " + std::to_string(error);
 }
-std::string NotWritten(const std::string& class_name, int error) {
-  return "0xC4460000 Error writing cabchck.exe to HKEY_CLASSES_ROOT\\" + class_name +
+std::string NotWritten(const std::string& class_name, int error,
+                       const std::string& command = "cabchck.exe") {
+  return "0xC4460000 Error writing " + command + " to HKEY_CLASSES_ROOT\\" + class_name +
          "\\Shell\\Open\\Command. dwRet = " + std::to_string(error);
 }
 
@@ -121,6 +122,9 @@ TEST_F(CabProtection, KeepsTypeAndSizeOfTheCommand) {
            Case{Command("explore.exe"), Command("cabchck.exe"), REG_EXPAND_SZ},
            Case{odd, odd_after, REG_BINARY},
            Case{Command("wceload" + longest), Command("cabchck" + longest), REG_SZ},
+           // not terminated within their size, of the least and the largest that is read
+           Case{Units("wceload"), Units("cabchck"), REG_SZ},
+           Case{Units("wceload " + longest), Units("cabchck " + longest), REG_SZ},
            Case{Units(std::string("wceload\0x", 9)), Units(std::string("cabchck\0x", 9)),
                 REG_MULTI_SZ},
        }) {
@@ -145,9 +149,7 @@ TEST_F(CabProtection, LeavesWhatItCannotSwitchAlone) {
   const Bytes good = Command("wceload.exe");
   for (const Case& test : {
            Case{{}, E_FAIL}, Case{Command(""), E_FAIL}, Case{Command("wceloa"), E_FAIL},
-           Case{Units("wceload"), E_FAIL},
-           Case{Units("wceload" + std::string(249, ' ')), E_FAIL},  // 512 bytes, no terminator
-           Case{{'w'}, E_FAIL},
+           Case{Units("wceloa"), E_FAIL}, Case{{'w'}, E_FAIL},
            Case{Command("wceload" + std::string(249, ' ')), PAL_E_MORE_DATA, 234},  // 514 bytes
        }) {
     device.journal().Clear();
@@ -193,6 +195,14 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
     EXPECT_EQ(Get(kCab), good) << test.line;
     EXPECT_EQ(CategorisedLines(), Lines{test.line});
   }
+}
+
+TEST_F(CabProtection, TracesACommandWithoutItsTerminatorUpToItsEnd) {
+  const std::string longest(249, 'x');  // 512 bytes
+  Put(kSkin, Units("wceload" + longest));
+  device.PlanFault({.call = "RegSetValueExW", .error = 5});
+  EXPECT_EQ(Set(1), PAL_E_ACCESS_DENIED);
+  EXPECT_EQ(CategorisedLines(), Lines{NotWritten("tdyskin", 5, "cabchck" + longest)});
 }
 
 TEST_F(CabProtection, IsNotSwitchedWithoutCommands) {

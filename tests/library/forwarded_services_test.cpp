@@ -12,6 +12,8 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr const char* kBeside = R"(\Program Files\DVLORQPAL.dll)";
+// Where an installer puts this library so that the provider can be loaded beside it.
+constexpr const char* kLibrary = R"(\Program Files\Dravonel\DVLPAL.dll)";
 
 // The one provider of a test, as its entries see it.
 struct Provider {
@@ -104,6 +106,7 @@ class ForwardedServices : public DeviceTest {
   ForwardedServices() {
     provider = {};
     device.RemoveModule("DVLORQPAL.dll");
+    device.set_library_path(kLibrary);
   }
   void Install(Entries entries = AllEntries(), const char* folder = "\\Windows") {
     device.InstallModule({"DVLORQPAL.dll", std::move(entries), folder});
@@ -199,13 +202,17 @@ TEST_F(ForwardedServices, TakeTheProviderBesideTheProgram) {
   Begin(process);
   provider.result = TRUE;
   EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), S_OK);
-  EXPECT_EQ(TraceLines(), (Lines{"Loading DVLORQPAL.dll,winerr:0x55,proc:0x2\\r\\n",
-                                 R"(Loading \Tools\Deep\DVLORQPAL.dll,winerr:0x55,proc:0x2\r\n)"}));
-  EXPECT_EQ(ProviderLoads(), Lines{R"(\Tools\Deep\DVLORQPAL.dll loaded)"});
+  EXPECT_EQ(TraceLines(), (Lines{"Loading DVLORQPAL.dll,winerr:0x7e,proc:0x2\\r\\n",
+                                 R"(Loading \Tools\Deep\DVLORQPAL.dll,winerr:0x7e,proc:0x2\r\n)"}));
+  EXPECT_EQ(ProviderLoads(),
+            (Lines{"DVLORQPAL.dll not found", R"(\Tools\Deep\DVLORQPAL.dll loaded)"}));
 }
 
-TEST_F(ForwardedServices, AreMissingWhereOnlyThisLibraryBearsTheName) {
-  // Beside its own file the library is found twice, by name and by path.
+// The platform does not look at the folders of libraries: both loads give this library once more.
+TEST_F(ForwardedServices, AreMissingWhereThisLibraryHasTheProvidersName) {
+  Install();
+  Install(AllEntries(), R"(\Program Files\Dravonel)");
+  device.set_library_path(R"(\Tools\dvlorqpal.DLL)");
   sim::Process process(device, R"(\Program Files\Dravonel\caller.exe)");
   for (const AddressService& service : kAddressServices) {
     for (int call = 0; call < 2; ++call) {
@@ -225,10 +232,12 @@ TEST_F(ForwardedServices, AreMissingWhereOnlyThisLibraryBearsTheName) {
   EXPECT_EQ(TraceLines(R"(Loading \Program Files\Dravonel\DVLORQPAL.dll,)").size(), 7u);
   EXPECT_EQ(TraceLines("All PAL load attempts failed. proc:0x1\\r\\n").size(), 7u);
   EXPECT_EQ(device.calls("FreeLibrary"), 14u) << "every load of itself is given back";
+  EXPECT_EQ(ProviderLoads(), Lines{});
 }
 
 // However looking into it fails, what is loaded is known not to be a provider.
 TEST_F(ForwardedServices, NeverCallThemselves) {
+  device.set_library_path(std::string(sim::kLibraryPath));
   for (unsigned nth = 1; nth <= 4; ++nth) {
     sim::Process process(device);
     device.PlanFault({.call = "GetProcAddressW", .nth = nth, .error = 127});
@@ -308,7 +317,7 @@ TEST_F(ForwardedServices, GoOnWithoutTheProgramsPath) {
   sim::Process process(device);
   EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), E_FAIL);
   EXPECT_EQ(TraceLines("All PAL load attempts failed.").size(), 1u);
-  EXPECT_EQ(ProviderLoads(), Lines{}) << kBeside;
+  EXPECT_EQ(ProviderLoads(), Lines{"DVLORQPAL.dll not found"}) << kBeside;
 }
 
 }  // namespace

@@ -116,7 +116,8 @@ TEST_F(MutexHelpers, ApplyAudioSettingSaysWhatIsMissing) {
   device.InstallModule({"coredll.dll", {}});
   process.Run([&] { EXPECT_EQ(process->apply_audio_setting(), E_FAIL); });
   device.RemoveModule("coredll.dll");
-  process.Run([&] { EXPECT_EQ(process->apply_audio_setting(), E_FAIL); });
+  InternalsProcess newcomer(device);  // `process` has it loaded
+  newcomer.Run([&] { EXPECT_EQ(newcomer->apply_audio_setting(), E_FAIL); });
   EXPECT_EQ(
       CategorisedLines(),
       (std::vector<std::string>{

@@ -212,7 +212,7 @@ TEST_F(RegistryFiles, TreesAreClearedBeforeTheImporterStarts) {
                                              "SRRegComComponents",
                                              "VersionedFiles"};
   std::string deep = kBase + trees[5];
-  for (int level = 0; level < 200; ++level) deep += "\\level";
+  for (int level = 4; level <= 16; ++level) deep += "\\level";  // the deepest that there can be
   const auto make = [&] {
     for (const std::string& tree : trees) {
       device.registry().SetDword(kBase + tree + "\\a\\b", "n", 1);
@@ -241,6 +241,31 @@ TEST_F(RegistryFiles, TreesAreClearedBeforeTheImporterStarts) {
   device.PlanFault({.call = "RegDeleteKeyW", .nth = 2, .from_then_on = true});
   EXPECT_EQ(Load(u"stack.reg", 1), S_OK) << "it ends, and the import goes on";
   EXPECT_EQ(left.size(), trees.size());
+}
+
+TEST_F(RegistryFiles, AKeyThatIsOpenElsewhereEndsTheClearingOfItsTree) {
+  for (const char* key : {"Decodes\\a\\1", "Decodes\\b\\2", "Decodes\\c\\3", "Drivers\\d"}) {
+    device.registry().Create(std::string(kBase) + key);
+  }
+  const auto is_left = [&](const char* key) {
+    return device.registry().Find(std::string(kBase) + key) != nullptr;
+  };
+  sim::Process other(device, "other.exe");
+  HKEY held = nullptr;
+  other.Run([&] {
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\Decodes\\b"), 0, 0, &held);
+  });
+  EXPECT_EQ(Load(u"stack.reg", 1), S_OK) << "the import goes on";
+  EXPECT_FALSE(is_left("Decodes\\a"));
+  EXPECT_FALSE(is_left("Decodes\\b\\2")) << "what is below the open key goes first";
+  EXPECT_TRUE(is_left("Decodes\\b"));
+  EXPECT_TRUE(is_left("Decodes\\c\\3"));
+  EXPECT_FALSE(is_left("Drivers")) << "the other trees are cleared";
+
+  other.Run([&] { RegCloseKey(held); });
+  device.registry().RemoveTree(kStore);
+  EXPECT_EQ(Load(u"stack.reg", 1), S_OK);
+  EXPECT_FALSE(is_left("Decodes"));
 }
 
 TEST_F(RegistryFiles, AnImporterThatIsMissingOrSlowLeavesNoChecksum) {

@@ -83,6 +83,21 @@ TEST_F(RegistryHelpers, NeedAKeyThatExists) {
   EXPECT_EQ(device.registry().GetDword(kPath, "Value"), 7u);
 }
 
+// The platform forbids the backslash, and the simulated registry records it as misuse.
+TEST_F(RegistryHelpers, LeaveOutTheBackslashesThatAPathBeginsWith) {
+  device.registry().SetDword(kPath, "Value", 5);
+  process.Run([&] {
+    const HKEY root = HKEY_LOCAL_MACHINE;
+    EXPECT_EQ(process->get_dword(root, TEXT("\\Software\\Test"), kValue, &number), S_OK);
+    EXPECT_EQ(number, 5u);
+    EXPECT_EQ(process->set_dword(root, TEXT("\\\\Software\\Test"), kValue, 6), S_OK);
+    EXPECT_EQ(process->create_set_dword(root, TEXT("\\Software\\New"), kValue, 7), S_OK);
+    EXPECT_EQ(process->get_dword(root, TEXT("\\"), kValue, &number), PAL_E_FILE_NOT_FOUND);
+  });
+  EXPECT_EQ(device.registry().GetDword(kPath, "Value"), 6u);
+  EXPECT_EQ(device.registry().GetDword("HKLM\\Software\\New", "Value"), 7u);
+}
+
 TEST_F(RegistryHelpers, PassOnTheErrorOfTheValueOrIgnoreItAsDescribed) {
   device.registry().Create(kPath);
   device.PlanFault({.call = "RegSetValueExW", .from_then_on = true});

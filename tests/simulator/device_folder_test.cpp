@@ -5,7 +5,9 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <utility>
 
+#include "platform/sim/exports.h"
 #include "platform/sim/hardware/hardware.h"
 #include "tests/support/command_line.h"
 
@@ -77,6 +79,20 @@ TEST_F(DeviceFolderTest, LoadFillsANewDevice) {
   ASSERT_EQ(device.modules().size(), 1U);
   EXPECT_EQ(device.modules().front().name, "DVLEventLog.dll");
   EXPECT_TRUE(device.modules().front().entries.empty());
+}
+
+TEST_F(DeviceFolderTest, TheServicesWorkWhereTheLibraryHasAnotherNameThanTheProvider) {
+  const std::string author = "name = \"x\"\n";
+  for (const auto& [text, result] :
+       {std::pair{author + "library = '\\Windows\\library.dll'\n", S_OK}, {author, E_FAIL}}) {
+    Put("device.toml", text);
+    sim::Device loaded;
+    sim::LoadDevice(loaded, folder);
+    sim::Device device;
+    device.CopyFrom(loaded);
+    sim::Process process(device);
+    EXPECT_EQ(process.exports().PALSysio_DVLEnableCamera(1), result) << text;
+  }
 }
 
 TEST_F(DeviceFolderTest, LoadReadsTheIdentity) {
@@ -181,6 +197,12 @@ TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
        "device.toml:2: expected a text: description = \"...\""},
       {"device.toml", name + "modules = 1",
        "device.toml:2: expected a table of libraries with lists of their entries"},
+      {"device.toml", name + "library = 5",
+       R"(device.toml:2: expected a path from the root: library = '\Windows\library.dll')"},
+      {"device.toml", name + "library = 'library.dll'",
+       R"(device.toml:2: expected a path from the root: library = '\Windows\library.dll')"},
+      {"device.toml", name + "library = '\\Windows\\'",
+       R"(device.toml:2: expected a path from the root: library = '\Windows\library.dll')"},
       {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = \"all\"",
        R"(device.toml:3: expected a list of entry names: ["...", "..."])"},
       {"device.toml", name + "[modules]\n\"DVLEventLog.dll\" = [\n 1]",

@@ -57,6 +57,12 @@ TEST_F(SimPlatform, NamesWhatIsMissing) {
   device.files().Write("\\ConfigStore\\present", "");
   sim::Process process(device);
   process.Run([] {
+    EXPECT_EQ(GetFileAttributesW(TEXT("\\NoFolder\\absent")), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(
+        CreateFileW(TEXT("\\NoFolder\\new"), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr),
+        INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
     for (const Case& test : {Case{TEXT("\\ConfigStore\\absent"), ERROR_FILE_NOT_FOUND},
                              Case{TEXT("\\NoFolder\\absent"), ERROR_FILE_NOT_FOUND},
                              Case{TEXT("\\ConfigStore"), ERROR_ACCESS_DENIED},
@@ -165,6 +171,105 @@ TEST_F(SimPlatform, CountsLoadedLibrariesPerProcess) {
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
   });
   EXPECT_EQ(device.TakeMisuse().size(), 1u);
+}
+
+// Neither the folder of a library nor its extension tells it apart from one that is loaded.
+TEST_F(SimPlatform, GivesALoadedLibraryAgainForEveryPathWithItsName) {
+  device.InstallModule({"tool.dll", {{"Other", nullptr}}});
+  device.InstallModule({"tool.cpl", {}, "\\Tools"});
+  sim::Process process(device);
+  process.Run([] {
+    EXPECT_EQ(LoadLibraryW(TEXT("\\Absent\\tool.dll")), nullptr) << "none is loaded yet";
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
+    const HMODULE module = LoadLibraryW(TEXT("\\Tools\\tool.cpl"));
+    ASSERT_NE(module, nullptr);
+    for (const WCHAR* path : {TEXT("tool.dll"), TEXT("TOOL"), TEXT("\\Windows\\tool.dll"),
+                              TEXT("\\Absent\\tool.dll")}) {
+      EXPECT_EQ(LoadLibraryW(path), module);
+      FreeLibrary(module);
+    }
+    std::array<WCHAR, MAX_PATH> file{};
+    EXPECT_EQ(GetModuleFileNameW(module, file.data(), MAX_PATH), 15u);
+    EXPECT_EQ(std::u16string(file.data()), u"\\Tools\\tool.cpl");
+    FreeLibrary(module);
+
+    const HMODULE other = LoadLibraryW(TEXT("tool.dll"));
+    EXPECT_NE(other, nullptr);
+    EXPECT_NE(other, module) << "none is loaded any more";
+    FreeLibrary(other);
+  });
+}
+
+// So does the library that every process is made with.
+TEST_F(SimPlatform, GivesTheLibraryAgainUnderItsName) {
+  device.InstallModule({"library.dll", {}});
+  device.set_library_path("\\Tools\\Library.dll");
+  sim::Process process(device);
+  process.Run([] {
+    const HMODULE own = LoadLibraryW(TEXT("library.dll"));
+    ASSERT_NE(own, nullptr);
+    EXPECT_NE(GetProcAddressW(own, TEXT("PALVER_LogVersion")), nullptr);
+    EXPECT_EQ(LoadLibraryW(TEXT("\\Windows\\library.dll")), own);
+    const HMODULE provider = LoadLibraryW(TEXT("DVLORQPAL.dll"));
+    EXPECT_NE(provider, nullptr);
+    EXPECT_NE(provider, own);
+    FreeLibrary(own);
+    FreeLibrary(own);
+    FreeLibrary(provider);
+  });
+}
+
+TEST_F(SimPlatform, HasNoOverlappedRequests) {
+  device.files().Write("\\data", "abc");
+  device.hardware().drivers = {std::make_shared<sim::ConfigurationDriver>()};
+  sim::Process process(device);
+  process.Run([] {
+    DWORD bytes = 0;
+    auto* const overlapped = reinterpret_cast<LPOVERLAPPED>(&bytes);
+    const HANDLE file = OpenFile(TEXT("\\data"), GENERIC_READ | GENERIC_WRITE, 0);
+    EXPECT_EQ(ReadFile(file, &bytes, 1, &bytes, overlapped), FALSE);
+    EXPECT_EQ(WriteFile(file, &bytes, 1, &bytes, overlapped), FALSE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    const HANDLE driver = OpenFile(TEXT("CFG1:"), GENERIC_READ | GENERIC_WRITE, 0);
+    EXPECT_EQ(DeviceIoControl(driver, 100000, nullptr, 0, &bytes, 4, &bytes, overlapped), FALSE);
+    CloseHandle(file);
+    CloseHandle(driver);
+  });
+  EXPECT_EQ(device.TakeMisuse().size(), 3u);
+  EXPECT_EQ(device.files().Read("\\data")->size(), 3u);
+}
+
+TEST_F(SimPlatform, RefusesASystemTextThatDoesNotFit) {
+  device.hardware().system.oem_information = sim::WideTextAnswer(u"RM21");
+  sim::Process process(device);
+  process.Run([] {
+    std::array<WCHAR, 5> text{};
+    EXPECT_EQ(SystemParametersInfoW(SPI_GETOEMINFO, 9, text.data(), 0), FALSE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_EQ(text[0], u'\0');
+    EXPECT_NE(SystemParametersInfoW(SPI_GETOEMINFO, 10, text.data(), 0), FALSE);
+    EXPECT_EQ(std::u16string(text.data()), u"RM21");
+  });
+}
+
+// Each type has its own names.
+TEST_F(SimPlatform, TellsObjectsOfTwoTypesApartThatHaveOneName) {
+  sim::Process process(device);
+  process.Run([] {
+    SetLastError(0);
+    const HANDLE mutex = CreateMutexW(nullptr, TRUE, TEXT("Name"));
+    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, TEXT("Name"));
+    EXPECT_EQ(GetLastError(), 0u);
+    const HANDLE again = CreateMutexW(nullptr, TRUE, TEXT("Name"));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
+    EXPECT_NE(ReleaseMutex(again), FALSE);
+    EXPECT_EQ(ReleaseMutex(again), FALSE) << "the second creation did not take it once more";
+    EXPECT_EQ(EventModify(event, 0), FALSE);
+    EXPECT_EQ(EventModify(event, 4), FALSE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    for (const HANDLE handle : {mutex, event, again}) CloseHandle(handle);
+  });
 }
 
 TEST_F(SimPlatform, GivesEveryProcessItsOwnStatics) {

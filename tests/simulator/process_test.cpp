@@ -106,6 +106,25 @@ TEST_F(SimProcess, StartsNothingThatIsNotThere) {
   EXPECT_EQ(ProcessLines(), (Lines{"caller.exe started", "caller.exe attached"}));
 }
 
+TEST_F(SimProcess, ThereAreAtMost32) {
+  Install([](const std::string&) {
+    Sleep(1000);
+    return 0U;
+  });
+  sim::Process parent(device);
+  parent.Run([] {
+    for (int process = 2; process <= 32; ++process) Close(Start(TEXT("\\Windows\\tool.exe")));
+    EXPECT_EQ(CreateProcessW(TEXT("\\Windows\\tool.exe"), nullptr, nullptr, nullptr, FALSE, 0,
+                             nullptr, nullptr, nullptr, nullptr),
+              FALSE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+  });
+  EXPECT_THROW(sim::Process(device, "one_more.exe"), std::logic_error);
+  device.RunUntilIdle();
+  const sim::Process next(device, "next.exe");
+  EXPECT_TRUE(next.alive());
+}
+
 TEST_F(SimProcess, OutlivesItsParent) {
   bool ended = false;
   Install([&](const std::string&) {

@@ -93,8 +93,10 @@ void WithAccelerometer(sim::Device& device) {
   device.hardware().drivers.push_back(std::make_shared<sim::Accelerometer>());
 }
 
-// The library that does the services which this one passes on.
+// With the library that does the services which this one passes on, and this one under another
+// file name, so that both can be loaded.
 void WithProvider(sim::Device& device) {
+  device.set_library_path(R"(\Program Files\Dravonel\DVLPAL.dll)");
   for (sim::Module& module : sim::Device().modules()) {
     if (module.name == "DVLORQPAL.dll") device.InstallModule(std::move(module));
   }

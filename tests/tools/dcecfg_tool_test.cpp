@@ -267,6 +267,19 @@ offset 51: error: No key processed.
 )");
 }
 
+TEST(DcecfgTool, SaysWhichKeyTheRegistryCannotHave) {
+  const auto check = [](const std::string& key) {
+    const std::string file = "\xBB\xAB" + key + std::string("\0\x05\0\xFF", 4);
+    return dcecfg::Check(Bytes(file.begin(), file.end()));
+  };
+  // Below HKEY_LOCAL_MACHINE\Software\Dravonel.
+  EXPECT_TRUE(check("1\\2\\3\\4\\5\\6\\7\\8\\9\\A\\B\\C\\D\\E:n").ok());
+  const auto report = check("1\\2\\3\\4\\5\\6\\7\\8\\9\\A\\B\\C\\D\\E\\F:n");
+  EXPECT_FALSE(report.ok());
+  EXPECT_TRUE(report.text.starts_with("; not written, its key is too deep: \"HKEY_LOCAL_MACHINE"));
+  EXPECT_TRUE(report.text.ends_with("\n0 values would be written; 1 error, 0 warnings\n"));
+}
+
 TEST(DcecfgTool, RefusesWhatTheDeviceRefuses) {
   struct Case {
     Bytes file;

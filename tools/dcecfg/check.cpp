@@ -102,6 +102,14 @@ struct ImportLines {
   std::string value;  // "name"=... and its line end
 };
 
+// Whether the platform's registry can have the key of a record.
+bool CanBeWritten(const pal::DcecfgKeyRecord& record) {
+  std::u16string text = sim::ToUtf16(RegistryPath(record.key_path));
+  std::u16string_view path = text;
+  sim::Registry registry;
+  return sim::Registry::Create(registry.TakeRoot(path), path).key != nullptr;
+}
+
 // As the simulated device's registry writes them when it holds this value alone.
 ImportLines ImportLinesOf(const pal::DcecfgKeyRecord& record) {
   const std::string path = RegistryPath(record.key_path);
@@ -118,6 +126,10 @@ std::string ImportText(std::span<const pal::DcecfgKeyRecord> records) {
   std::string text;
   std::string last_key;
   for (const pal::DcecfgKeyRecord& record : records) {
+    if (!CanBeWritten(record)) {
+      text += "; not written, its key is too deep: " + Quote(record.key_path) + '\n';
+      continue;
+    }
     const ImportLines lines = ImportLinesOf(record);
     if (lines.key != last_key) text += lines.key;
     last_key = lines.key;
@@ -140,7 +152,11 @@ CheckReport Check(std::span<const BYTE> file) {
   report.refused = parsed.refused();
   report.errors = parsed.errors();
   report.warnings = parsed.warnings();
-  report.values = report.refused ? 0 : parsed.records().size();
+  if (!report.refused) {
+    const auto written = std::ranges::count_if(parsed.records(), &CanBeWritten);
+    report.values = static_cast<std::size_t>(written);
+    report.errors += parsed.records().size() - report.values;
+  }
   report.text = parsed.findings();
   if (!report.refused) report.text += ImportText(parsed.records());
   report.text += fmt::format("{}{} would be written; {}, {}\n",

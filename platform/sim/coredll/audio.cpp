@@ -10,7 +10,6 @@ namespace {
 constexpr MMRESULT kInvalidHandle = 5;      // MMSYSERR_INVALHANDLE
 constexpr MMRESULT kNotSupported = 8;       // MMSYSERR_NOTSUPPORTED
 constexpr MMRESULT kInvalidParameter = 11;  // MMSYSERR_INVALPARAM
-constexpr LONG kInvalidData = 13;           // ERROR_INVALID_DATA
 
 constexpr UINT kSetGain = 0x113;
 constexpr UINT kGetGain = 0x114;
@@ -31,7 +30,7 @@ std::optional<WaveFile> OpenWave(Call& call, std::string_view path) {
     return std::nullopt;
   }
   std::optional<WaveFile> wave = ReadWaveFile(node->data);
-  if (!wave) call.Fail(kInvalidData);
+  if (!wave) call.Fail(ERROR_INVALID_DATA);
   return wave;
 }
 

@@ -50,6 +50,13 @@ LONG Call::Answer(std::span<BYTE> bytes, LONG error, DWORD& returned) {
   return static_cast<LONG>(answer.error);
 }
 
+bool Call::IsNotOverlapped(const OVERLAPPED* overlapped) {
+  if (overlapped == nullptr) return true;
+  Misuse("was asked for overlapped I/O");
+  Fail(ERROR_INVALID_PARAMETER);
+  return false;
+}
+
 void Call::Misuse(std::string_view what) {
   kernel_.Misuse(thread_, fmt::format("{} {}", CallName(id_), what));
 }

@@ -48,6 +48,10 @@ class Call {
     return Answer({reinterpret_cast<BYTE*>(&record), sizeof(record)}, error, returned);
   }
 
+  // False, with the last error set and misuse recorded, for an overlapped request: the platform has
+  // none.
+  bool IsNotOverlapped(const OVERLAPPED* overlapped);
+
   void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }
   // Records that this call was used wrongly.
   void Misuse(std::string_view what);

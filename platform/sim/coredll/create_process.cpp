@@ -39,6 +39,7 @@ BOOL CreateProcessW(LPCWSTR image, LPCWSTR command_line, LPSECURITY_ATTRIBUTES p
   if (file == nullptr || file->is_folder) return call.Fail(ERROR_FILE_NOT_FOUND, FALSE);
   const sim::Program* program = sim::FindProgram(call.kernel(), *file);
   if (program == nullptr) return call.Fail(sim::kBadProgram, FALSE);
+  if (!call.kernel().HasRoomForProcess()) return call.Fail(ERROR_NOT_ENOUGH_MEMORY, FALSE);
 
   const std::string arguments = command_line == nullptr ? "" : sim::ToUtf8(command_line);
   const auto process = sim::StartProgram(call.kernel(), *program, arguments);

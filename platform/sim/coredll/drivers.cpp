@@ -112,9 +112,10 @@ BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD ou
 }
 
 BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
-                     DWORD out_bytes, LPDWORD returned, LPOVERLAPPED /*unused*/) {
+                     DWORD out_bytes, LPDWORD returned, LPOVERLAPPED overlapped) {
   Call call(CallId::DeviceIoControl);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (!call.IsNotOverlapped(overlapped)) return FALSE;
   const auto object = call.Find<sim::DriverObject>(device);
   if (object == nullptr) return FALSE;
   sim::Driver& driver = *object->driver;

@@ -97,9 +97,10 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
 }
 
 BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD bytes_read,
-              LPOVERLAPPED /*unused*/) {
+              LPOVERLAPPED overlapped) {
   Call call(CallId::ReadFile);
   if (call.fault() != 0) return sim::Refuse(call, call.fault());
+  if (!call.IsNotOverlapped(overlapped)) return FALSE;
   if (bytes_read == nullptr || (buffer == nullptr && bytes > 0)) {
     return sim::Refuse(call, ERROR_INVALID_PARAMETER);
   }
@@ -117,9 +118,10 @@ BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD bytes_read,
 }
 
 BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD bytes_written,
-               LPOVERLAPPED /*unused*/) {
+               LPOVERLAPPED overlapped) {
   Call call(CallId::WriteFile);
   if (call.fault() != 0) return sim::Refuse(call, call.fault());
+  if (!call.IsNotOverlapped(overlapped)) return FALSE;
   if (bytes_written == nullptr || (buffer == nullptr && bytes > 0)) {
     return sim::Refuse(call, ERROR_INVALID_PARAMETER);
   }

@@ -16,19 +16,22 @@ Loaded::iterator FindLoaded(Call& call, HMODULE module) {
   return found;
 }
 
-bool IsOwnLibrary(const ProcessState& process, std::string_view wanted) {
-  if (!process.modules.contains(kOwnLibrary)) return false;
-  return EqualNoCase(wanted, kOwnLibrary) ||
-         EqualNoCase(wanted, kOwnLibrary.substr(kOwnLibrary.rfind('\\') + 1));
+// The platform tells the libraries of a process apart by their file name without extension.
+std::string_view StemOf(std::string_view path) {
+  path.remove_prefix(path.rfind('\\') + 1);  // 0 without a backslash
+  return path.substr(0, path.rfind('.'));
 }
 
-// The path of the library that a path or a name leads to; empty where there is none. A name is that
-// of a library in \Windows, and after that of the one that the process was made with.
+// The path of the library that a path or a name leads to; empty where there is none. A library that
+// the process has loaded is taken before another of its name, whatever the path. A name alone is
+// that of a library in \Windows.
 std::string FindByName(Call& call, const std::string& wanted) {
+  for (const auto& [path, count] : call.process().modules) {
+    if (EqualNoCase(StemOf(path), StemOf(wanted))) return path;
+  }
   const bool is_path = wanted.find('\\') != std::string::npos;
   const Module* module = call.kernel().FindModule(is_path ? wanted : "\\Windows\\" + wanted);
-  if (module != nullptr) return module->path();
-  return std::string(IsOwnLibrary(call.process(), wanted) ? kOwnLibrary : "");
+  return module == nullptr ? "" : module->path();
 }
 
 // Those in \Windows are known by their name.
@@ -38,7 +41,7 @@ std::string Shown(const std::string& path) {
 }
 
 FARPROC FindEntry(Call& call, const std::string& path, const std::string& name) {
-  if (path == kOwnLibrary) {
+  if (path == call.process().library_path) {
     return reinterpret_cast<FARPROC>(call.process().library->Symbol(name.c_str()));
   }
   const Module* module = call.kernel().FindModule(path);
@@ -55,7 +58,7 @@ BOOL FreeLoaded(Call& call, HMODULE module) {
   if (--loaded->second > 0) return TRUE;
   const std::string path = loaded->first;
   call.process().modules.erase(loaded);
-  if (path == kOwnLibrary) UnloadOwnLibrary(call.lock(), call.process());
+  if (path == call.process().library_path) UnloadOwnLibrary(call.lock(), call.process());
   call.Log(Effect::kModule, Shown(path) + " freed");
   return TRUE;
 }

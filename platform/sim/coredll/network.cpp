@@ -6,7 +6,6 @@
 namespace sim {
 namespace {
 
-constexpr DWORD kBufferOverflow = 111;
 constexpr DWORD kNoData = 232;
 
 IP_ADAPTER_INFO RecordOf(const NetworkAdapter& adapter) {
@@ -32,7 +31,7 @@ DWORD GetAdaptersInfo(IP_ADAPTER_INFO* adapters, ULONG* bytes) {
   const auto needed = static_cast<ULONG>(known.size() * sizeof(IP_ADAPTER_INFO));
   if (adapters == nullptr || *bytes < needed) {
     *bytes = needed;
-    return sim::kBufferOverflow;
+    return ERROR_BUFFER_OVERFLOW;
   }
   for (std::size_t index = 0; index < known.size(); ++index) {
     adapters[index] = sim::RecordOf(known[index]);

@@ -34,6 +34,22 @@ std::u16string_view OrEmpty(LPCWSTR text) {
   return text == nullptr ? std::u16string_view() : std::u16string_view(text);
 }
 
+// The path of a key. One that begins with a backslash is misuse: here the backslash is skipped, and
+// another platform may refuse it.
+std::u16string_view PathOf(Call& call, LPCWSTR path) {
+  const std::u16string_view text = OrEmpty(path);
+  if (text.starts_with(u'\\')) {
+    call.Misuse(fmt::format("was given a path that begins with a backslash: {}", ToUtf8(text)));
+  }
+  return text;
+}
+
+// Whether a reserved argument is empty, as it must be; misuse where it is not.
+bool IsReservedEmpty(Call& call, bool is_empty) {
+  if (!is_empty) call.Misuse("was given a reserved argument");
+  return is_empty;
+}
+
 std::string NamedValue(std::u16string_view name) {
   return name.empty() ? "@" : fmt::format("\"{}\"", ToUtf8(name));
 }
@@ -70,29 +86,33 @@ using sim::Call;
 using sim::CallId;
 using sim::Effect;
 
-LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD /*options*/, REGSAM /*access*/, PHKEY result) {
+LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHKEY result) {
   Call call(CallId::RegOpenKeyExW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  if (result == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
+  if (result == nullptr || !sim::IsReservedEmpty(call, options == 0)) {
+    return call.Fail(ERROR_INVALID_PARAMETER);
+  }
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
-  auto found = sim::Registry::Find(from, sim::OrEmpty(path));
+  auto found = sim::Registry::Find(from, sim::PathOf(call, path));
   if (found == nullptr) return call.Fail(ERROR_FILE_NOT_FOUND);
   *result = call.AddHandle<HKEY>(std::make_shared<sim::KeyObject>(std::move(found)));
   return ERROR_SUCCESS;
 }
 
-LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD /*reserved*/, LPWSTR /*key_class*/,
-                     DWORD /*options*/, REGSAM /*access*/, LPSECURITY_ATTRIBUTES /*security*/,
+LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR /*key_class*/,
+                     DWORD /*options*/, REGSAM /*access*/, LPSECURITY_ATTRIBUTES security,
                      PHKEY result, LPDWORD disposition) {
   Call call(CallId::RegCreateKeyExW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  if (result == nullptr || path == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
+  const bool usable = result != nullptr && path != nullptr &&
+                      sim::IsReservedEmpty(call, reserved == 0 && security == nullptr);
+  if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
-  auto [created, is_new] = sim::Registry::Create(from, path);
+  auto [created, is_new] = sim::Registry::Create(from, sim::PathOf(call, path));
   if (created == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   if (is_new) {
     call.Log(Effect::kRegistry, fmt::format("{} created", sim::ToUtf8(created->Path())));
@@ -113,11 +133,13 @@ LONG RegCloseKey(HKEY key) {
   return sim::Finish(call, call.fault());
 }
 
-LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type, LPBYTE data,
+LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                       LPDWORD bytes) {
   Call call(CallId::RegQueryValueExW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  if (data != nullptr && bytes == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
+  const bool usable =
+      (data == nullptr || bytes != nullptr) && sim::IsReservedEmpty(call, reserved == nullptr);
+  if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
@@ -129,11 +151,12 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
   return sim::Finish(call, error);
 }
 
-LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD /*reserved*/, DWORD type, const BYTE* data,
+LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD bytes) {
   Call call(CallId::RegSetValueExW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  if (data == nullptr && bytes > 0) return call.Fail(ERROR_INVALID_PARAMETER);
+  const bool usable = (data != nullptr || bytes == 0) && sim::IsReservedEmpty(call, reserved == 0);
+  if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto to = sim::KeyOf(call, key, error);
   if (to == nullptr) return call.Fail(error);
@@ -164,12 +187,13 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
-  const auto doomed = sim::Registry::Find(from, path);
+  const std::u16string_view below = sim::PathOf(call, path);
+  const auto doomed = sim::Registry::Find(from, below);
   const std::string doomed_path = doomed == nullptr ? "" : sim::ToUtf8(doomed->Path());
-  switch (sim::Registry::Remove(from, path)) {
+  switch (sim::Registry::Remove(from, below)) {
     case sim::Registry::Removal::kMissing:
       return call.Fail(ERROR_FILE_NOT_FOUND);
-    case sim::Registry::Removal::kHasSubkeys:
+    case sim::Registry::Removal::kOpen:
       return call.Fail(ERROR_ACCESS_DENIED);
     case sim::Registry::Removal::kDone:
       break;
@@ -178,11 +202,13 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
   return ERROR_SUCCESS;
 }
 
-LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD /*reserved*/,
+LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPWSTR /*key_class*/, LPDWORD /*class_units*/, FILETIME* /*last_write*/) {
   Call call(CallId::RegEnumKeyExW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  if (name == nullptr || name_units == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
+  const bool usable =
+      name != nullptr && name_units != nullptr && sim::IsReservedEmpty(call, reserved == nullptr);
+  if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
@@ -190,12 +216,13 @@ LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
   return sim::Finish(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
 }
 
-LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD /*reserved*/,
+LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPDWORD type, LPBYTE data, LPDWORD bytes) {
   Call call(CallId::RegEnumValueW);
   if (call.fault() != 0) return call.Fail(call.fault());
-  const bool usable =
-      name != nullptr && name_units != nullptr && (data == nullptr || bytes != nullptr);
+  const bool usable = name != nullptr && name_units != nullptr &&
+                      (data == nullptr || bytes != nullptr) &&
+                      sim::IsReservedEmpty(call, reserved == nullptr);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);

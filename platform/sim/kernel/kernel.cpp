@@ -105,6 +105,15 @@ void Kernel::StopSound(const ThreadState& thread) {
   sound.stopped->ServeWaiters(scheduler);
 }
 
+bool Kernel::HasRoomForProcess() const {
+  constexpr std::ptrdiff_t kMostProcesses = 32;
+  const auto is_alive = [](const auto& process) { return process != nullptr && process->alive; };
+  return std::ranges::count_if(program_processes, is_alive) +
+             std::ranges::count_if(processes, is_alive,
+                                   [](const auto& process) { return process.lock(); }) <
+         kMostProcesses;
+}
+
 void Kernel::BeginKill(ProcessState& process) {
   if (process.killed || !process.alive) return;
   process.killed = true;

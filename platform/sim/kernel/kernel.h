@@ -38,6 +38,7 @@ class Kernel {
   HandleTable handles;
   std::vector<std::string> misuse;
   std::vector<Module> modules;
+  std::string library_path{kLibraryPath};  // of the library that every process is made with
   std::map<std::uintptr_t, std::string> module_names;  // by handle
   std::vector<Program> programs;
   std::vector<Program> services;  // run from the start
@@ -66,6 +67,8 @@ class Kernel {
   void EndThread(ThreadState& thread);
   // Cuts short what the thread's process plays.
   void StopSound(const ThreadState& thread);
+  // Whether the platform has room for one more process. Those count that have not ended.
+  [[nodiscard]] bool HasRoomForProcess() const;
   // Marks a process as ended and wakes its threads, so that each leaves where it waits.
   void BeginKill(ProcessState& process);
   // Restarts the device under a thread, which must leave its process then as every other thread

@@ -50,8 +50,11 @@ class Object {
 
 struct KeyObject : Object {
   static constexpr ObjectKind kKind = ObjectKind::kKey;
-  explicit KeyObject(std::shared_ptr<RegistryKey> opened) : Object(kKind), key(std::move(opened)) {}
-  std::shared_ptr<RegistryKey> key;
+  explicit KeyObject(std::shared_ptr<RegistryKey> opened) : Object(kKind), key(std::move(opened)) {
+    key->AddHandle();
+  }
+  ~KeyObject() override { key->RemoveHandle(); }
+  const std::shared_ptr<RegistryKey> key;
 };
 
 // An open file; while it lives, its sharing mode holds against other opens.

@@ -16,7 +16,7 @@ void CallEntry(ProcessState& process, std::uint32_t reason) {
   std::uintptr_t module = 0;
   {
     const Scheduler::Lock lock(process.kernel.mutex);
-    module = process.kernel.ModuleHandle(kOwnLibrary);
+    module = process.kernel.ModuleHandle(process.library_path);
   }
   RunInProcess(process, [&] { entry(reinterpret_cast<HANDLE>(module), reason, nullptr); });
 }

@@ -63,7 +63,7 @@ class LibraryCall {
 // Whether the library is still loaded, which the process may have freed.
 bool HasLibrary(ProcessState& process) {
   const Scheduler::Lock lock(process.kernel.mutex);
-  return process.alive && process.modules.contains(kOwnLibrary);
+  return process.alive && process.modules.contains(process.library_path);
 }
 
 }  // namespace
@@ -105,12 +105,13 @@ Process::Process(Device& device, const std::string& name, std::filesystem::path 
   RequireDriver(kernel);
   {
     const Scheduler::Lock lock(kernel.mutex);
+    if (!kernel.HasRoomForProcess()) throw std::logic_error("the device has 32 processes already");
     state_ = std::make_shared<ProcessState>(kernel, kernel.next_process_id++, name);
     state_->main_thread = std::make_shared<ThreadState>(*state_, 1, kernel.driver_strand);
     std::erase_if(kernel.processes, [](const auto& process) { return process.expired(); });
     kernel.processes.push_back(state_);
     kernel.Log(state_->main_thread.get(), Effect::kProcess, state_->name + " started");
-    state_->modules.emplace(kOwnLibrary, 1);
+    state_->modules.emplace(state_->library_path, 1);
   }
   if (library.empty()) library = DefaultLibrary();
   state_->library = std::make_unique<LibraryCopy>(library);

@@ -33,7 +33,11 @@ bool ThreadState::MustLeave() const {
 }
 
 ProcessState::ProcessState(Kernel& of, std::uint32_t number, std::string_view program)
-    : kernel(of), id(number), path(PathOf(program)), name(path.substr(path.rfind('\\') + 1)) {}
+    : kernel(of),
+      id(number),
+      path(PathOf(program)),
+      name(path.substr(path.rfind('\\') + 1)),
+      library_path(of.library_path) {}
 
 std::shared_ptr<ThreadState> ProcessState::AddThread() {
   const auto number = static_cast<std::uint32_t>(threads.size() + 2);

@@ -56,9 +56,6 @@ class ThreadState {
   bool killed = false;
 };
 
-// Where the library lies with which every process is made, and its name among the modules.
-inline constexpr std::string_view kOwnLibrary = "\\Program Files\\Dravonel\\DVLORQPAL.dll";
-
 class ProcessState {
  public:
   // `program`: the path of its file, or only its name.
@@ -71,9 +68,10 @@ class ProcessState {
   const std::uint32_t id;
   const std::string path;
   const std::string name;
-  bool alive = true;     // false once it ends: no new call may begin
-  bool exiting = false;  // all but its main thread leave at their next platform call
-  bool killed = false;   // all of them do
+  const std::string library_path;  // where the library lies that it was made with
+  bool alive = true;               // false once it ends: no new call may begin
+  bool exiting = false;            // all but its main thread leave at their next platform call
+  bool killed = false;             // all of them do
   std::unique_ptr<LibraryCopy> library;
   Exports exports;
   std::shared_ptr<ThreadState> main_thread;

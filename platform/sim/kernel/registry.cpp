@@ -29,10 +29,14 @@ std::u16string_view TakeName(std::u16string_view& path) {
   return name;
 }
 
-unsigned CountNames(std::u16string_view path) {
-  unsigned count = 0;
-  while (!TakeName(path).empty()) ++count;
-  return count;
+// Whether keys may have the names of a path, below a key that lies so deep.
+bool IsAllowedBelow(unsigned depth, std::u16string_view path) {
+  for (auto name = TakeName(path); !name.empty(); name = TakeName(path)) {
+    if (++depth > Registry::kMaximumDepth || name.size() > Registry::kMaximumNameUnits) {
+      return false;
+    }
+  }
+  return true;
 }
 
 std::shared_ptr<RegistryKey> FindChild(const RegistryKey& key, std::u16string_view name) {
@@ -137,6 +141,11 @@ std::shared_ptr<RegistryKey> RegistryKey::CopyBelow(RegistryKey* parent) const {
   return copy;
 }
 
+bool RegistryKey::IsOpen() const {
+  return handles_ > 0 ||
+         std::any_of(keys_.begin(), keys_.end(), [](const auto& child) { return child->IsOpen(); });
+}
+
 unsigned RegistryKey::Depth() const {
   unsigned depth = 0;
   for (const RegistryKey* key = parent_; key != nullptr; key = key->parent_) ++depth;
@@ -160,7 +169,7 @@ std::shared_ptr<RegistryKey> Registry::Find(const std::shared_ptr<RegistryKey>& 
 
 Registry::Created Registry::Create(const std::shared_ptr<RegistryKey>& from,
                                    std::u16string_view path) {
-  if (from->deleted() || from->Depth() + CountNames(path) > kMaximumDepth) return {};
+  if (from->deleted() || !IsAllowedBelow(from->Depth(), path)) return {};
   Created created{from, false};
   for (auto name = TakeName(path); !name.empty(); name = TakeName(path)) {
     std::shared_ptr<RegistryKey> child = FindChild(*created.key, name);
@@ -178,7 +187,7 @@ Registry::Removal Registry::Remove(const std::shared_ptr<RegistryKey>& from,
                                    std::u16string_view path) {
   const std::shared_ptr<RegistryKey> key = Find(from, path);
   if (!key || key->parent_ == nullptr) return Removal::kMissing;
-  if (!key->keys_.empty()) return Removal::kHasSubkeys;
+  if (key->IsOpen()) return Removal::kOpen;
   RemoveTree(key, {});
   return Removal::kDone;
 }
@@ -215,7 +224,7 @@ std::shared_ptr<RegistryKey> Registry::Create(std::string_view full_path) {
   std::u16string_view path = text;
   const std::shared_ptr<RegistryKey> from = TakeRoot(path);
   std::shared_ptr<RegistryKey> key = from ? Create(from, path).key : nullptr;
-  if (!key) throw std::invalid_argument("not a registry path: " + std::string(full_path));
+  if (!key) throw std::invalid_argument("no key can have the path " + std::string(full_path));
   return key;
 }
 

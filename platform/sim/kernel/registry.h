@@ -39,9 +39,14 @@ class RegistryKey {
   [[nodiscard]] const std::u16string& name() const { return name_; }
   // "HKEY_LOCAL_MACHINE\Software\...", without doubled backslashes.
   [[nodiscard]] std::u16string Path() const;
-  // True once the key was deleted; whoever still holds it can only let go of it. Its path is then
-  // its name alone.
+  // True once the key was deleted from outside of the device: its handles can then only be closed.
+  // The path of a deleted key is its name alone.
   [[nodiscard]] bool deleted() const { return deleted_; }
+  // Handles count here, so that nobody deletes a key that is open. True where this key or one below
+  // it is open.
+  [[nodiscard]] bool IsOpen() const;
+  void AddHandle() { ++handles_; }
+  void RemoveHandle() { --handles_; }
 
   [[nodiscard]] const std::vector<std::shared_ptr<RegistryKey>>& keys() const { return keys_; }
   [[nodiscard]] const std::vector<RegistryValue>& values() const { return values_; }
@@ -60,14 +65,16 @@ class RegistryKey {
   std::u16string name_;
   RegistryKey* parent_;
   bool deleted_ = false;
+  unsigned handles_ = 0;
   std::vector<std::shared_ptr<RegistryKey>> keys_;
   std::vector<RegistryValue> values_;
 };
 
 class Registry {
  public:
-  static constexpr unsigned kMaximumDepth = 512;
-  enum class Removal : std::uint8_t { kDone, kMissing, kHasSubkeys };
+  static constexpr unsigned kMaximumDepth = 16;  // of a key below its root
+  static constexpr std::size_t kMaximumNameUnits = 255;
+  enum class Removal : std::uint8_t { kDone, kMissing, kOpen };
 
   Registry();
 
@@ -83,18 +90,20 @@ class Registry {
     std::shared_ptr<RegistryKey> key;
     bool is_new = false;
   };
-  // No key, and nothing changed, below a deleted key or where the path would go deeper than
-  // kMaximumDepth.
+  // No key, and nothing changes, below a deleted key, deeper than kMaximumDepth, and for a name
+  // longer than kMaximumNameUnits.
   static Created Create(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
-  // Deletes a key that has no subkeys, with its values. A root is never deleted (kMissing).
+  // Deletes a key with everything below it, unless a part of it is open. A root is never deleted
+  // (kMissing).
   static Removal Remove(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
-  // Deletes a key with everything below it; false where there is none, or only a root.
+  // Deletes it also where it is open; false where there is none, or only a root.
   static bool RemoveTree(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
   // The root that a full path begins with, which is taken off the path; nullptr: not a root's name.
   [[nodiscard]] std::shared_ptr<RegistryKey> TakeRoot(std::u16string_view& full_path) const;
 
   // What tests and tools use. A full path begins with a root's name (or HKLM, HKCU, HKCR, HKU).
-  // A path without a known root finds nothing, and the setters throw std::invalid_argument.
+  // A path without a known root finds nothing. Create and the setters throw std::invalid_argument
+  // for one, and for a path that no key can have.
   // GetDword and GetString find only values of that type; a text ends at its first terminator.
   [[nodiscard]] std::shared_ptr<RegistryKey> Find(std::string_view full_path) const;
   std::shared_ptr<RegistryKey> Create(std::string_view full_path);

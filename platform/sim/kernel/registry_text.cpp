@@ -190,11 +190,11 @@ class Importer {
     if (!root) throw LineError{"a key's path begins with a root such as HKEY_LOCAL_MACHINE"};
     if (!remove) {
       key_ = Registry::Create(root, path).key;
-      if (!key_) throw LineError{"the path is too deep"};
+      if (!key_) throw LineError{"the path is too deep, or a name in it too long"};
     } else if (Registry::Find(root, path) == root) {
       throw LineError{"a root cannot be deleted"};
-    } else {
-      Registry::RemoveTree(root, path);
+    } else if (Registry::Remove(root, path) == Registry::Removal::kOpen) {
+      throw LineError{"a key that is open cannot be deleted"};
     }
   }
 
