@@ -1,6 +1,6 @@
 /**
  * @file palboot.h
- * @brief Restarting the terminal.
+ * @brief Restart of the terminal.
  * @family switches
  *
  * The platform's power manager is told to restart the terminal, and restarts it by force: no

@@ -1,6 +1,6 @@
 /**
  * @file palcomxpwr.h
- * @brief Power of the COM ports.
+ * @brief COM ports: their power.
  * @family switches
  *
  * These functions switch nothing and always answer 0 for the power of a port. Programs that were

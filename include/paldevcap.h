@@ -1,6 +1,6 @@
 /**
  * @file paldevcap.h
- * @brief Which optional capabilities the device has, and whether they are enabled.
+ * @brief Capabilities: which optional ones the device has, and whether they are enabled.
  * @family sysinfo/capability
  *
  * Ten capabilities have a name: "Camera", "Wifi", "Bluetooth", "InternalScanner", "Vibrate",

@@ -1,6 +1,6 @@
 /**
  * @file palimagecapture.h
- * @brief Whether images may be captured, and the switch of the device's owner for it.
+ * @brief Image capture: whether it is allowed, and the switch of the device's owner for it.
  * @family switches
  *
  * The switch is the DWORD "DisableImageCapture" under HKEY_LOCAL_MACHINE

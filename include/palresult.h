@@ -1,6 +1,6 @@
 /**
  * @file palresult.h
- * @brief The result codes of the exported functions.
+ * @brief Results: the codes that the exported functions answer.
  *
  * The comment of a function lists the results that it can give. A result below 0 is a failure.
  * Codes that the platform's own headers define are taken from there if those are included first.

@@ -1,6 +1,6 @@
 /**
  * @file palsecurity.h
- * @brief The password lock on the installation of CAB packages.
+ * @brief Password lock: a password before the installation of CAB packages.
  * @family security
  *
  * The shell opens a CAB package with a command. The command is the unnamed value of two keys under

@@ -1,6 +1,6 @@
 /**
  * @file palsysinfo.h
- * @brief Which device this is: model, firmware, serial number, address, operating system.
+ * @brief Identity of the device: model, firmware, serial number, address, operating system.
  * @family sysinfo/identity
  *
  * Every text is made as 8-bit text of at most 255 characters. The W forms convert it to UTF-16. The

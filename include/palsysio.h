@@ -1,6 +1,6 @@
 /**
  * @file palsysio.h
- * @brief Physical memory and the supplies of the camera: services of another library.
+ * @brief Forwarded services: physical memory and the supplies of the camera, by another library.
  * @family frame
  *
  * The other library, the provider, differs from platform to platform. It is named "DVLORQPAL.dll",

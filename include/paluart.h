@@ -1,6 +1,6 @@
 /**
  * @file paluart.h
- * @brief The multiplexer of the serial port, which these devices do not have.
+ * @brief UART multiplexer: the one of the serial port, which these devices do not have.
  * @family configstore
  *
  * Programs that were written for other devices need these functions to link and run. They read no

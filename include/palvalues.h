@@ -1,6 +1,6 @@
 /**
  * @file palvalues.h
- * @brief Numbers that several families share: kinds of scanners, and levels of the tap sounds.
+ * @brief Shared numbers: kinds of scanners, and levels of the tap sounds.
  */
 #ifndef PALVALUES_H_
 #define PALVALUES_H_
