@@ -11,8 +11,7 @@ namespace pal {
 //
 // S_OK    done; also, deliberately, where there is no memory for the parser
 // E_FAIL  the file is missing, cannot be read, holds 1024 bytes or more, or ends inside a DSCP
-// section;
-//         nothing was written
+//         section; nothing was written
 [[nodiscard]] HRESULT ConfigStoreRegUpdate();
 
 }  // namespace pal

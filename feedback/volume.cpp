@@ -52,12 +52,10 @@ static_assert(std::ranges::all_of(kRows, [](const VolumeRow& row) {
 }));
 
 // The rows that hold a current level.
-constexpr DWORD kSpeaker = 6;
-constexpr DWORD kHeadset = 8;
+constexpr DWORD kSpeaker = PAL_VOLUME_INDEX_SPEAKER;
+constexpr DWORD kHeadset = PAL_VOLUME_INDEX_HEADSET;
 
-constexpr DWORD kFloor = 2;  // Low: stepping down stops here, so that it never silences a device
-constexpr DWORD kSofter = 8;
-constexpr DWORD kLouder = 9;
+constexpr DWORD kFloor = PAL_VOLUME_LOW;  // a step down stops here and never silences a device
 
 constexpr DWORD kMostGain = 100;
 constexpr DWORD kGainWithoutValue = 66;
@@ -316,8 +314,8 @@ HRESULT PALAPI PALBEEPSetVolume(DWORD setting) {
     static_cast<void>(pal::SetVolume(pal::kSpeaker, setting));
     return pal::SetCPLVol(setting);
   }
-  if (setting == pal::kSofter) return pal::StepBeepVolume(pal::kDecrement, pal::kSpeaker);
-  if (setting == pal::kLouder) return pal::StepBeepVolume(pal::kIncrement, pal::kSpeaker);
+  if (setting == PAL_VOLUME_STEP_DOWN) return pal::StepBeepVolume(pal::kDecrement, pal::kSpeaker);
+  if (setting == PAL_VOLUME_STEP_UP) return pal::StepBeepVolume(pal::kIncrement, pal::kSpeaker);
   pal::kTrace.Error("PALBEEPSetVolume - ERROR Invalid input setting: 0x%x", setting);
   return E_FAIL;
 }

@@ -4,7 +4,9 @@
  * @family sysinfo/capability
  *
  * Ten capabilities have a name: "Camera", "Wifi", "Bluetooth", "InternalScanner", "Vibrate",
- * "WWAN", "GPS", "Compass", "Accelerometer" and "Pedometer". Upper and lower case do not matter.
+ * "WWAN", "GPS", "Compass", "Accelerometer" and "Pedometer". Upper and lower case do not matter. A
+ * name of more than 127 characters is no capability: nothing is asked, not even a plug-in.
+ *
  * The answers are a PALCapabilityState and no HRESULT. They come from the manufacturing options
  * (palmfgopt.h), from drivers, files and network interfaces. Every call asks these again.
  *
@@ -76,8 +78,7 @@ typedef enum PALCapabilityState {
 DWORD PALAPI PALDevCap_GetDevCapsA(const char* name);
 
 /**
- * Tells whether a capability is installed, for a name in UTF-16. A name of more than 127 characters
- * is not determined.
+ * Tells whether a capability is installed, for a name in UTF-16.
  *
  * @param name  The name of the capability, as null-terminated UTF-16.
  * @like PALDevCap_GetDevCapsA
@@ -117,8 +118,7 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
 DWORD PALAPI PALDevCap_EnabledA(const char* name);
 
 /**
- * Tells whether a capability is enabled, for a name in UTF-16. A name of more than 127 characters
- * is not determined.
+ * Tells whether a capability is enabled, for a name in UTF-16.
  *
  * @param name  The name of the capability, as null-terminated UTF-16.
  * @like PALDevCap_EnabledA

@@ -112,10 +112,11 @@ def structure(named):
 def result(named):
     code = contract.results[named.name]
     number = f"0x{code.code:08X}" if code.mask == 0xFFFFFFFF else f"0x{code.code >> 16:04X}xxxx"
-    users = [export.name for export in contract.exports.values() if named.name in [each.name for each in export.results]]
+    users = [export.name for export in contract.exports.values() if any(
+        named.name == each.name or re.search(rf"\b{re.escape(named.name)}(?!\w)", each.text) for each in export.results)]
     shown = ", ".join(map(link, users)) if len(users) <= 40 else f"{len(users)} exports"
     return "\n\n".join([f"``````{{c:macro}} {named.name}", f"`{number}` -- {body(named.text, named.name)}",
-                        f"Answered by {shown}." if users else "No export answers this code by name."]) + "\n``````"
+                        f"Answered by {shown}." if users else "No export answers it."]) + "\n``````"
 
 
 def page(header):
@@ -144,7 +145,7 @@ def page(header):
 
 def prefix(name):
     """What the names of a family begin with."""
-    return re.match(r"Dll|\w+?_|PAL[A-Z]+(?=[A-Z][a-z])|PAL[A-Za-z]+?(?=Get|Set)", name)[0]
+    return re.match(r"Dll|(?:(?!Get|Set)[A-Za-z])+_|PAL[A-Z]+(?=[A-Z][a-z])|PAL[A-Za-z]+?(?=Get|Set)", name)[0]
 
 
 def finder():
@@ -152,13 +153,12 @@ def finder():
     for export in contract.exports.values():
         places[prefix(export.name)][export.family, export.header] += 1
     lines = ["# Find an export", "The beginning of a name tells where the export is described and where its source is.",
-             "## By prefix", "| prefix | folder | header | exports |\n|---|---|---|---|"]
+             "## By prefix", "| prefix | folder and header |\n|---|---|"]
     for name, found in sorted(places.items(), key=lambda row: row[0].lower()):
-        lines[-1] += "".join(f"\n| `{name}` | `{family}/` | [{header}]({header[:-2]}.md) | {count} |"
-                             for (family, header), count in sorted(found.items()))
-    lines += ["## All exports", SCRIPT, "| export | header | what it does |\n|---|---|---|"]
-    lines[-1] += "".join(f"\n| {link(export.name)} | [{export.header}]({export.header[:-2]}.md) | "
-                         f"{markdown(sentence(export.text), export.name)} |" for export in contract.exports.values())
+        where = [f"{family} ({count}), [{header}]({header[:-2]}.md)" for (family, header), count in found.most_common()]
+        lines[-1] += f"\n| `{name}` | {'; '.join(where)} |"
+    lines += ["## All exports", SCRIPT, "| export | what it does |\n|---|---|"]
+    lines[-1] += "".join(f"\n| {link(export.name)} | {markdown(sentence(export.text), export.name)} |" for export in contract.exports.values())
     return "\n\n".join(lines) + "\n"
 
 

@@ -7,8 +7,8 @@
 namespace pal {
 
 // The sources' own, older than the scheme of the others.
-inline constexpr HRESULT kSourceFailed = -1;
-inline constexpr HRESULT kSourceTooLong = -8;
+inline constexpr HRESULT kSourceFailed = PAL_SYSINFO_E_SOURCE_FAILED;
+inline constexpr HRESULT kSourceTooLong = PAL_SYSINFO_E_SOURCE_TOO_LONG;
 
 }  // namespace pal
 

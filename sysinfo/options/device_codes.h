@@ -8,13 +8,14 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "include/palmfgopt.h"
 #include "platform/wince.h"
 #include "sysinfo/options/device_names.h"
 
 namespace pal {
 
-inline constexpr DWORD kUnknownDeviceCode = 254;
-inline constexpr DWORD kNoDevice = 255;
+inline constexpr DWORD kUnknownDeviceCode = PAL_DEVICE_TYPE_UNKNOWN;
+inline constexpr DWORD kNoDevice = PAL_DEVICE_TYPE_NONE;
 
 struct DeviceCode {
   BYTE code;

@@ -10,10 +10,8 @@
 namespace pal {
 
 // The two answers of PALMFGOpt_IsDisabledByPolicy; its failures are negative.
-inline constexpr HRESULT kPolicyEnabled =
-    static_cast<HRESULT>((static_cast<DWORD>(Facility::kManufacturingOption) << 16) | 1);
-inline constexpr HRESULT kPolicyDisabled =
-    static_cast<HRESULT>((static_cast<DWORD>(Facility::kManufacturingOption) << 16) | 2);
+inline constexpr HRESULT kPolicyEnabled = PAL_MFGOPT_S_ENABLED;
+inline constexpr HRESULT kPolicyDisabled = PAL_MFGOPT_S_DISABLED;
 
 // Under HKEY_LOCAL_MACHINE: a key for each feature, and the owner's switches.
 inline constexpr const WCHAR* kPolicyPath = TEXT("Software\\Dravonel\\Policy");
