@@ -12,10 +12,10 @@ struct Answer {
   std::uint32_t mask;
 };
 
-constexpr std::array kAnswers{
-#define PAL_CONTRACT_ANSWER(export_name, name, code, mask) Answer{export_name, code, mask},
+constexpr auto kAnswers = std::to_array<Answer>({
+#define PAL_CONTRACT_ANSWER(export_name, name, code, mask) {export_name, code, mask},
 #include "contract.inc"
-};
+});
 
 }  // namespace
 

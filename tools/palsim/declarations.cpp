@@ -21,10 +21,10 @@ struct Answer {
   ResultName result;
 };
 
-constexpr std::array kAnswers{
-#define PAL_CONTRACT_ANSWER(export_name, name, code, mask) Answer{export_name, {name, code, mask}},
+constexpr auto kAnswers = std::to_array<Answer>({
+#define PAL_CONTRACT_ANSWER(export_name, name, code, mask) {export_name, {name, code, mask}},
 #include "contract.inc"
-};
+});
 
 struct Enumerator {
   std::string_view enumeration;
