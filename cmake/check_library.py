@@ -2,13 +2,16 @@
 """Checks what the built library asks of its host: usage: check_library.py LIBRARY PROJECT_ROOT
 
 It may import the platform's calls and the compiler's mem* and str* helpers, it must export what
-exports.def names and nothing else, nothing may run when it is loaded but its entry, and what each
-process has of its own to write must stay small.
+exports.def names and nothing else, with one address for the names of one function, nothing may run when it is
+loaded but its entry, and what each process has of its own to write must stay small.
 """
+import collections
 import pathlib
 import re
 import subprocess
 import sys
+
+from contract import Contract
 
 library, root = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 
@@ -26,16 +29,22 @@ allowed.add("GetCurrentProcessId")  # read inline from the kernel's data page on
 imported = {name.removeprefix("__wrap_")
             for name in re.findall(r"^ +U ([^(@\s]+)", output(
                 "nm", "--dynamic", "--demangle", "--undefined-only", str(library)), re.MULTILINE)}
-exported = set(re.findall(r"^\S+ [A-Z] (\S+)", output(
-    "nm", "--dynamic", "--defined-only", str(library)), re.MULTILINE))
-expected = names(root / "exports.def") | {"DllMain"}
+exported = {name: address for address, name in re.findall(r"^(\S+) [A-Z] (\S+)", output(
+    "nm", "--dynamic", "--defined-only", str(library)), re.MULTILINE)}
+functions = Contract(root).functions
+expected = functions.keys() | {"DllMain"}
 
 faults = []
 for name in sorted(imported - allowed):
     if not re.match(r"(mem|str)[a-z]+$", name):
         faults.append(f"imports {name}, which the device does not have")
-faults += [f"does not export {name}" for name in sorted(expected - exported)]
-faults += [f"exports {name}, which exports.def does not name" for name in sorted(exported - expected)]
+faults += [f"does not export {name}" for name in sorted(expected - exported.keys())]
+faults += [f"exports {name}, which exports.def does not name" for name in sorted(exported.keys() - expected)]
+places = collections.defaultdict(set)
+for name in functions.keys() & exported.keys():
+    places[functions[name]].add(exported[name])
+faults += [f"has {len(found)} functions for the names of {function}"
+           for function, found in sorted(places.items()) if len(found) != 1]
 sections = output("readelf", "--section-headers", "--wide", str(library))
 if not re.search(r" \.shared +PROGBITS .* WA ", sections):
     faults.append("has no writable section .shared for what all processes share")

@@ -1,6 +1,6 @@
-# Sourced by the scripts at the root: installs what is missing, once.
-packages=(
-  g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils doxygen
+# Sourced by the scripts at the root: what they install and build with.
+packages=(  # of every build
+  g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
   libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libssl-dev libedit-dev
 )
 
@@ -21,12 +21,12 @@ install_packages() {
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
-install_packages "${packages[@]}"
 
-# build PRESET [TARGET...]: configures where need be, builds, and is silent unless it fails.
+# build PRESET [TARGET...]: installs and configures where need be, builds, and is silent unless it fails.
 build() {
   local preset=$1 log
   shift
+  install_packages "${packages[@]}"
   log=build/$preset.log
   mkdir -p build
   if [ ! -f "build/$preset/build.ninja" ]; then

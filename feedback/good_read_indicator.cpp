@@ -10,7 +10,7 @@ namespace {
 constexpr TraceSource kTrace{Facility::kBeeper};
 
 constexpr const WCHAR* kIndicatorPath = TEXT("SOFTWARE\\Dravonel\\PAL");
-constexpr DWORD kLastValue = 5;
+constexpr DWORD kLastValue = PAL_GRI_VIBRATION_TWO_TONES;
 
 }  // namespace
 

@@ -23,13 +23,8 @@ constexpr const WCHAR* kControlPanelValue = TEXT("Volume");
 constinit std::array<std::atomic<DWORD>, 6> level_words{0x00000000, kVeryLowVolume, 0x66666666,
                                                         0x99999999, 0xCCCCCCCC,     0xFFFFFFFF};
 constexpr DWORD kLevels = level_words.size();
-constexpr DWORD kVeryLow = 1;
-constexpr DWORD kLow = 2;
-constexpr DWORD kVeryHigh = 5;
-static_assert(kLevels == kVeryHigh + 1 && kLevels == kSpeaker);
+static_assert(kLevels == PAL_VOLUME_VERY_HIGH + 1 && kLevels == kSpeaker);
 
-constexpr DWORD kSofter = 8;
-constexpr DWORD kLouder = 9;
 
 DWORD WordOf(DWORD level) {
   return level_words[level].load(std::memory_order_relaxed);
@@ -48,7 +43,7 @@ void PALBEEPUpdateVolGainMap() {
     } else {
       // The line for VeryLow names "Off"; readers of the log know it so.
       kTrace.Error("PALBEEPUpdateVolGainMap - Failed to update %ls ",
-                   level == kVeryLow ? kVolumeRows[0].volume_name : name);
+                   level == PAL_VOLUME_VERY_LOW ? kVolumeRows[0].volume_name : name);
     }
   }
   kTrace.Info("0x%x=PALBEEPUpdateVolGainMap() - Exit", result);
@@ -79,8 +74,8 @@ enum class Direction { kDown, kUp };
 // The same level where there is no step further. Down stops at Low, so that a step never silences a
 // device; from VeryLow it goes to Off.
 constexpr DWORD Next(DWORD level, Direction direction) {
-  if (direction == Direction::kUp) return level == kVeryHigh ? level : level + 1;
-  return level == kLow || level == 0 ? level : level - 1;
+  if (direction == Direction::kUp) return level == PAL_VOLUME_VERY_HIGH ? level : level + 1;
+  return level == PAL_VOLUME_LOW || level == 0 ? level : level - 1;
 }
 
 // A step of one level, and its lines. GetVolume gives levels only, so that these two are never
@@ -172,12 +167,10 @@ HRESULT GetVolume(DWORD type, DWORD& level) {
 }  // namespace pal
 
 HRESULT PALAPI PALBEEPSetVolume(DWORD setting) {
-  if (setting <= pal::kVeryHigh) {
+  if (setting <= pal::PAL_VOLUME_VERY_HIGH) {
     static_cast<void>(pal::SetVolume(pal::kSpeaker, setting));
     return pal::SetCPLVol(setting);
   }
-  if (setting == pal::kSofter) return pal::StepBeepVolume(pal::kDecrement);
-  if (setting == pal::kLouder) return pal::StepBeepVolume(pal::kIncrement);
   pal::kTrace.Error("PALBEEPSetVolume - ERROR Invalid input setting: 0x%x", setting);
   return E_FAIL;
 }

@@ -3,13 +3,14 @@
 #include "frame/audio_setting.h"
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "include/palvalues.h"
 
 namespace pal {
 namespace {
 
 constexpr const WCHAR* kVolumePath = TEXT("ControlPanel\\Volume");
 
-constexpr DWORD kLoud = 2;
+constexpr DWORD kLoud = PAL_TAP_VOLUME_LOUD;
 constexpr DWORD kLoudStored = 0x10002;
 constexpr DWORD kSilentStored = 0x10000;  // as other programs store it
 

@@ -24,6 +24,7 @@
 #include "palsysinfo.h"
 #include "palsysio.h"
 #include "paluart.h"
+#include "palvalues.h"
 #include "palver.h"
 #include "palvib.h"
 

@@ -1,266 +1,315 @@
 /**
  * @file palbeep.h
- * @brief The beeper: volumes and gains, what is heard of an event, and the good-read indicator.
+ * @brief The beeper: volumes and gains, the sounds of events, and the good-read indicator.
+ * @family feedback
  *
- * Loudness has six levels: 0 off, 1 very low, 2 low, 3 medium, 4 high, 5 very high. Each stands for
- * a volume word, as waveOutSetVolume takes it, and for a gain of the codec from 0 to 100. Words,
- * gains, the levels that are set and the sounds' files are values under HKEY_LOCAL_MACHINE
- * "Software\Dravonel\BeeperVol". They are REG_DWORD; a file is the REG_SZ of its whole path. Some
- * functions take a volume index instead, the row of one of these values:
+ * Each of the six levels of PALVolumeLevel stands for a volume word, as waveOutSetVolume takes it,
+ * and for a gain of the codec from 0 to 100. The words, the gains, the current levels and the sound
+ * files are values under HKEY_LOCAL_MACHINE "Software\Dravonel\BeeperVol". Words and gains are
+ * REG_DWORD; a sound file is a REG_SZ with its whole path. PALVolumeIndex numbers the rows of words
+ * and gains.
  *
- * | index | volume           | gain                 | of                    |
- * |-------|------------------|----------------------|-----------------------|
- * | 0     | "Off"            | "OffGain"            | the level off         |
- * | 1     | "VeryLow"        | "VeryLowGain"        | the level very low    |
- * | 2     | "Low"            | "LowGain"            | the level low         |
- * | 3     | "Med"            | "MedGain"            | the level medium      |
- * | 4     | "High"           | "HighGain"           | the level high        |
- * | 5     | "VeryHigh"       | "VeryHighGain"       | the level very high   |
- * | 6     | "CurrentVol"     | "CurGain"            | the speaker's setting |
- * | 7     | "DefaultVol"     | "DefGain"            | the speaker's default |
- * | 8     | "CurrentHeadset" | "CurHeadsetGain"     | the headset's setting |
- * | 9     | "DefaultHeadset" | "DefaultHeadsetGain" | the headset's default |
+ * The good-read indicator, a PALGoodReadIndicator for each PALScanType, says how a good read is
+ * felt and heard. It is the REG_DWORD "IntGRI", "TethGRI", "BTGRI" or "RFIDGRI" under
+ * HKEY_LOCAL_MACHINE "SOFTWARE\Dravonel\PAL". Any other number than those of PALGoodReadIndicator
+ * means no vibration and no tone.
  *
- * The good-read indicator says, for each kind of scanner, how a good read is felt and heard. The
- * kinds are 0 the internal scanner, 1 a tethered one, 2 a Bluetooth one, 3 an RFID reader; their
- * values "IntGRI", "TethGRI", "BTGRI" and "RFIDGRI" are REG_DWORD under HKEY_LOCAL_MACHINE
- * "SOFTWARE\Dravonel\PAL":
- *
- * | value     | vibration | tones |
- * |-----------|-----------|-------|
- * | 0         | no        | 0     |
- * | 1         | no        | 1     |
- * | 2         | no        | 2     |
- * | 3         | yes       | 0     |
- * | 4         | yes       | 1     |
- * | 5         | yes       | 2     |
- * | any other | no        | 0     |
- *
- * The functions here may be called from any thread of any process, but for PALBEEPInit and
- * PALBEEPTerm, which no other call of the same process may overlap; the library calls them when a
- * process attaches and detaches. Beeps take turns over all processes by the named mutex
- * "DVLORQPAL_BEEP_MUTEX", for which each, and PALBEEPTerm, waits 2000 ms at most; one that gets no
- * turn until then goes on without it. The other functions take no lock. Steps and failures are
- * traced with facility 1003.
+ * Any thread of any process may call these functions. PALBEEPInit and PALBEEPTerm are the
+ * exception: no other call of the same process may overlap them. The library calls them when a
+ * process attaches and detaches. The named mutex "DVLORQPAL_BEEP_MUTEX" keeps the beeps of all
+ * processes apart. Each beep and PALBEEPTerm wait for it for at most 2000 ms, and then go on
+ * without it. The other functions take no lock. Steps and failures are traced with facility 1003.
  */
 #ifndef PALBEEP_H_
 #define PALBEEP_H_
 
 #include "palresult.h"
 #include "paltypes.h"
+#include "palvalues.h"
 
 PAL_INTERFACE_BEGIN
 
+/** The levels of loudness, and the two steps that PALBEEPSetVolume can make. */
+typedef enum PALVolumeLevel {
+  /** The word of the value "Off". */
+  PAL_VOLUME_OFF = 0,
+  /** The word of the value "VeryLow". */
+  PAL_VOLUME_VERY_LOW = 1,
+  /** The word of the value "Low". */
+  PAL_VOLUME_LOW = 2,
+  /** The word of the value "Med". */
+  PAL_VOLUME_MEDIUM = 3,
+  /** The word of the value "High". */
+  PAL_VOLUME_HIGH = 4,
+  /** The word of the value "VeryHigh". */
+  PAL_VOLUME_VERY_HIGH = 5,
+  /** One level softer. Only for PALBEEPSetVolume. */
+  PAL_VOLUME_STEP_DOWN = 8,
+  /** One level louder. Only for PALBEEPSetVolume. */
+  PAL_VOLUME_STEP_UP = 9
+} PALVolumeLevel;
+
+/** The rows of volume words and gains. */
+typedef enum PALVolumeIndex {
+  /** The level off: "Off" and "OffGain". */
+  PAL_VOLUME_INDEX_OFF = 0,
+  /** The level very low: "VeryLow" and "VeryLowGain". */
+  PAL_VOLUME_INDEX_VERY_LOW = 1,
+  /** The level low: "Low" and "LowGain". */
+  PAL_VOLUME_INDEX_LOW = 2,
+  /** The level medium: "Med" and "MedGain". */
+  PAL_VOLUME_INDEX_MEDIUM = 3,
+  /** The level high: "High" and "HighGain". */
+  PAL_VOLUME_INDEX_HIGH = 4,
+  /** The level very high: "VeryHigh" and "VeryHighGain". */
+  PAL_VOLUME_INDEX_VERY_HIGH = 5,
+  /** The current setting of the speaker: "CurrentVol" and "CurGain". */
+  PAL_VOLUME_INDEX_SPEAKER = 6,
+  /** The default of the speaker: "DefaultVol" and "DefGain". */
+  PAL_VOLUME_INDEX_SPEAKER_DEFAULT = 7,
+  /** The current setting of the headset: "CurrentHeadset" and "CurHeadsetGain". */
+  PAL_VOLUME_INDEX_HEADSET = 8,
+  /** The default of the headset: "DefaultHeadset" and "DefaultHeadsetGain". */
+  PAL_VOLUME_INDEX_HEADSET_DEFAULT = 9
+} PALVolumeIndex;
+
+/** What a good read does. A bad read with a tone has one tone, whatever the number of tones. */
+typedef enum PALGoodReadIndicator {
+  /** Nothing. */
+  PAL_GRI_NONE = 0,
+  /** One tone. */
+  PAL_GRI_ONE_TONE = 1,
+  /** Two tones. */
+  PAL_GRI_TWO_TONES = 2,
+  /** A vibration. */
+  PAL_GRI_VIBRATION = 3,
+  /** A vibration, then one tone. */
+  PAL_GRI_VIBRATION_ONE_TONE = 4,
+  /** A vibration, then two tones. */
+  PAL_GRI_VIBRATION_TWO_TONES = 5
+} PALGoodReadIndicator;
+
 /**
- * Prepares the beeper for this process: makes or opens the named mutex, and reads the model's name.
+ * Prepares the beeper for this process: creates or opens the mutex and reads the model's name.
  *
- * The library's entry calls it. A second call keeps the mutex that there is. Where it cannot be
- * made, which is traced, every beep answers E_INVALIDARG.
+ * A second call keeps the mutex of the first. If the mutex cannot be created, which is traced,
+ * every beep answers E_INVALIDARG.
  *
- * @retval S_OK always
+ * @retval S_OK  Always.
  */
 HRESULT PALAPI PALBEEPInit(void);
 
 /**
- * Closes the mutex, as soon as this process may take it or 2000 ms have passed. Until the next
- * PALBEEPInit every beep answers E_INVALIDARG.
+ * Closes the mutex, as soon as this process has it or after 2000 ms. Until the next PALBEEPInit
+ * every beep answers E_INVALIDARG.
  *
- * @retval S_OK always
+ * @retval S_OK  Always.
  */
 HRESULT PALAPI PALBEEPTerm(void);
 
 /**
- * Sets the speaker's level.
+ * Sets the level of the speaker.
  *
- * A level's word is copied to "CurrentVol", becomes the volume of the wave output, and is shown by
- * the shell: the REG_DWORD "Volume" under HKEY_CURRENT_USER "ControlPanel\Volume", which is not
- * written where it has that word already. A step changes "CurrentVol" alone.
+ * The word of a level is copied to "CurrentVol" and set as the volume of the wave output. It is
+ * also written to the REG_DWORD "Volume" under HKEY_CURRENT_USER "ControlPanel\Volume", where the
+ * shell shows it, unless that value has it already. A step changes only "CurrentVol". A failure of
+ * copying a level's word to "CurrentVol" is not reported.
  *
- * @param setting  0 to 5: this level. 8: one level softer, but from low and from off there is no
- *                 step. 9: one level louder, up to very high.
+ * @param setting  [level] #PALVolumeLevel. PAL_VOLUME_STEP_DOWN changes nothing at the levels low
+ *                 and off; PAL_VOLUME_STEP_UP changes nothing at the level very high.
  *
- * @retval S_OK        done, or no step was left
- * @retval E_FAIL      @p setting is another number; nothing was changed. Or: the audio driver
- *                     refused the volume; the control panel's volume cannot be read; for a step,
- *                     "CurrentVol" cannot be read or is no level's word, or the next level has no
- *                     word.
- * @retval PAL_E_WIN32(error)  the error of writing the control panel's volume, or for a step
- * "CurrentVol". That a level's word could not be copied to "CurrentVol" is not told.
+ * @retval S_OK    Set, or there was no further step.
+ * @retval E_FAIL  @p setting is another number, and nothing was changed. Or the audio driver
+ *                 refused the volume, or the value "Volume" cannot be read. For a step:
+ *                 "CurrentVol" cannot be read or is the word of no level, or the next level has no
+ *                 word.
+ * @retval PAL_E_WIN32(error)  The error of writing "Volume"; for a step, of writing "CurrentVol".
  */
 HRESULT PALAPI PALBEEPSetVolume(DWORD setting);
 
 /**
- * The speaker's level: the lowest whose word "CurrentVol" is. "CurrentVol" is written anew with
- * that word.
+ * Gives the level of the speaker: the lowest level that has the word of "CurrentVol". "CurrentVol"
+ * is then written again with the word of that level.
  *
- * @param[out] level  0 to 5; unchanged on failure. Not null.
+ * @param[out] level  [level] #PALVolumeLevel, 0 to 5. Unchanged on failure. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  "CurrentVol" cannot be read or is no level's word, or @p level is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  "CurrentVol" cannot be read or is the word of no level, or @p level is null.
  */
 HRESULT PALAPI PALBEEPGetVolume(DWORD* level);
 
 /**
- * Sets the headset's level: copies a volume word to "CurrentHeadset".
+ * Sets the level of the headset: copies a volume word to "CurrentHeadset".
  *
- * @param volume_index  0 to 5 for a level, or any index up to 9.
+ * @param volume_index  #PALVolumeIndex. The first six are the levels.
  *
- * @retval S_OK        copied
- * @retval E_FAIL      the word cannot be read, or @p volume_index is above 9; nothing was changed
- * @retval PAL_E_WIN32(error)  the error of writing "CurrentHeadset"
+ * @retval S_OK    Copied.
+ * @retval E_FAIL  The word cannot be read, or @p volume_index is above 9. Nothing was changed.
+ * @retval PAL_E_WIN32(error)  The error of writing "CurrentHeadset".
  */
 HRESULT PALAPI PALBEEPSetHeadsetBeeperVolume(DWORD volume_index);
 
 /**
- * The headset's level: the lowest whose word "CurrentHeadset" is.
+ * Gives the level of the headset: the lowest level that has the word of "CurrentHeadset".
  *
- * @param[out] level  0 to 5; unchanged on failure. Not null.
- *
- * @retval S_OK    answered
- * @retval E_FAIL  "CurrentHeadset" cannot be read or is no level's word, or @p level is null
+ * @retval E_FAIL  "CurrentHeadset" cannot be read or is the word of no level, or @p level is null.
+ * @like PALBEEPGetVolume
  */
 HRESULT PALAPI PALBEEPGetHeadsetBeeperVolume(DWORD* level);
 
 /**
  * Sets the gain of a volume index.
  *
- * @param in_vol_index  0 to 9.
- * @param in_gain       0 to 100.
+ * @param in_vol_index  #PALVolumeIndex.
+ * @param in_gain       [percent] 0 to 100.
  *
- * @retval S_OK    written
- * @retval E_FAIL  a number is out of its range, or the value cannot be written
+ * @retval S_OK    Written.
+ * @retval E_FAIL  A number is out of its range, or the value cannot be written.
  */
 HRESULT PALAPI PALBEEPSetSpeakerGain(DWORD in_vol_index, DWORD in_gain);
 
 /**
- * The gain of a volume index, as it is stored.
+ * Gives the gain of a volume index, as it is stored.
  *
- * @param in_vol_index  0 to 9.
- * @param[out] gain     Unchanged on failure. Not null.
+ * @param in_vol_index  #PALVolumeIndex.
+ * @param[out] gain     [percent] Any number. Unchanged on failure. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  the value cannot be read, @p in_vol_index is above 9, or @p gain is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The value cannot be read, @p in_vol_index is above 9, or @p gain is null.
  */
 HRESULT PALAPI PALBEEPGetSpeakerGain(DWORD in_vol_index, DWORD* gain);
 
 /**
- * Sets the headset's gain, "CurHeadsetGain". Beeps use the gain of the speaker's level, also with a
- * headset.
+ * Sets the gain of the headset, "CurHeadsetGain". Beeps do not use it: they use the gain of the
+ * speaker's level with a headset too.
  *
- * @param gain  0 to 100.
+ * @param gain  [percent] 0 to 100.
  *
- * @retval S_OK    written
- * @retval E_FAIL  @p gain is above 100, or the value cannot be written
+ * @retval S_OK    Written.
+ * @retval E_FAIL  @p gain is above 100, or the value cannot be written.
  */
 HRESULT PALAPI PALBEEPSetHeadsetGain(DWORD gain);
 
 /**
- * The headset's gain, "CurHeadsetGain", as it is stored.
+ * Gives the gain of the headset, "CurHeadsetGain", as it is stored.
  *
- * @param[out] gain  Unchanged on failure. Not null.
+ * @param[out] gain  [percent] Any number. Unchanged on failure. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  the value cannot be read, or @p gain is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The value cannot be read, or @p gain is null.
  */
 HRESULT PALAPI PALBEEPGetHeadsetGain(DWORD* gain);
 
 /**
  * Sets the good-read indicator of a kind of scanner.
  *
- * @param scan_type  0 to 3.
- * @param value      0 to 5.
+ * @param scan_type  #PALScanType.
+ * @param value      #PALGoodReadIndicator.
  *
- * @retval S_OK        written
- * @retval E_FAIL      a number is out of its range; nothing was changed
- * @retval PAL_E_WIN32(error)  the error of writing: PAL_E_FILE_NOT_FOUND where the key does not
- * exist
+ * @retval S_OK    Written.
+ * @retval E_FAIL  A number is out of its range. Nothing was changed.
+ * @retval PAL_E_WIN32(error)  The error of writing: PAL_E_FILE_NOT_FOUND if the key does not exist.
  */
 HRESULT PALAPI PALBEEPSetGRI(DWORD scan_type, DWORD value);
 
 /**
- * The good-read indicator of a kind of scanner, as it is stored.
+ * Gives the good-read indicator of a kind of scanner, as it is stored.
  *
- * @param scan_type   0 to 3.
- * @param[out] value  Any number; unchanged on failure. Not null.
+ * @param scan_type   #PALScanType.
+ * @param[out] value  #PALGoodReadIndicator, or any other number. Unchanged on failure. Not null.
  *
- * @retval S_OK        answered
- * @retval E_FAIL      @p scan_type is above 3, or @p value is null
- * @retval PAL_E_WIN32(error)  the error of reading: PAL_E_FILE_NOT_FOUND where it was never set
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p scan_type is above 3, or @p value is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if it was never set.
  */
 HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
 
 /**
- * Lets a good read be felt and heard, as the indicator of its scanner says: vibrates with
- * PALVIBVibrate, then plays the file "GoodRead" once or twice, with 50 ms behind each of two.
- * Returns when the last tone has ended.
+ * Signals a good read as the indicator of its scanner says: vibrates with PALVIBVibrate, then plays
+ * the file "GoodRead" once or twice, with a pause of 50 ms after each of two. Returns when the last
+ * tone has ended.
  *
- * How every beep here sounds: with a headset (a bit of 0x34 in the REG_DWORD "Bluetooth" under
- * HKEY_LOCAL_MACHINE "System\State\Hardware", which counts as set where it cannot be read, or
- * "Headset" there not 0) at the volume "CurrentHeadset", or very low where that cannot be read
- * twice; else at the volume of the wave output as it is. The gain is that of the speaker's level,
- * or 66. At volume 0, with an empty path, and with a file that cannot be played, nothing is heard;
- * none of these is a failure. Then volume and gain are put back; one that could not be read at the
- * beginning is not changed at all.
+ * Every beep of this header sounds as follows:
  *
- * @param in_scan_type  0 to 3.
+ * - The volume is that of the wave output. With a headset it is "CurrentHeadset", or 0x33333333 if
+ *   that cannot be read in two attempts.
+ * - A headset is there if the REG_DWORD "Bluetooth" under HKEY_LOCAL_MACHINE
+ *   "System\State\Hardware" has a bit of 0x34 or cannot be read, or if "Headset" there is not 0.
+ * - The gain is that of the speaker's level, or 66 if the level has no gain. If "CurrentVol" is the
+ *   word of no level, the gain of the codec is not changed.
+ * - Nothing is heard at volume 0, with an empty path, or with a file that cannot be played. These
+ *   are no failures.
+ * - At the end volume and gain are set back to what they were. One that could not be read before
+ *   is not set back.
  *
- * @retval S_OK          done, or the indicator asks for nothing
- * @retval E_INVALIDARG  @p in_scan_type is above 3, or there is no mutex (PALBEEPInit); nothing was
- *                       done
- * @retval E_FAIL        the volume could not be put back, or could not be set to 0 for a silent
- *                       tone; without a tone, the vibration's failure
- * @retval PAL_E_WIN32(error)    the error of reading the file's path: PAL_E_FILE_NOT_FOUND where
- * there is none, PAL_E_MORE_DATA where its value has more than 520 bytes, or 260 units without an
- * end. Without a tone, the error of reading the indicator, or that of the vibration.
+ * @param in_scan_type  #PALScanType.
+ *
+ * @retval S_OK          Done, or the indicator asks for nothing.
+ * @retval E_INVALIDARG  @p in_scan_type is above 3, or there is no mutex (see PALBEEPInit). Nothing
+ *                       was done.
+ * @retval E_FAIL        The volume could not be set back, or could not be set to 0 for a silent
+ *                       tone. Without a tone: the failure of the vibration.
+ * @retval PAL_E_WIN32(error)  The error of reading the path of the file: PAL_E_FILE_NOT_FOUND if
+ *                       there is none, PAL_E_MORE_DATA if it has more than 520 bytes, or 260 units
+ *                       and no terminator. Without a tone: the error of reading the indicator or
+ *                       of the vibration.
  */
 HRESULT PALAPI PALBEEPGoodReadEx(DWORD in_scan_type);
 
 /**
- * Lets a bad read be felt and heard, as the indicator of the internal scanner says, whatever
- * scanner failed: vibrates five times, with 100 ms behind each but the first, and plays the file
- * "BadRead" once. Where the first vibration fails there are no others.
+ * Signals a bad read as the indicator of the internal scanner says, whichever scanner failed:
+ * vibrates five times, with a pause of 100 ms after each but the first, and plays the file
+ * "BadRead" once. If the first vibration fails, the other four are left out. Of the results of the
+ * vibrations the last one counts.
  *
- * @return As PALBEEPGoodReadEx; of the vibrations the last one's result counts.
+ * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
+ * @like PALBEEPGoodReadEx
  */
 HRESULT PALAPI PALBEEPBadRead(void);
 
 /**
  * Plays the file "ConfigChange": a configuration was changed.
  *
- * @retval S_OK          done
- * @retval E_INVALIDARG  there is no mutex (PALBEEPInit); nothing was done
- * @retval E_FAIL        the volume could not be put back, or could not be set to 0 for a silent
- *                       tone
- * @retval PAL_E_WIN32(error)    the error of reading the file's path, as of PALBEEPGoodReadEx
+ * @retval S_OK          Done.
+ * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
+ * @retval E_FAIL        The volume could not be set back, or could not be set to 0 for a silent
+ *                       tone.
+ * @retval PAL_E_WIN32(error)  The error of reading the path of the file: PAL_E_FILE_NOT_FOUND if
+ *                       there is none, PAL_E_MORE_DATA if it has more than 520 bytes, or 260 units
+ *                       and no terminator.
  */
 HRESULT PALAPI PALBEEPChangeConfig(void);
 
-/** Plays the file "ConfigChangeError". @return As PALBEEPChangeConfig. */
+/**
+ * Plays the file "ConfigChangeError": a configuration could not be changed.
+ * @like PALBEEPChangeConfig
+ */
 HRESULT PALAPI PALBEEPChangeConfigError(void);
-
-/** Plays the file "KeyClick". @return As PALBEEPChangeConfig. */
+/** Plays the file "KeyClick": a key was pressed. @like PALBEEPChangeConfig */
 HRESULT PALAPI PALBEEPKeyClick(void);
 
 /**
- * Plays the file "TagSearch" over and over until PALBEEPStopTagSearch, or the end of the process.
+ * Plays the file "TagSearch" again and again, until PALBEEPStopTagSearch or the end of the process.
  *
- * Returns at once and lets other beeps take their turn. Volume and gain stay those of the beep
- * until the stop, also where nothing is heard. A beep of the same process meanwhile cuts the sound
- * short, and leaves these values in force: they are then what the stop puts back.
+ * The call returns at once, and other beeps can follow. Volume and gain stay those of the beep
+ * until the stop, even if nothing is heard. Another beep of the same process ends the sound. That
+ * beep takes the volume and gain of the tag search for the former ones, and the stop then sets
+ * these.
  *
- * @return As PALBEEPChangeConfig; E_FAIL is that of a volume that could not be set to 0.
+ * @retval E_FAIL  The volume could not be set to 0 for a silent tone.
+ * @like PALBEEPChangeConfig
  */
 HRESULT PALAPI PALBEEPStartTagSearch(void);
 
 /**
- * Stops the sound of the tag search and puts volume and gain back. Where this process has started
- * none, volume and gain are left alone. A volume that could not be put back is put back by the next
- * stop.
+ * Stops the sound of the tag search, and sets volume and gain back. If this process has started no
+ * tag search, volume and gain are not changed. A volume that could not be set back is set back by
+ * the next stop.
  *
- * @retval S_OK          done
- * @retval E_INVALIDARG  there is no mutex (PALBEEPInit); nothing was done
- * @retval E_FAIL        the volume could not be put back
- * @retval PAL_E_WIN32(error)    the error of stopping the sound
+ * @retval S_OK          Done.
+ * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
+ * @retval E_FAIL        The volume could not be set back.
+ * @retval PAL_E_WIN32(error)  The error of stopping the sound.
  */
 HRESULT PALAPI PALBEEPStopTagSearch(void);
 

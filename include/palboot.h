@@ -1,10 +1,11 @@
 /**
  * @file palboot.h
- * @brief Restarting the terminal.
+ * @brief Restart of the terminal.
+ * @family switches
  *
- * A restart is requested of the platform's power manager and is forced: no program is asked, none
- * ends in order, and what it has not stored is lost. The function may be called from any thread of
- * any process; nothing is kept between calls.
+ * The platform's power manager is told to restart the terminal, and restarts it by force: no
+ * program is asked, and what a program has not stored is lost. Any thread of any process may call;
+ * nothing is kept between calls. Failures are traced with facility 1018.
  */
 #ifndef PALBOOT_H_
 #define PALBOOT_H_
@@ -14,28 +15,28 @@
 
 PAL_INTERFACE_BEGIN
 
-/** How the terminal restarts: the options of PALBOOT_BootTerminal, which are characters. */
+/** How the terminal restarts. The numbers are those of the characters '0', '1' and '2'. */
 typedef enum PALBootOption {
-  /** '0': a warm restart, the power state "reboot". */
+  /** A warm restart, the power state "reboot". */
   PAL_BOOT_WARM = 48,
-  /** '1': a cold restart, the power state "coldreboot". */
+  /** A cold restart, the power state "coldreboot". */
   PAL_BOOT_COLD = 49,
-  /** '2': a warm restart that the kernel is told of before, with control 0x010123B0. */
+  /** A warm restart that the kernel is told about first, with control 0x010123B0. */
   PAL_BOOT_PREPARED = 50
 } PALBootOption;
 
 /**
- * Restarts the terminal. Where the platform does so the call does not come back.
+ * Restarts the terminal. The call does not return if the platform restarts.
  *
- * Options 48 and 49 are one request to the power manager, SetSystemPowerState with
- * POWER_STATE_RESET and POWER_FORCE. Option 50 first gives 0x00040006 to the kernel control
- * 0x010123B0; where that fails, which is traced with facility 1018, the terminal is not restarted.
+ * PAL_BOOT_WARM and PAL_BOOT_COLD are one request, SetSystemPowerState with POWER_STATE_RESET and
+ * POWER_FORCE. PAL_BOOT_PREPARED first gives 0x00040006 to the kernel control 0x010123B0. If that
+ * control fails, which is traced, the terminal is not restarted.
  *
- * @param option  A PALBootOption, 48 to 50: the character, not its digit's value.
+ * @param option  #PALBootOption. The number of the character, not the value of the digit.
  *
- * @retval S_OK   the terminal goes on: the restart was refused, or it was not requested because the
- *                kernel control failed
- * @retval E_FAIL @p option is none of the three; nothing was requested
+ * @retval S_OK    The terminal was not restarted: the platform refused, or the kernel control
+ *                 failed.
+ * @retval E_FAIL  @p option is none of the three. Nothing was requested.
  */
 HRESULT PALAPI PALBOOT_BootTerminal(LONG option);
 

@@ -1,11 +1,11 @@
 /**
  * @file palcomxpwr.h
- * @brief Power of the COM ports.
+ * @brief COM ports: their power.
+ * @family switches
  *
- * This interface switches nothing and always answers 0 for a port's power. It stands here so that
- * programs written for other platforms link and run: no function touches a driver or the registry.
- * All may be called from any thread of any process. Setting and getting are traced with facility
- * 1102.
+ * These functions switch nothing and always answer 0 for the power of a port. Programs that were
+ * written for other platforms need them to link and run. No function uses a driver or the registry.
+ * Any thread of any process may call them. Setting and getting are traced with facility 1102.
  */
 #ifndef PALCOMXPWR_H_
 #define PALCOMXPWR_H_
@@ -15,16 +15,10 @@
 
 PAL_INTERFACE_BEGIN
 
-/**
- * Does nothing; the calls need no preparation.
- * @retval S_OK always
- */
+/** Does nothing: there is nothing to prepare. @retval S_OK  Always. */
 HRESULT PALAPI PALCOMxPwr_Init(void);
 
-/**
- * Does nothing; nothing is held.
- * @retval S_OK always
- */
+/** Does nothing: there is nothing to release. @retval S_OK  Always. */
 HRESULT PALAPI PALCOMxPwr_Term(void);
 
 /** The power of one port. */
@@ -38,24 +32,24 @@ typedef struct PALComPortPower {
 /**
  * Changes nothing, and traces the request.
  *
- * @param port   The port's name, such as "COM1:", as null-terminated UTF-16. It is traced alone;
- *               null is traced as "(null)".
- * @param power  What was wished; both fields are traced. Not null.
+ * @param port   The name of the port, such as "COM1:", as null-terminated UTF-16. It is only
+ *               traced; null is traced as "(null)".
+ * @param power  The power that is wanted. Both fields are traced. Not null.
  *
- * @retval S_OK   always with a @p power that is not null
- * @retval E_FAIL @p power is null; nothing is traced
+ * @retval S_OK    @p power is not null.
+ * @retval E_FAIL  @p power is null. Nothing is traced.
  */
 HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* power);
 
 /**
- * Answers 0 for a port's power, whichever port it is, and traces the question.
+ * Answers 0 for the power of a port, and traces the question.
  *
- * @param port           The port's name, such as "COM1:", as null-terminated UTF-16. It is traced
- *                       alone; null is traced as "(null)".
- * @param[in,out] power  Out: `enable` is 0; `port_id` stays and is traced. Not null.
+ * @param port           The name of the port, such as "COM1:", as null-terminated UTF-16. It is
+ *                       only traced; null is traced as "(null)".
+ * @param[in,out] power  `enable` becomes 0. `port_id` is traced and not changed. Not null.
  *
- * @retval S_OK   always with a @p power that is not null
- * @retval E_FAIL @p power is null; nothing is traced
+ * @retval S_OK    @p power is not null.
+ * @retval E_FAIL  @p power is null. Nothing is traced.
  */
 HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power);
 

@@ -1,14 +1,15 @@
 /**
  * @file paldisp.h
- * @brief Display: brightness, keypad backlight, orientation, input panel, clicks of the screen.
+ * @brief The display: brightness, keypad backlight, orientation, input panel, sound of a tap.
+ * @family display
  *
  * The settings are REG_DWORD values of the current user, HKEY_CURRENT_USER "ControlPanel\...". The
- * backlight drivers and the input panel read them when they next look: no event tells them. Setters
- * need the key to exist where they say nothing else; getters answer whatever is stored. The
- * orientation is the display driver's.
+ * backlight drivers and the input panel are not told of a change: they read the value the next time
+ * that they need it. A setter needs the registry key to exist, unless it says something else. A
+ * getter gives whatever number is stored. The display driver keeps the orientation.
  *
- * The functions here may be called from any thread of any process and take no lock: of two changes
- * at once the later one stands. A null out-pointer gives E_FAIL, and nothing is read or traced. The
+ * Any thread of any process may call these functions. They take no lock: of two changes at once the
+ * later one stays. For a null out-pointer the result is E_FAIL, and nothing is read or traced. The
  * steps of every function are traced with facility 1006.
  */
 #ifndef PALDISP_H_
@@ -16,165 +17,171 @@
 
 #include "palresult.h"
 #include "paltypes.h"
+#include "palvalues.h"
 
 PAL_INTERFACE_BEGIN
 
 /**
- * Prepares the family. The library's entry calls it when a process attaches; no function here needs
- * it.
- * @retval S_OK always
+ * Does nothing but trace: no function here needs it. The library calls it when a process attaches.
+ * @retval S_OK  Always.
  */
 HRESULT PALAPI PALDISPInit(void);
 
-/**
- * Ends the family. The library's entry calls it when a process detaches.
- * @retval S_OK always
- */
+/** Does nothing but trace. The library calls it when a process detaches. @retval S_OK  Always. */
 HRESULT PALAPI PALDISPTerm(void);
 
 /**
- * How bright the display is in the light around it: "Backlight", value "AmbientDeltaIndex".
+ * Sets the brightness of the display in ordinary light: the value "AmbientDeltaIndex" under
+ * "Backlight".
  *
- * @param level 1 to 5
+ * @param level  [level] 1 to 5.
  *
- * @retval S_OK       stored
- * @retval E_FAIL     another level; nothing was changed
- * @retval PAL_DISP_E_WRITE_FAILED it cannot be written, whatever the reason: the key is missing,
- * for example
+ * @retval S_OK    Stored.
+ * @retval E_FAIL  The number is not allowed. Nothing was changed.
+ * @retval PAL_DISP_E_WRITE_FAILED  The value cannot be written, for example because the key does
+ *                 not exist.
  */
 HRESULT PALAPI PALDISPSetDisplayBrightnessAmbient(DWORD level);
 
 /**
- * Reads what PALDISPSetDisplayBrightnessAmbient stores.
+ * Gives the brightness of the display in ordinary light.
  *
- * @param[out] level any number, as it is stored. Not null; not written on failure
+ * @param[out] level  [level] Any number, as it is stored. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     @p level is null
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
- * is missing, PAL_E_MORE_DATA where it has more than four bytes
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The out-pointer is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the value does not
+ *                 exist, PAL_E_MORE_DATA if it has more than four bytes.
  */
 HRESULT PALAPI PALDISPGetDisplayBrightnessAmbient(DWORD* level);
 
 /**
- * How much it differs from that in low light: "Backlight", value "AmbientDeltaIndexLow".
- * @param level 1 to 5
- * @retval S_OK stored; failures as for PALDISPSetDisplayBrightnessAmbient
+ * Sets how much the brightness differs in low light: the value "AmbientDeltaIndexLow" under
+ * "Backlight".
+ * @like PALDISPSetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPSetLowLightDisplayBrightnessDelta(DWORD level);
-
-/** Reads it, as PALDISPGetDisplayBrightnessAmbient does. */
+/** Gives how much the brightness differs in low light. @like PALDISPGetDisplayBrightnessAmbient */
 HRESULT PALAPI PALDISPGetLowLightDisplayBrightnessDelta(DWORD* level);
 
 /**
- * How much it differs from that in bright light: "Backlight", value "AmbientDeltaIndexHigh".
- * @param level 1 to 5
- * @retval S_OK stored; failures as for PALDISPSetDisplayBrightnessAmbient
+ * Sets how much the brightness differs in bright light: the value "AmbientDeltaIndexHigh" under
+ * "Backlight".
+ * @like PALDISPSetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPSetBrightLightDisplayBrightnessDelta(DWORD level);
 
-/** Reads it, as PALDISPGetDisplayBrightnessAmbient does. */
+/**
+ * Gives how much the brightness differs in bright light.
+ * @like PALDISPGetDisplayBrightnessAmbient
+ */
 HRESULT PALAPI PALDISPGetBrightLightDisplayBrightnessDelta(DWORD* level);
 
 /**
- * What the keypad's backlight does: "Backlight\Keyboard", value "Mode".
- * @param mode 0, 2 or 4; their meaning is the backlight driver's
- * @retval S_OK stored; failures as for PALDISPSetDisplayBrightnessAmbient
+ * Sets what the backlight of the keypad does: the value "Mode" under "Backlight\Keyboard".
+ *
+ * @param mode  0, 2 or 4. The backlight driver gives these numbers their meaning.
+ * @like PALDISPSetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPSetKeypadBacklightMode(DWORD mode);
 
 /**
- * Reads it, as PALDISPGetDisplayBrightnessAmbient does.
- * @param[out] mode any number, as it is stored. Not null; not written on failure
+ * Gives what the backlight of the keypad does.
+ *
+ * @param[out] mode  Any number, as it is stored. Unchanged on failure. Not null.
+ * @like PALDISPGetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPGetKeypadBacklightMode(DWORD* mode);
 
 /**
- * Whether the keypad's backlight heeds the light around it: "Backlight\Keyboard", value
- * "AmbientThreshold".
- * @param threshold 0 or 1
- * @retval S_OK stored; failures as for PALDISPSetDisplayBrightnessAmbient
+ * Sets whether the backlight of the keypad depends on the light: the value "AmbientThreshold" under
+ * "Backlight\Keyboard".
+ *
+ * @param threshold  0 or 1.
+ * @like PALDISPSetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPSetKeypadBacklightAmbient(DWORD threshold);
 
 /**
- * Reads it, as PALDISPGetDisplayBrightnessAmbient does.
- * @param[out] threshold any number, as it is stored. Not null; not written on failure
+ * Gives whether the backlight of the keypad depends on the light.
+ *
+ * @param[out] threshold  Any number, as it is stored. Unchanged on failure. Not null.
+ * @like PALDISPGetDisplayBrightnessAmbient
  */
 HRESULT PALAPI PALDISPGetKeypadBacklightAmbient(DWORD* threshold);
 
 /**
- * Turns the screen now, and stores the angle as REG_DWORD "Angle" under HKEY_LOCAL_MACHINE
+ * Turns the screen at once, and stores the angle as REG_DWORD "Angle" under HKEY_LOCAL_MACHINE
  * "System\GDI\Rotation".
  *
- * @param angle 0, 90, 180 or 270 degrees
+ * @param angle  [degrees] 0, 90, 180 or 270.
  *
- * @retval S_OK       turned and stored
- * @retval PAL_DISP_E_NO_SUCH_ORIENTATION another angle; nothing was changed
- * @retval PAL_DISP_E_CHANGE_REFUSED the display driver refused; screen and registry are as they
- * were
- * @retval PAL_E_WIN32(error) turned, but not stored: the system error of the registry,
- * PAL_E_FILE_NOT_FOUND where the key is missing
+ * @retval S_OK  Turned and stored.
+ * @retval PAL_DISP_E_NO_SUCH_ORIENTATION  Another angle. Nothing was changed.
+ * @retval PAL_DISP_E_CHANGE_REFUSED  The display driver refused. Nothing was changed.
+ * @retval PAL_E_WIN32(error)  Turned but not stored, with the error of writing:
+ *               PAL_E_FILE_NOT_FOUND if the key does not exist.
  */
 HRESULT PALAPI PALDISPSetOrientation(LONG angle);
 
 /**
- * How the screen is turned, as the display driver says.
+ * Gives the orientation of the screen, as the display driver reports it.
  *
- * @param[out] angle 0, 90, 180 or 270 degrees; 0 also where the driver gives no known orientation.
- *                   Not null; not written on failure
+ * @param[out] angle  [degrees] 0, 90, 180 or 270. 0 also if the driver reports an orientation that
+ *                    is not known. Unchanged on failure. Not null.
  *
- * @retval S_OK   answered
- * @retval E_FAIL the display driver does not answer, or @p angle is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The display driver does not answer, or @p angle is null.
  */
 HRESULT PALAPI PALDISPGetOrientation(LONG* angle);
 
 /**
- * How the input panel is docked: "SIP", value "DragStyle". The key is created where it is missing.
+ * Sets how the input panel is docked: the value "DragStyle" under "SIP". The key is created if it
+ * does not exist.
  *
- * @param style any number; its meaning is the input panel's
+ * @param style  Any number. The input panel gives it its meaning.
  *
- * @retval S_OK       stored
- * @retval PAL_E_WIN32(error) the system error of creating the key or of writing the value
+ * @retval S_OK  Stored.
+ * @retval PAL_E_WIN32(error)  The error of creating the key or of writing the value.
  */
 HRESULT PALAPI PALDISPSetSIPDock(DWORD style);
 
 /**
- * Reads how the input panel is docked.
+ * Gives how the input panel is docked.
  *
- * @param[out] style any number, as it is stored; 0 on failure. Not null
+ * @param[out] style  Any number, as it is stored. 0 on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     @p style is null
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where key or
- * value are missing
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p style is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the key or the value
+ *                 does not exist.
  */
 HRESULT PALAPI PALDISPGetSIPDock(DWORD* style);
 
 /**
- * How loud a tap on the screen clicks: "Volume", value "Screen". Level 2 is stored as 0x10002. The
- * audio driver is then told to read its settings.
+ * Sets how loud a tap on the screen sounds: the value "Screen" under "Volume". Then tells the audio
+ * driver to read its settings again.
  *
- * @param level 0 (silent), 1 or 2 (loud)
+ * @param level  [level] #PALTapVolume.
  *
- * @retval S_OK       stored, and the audio driver was told
- * @retval E_FAIL     another level, and nothing was changed; or stored, but the audio driver cannot
- *                    be told
- * @retval PAL_E_WIN32(error) the system error of the registry, and nothing was stored:
- * PAL_E_FILE_NOT_FOUND where the key is missing
+ * @retval S_OK    Stored, and the audio driver was told.
+ * @retval E_FAIL  Another level, and nothing was changed. Or stored, but the audio driver cannot be
+ *                 told.
+ * @retval PAL_E_WIN32(error)  Not stored, with the error of writing: PAL_E_FILE_NOT_FOUND if the
+ *                 key does not exist.
  */
 HRESULT PALAPI PALDISPSetScreenTapVol(DWORD level);
 
 /**
- * Reads how loud a tap on the screen clicks.
+ * Gives how loud a tap on the screen sounds.
  *
- * @param[out] level 0, 1 or 2; what is stored otherwise is given as it is, but 0x10000 as 0. Not
- *                   null; not written on failure
+ * @param[out] level  [level] #PALTapVolume. A stored 0x10000 counts as 0. Any other stored number
+ *                    is given as it is. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     @p level is null
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
- * is missing
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p level is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the value does not
+ *                 exist.
  */
 HRESULT PALAPI PALDISPGetScreenTapVol(DWORD* level);
 

@@ -1,10 +1,11 @@
 /**
  * @file palimagecapture.h
- * @brief Whether images may be captured, and the owner's switch for it.
+ * @brief Image capture: whether it is allowed, and the switch of the device's owner for it.
+ * @family switches
  *
  * The switch is the DWORD "DisableImageCapture" under HKEY_LOCAL_MACHINE
- * "Software\Dravonel\Policy": 0 allows, anything else forbids. The functions here may be called
- * from any thread of any process; nothing is kept between calls.
+ * "Software\Dravonel\Policy": 0 allows, any other number forbids. Any thread of any process may
+ * call these functions. Nothing is kept between calls.
  */
 #ifndef PALIMAGECAPTURE_H_
 #define PALIMAGECAPTURE_H_
@@ -14,41 +15,50 @@
 
 PAL_INTERFACE_BEGIN
 
-/** The answers of PALImageCaptureGetStatus. */
+/** What PALImageCaptureGetStatus answers. */
 typedef enum PALImageCaptureStatus {
-  /** The device was built without it, or there is no policy to tell. */
+  /** The device was built without image capture, or no policy can be read. */
   PAL_IMAGE_CAPTURE_NOT_AVAILABLE = 0,
+  /** The policy allows it. */
   PAL_IMAGE_CAPTURE_ENABLED = 1,
-  /** Forbidden by the policy. */
+  /** The policy forbids it. */
   PAL_IMAGE_CAPTURE_DISABLED = 2
 } PALImageCaptureStatus;
 
+/** What PALImageCapture_SetEnable answers. No HRESULT: a failure is not below 0. */
+typedef enum PALImageCaptureChange {
+  /** The switch is set. */
+  PAL_IMAGE_CAPTURE_CHANGED = 0,
+  /** The switch is not set. */
+  PAL_IMAGE_CAPTURE_NOT_CHANGED = 1
+} PALImageCaptureChange;
+
 /**
- * Whether images may be captured.
+ * Tells whether images may be captured.
  *
- * A device whose non-volatile parameter 0xD7 (the AIT bit) is not 0 has no image capture; a
- * parameter that cannot be read rules nothing out and is told on the debug output. On any other
- * device the policy decides. Its key is read with every call; each step is traced with facility
- * 1094.
+ * A device whose non-volatile parameter 0xD7 (the AIT bit) is not 0 has no image capture; its
+ * policy is not read. On any other device the policy decides, and is read again by every call. A
+ * parameter that cannot be read counts as 0; the debug output says so. The steps with the policy
+ * are traced with facility 1094.
  *
- * @param[out] status  A PALImageCaptureStatus. 0 also where the policy's key or value does not
- *                     exist or cannot be read; a value of more than four bytes cannot. Not null.
+ * @param[out] status  #PALImageCaptureStatus. PAL_IMAGE_CAPTURE_NOT_AVAILABLE also if the key or
+ *                     the value of the policy does not exist, cannot be read or has more than four
+ *                     bytes. Not null.
  *
- * @retval S_OK   answered
- * @retval E_FAIL @p status is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p status is null.
  */
 HRESULT PALAPI PALImageCaptureGetStatus(DWORD* status);
 
 /**
- * Allows or forbids image capture: writes the policy's value. Its key must exist. Failures are
- * traced with facility 1114.
+ * Allows or forbids image capture: writes the value of the policy. Failures are traced with
+ * facility 1114.
  *
- * @param enable  0 forbids and stores 1; anything else allows and stores 0.
+ * @param enable  0 forbids and stores 1. Any other number allows and stores 0.
  *
- * The answer is a number and no HRESULT.
- *
- * @retval 0  the value was written
- * @retval 1  the policy's key does not exist or cannot be opened, or the value cannot be written
+ * @retval PAL_IMAGE_CAPTURE_CHANGED      The value was written.
+ * @retval PAL_IMAGE_CAPTURE_NOT_CHANGED  The key of the policy does not exist or cannot be opened,
+ *                                        or the value cannot be written.
  */
 DWORD PALAPI PALImageCapture_SetEnable(BOOL enable);
 

@@ -1,94 +1,118 @@
 /**
  * @file palkey.h
- * @brief The keypad: what the programmable buttons do, shift keys, control keys, the click of a
- * key.
+ * @brief The keypad: actions of the buttons, shift keys, control keys, sound of a key.
+ * @family keypad
  *
- * The keypad driver takes its behaviour from the registry, under HKEY_LOCAL_MACHINE. The text
- * "CurrentActiveLayoutKey" under "Hardware\Devicemap\Keybd" is the path of the active layout, of at
- * most 260 characters. A layout has the binary values "ShiftPlane0" to "ShiftPlane2", with a record
- * of six bytes for each key, and keys below it: "EVENTS\DELTA" and "EVENTS\STATE" have the names of
- * the events that the driver signals for the values "Event1" to "Event7", on each change of a
- * button and for as long as it is held; "ShiftKeys" has the shift keys. The handle's button has a
- * layout of its own, "Software\Dravonel\RFIDServer\Keybd".
+ * The keypad driver reads its behaviour from the registry, under HKEY_LOCAL_MACHINE. The text
+ * "CurrentActiveLayoutKey" under "Hardware\Devicemap\Keybd" is the path of the active layout. It
+ * has at most 260 characters. A layout consists of:
  *
- * The driver is told of a change through the named event "DVL_KEYBOARD_CHANGE_USB", once its key
- * "Drivers\HID\ClientDrivers\DVLKeyboard" has been flushed.
+ * - the binary values "ShiftPlane0" to "ShiftPlane2", with a record of six bytes for each key;
+ * - the keys "EVENTS\DELTA" and "EVENTS\STATE". Their values "Event1" to "Event7" name the events
+ *   that the driver signals: on each change of a button, and for as long as it is held;
+ * - the key "ShiftKeys" with the shift keys.
  *
- * Any thread of any process may call. Nothing is kept between calls: a layout that the driver
- * switches to is seen by the next call. No lock is taken: programs that set actions at the same
- * time have to take turns. Everything is traced with facility 1005.
+ * The button of the handle has a layout of its own, "Software\Dravonel\RFIDServer\Keybd".
+ *
+ * After a change the driver's key "Drivers\HID\ClientDrivers\DVLKeyboard" is flushed, and the named
+ * event "DVL_KEYBOARD_CHANGE_USB" tells the driver to read its settings again.
+ *
+ * Any thread of any process may call these functions. Nothing is kept between calls: if the driver
+ * switches to another layout, the next call uses it. No lock is taken: programs that set actions at
+ * the same time must take turns. Steps and failures are traced with facility 1005.
  */
 #ifndef PALKEY_H_
 #define PALKEY_H_
 
 #include "palresult.h"
 #include "paltypes.h"
+#include "palvalues.h"
 
 PAL_INTERFACE_BEGIN
 
 /** Buttons have the numbers 0 to 7. */
 #define PAL_KEY_BUTTON_COUNT 8
 
-/** The room that PALKEYGetButtonName takes its buffer to have, in bytes. */
+/** The room that PALKEYGetButtonName expects in its buffer, in bytes. */
 #define PAL_KEY_BUTTON_NAME_LENGTH 18
 
-/** What a button does: the events that are signalled for it. */
+/** The programmable buttons. No device has a button 1 or 4. */
+typedef enum PALButton {
+  /** The button of the handle. */
+  PAL_BUTTON_HANDLE = 0,
+  /** The lower button on the left side. */
+  PAL_BUTTON_LEFT_SIDE_BOTTOM = 2,
+  /** The button in the middle. */
+  PAL_BUTTON_MIDDLE = 3,
+  /** The upper button on the left side. An ordinary key unless it has an action. */
+  PAL_BUTTON_LEFT_SIDE_TOP = 5,
+  /** The upper button on the right side. An ordinary key unless it has an action. */
+  PAL_BUTTON_RIGHT_SIDE_TOP = 6,
+  /** The lower button on the right side. An ordinary key unless it has an action. */
+  PAL_BUTTON_RIGHT_SIDE_BOTTOM = 7
+} PALButton;
+
+/** What a button does: which events the driver signals for it. */
 typedef enum PALKeyAction {
   /** Starts a scan. */
   PAL_KEY_ACTION_SCAN = 1,
   /** Pulls the trigger of the RFID reader. */
   PAL_KEY_ACTION_RFID_TRIGGER = 2,
-  /** Signals the RFID reader's event for the button's position. */
+  /** Signals the event of the RFID reader for the position of the button. */
   PAL_KEY_ACTION_RFID_POSITION = 3,
   /** Starts a scan with the camera. */
   PAL_KEY_ACTION_CAMERA_SCAN = 4,
   /** Switches the flashlight. */
   PAL_KEY_ACTION_FLASHLIGHT = 5,
-  /** Is the ordinary key that it is. */
+  /** Acts as an ordinary key. */
   PAL_KEY_ACTION_WINDOWS_DEFAULT = 6,
   /** Signals the maker's trigger event. */
   PAL_KEY_ACTION_OEM_TRIGGER = 7,
-  /** Cannot be told; only ever an answer. */
+  /** The action is not known. Only an answer. */
   PAL_KEY_ACTION_UNKNOWN = 255
 } PALKeyAction;
 
-/** What the shift keys of a layout do. Only ever an answer: PAL_SHIFT_BEHAVIOR_MIXED. */
+/** What the shift keys of a layout do. */
 typedef enum PALShiftBehavior {
-  /** Bit value 1 of the first byte of each shift key's value. */
+  /** Bit 0 of the first byte of each shift key is set. */
   PAL_SHIFT_BEHAVIOR_0 = 0,
-  /** Bit value 2. */
+  /** Bit 1 is set, and bit 0 is not. */
   PAL_SHIFT_BEHAVIOR_1 = 1,
-  /** Bit value 4. */
+  /** Bit 2 is set, and bits 0 and 1 are not. */
   PAL_SHIFT_BEHAVIOR_2 = 2,
-  /** The shift keys differ, or have none of the three bits. */
-  PAL_SHIFT_BEHAVIOR_MIXED = 3
+  /** The shift keys differ, or have none of the three bits. Only an answer. */
+  PAL_SHIFT_BEHAVIOR_MIXED = 3,
+  /** The shift keys cannot be listed. Only an answer. */
+  PAL_SHIFT_BEHAVIOR_UNREADABLE = -1
 } PALShiftBehavior;
 
-/** The control keys of PALKEYControlKeyState. */
+/** The control keys. Each has one or two DWORD values under "Hardware\DeviceMap\Keybd". */
 typedef enum PALControlKey {
+  /** "VolumeKeyEnable". */
   PAL_CONTROL_KEY_VOLUME = 0,
+  /** "ContrastKeyEnable" and "HighContrastKeyEnable". */
   PAL_CONTROL_KEY_CONTRAST = 1,
+  /** "BacklightKeyEnable". */
   PAL_CONTROL_KEY_BACKLIGHT = 2,
+  /** "AltTabEnable". */
   PAL_CONTROL_KEY_ALT_TAB = 3
 } PALControlKey;
 
 /**
- * Starts the family; runs when a process attaches.
+ * Repairs the layout of the buttons once in the life of a device. The library calls it when a
+ * process attaches.
  *
- * Repairs the layout of the buttons once in the life of a device: buttons 5, 6 and 7 get the action
- * PAL_KEY_ACTION_WINDOWS_DEFAULT and button 2 PAL_KEY_ACTION_SCAN (PAL_KEY_ACTION_CAMERA_SCAN on
- * the model "RM23"), the records of button 2 are rewritten in all three planes, and the driver is
- * told. The DWORD "FixActive" under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" is then 1 and keeps
- * this from happening again, also after a repair that failed halfway.
+ * Buttons 5, 6 and 7 get the action PAL_KEY_ACTION_WINDOWS_DEFAULT. Button 2 gets
+ * PAL_KEY_ACTION_SCAN, or PAL_KEY_ACTION_CAMERA_SCAN on the model "RM23", and its records in all
+ * three planes are rewritten. Then the driver is told. The DWORD "FixActive" under
+ * HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" becomes 1, even if the repair failed halfway, and the
+ * repair is not made again. To learn the model, it also traces with facility 1039.
  *
- * @retval S_OK always
+ * @retval S_OK  Always.
  */
 HRESULT PALAPI PALKEYInit(void);
 
-/**
- * Ends the family; runs when a process detaches.
- * @retval S_OK always
- */
+/** Does nothing but trace. The library calls it when a process detaches. @retval S_OK  Always. */
 HRESULT PALAPI PALKEYTerm(void);
 
 /**
@@ -96,169 +120,170 @@ HRESULT PALAPI PALKEYTerm(void);
  *
  * @param[out] count  Always 8. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  @p count is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p count is null.
  */
 HRESULT PALAPI PALKEYGetNumButtons(DWORD* count);
 
 /**
- * Gives a button's name, such as "Left Side Top".
+ * Gives the name of a button, such as "Left Side Top".
  *
- * A button is supported where plane 0 of the active layout has a record of kind 7 with the button's
- * scan code, the handle's included. A plane 0 of more than 1024 bytes supports none, and neither
- * does a layout whose path is missing, empty, unreadable or of more than 260 characters. The
- * numbers 1 and 4 are never supported.
+ * A button is supported if plane 0 of the active layout has a record of kind 7 with the scan code
+ * of the button. This holds for the handle too. No button is supported if plane 0 has more than
+ * 1024 bytes, or if the path of the layout does not exist, is empty, cannot be read or has more
+ * than 260 characters. Buttons 1 and 4 are never supported.
  *
- * @param button       0 to 7.
- * @param[out] name    Room for 18 bytes (PAL_KEY_BUTTON_NAME_LENGTH); receives the 8-bit text with
+ * @param button       #PALButton.
+ * @param[out] name    Room for 18 bytes (PAL_KEY_BUTTON_NAME_LENGTH). Receives the 8-bit text with
  *                     its terminator. Unchanged on failure. Not null.
- * @param[out] length  Receives the text's length in bytes, without its terminator. Unchanged on
- *                     failure. Not null.
+ * @param[out] length  [bytes] The length of the text without its terminator. Unchanged on failure.
+ *                     Not null.
  *
- * @retval S_OK        done
- * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, or there is no such number
- * @retval E_FAIL      @p name or @p length is null
+ * @retval S_OK    Answered.
+ * @retval PAL_KEY_E_NOT_SUPPORTED  The button is not supported, or there is no such number.
+ * @retval E_FAIL  @p name or @p length is null.
  */
 HRESULT PALAPI PALKEYGetButtonName(LONG button, char* name, DWORD* length);
 
 /**
- * Tells what a button does.
+ * Tells what a button does: reads its event names under "EVENTS\DELTA" and "EVENTS\STATE".
  *
- * From the values "Event1" to "Event7" under "EVENTS\DELTA" and "EVENTS\STATE" of the button's
- * layout. Of buttons 5, 6 and 7 a value that is missing or larger than 512 bytes stands for
- * PAL_KEY_ACTION_WINDOWS_DEFAULT. The scan events of the right-hand side count as those of
- * PAL_KEY_ACTION_SCAN. Names are compared exactly.
+ * For buttons 5, 6 and 7 a value that does not exist or has more than 512 bytes means
+ * PAL_KEY_ACTION_WINDOWS_DEFAULT. The scan events of the right-hand side count as
+ * PAL_KEY_ACTION_SCAN. Upper and lower case of the names matter.
  *
- * @param button       0 to 7.
- * @param[out] action  A PALKeyAction. PAL_KEY_ACTION_UNKNOWN on every failure, and with S_OK where
- *                     an event's key or value is missing, where its name belongs to no action, or
- *                     where the two names belong to different ones. Not null.
+ * @param button       #PALButton.
+ * @param[out] action  #PALKeyAction. PAL_KEY_ACTION_UNKNOWN on every failure. Also with S_OK, if an
+ *                     event's key or value does not exist, if its name belongs to no action, or if
+ *                     the two names belong to different actions. Not null.
  *
- * @retval S_OK        answered
- * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, as in PALKEYGetButtonName
- * @retval E_FAIL      @p action is null; or the path of the active layout, which was read when the
- *                     button was looked for, can then no longer be read
+ * @retval S_OK    Answered.
+ * @retval PAL_KEY_E_NOT_SUPPORTED  The button is not supported (see PALKEYGetButtonName).
+ * @retval E_FAIL  @p action is null. Or the path of the active layout can no longer be read after
+ *                 the button was found in it.
  */
 HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
 
 /**
- * Sets what a button does, and tells the driver. Of the handle, button 0, nobody is told.
+ * Sets what a button does, and tells the driver. A change of the handle, button 0, is not told.
  *
- * Writes the two event names of the action as texts without terminator. The records of buttons 5, 6
- * and 7 are rewritten to signal their event when the action was PAL_KEY_ACTION_WINDOWS_DEFAULT,
- * once the original ones are saved under HKEY_LOCAL_MACHINE "Software\Dravonel\PAL"; they are
- * restored from there with PAL_KEY_ACTION_WINDOWS_DEFAULT. A plane that has no record of the
- * button, or cannot be read, is left out, and so is the restoring of one that was never saved. A
- * plane whose original cannot be saved keeps it: also where the saved plane has 4096 bytes and
- * more. What a call has written before it fails, or ends with its process, stays written; the same
- * call made again completes it, and what is saved of the button is then kept.
+ * Writes the two event names of the action, as texts without a terminator. Buttons 5, 6 and 7 also
+ * have a record in each of the three planes:
  *
- * Not reported: a failure in planes 0 and 1, a plane of the layout of 4096 bytes and more (it is
- * left as it is), a saved plane of 682 records that has no room for another, and a plane or a name
- * under "EVENTS\STATE" whose write fails.
+ * - If the action was PAL_KEY_ACTION_WINDOWS_DEFAULT, the records are saved under
+ *   HKEY_LOCAL_MACHINE "Software\Dravonel\PAL" and then rewritten to signal the button's event.
+ * - If the new action is PAL_KEY_ACTION_WINDOWS_DEFAULT, the saved records are written back. The
+ *   saved copy stays.
+ * - A plane that has no record of the button, or cannot be read, is left out. So is a plane whose
+ *   record cannot be saved, or was never saved. A plane of 4096 bytes or more cannot be read.
  *
- * @param button  0 to 7.
- * @param action  A PALKeyAction, 1 to 7.
+ * A call that fails, or whose process ends, can leave a part of the change written: records saved
+ * and rewritten, or the name under "EVENTS\DELTA" without the one under "EVENTS\STATE". The same
+ * call made again completes it. A record that such a call has rewritten already is not saved over
+ * the original.
  *
- * @retval S_OK        done
- * @retval PAL_KEY_E_NO_SUCH_ACTION  @p action is not 1 to 7; nothing was changed
- * @retval PAL_KEY_E_NOT_SUPPORTED  the button is not supported, as in PALKEYGetButtonName; nothing
- * was changed
- * @retval E_FAIL      the layout has no key "EVENTS\DELTA" or "EVENTS\STATE"; the name under
- *                     "EVENTS\DELTA" cannot be written; for plane 2 the layout's key or that of the
- *                     saved records cannot be opened, the saved plane cannot be read or has 4096
- *                     bytes and more, or the layout's plane can no longer be read once its
- *                     record is saved; or the driver's key "Drivers\HID\ClientDrivers\DVLKeyboard"
- *                     cannot be opened, and the driver is then not told
+ * These failures are not reported: any in the planes 0 and 1; a plane 2 that the layout does not
+ * have or that has 4096 bytes or more; a saved plane with no room for a further record; a plane or
+ * a name under "EVENTS\STATE" that cannot be written.
+ *
+ * @param button  #PALButton.
+ * @param action  #PALKeyAction, 1 to 7.
+ *
+ * @retval S_OK  Done.
+ * @retval PAL_KEY_E_NO_SUCH_ACTION  @p action is not 1 to 7. Nothing was changed.
+ * @retval PAL_KEY_E_NOT_SUPPORTED   The button is not supported (see PALKEYGetButtonName). Nothing
+ *               was changed.
+ * @retval E_FAIL  "EVENTS\DELTA" or "EVENTS\STATE" cannot be opened. Or the name under
+ *               "EVENTS\DELTA" cannot be written. Or, for plane 2, the key of the layout or of the
+ *               saved records cannot be opened, or the saved plane cannot be read. Or the driver's
+ *               key cannot be opened, and the driver is not told.
  */
 HRESULT PALAPI PALKEYSetButtonAction(LONG button, LONG action);
 
 /**
- * Enables or disables a control key.
+ * Enables or disables a control key. If the first of its two values cannot be written, the second
+ * is written all the same.
  *
- * Writes DWORD values under HKEY_LOCAL_MACHINE "Hardware\DeviceMap\Keybd": "VolumeKeyEnable";
- * "ContrastKeyEnable" and "HighContrastKeyEnable"; "BacklightKeyEnable"; "AltTabEnable". A failure
- * of the first of two values does not stop the second.
+ * @param key    #PALControlKey.
+ * @param state  0 disables. Any other number enables, and is written as 1.
  *
- * @param key    A PALControlKey, 0 to 3.
- * @param state  0 disables; any other number enables and is written as 1.
- *
- * @retval S_OK        the key's last value is written
- * @retval PAL_KEY_E_NO_SUCH_CONTROL_KEY  there is no such control key; nothing was written
- * @retval PAL_E_WIN32(error)  the error of the last write: PAL_E_FILE_NOT_FOUND where the registry
- * key does not exist
+ * @retval S_OK  The last value of the key is written.
+ * @retval PAL_KEY_E_NO_SUCH_CONTROL_KEY  There is no such control key. Nothing was written.
+ * @retval PAL_E_WIN32(error)  The error of writing the last value: PAL_E_FILE_NOT_FOUND if the
+ *               registry key does not exist.
  */
 HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state);
 
 /**
  * Tells what the shift keys of the active layout do.
  *
- * A shift key is a binary value of four bytes under "ShiftKeys" of the layout, whose name begins
- * with "ShiftKey" in any case; other values are passed over.
+ * A shift key is a binary value of four bytes under "ShiftKeys" whose name begins with "ShiftKey",
+ * in any case. Other values are ignored. At most 65,536 values are looked at.
  *
- * @param[out] behavior  A PALShiftBehavior; 0 also where there is no shift key. 0xFFFFFFFF where
- * the values cannot be listed, and unchanged on every other failure. Not null.
+ * @param[out] behavior  #PALShiftBehavior. PAL_SHIFT_BEHAVIOR_0 also if there is no shift key.
+ *                       PAL_SHIFT_BEHAVIOR_UNREADABLE if the values cannot be listed. Unchanged on
+ *                       every other failure. Not null.
  *
- * @retval S_OK        answered
- * @retval E_FAIL      @p behavior is null
- * @retval PAL_E_WIN32(error)  the error of opening "Hardware\Devicemap\Keybd", of reading the
- * layout's path, of opening "ShiftKeys" or of listing its values: PAL_E_FILE_NOT_FOUND where one is
- * missing, PAL_E_MORE_DATA where the path has more than 260 characters or the list more than 65536
- * values
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p behavior is null.
+ * @retval PAL_E_WIN32(error)  The error of opening "Hardware\Devicemap\Keybd", of reading the path
+ *                 of the layout, of opening "ShiftKeys" or of listing its values.
+ *                 PAL_E_FILE_NOT_FOUND if one of these does not exist. PAL_E_MORE_DATA if the path
+ *                 has more than 260 characters, or if there are more than 65,536 values.
  */
 HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior);
 
 /**
- * Sets what the shift keys of the active layout do: all of them do the same. The driver is not
- * told.
+ * Sets what the shift keys of the active layout do: all of them do the same. The low three bits of
+ * the first byte of each shift key change. The driver is not told.
  *
- * Of each shift key the low three bits of the first byte change.
+ * @param behavior  #PALShiftBehavior, 0 to 2.
  *
- * @param behavior  A PALShiftBehavior, 0 to 2.
- *
- * @retval S_OK          every shift key that could be listed is written
- * @retval E_INVALIDARG  @p behavior is above 2; nothing was changed
- * @retval PAL_E_WIN32(error)    as in PALKEYGetShiftBehavior, but for a failed list; or the error
- * of writing a shift key, and those behind it are unchanged
+ * @retval S_OK          Every shift key that could be listed is written.
+ * @retval E_INVALIDARG  @p behavior is above 2. Nothing was changed.
+ * @retval PAL_E_WIN32(error)  The error of opening "Hardware\Devicemap\Keybd", of reading the path
+ *                       of the layout, or of opening "ShiftKeys": PAL_E_FILE_NOT_FOUND if one of
+ *                       these does not exist. Or the error of writing a shift key; those after it
+ *                       are not changed.
  */
 HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior);
 
 /**
- * Sets how loud the click of a key is, and has the audio driver read its settings again.
+ * Sets how loud a key sounds: the DWORD "Key" under HKEY_CURRENT_USER "ControlPanel\Volume". Then
+ * tells the audio driver to read its settings again. The lines of this function are traced with
+ * facility 1005; those about the audio driver with facility 1006.
  *
- * Keeps the DWORD "Key" under HKEY_CURRENT_USER "ControlPanel\Volume": level 2 as 0x10002, 0 and 1
- * as they are.
+ * @param level  [level] #PALTapVolume.
  *
- * @param level  0 (silent), 1 or 2.
- *
- * @retval S_OK        done
- * @retval E_FAIL      @p level is above 2, nothing was changed; or the audio driver cannot be told,
- *                     and the level is kept
- * @retval PAL_E_WIN32(error)  the error of the write: PAL_E_FILE_NOT_FOUND where the registry key
- * does not exist
+ * @retval S_OK    Stored, and the audio driver was told.
+ * @retval E_FAIL  @p level is above 2, and nothing was changed. Or stored, but the audio driver
+ *                 cannot be told.
+ * @retval PAL_E_WIN32(error)  Not stored, with the error of writing: PAL_E_FILE_NOT_FOUND if the
+ *                 registry key does not exist.
  */
 HRESULT PALAPI PALKEYSetKeyTapVol(DWORD level);
 
 /**
- * Tells how loud the click of a key is.
+ * Tells how loud a key sounds.
  *
- * @param[out] level  0x10002 in the registry is 2 and 0x10000 is 0; any other number is as it is
- *                    there. Unchanged on failure. Not null.
+ * @param[out] level  [level] #PALTapVolume. A stored 0x10000 counts as 0. Any other stored number
+ *                    is given as it is. Unchanged on failure. Not null.
  *
- * @retval S_OK        answered
- * @retval E_FAIL      @p level is null
- * @retval PAL_E_WIN32(error)  the error of the read: PAL_E_FILE_NOT_FOUND where the key or the
- * value does not exist
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p level is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the key or the value
+ *                 does not exist.
  */
 HRESULT PALAPI PALKEYGetKeyTapVol(DWORD* level);
 
 /**
- * Tells which keyboard the device has: the non-volatile parameter 0x35, kernel control 0x010122C4.
+ * Tells which keyboard the device has: the non-volatile parameter 0x35, by kernel control
+ * 0x010122C4.
  *
- * @param[out] type  The parameter as it is; 0 where it cannot be read or holds no byte. Not null.
+ * @param[out] type  The parameter as it is. 0 if it cannot be read or holds no byte. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  @p type is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p type is null.
  */
 HRESULT PALAPI PALKEYGetType(DWORD* type);
 

@@ -1,10 +1,11 @@
 /**
  * @file palonewire.h
  * @brief The one-wire bus: whether the device stands in a vehicle dock.
+ * @family sysinfo/dock
  *
- * A vehicle dock has a one-wire memory device whose first record carries the dock's part number.
- * The bus is reached through the driver "WIR1:", which is opened for the time of one call. The
- * functions here may be called from any thread of any process; nothing is kept between calls.
+ * A vehicle dock has a one-wire memory device. Its first record carries the part number of the
+ * dock. The driver of the bus, "WIR1:", is opened for the time of one call. Any thread of any
+ * process may call; nothing is kept between calls.
  */
 #ifndef PALONEWIRE_H_
 #define PALONEWIRE_H_
@@ -14,18 +15,26 @@
 
 PAL_INTERFACE_BEGIN
 
+/** What PALOneWire_IsVehicleDockAttached answers. No HRESULT. */
+typedef enum PALVehicleDock {
+  /** No dock was found. */
+  PAL_VEHICLE_DOCK_NOT_ATTACHED = 0,
+  /** The device stands in a dock. */
+  PAL_VEHICLE_DOCK_ATTACHED = 1
+} PALVehicleDock;
+
 /**
  * Searches the one-wire bus for a vehicle dock: a memory device with the part number "871231" in
  * bytes 1 to 6 of its memory.
  *
- * A device on the bus that cannot be read is passed over; at most 256 devices are asked. Each step
- * and each failure is traced with facility 1116.
+ * At most 256 devices are asked. A device whose id, memory size or memory cannot be read is left
+ * out. Steps and failures are traced with facility 1116. One failure has no line: a request for the
+ * memory size that the platform refuses.
  *
- * The answer is a yes/no value and no HRESULT.
- *
- * @retval 1  a dock is attached
- * @retval 0  none is; also where there is no driver "WIR1:", where it cannot be opened, and where
- *            the search of the bus or the count of its devices fails
+ * @retval PAL_VEHICLE_DOCK_ATTACHED      A dock is attached.
+ * @retval PAL_VEHICLE_DOCK_NOT_ATTACHED  No dock is attached. Also if the driver "WIR1:" does not
+ *                     exist or cannot be opened, or if the bus cannot be searched or its devices
+ *                     cannot be counted.
  */
 DWORD PALAPI PALOneWire_IsVehicleDockAttached(void);
 

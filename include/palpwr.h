@@ -1,16 +1,17 @@
 /**
  * @file palpwr.h
- * @brief Power: suspend and screen-off timeouts, boot option, power button, holding off suspend.
+ * @brief Power: suspend and screen-off timeouts, boot option, power button, keeping awake.
+ * @family power
  *
- * The timeouts are the platform's own, REG_DWORD values in seconds under HKEY_LOCAL_MACHINE
- * "System\CurrentControlSet\Control\Power\Timeouts"; 0 is never. After each change the power
- * manager is told to read them again through the event "PowerManager/ReloadActivityTimeouts", which
- * PALPWRInit creates.
+ * The timeouts are values of the platform: REG_DWORD in seconds under HKEY_LOCAL_MACHINE
+ * "System\CurrentControlSet\Control\Power\Timeouts"; 0 means never. After each change the event
+ * "PowerManager/ReloadActivityTimeouts" tells the power manager to read them again. PALPWRInit
+ * creates this event.
  *
- * The functions here may be called from any thread of any process, but for PALPWRInit and
- * PALPWRTerm, which no other call of the same process may overlap; the library calls them when a
- * process attaches and detaches. No lock is taken: of two changes at once the later one stands. A
- * null out-pointer gives E_FAIL, and nothing is read or traced. The steps of every function are
+ * Any thread of any process may call these functions. PALPWRInit and PALPWRTerm are the exception:
+ * no other call of the same process may overlap them. The library calls them when a process
+ * attaches and detaches. No lock is taken: of two changes at once the later one stays. For a null
+ * out-pointer the result is E_FAIL, and nothing is read or traced. The steps of every function are
  * traced with facility 1007.
  */
 #ifndef PALPWR_H_
@@ -22,187 +23,196 @@
 PAL_INTERFACE_BEGIN
 
 /**
- * Creates the events of the family, "PowerManager/ReloadActivityTimeouts" and
- * "BackLightChangeEvent". The library's entry calls it when a process attaches; a further call does
- * nothing.
+ * What the power button does. The registry has the number in parentheses, a flag of the platform's
+ * power states; the driver of the button gives it its meaning.
+ */
+typedef enum PALPowerButtonOption {
+  /** No flag (0). */
+  PAL_POWER_BUTTON_NOTHING = 0,
+  /** POWER_STATE_USERIDLE (0x01000000). */
+  PAL_POWER_BUTTON_USER_IDLE = 1,
+  /** POWER_STATE_SUSPEND (0x00200000). */
+  PAL_POWER_BUTTON_SUSPEND = 2,
+  /** POWER_STATE_CRITICAL (0x00040000). */
+  PAL_POWER_BUTTON_CRITICAL = 3,
+  /** POWER_STATE_RESET (0x00800000). */
+  PAL_POWER_BUTTON_RESET = 4,
+  /** POWER_STATE_OFF (0x00020000). */
+  PAL_POWER_BUTTON_OFF = 5
+} PALPowerButtonOption;
+
+/** The commands of PALPWRSuspendCtrl. */
+typedef enum PALSuspendCommand {
+  /** Start a keep-awake thread. */
+  PAL_SUSPEND_KEEP_AWAKE = 0,
+  /** Stop all keep-awake threads of the process. */
+  PAL_SUSPEND_ALLOW = 1
+} PALSuspendCommand;
+
+/**
+ * Creates the events "PowerManager/ReloadActivityTimeouts" and "BackLightChangeEvent". A further
+ * call does nothing.
  *
- * @retval S_OK       both events are there
- * @retval PAL_PWR_E_EVENT(error) an event could not be created; xxxx are the low 16 bits of the
- * system error. No event is kept: a further call tries again
+ * @retval S_OK  Both events are there.
+ * @retval PAL_PWR_E_EVENT(error)  An event could not be created. None is kept: a further call tries
+ *               again.
  */
 HRESULT PALAPI PALPWRInit(void);
 
-/**
- * Closes the events. The library's entry calls it when a process detaches. Keep-awake threads are
- * neither stopped nor waited for.
- *
- * @retval S_OK always
- */
+/** Closes the events. Keep-awake threads go on, and are not waited for. @retval S_OK  Always. */
 HRESULT PALAPI PALPWRTerm(void);
 
 /**
- * After how many minutes without use the device suspends on battery: REG_DWORD
+ * Sets after how many minutes without use the device suspends on battery: the value
  * "BattSuspendTimeout".
  *
- * @param minutes 0 (never), 1, 2, 3, 4, 5, 6, 10, 11, 15 or 30
+ * @param minutes  [minutes] 0 (never), 1, 2, 3, 4, 5, 6, 10, 11, 15 or 30.
  *
- * @retval S_OK       stored, and the power manager was told
- * @retval PAL_PWR_E_NO_SUCH_TIMEOUT not one of these values; nothing was changed
- * @retval PAL_PWR_E_NO_EVENT stored, but there is no event to tell the power manager with:
- * PALPWRInit was not called or failed
- * @retval PAL_PWR_E_EVENT(error) stored, but the event could not be set; xxxx are the low 16 bits
- * of the system error
- * @retval PAL_E_WIN32(error) not stored: the system error of the registry, PAL_E_FILE_NOT_FOUND
- * where the key is missing
+ * @retval S_OK  Stored, and the power manager was told.
+ * @retval PAL_PWR_E_NO_SUCH_TIMEOUT  The number is not allowed. Nothing was changed.
+ * @retval PAL_PWR_E_NO_EVENT      Stored, but there is no event to tell the power manager with:
+ *               PALPWRInit was not called or failed.
+ * @retval PAL_PWR_E_EVENT(error)  Stored, but the event could not be set.
+ * @retval PAL_E_WIN32(error)      Not stored, with the error of writing: PAL_E_FILE_NOT_FOUND if
+ *               the key does not exist.
  */
 HRESULT PALAPI PALPWRSetDeviceOff_Batt(DWORD minutes);
 
 /**
- * As PALPWRSetDeviceOff_Batt, on external power: REG_DWORD "ACSuspendTimeout".
+ * Sets after how many minutes without use the device suspends on external power: the value
+ * "ACSuspendTimeout".
  *
- * @param minutes 0 (never), 1, 2, 5, 6, 10, 11, 15 or 30
- *
- * @retval S_OK       as for PALPWRSetDeviceOff_Batt, and so are the failures
+ * @param minutes  [minutes] 0 (never), 1, 2, 5, 6, 10, 11, 15 or 30.
+ * @like PALPWRSetDeviceOff_Batt
  */
 HRESULT PALAPI PALPWRSetDeviceOff_ExtPwr(DWORD minutes);
 
 /**
  * Reads "BattSuspendTimeout".
  *
- * @param[out] minutes any number of whole minutes, a remainder is dropped; 0 is never, but also
- *                     less than a minute. Not null; not written on failure
+ * @param[out] minutes  [minutes] Any number. Remaining seconds are dropped: 0 means never, or less
+ *                      than a minute. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     @p minutes is null
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
- * is missing, PAL_E_MORE_DATA where it has more than four bytes
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The out-pointer is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the value does not
+ *                 exist, PAL_E_MORE_DATA if it has more than four bytes.
  */
 HRESULT PALAPI PALPWRGetDeviceOff_Batt(DWORD* minutes);
-
-/** As PALPWRGetDeviceOff_Batt, from "ACSuspendTimeout". */
+/** Reads "ACSuspendTimeout". @like PALPWRGetDeviceOff_Batt */
 HRESULT PALAPI PALPWRGetDeviceOff_ExtPwr(DWORD* minutes);
 
 /**
- * After how many seconds without use the screen turns off on battery: REG_DWORD "BattUserIdle".
+ * Sets after how many seconds without use the screen turns off on battery: the value
+ * "BattUserIdle".
  *
- * Other than the device-off setters it ignores what it does not allow, and does without an event.
+ * Unlike the functions for the suspend timeouts it ignores a number that is not allowed, and works
+ * without an event.
  *
- * @param seconds 0 (never), 60, 120, 180, 240, 300, 360 or 660
+ * @param seconds  [seconds] 0 (never), 60, 120, 180, 240, 300, 360 or 660.
  *
- * @retval S_OK       stored, and the power manager was told where there is an event to tell it by;
- *                    or not one of these values, and nothing was changed
- * @retval PAL_E_WIN32(error) the system error of the registry, and nothing was stored:
- * PAL_E_FILE_NOT_FOUND where the key is missing; or of setting the event, after the value was
- * stored
+ * @retval S_OK  Stored, and the power manager was told if there is an event. Or the number is not
+ *               allowed, and nothing was changed.
+ * @retval PAL_E_WIN32(error)  Not stored, with the error of writing: PAL_E_FILE_NOT_FOUND if the
+ *               key does not exist. Or stored, with the error of setting the event.
  */
 HRESULT PALAPI PALPWRSetScreenOff_Batt(LONG seconds);
 
 /**
- * As PALPWRSetScreenOff_Batt, on external power: REG_DWORD "ACUserIdle".
+ * Sets after how many seconds without use the screen turns off on external power: the value
+ * "ACUserIdle".
  *
- * @param seconds 0 (never), 60, 120, 121, 180, 240, 300, 360, 600, 660, 900 or 1800
- *
- * @retval S_OK       as for PALPWRSetScreenOff_Batt, and so are the failures
+ * @param seconds  [seconds] 0 (never), 60, 120, 121, 180, 240, 300, 360, 600, 660, 900 or 1800.
+ * @like PALPWRSetScreenOff_Batt
  */
 HRESULT PALAPI PALPWRSetScreenOff_ExtPwr(LONG seconds);
 
 /**
  * Reads "BattUserIdle".
  *
- * @param[out] seconds any number; 0 is never. Not null; not written on failure
- *
- * @retval S_OK       answered
- * @retval E_FAIL     @p seconds is null
- * @retval PAL_E_WIN32(error) as for PALPWRGetDeviceOff_Batt
+ * @param[out] seconds  [seconds] Any number. 0 means never. Unchanged on failure. Not null.
+ * @like PALPWRGetDeviceOff_Batt
  */
 HRESULT PALAPI PALPWRGetScreenOff_Batt(DWORD* seconds);
-
-/** As PALPWRGetScreenOff_Batt, from "ACUserIdle". */
+/** Reads "ACUserIdle". @like PALPWRGetScreenOff_Batt */
 HRESULT PALAPI PALPWRGetScreenOff_ExtPwr(DWORD* seconds);
 
 /**
- * Hands the boot option to the configuration driver "CFG1:" (control code 100001), which keeps it.
+ * Gives the boot option to the configuration driver "CFG1:", which keeps it: control code 100001.
  *
- * @param option 0 to 255; its meaning and what else is refused are the driver's
+ * @param option  0 to 255. The driver gives these numbers their meaning, and can refuse some.
  *
- * @retval S_OK       the driver has taken it; also where it cannot be opened and the system gives
- *                    no error for that
- * @retval 19         the driver refused it. No HRESULT: taken for one it is a success
- * @retval PAL_E_WIN32(error) the driver cannot be opened: PAL_E_DEV_NOT_EXIST where the device has
- * none, PAL_E_SHARING_VIOLATION while another has it open
+ * @retval S_OK  The driver has taken it. Also if the driver cannot be opened and the platform gives
+ *               no error for this.
+ * @retval PAL_PWR_DRIVER_REFUSED  The driver refused.
+ * @retval PAL_E_WIN32(error)  The driver cannot be opened: PAL_E_DEV_NOT_EXIST if the device has
+ *               none, PAL_E_SHARING_VIOLATION while another program has it open.
  */
 HRESULT PALAPI PALPWRSetBootOption(DWORD option);
 
 /**
- * Reads the boot option from the configuration driver "CFG1:" (control code 100000).
+ * Reads the boot option from the configuration driver "CFG1:": control code 100000.
  *
- * @param[out] option 0 to 255. Not null; not written on failure
+ * @param[out] option  0 to 255. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered; also where the driver cannot be opened and the system gives no error
- *                    for that, and then @p option is not written
- * @retval E_FAIL     @p option is null; the driver was not opened
- * @retval 19         the driver does not answer. No HRESULT: taken for one it is a success
- * @retval PAL_E_WIN32(error) as for PALPWRSetBootOption
+ * @retval S_OK    Answered. Also if the driver cannot be opened and the platform gives no error for
+ *                 this; @p option is then unchanged.
+ * @retval E_FAIL  @p option is null. The driver was not opened.
+ * @retval PAL_PWR_DRIVER_REFUSED  The driver does not answer.
+ * @like PALPWRSetBootOption
  */
 HRESULT PALAPI PALPWRGetBootOption(DWORD* option);
 
 /**
- * What the power button does: REG_DWORD "PowerButtonSuspendType" under HKEY_LOCAL_MACHINE
- * "Drivers\Builtin\Pwrbutton", as the code that the button's driver reads.
+ * Sets what the power button does: the REG_DWORD "PowerButtonSuspendType" under HKEY_LOCAL_MACHINE
+ * "Drivers\Builtin\Pwrbutton".
  *
- * @param option 0 to 5, stored as 0, 0x01000000, 0x00200000, 0x00040000, 0x00800000 and 0x00020000.
- *               Any other number is stored as option 0 is
+ * @param option  #PALPowerButtonOption. Any other number is stored as PAL_POWER_BUTTON_NOTHING is.
  *
- * @retval S_OK       stored
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the key
- * is missing
+ * @retval S_OK  Stored.
+ * @retval PAL_E_WIN32(error)  The error of writing: PAL_E_FILE_NOT_FOUND if the key does not exist.
  */
 HRESULT PALAPI PALPWRSetPwrButton(LONG option);
 
 /**
  * Reads what the power button does.
  *
- * @param[out] option 0 to 5. Not null; not written on failure
+ * @param[out] option  #PALPowerButtonOption. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     what is stored is the code of no option, or @p option is null
- * @retval PAL_E_WIN32(error) the system error of the registry: PAL_E_FILE_NOT_FOUND where the value
- * is missing
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  The stored number belongs to no option, or @p option is null.
+ * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the value does not
+ *                 exist.
  */
 HRESULT PALAPI PALPWRGetPwrButton(DWORD* option);
 
 /**
- * Holds off suspend for a while.
+ * Keeps the device from suspending, or allows it again.
  *
- * Command 0 starts a keep-awake thread in the calling process, each time a further one. It resets
- * the system's idle timers at once and then once in a period, until it is told to stop. The period
- * has as many seconds as the shorter of the two device-off timeouts has minutes, at most 45, and 20
- * where that is 0 or where a timeout cannot be read. Both are read when the thread starts.
+ * PAL_SUSPEND_KEEP_AWAKE starts a thread in the calling process; each call starts a further one.
+ * The thread resets the idle timers of the system at once and then once in a period. The period is
+ * as many seconds as the shorter of the two suspend timeouts has minutes, but at most 45. It is 20
+ * seconds if that is 0, or if a timeout cannot be read. The timeouts are read when the thread
+ * starts.
  *
- * Command 1 stops every keep-awake thread of the calling process: each ends when its present period
- * does. A thread that has not ended by the next command 0 goes on.
+ * PAL_SUSPEND_ALLOW stops every keep-awake thread of the calling process. Each ends when its
+ * present period ends. A thread that has not ended before the next PAL_SUSPEND_KEEP_AWAKE goes on.
  *
  * A thread keeps the library loaded in its process until it ends. Stop it before you free the
- * library: it could otherwise be stopped only by loading it again, and would run to the end of the
- * process, which ends it in any case.
+ * library. Otherwise only a program that loads the library again can stop it, and it runs until the
+ * process ends.
  *
- * @param command 0 start, 1 stop; any other does nothing
+ * @param command  #PALSuspendCommand. Any other number does nothing.
  *
- * @retval S_OK done
- * @retval 20   the thread could not be started. No HRESULT: taken for one it is a success
+ * @retval S_OK               Done.
+ * @retval PAL_PWR_NO_THREAD  The thread could not be started.
  */
 HRESULT PALAPI PALPWRSuspendCtrl(DWORD command);
 
-/**
- * Does nothing: these devices tell their battery level elsewhere. Nothing is read or written.
- * @retval S_OK always
- */
+/** Does nothing: these devices report the level of the battery elsewhere. @retval S_OK  Always. */
 HRESULT PALAPI PALPWRGetBatteryLevel(void);
 
-/**
- * Does nothing, as PALPWRGetBatteryLevel.
- * @retval S_OK always
- */
+/** Does nothing: these devices report the level of the battery elsewhere. @retval S_OK  Always. */
 HRESULT PALAPI PALPWRGetBatteryPercentRemaining(void);
 
 PAL_INTERFACE_END

@@ -1,9 +1,9 @@
 /**
  * @file palresult.h
- * @brief The result codes of the exported functions.
+ * @brief Results: the codes that the exported functions answer.
  *
- * A function's comment lists the ones that it can answer. Codes that the platform's own headers
- * define are taken from there where those headers came first.
+ * The comment of a function lists the results that it can give. A result below 0 is a failure.
+ * Codes that the platform's own headers define are taken from there if those are included first.
  */
 #ifndef PALRESULT_H_
 #define PALRESULT_H_
@@ -23,7 +23,7 @@
 #define S_FALSE PAL_RESULT(1)
 /** The device does not have this. */
 #define E_NOTIMPL PAL_RESULT(0x80004001)
-/** Failed; the function's comment has the causes. */
+/** Failed; the comment of the function has the causes. */
 #define E_FAIL PAL_RESULT(0x80004005)
 /** An argument is out of its range, or what the call needs was not prepared. */
 #define E_INVALIDARG PAL_RESULT(0x80070057)
@@ -37,7 +37,7 @@
 #define PAL_E_PATH_NOT_FOUND PAL_E_WIN32(3)
 /** The platform denies access. */
 #define PAL_E_ACCESS_DENIED PAL_E_WIN32(5)
-/** Another program has opened the file or the driver for itself alone. */
+/** Another program has opened the file or the driver without sharing it. */
 #define PAL_E_SHARING_VIOLATION PAL_E_WIN32(32)
 /** There is no such driver. */
 #define PAL_E_DEV_NOT_EXIST PAL_E_WIN32(55)
@@ -58,17 +58,25 @@
 /** Display: the setting cannot be written. */
 #define PAL_DISP_E_WRITE_FAILED PAL_RESULT(0x83EE0008)
 
-/** Power: a system error from 1 to 65535 of an event of the power manager. */
+/** Power: a system error from 1 to 65535 of an event for the power manager. */
 #define PAL_PWR_E_EVENT(error) PAL_RESULT(0x83EF0000U | (error))
 /** Power: there is no event to tell the power manager with. */
 #define PAL_PWR_E_NO_EVENT PAL_RESULT(0x83EF000D)
 /** Power: there is no such timeout. */
 #define PAL_PWR_E_NO_SUCH_TIMEOUT PAL_RESULT(0x83EF0011)
+/** Power: the configuration driver refuses. Not below 0: compare with it, do not use FAILED. */
+#define PAL_PWR_DRIVER_REFUSED PAL_RESULT(19)
+/** Power: the thread cannot be started. Not below 0: compare with it, do not use FAILED. */
+#define PAL_PWR_NO_THREAD PAL_RESULT(20)
 
 /** Device information: the room for the text is too short, or there is no address. */
 #define PAL_SYSINFO_E_TOO_SHORT PAL_RESULT(0x840F0001)
 /** Device information: no length is given, or there is no such detail. */
 #define PAL_SYSINFO_E_INVALID_INPUT PAL_RESULT(0x840F0002)
+/** Device information: what the text is made from cannot be read. */
+#define PAL_SYSINFO_E_SOURCE_FAILED PAL_RESULT(0xFFFFFFFF)
+/** Device information: the text has more than 255 characters. */
+#define PAL_SYSINFO_E_SOURCE_TOO_LONG PAL_RESULT(0xFFFFFFF8)
 
 /** Manufacturing options: a policy enables the feature. A success. */
 #define PAL_MFGOPT_S_ENABLED PAL_RESULT(0x04320001)
@@ -85,7 +93,7 @@
 /** Manufacturing options: no feature is given. */
 #define PAL_MFGOPT_E_NO_FEATURE_GIVEN PAL_RESULT(0x84320009)
 
-/** USB: an argument is out of its range. */
+/** USB: an argument is out of its range, or a name is too long. */
 #define PAL_STORE_E_INVALID_INPUT PAL_RESULT(0x844F0001)
 /** USB: the bus driver refuses the client. */
 #define PAL_STORE_E_SELECT_FAILED PAL_RESULT(0x844F0002)

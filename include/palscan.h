@@ -1,27 +1,32 @@
 /**
  * @file palscan.h
  * @brief The internal scan engine: its driver, power, trigger and modes.
+ * @family scanner
  *
- * The engine is reached through the driver "SCD1:", which knows one user at a time. PALSysio_Open
- * comes before every other function, PALSysio_InternalScannerInterfaceInit once after it when the
- * reading stack starts, PALSysio_Close at the end.
+ * The engine is reached through the driver "SCD1:", which only one program can have open. Call
+ * PALSysio_Open before every other function, PALSysio_InternalScannerInterfaceInit once after it
+ * when the reading stack starts, and PALSysio_Close at the end.
  *
- * Two kinds of engine differ in the order of steps and in the trigger. The engines ENG14 and ENG13
- * (internal device types 37 and 38, see PALMFGOpt_InternalDeviceType) are enabled before they get
- * power and disabled before they lose it, have their trigger on the SPI clock line, where it is
- * inverted, and are brought up under a system-wide mutex. All other engines get and lose their
- * power first and have a trigger of their own. PALSysio_Open learns of an engine 37 or 38,
- * PALSysio_InternalScannerInterfaceInit of every engine; before either the engine counts as one of
- * the others.
+ * Two engines, PAL_DEVICE_TYPE_ENG14 and PAL_DEVICE_TYPE_ENG13 (see PALMFGOpt_InternalDeviceType),
+ * differ from all others:
  *
- * Each process keeps the driver's handle, the engine's type and the power state that it set last;
- * the power state is never read back from the driver. Any thread may call, but nothing is locked:
- * callers make their calls one after another. Every driver operation is traced with facility 1009,
- * a failure with the system error: 6 where the driver is not open.
+ * - They are enabled before they get power, and disabled before they lose it. Other engines get and
+ *   lose their power first.
+ * - Their trigger is on the SPI clock line, inverted. Other engines have a trigger of their own.
+ * - They are started under a mutex of the whole system.
  *
- * A switch is off at 0 and on at any other number. The trace shows the number as it was given, with
- * two exceptions: PALSysio_DVLSetScanPower shows 1 for any number but 0, and the operation that
- * PALSysio_SetScanFlashEnable leads to shows the mode, 0 for download and 1 for normal.
+ * PALSysio_Open finds out whether the engine is one of the two.
+ * PALSysio_InternalScannerInterfaceInit finds out the type of every engine. Before that the engine
+ * counts as one of the others.
+ *
+ * Each process keeps the handle of the driver, the type of the engine, and the power state that it
+ * has set last. The power state is never read from the driver. Any thread may call, but nothing is
+ * locked: make the calls one after another. Every operation on the driver is traced with facility
+ * 1009. A failure is traced with its system error, 6 if the driver is not open.
+ *
+ * A switch is off for 0 and on for any other number. The trace shows the number as it was given,
+ * with two exceptions: PALSysio_DVLSetScanPower shows 1 for any number but 0, and
+ * PALSysio_SetScanFlashEnable shows the mode, 0 for download and 1 for normal.
  */
 #ifndef PALSCAN_H_
 #define PALSCAN_H_
@@ -31,132 +36,119 @@
 
 PAL_INTERFACE_BEGIN
 
-/** What PALSysio_ControlScanPower shall make of the engine: a PAL_SCANNER_... */
-typedef DWORD PAL_SCAN_POWER_CONTROL_E;
-
-enum {
+/** The states that PALSysio_ControlScanPower can bring the engine to. */
+typedef enum PALScannerPower {
   /** Disabled and without power. */
   PAL_SCANNER_POWER_DOWN = 0,
   /** Enabled and with power. */
   PAL_SCANNER_POWER_UP = 1,
-  /** Disabled; the power stays as it is. */
+  /** Disabled. The power stays as it is. */
   PAL_SCANNER_IDLE = 2
-};
+} PALScannerPower;
 
-/**
- * Does nothing; PALSysio_Open prepares what there is.
- *
- * @retval S_OK  always
- */
+/** A PALScannerPower in 32 bits. */
+typedef DWORD PAL_SCAN_POWER_CONTROL_E;
+
+/** Does nothing: PALSysio_Open makes all preparations. @retval S_OK  Always. */
 HRESULT PALAPI PALSysio_Init(void);
 
-/**
- * Does nothing; the driver stays open.
- *
- * @retval S_OK  always
- */
+/** Does nothing: the driver stays open. @retval S_OK  Always. */
 HRESULT PALAPI PALSysio_Term(void);
 
 /**
- * Opens the scan driver "SCD1:", for reading and writing and not to be shared, and learns whether
- * the engine is one of the types 37 and 38. A driver that is open already is closed first.
+ * Opens the scan driver "SCD1:" for reading and writing, without sharing, and finds out whether the
+ * engine is ENG14 or ENG13. A driver that is open already is closed first.
  *
- * A driver that does not open is traced with its error and does not make this function fail: the
- * driver operations fail then.
+ * If the driver cannot be opened, this is traced with the error, and the function succeeds. The
+ * operations on the driver then fail.
  *
- * @retval S_OK  done, with or without a driver: this is the result of PALMFGOpt_InternalDeviceType
+ * @retval S_OK  Done, with or without a driver. This is the result of PALMFGOpt_InternalDeviceType.
  */
 HRESULT PALAPI PALSysio_Open(void);
 
 /**
- * Closes the scan driver. Neither power nor trigger change.
+ * Closes the scan driver. Power and trigger do not change.
  *
- * @retval S_OK  always, also where the driver was not open
+ * @retval S_OK  Always, also if the driver was not open.
  */
 HRESULT PALAPI PALSysio_Close(void);
 
 /**
- * Pulls or lets go of the trigger: control 0x22006C with 1 or 0; for the engines 37 and 38 control
- * 0x2200D0 with the inverse.
+ * Pulls or releases the trigger: control 0x22006C with 1 or 0. ENG14 and ENG13: control 0x2200D0
+ * with 0 or 1.
  *
- * @param trigger_on  not 0: pull.
+ * @param trigger_on  Not 0: pull.
  *
- * @retval S_OK    done
- * @retval E_FAIL  the driver is not open or refused
+ * @retval S_OK    Done.
+ * @retval E_FAIL  The driver is not open, or refused.
  */
 HRESULT PALAPI PALSysio_SetScanTrigger(BOOL trigger_on);
 
 /**
- * Lets the engine scan, or not: control 0x22004C with 1 or 0.
+ * Enables or disables the engine: control 0x22004C with 1 or 0.
  *
- * @param enable  not 0: let it scan.
- *
- * @retval S_OK    done
- * @retval E_FAIL  the driver is not open or refused
+ * @param enable  Not 0: enable.
+ * @like PALSysio_SetScanTrigger
  */
 HRESULT PALAPI PALSysio_SetScanEnable(BOOL enable);
 
 /**
- * Puts the engine into flash-download operation, or back into normal operation: control 0x22003C
- * with 1 for download and 0 for normal.
+ * Switches the engine to flash download or back to normal operation: control 0x22003C with 1 for
+ * download and 0 for normal.
  *
- * @param download_enable  not 0: download.
- *
- * @retval S_OK    done
- * @retval E_FAIL  the driver is not open or refused
+ * @param download_enable  Not 0: download.
+ * @like PALSysio_SetScanTrigger
  */
 HRESULT PALAPI PALSysio_SetScanFlashEnable(BOOL download_enable);
 
 /**
- * Switches the engine's power and enables or disables it, in the order that the engine needs.
+ * Switches the power of the engine and enables or disables it, in the order that the engine needs.
  *
- * An engine that has power by what this process did last is only enabled at PAL_SCANNER_POWER_UP.
- * Where two steps are due, the second is made also when the first fails.
+ * If this process has given the engine power before, PAL_SCANNER_POWER_UP only enables it. If a
+ * change needs two steps, the second is made even if the first fails.
  *
- * @param mode  PAL_SCANNER_POWER_DOWN, PAL_SCANNER_POWER_UP or PAL_SCANNER_IDLE.
+ * @param mode  #PALScannerPower.
  *
- * @retval S_OK    done
- * @retval E_FAIL  a step failed because the driver is not open or refused, or @p mode is no mode;
- *                 the driver then gets nothing
+ * @retval S_OK    Done.
+ * @retval E_FAIL  A step failed, because the driver is not open or refused. Or @p mode is no mode;
+ *                 the driver is not asked.
  */
 HRESULT PALAPI PALSysio_ControlScanPower(PAL_SCAN_POWER_CONTROL_E mode);
 
 /**
- * Switches the engine's power alone: control 0x220044 with 1 or 0. For callers that enable the
- * engine themselves.
+ * Switches only the power of the engine: control 0x220044 with 1 or 0. For callers that enable the
+ * engine themselves. On failure the power state stays as it was.
  *
- * @param on  not 0: power on.
- *
- * @retval S_OK    done
- * @retval E_FAIL  the driver is not open or refused; the power state stays as it was
+ * @param on  Not 0: power on.
+ * @like PALSysio_SetScanTrigger
  */
 HRESULT PALAPI PALSysio_DVLSetScanPower(BOOL on);
 
 /**
- * The rates at which an engine may be spoken to, the same for every port.
+ * Tells the rates at which an engine can be spoken to. They are the same for every port.
  *
- * @param      port     Without meaning.
- * @param[out] minimum  1200 baud. Not null.
- * @param[out] maximum  460800 baud. Not null.
+ * @param      port     Has no meaning.
+ * @param[out] minimum  [baud] 1200. Not null.
+ * @param[out] maximum  [baud] 460800. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  @p minimum or @p maximum is null; neither is written
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p minimum or @p maximum is null. Neither is written.
  */
 HRESULT PALAPI PALSysio_GetBaudRateRange(DWORD port, DWORD* minimum, DWORD* maximum);
 
 /**
- * Brings the engine up when the reading stack starts: learns its type, puts it into normal
- * operation and makes PAL_SCANNER_POWER_UP of it.
+ * Starts the engine for the reading stack: finds out its type, switches it to normal operation, and
+ * gives it power as PAL_SCANNER_POWER_UP does.
  *
- * The engines 37 and 38 also get their trigger let go, and all of it is done under the system-wide
- * mutex "DCEDRIVER_INIT_SEPARATOR". It is waited for at most 60000 ms; the steps are made also
- * where it could not be had.
+ * For ENG14 and ENG13 the trigger is released too, and all steps are made under the mutex
+ * "DCEDRIVER_INIT_SEPARATOR" of the whole system. The call waits for it for at most 60,000 ms, and
+ * then makes the steps without it.
  *
- * The power counts as on afterwards, whatever the driver said. Steps that the driver refuses are
- * traced and do not change the result.
+ * Afterwards the power counts as on, whatever the driver has answered. If the driver refuses a
+ * step, this is traced and does not change the result.
  *
- * @retval S_OK    done
- * @retval E_FAIL  the mutex was not free in time; the steps were made without it
+ * @retval S_OK    Done.
+ * @retval E_FAIL  The mutex was not free in time. The steps were made without it.
  */
 HRESULT PALAPI PALSysio_InternalScannerInterfaceInit(void);
 

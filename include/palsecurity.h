@@ -1,15 +1,16 @@
 /**
  * @file palsecurity.h
- * @brief The password lock on the installation of CAB packages.
+ * @brief Password lock: a password before the installation of CAB packages.
+ * @family security
  *
- * The shell opens a package with the command in the unnamed value of two keys under
- * HKEY_CLASSES_ROOT, "tdyskin\Shell\Open\Command" and "cabfile\Shell\Open\Command". Where the
- * command begins with the program "cabchck" in place of "wceload", a password is asked for first.
- * The checking program asks PALSecurity_CheckPx whether it is right.
+ * The shell opens a CAB package with a command. The command is the unnamed value of two keys under
+ * HKEY_CLASSES_ROOT, "tdyskin\Shell\Open\Command" and "cabfile\Shell\Open\Command". If it begins
+ * with the program "cabchck" instead of "wceload", that program first asks for a password, and lets
+ * PALSecurity_CheckPx check it.
  *
- * The functions here may be called from any thread of any process; nothing is kept between calls,
- * and nothing keeps two processes apart that change the commands at once. All is traced with
- * facility 1094.
+ * Any thread of any process may call these functions. Nothing is kept between calls, and no lock is
+ * taken: of two processes that change the commands at once each can win. Steps and failures are
+ * traced with facility 1094.
  */
 #ifndef PALSECURITY_H_
 #define PALSECURITY_H_
@@ -19,58 +20,71 @@
 
 PAL_INTERFACE_BEGIN
 
+/** What PALSecurity_CheckPx answers. No HRESULT: a wrong password is not below 0. */
+typedef enum PALPasswordCheck {
+  /** The password is right. */
+  PAL_PASSWORD_RIGHT = 0,
+  /** The password is wrong, or cannot be checked. */
+  PAL_PASSWORD_WRONG = 1
+} PALPasswordCheck;
+
 /**
- * Whether a password is asked for before a CAB package is installed: whether one of the two open
- * commands begins with "cabchck", in any letter case. A command that is missing, cannot be read or
- * has more than 512 bytes asks for none; that is traced.
+ * Tells whether a password is needed to install a CAB package: whether one of the two commands
+ * begins with "cabchck", in any case. A command that does not exist, cannot be read or has more
+ * than 512 bytes does not ask for a password; this is traced.
  *
  * @param[out] enabled  1 or 0. Not null.
  *
- * @retval S_OK    answered
- * @retval E_FAIL  @p enabled is null
+ * @retval S_OK    Answered.
+ * @retval E_FAIL  @p enabled is null.
  */
 HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled);
 
 /**
- * Has a password asked for before a CAB package is installed, or not: replaces the first seven
- * characters of the two open commands by "cabchck" or "wceload". What follows them stays, and so do
- * type and size of the value, also of a command that is stored without its terminator.
+ * Sets whether a password is needed to install a CAB package: replaces the first seven characters
+ * of the two commands by "cabchck" or "wceload". The rest of the command stays, and so do the type
+ * and the size of the value. The command need not be terminated.
  *
- * The second key, "cabfile\Shell\Open\Command", is left alone where the first fails.
+ * The key "tdyskin\Shell\Open\Command" comes first. If it fails, "cabfile\Shell\Open\Command" is
+ * not changed. If only the second fails, the first stays switched.
  *
- * @param enable  1: ask. Any other number: do not ask.
+ * @param enable  1: a password is needed. Any other number: it is not.
  *
- * @retval S_OK        both commands are written
- * @retval E_FAIL      a command has fewer than seven characters; it is left as it is
- * @retval PAL_E_WIN32(error)  the error of opening, reading or writing a key: PAL_E_FILE_NOT_FOUND
- * where the key or its unnamed value is missing, PAL_E_MORE_DATA where the command has more than
- * 512 bytes; the command is left as it is
+ * @retval S_OK    Both commands are written.
+ * @retval E_FAIL  A command has fewer than seven characters. It is not changed.
+ * @retval PAL_E_WIN32(error)  The error of opening, reading or writing a key:
+ *                 PAL_E_FILE_NOT_FOUND if the key or its unnamed value does not exist,
+ *                 PAL_E_MORE_DATA if the command has more than 512 bytes. The command is not
+ *                 changed.
  */
 HRESULT PALAPI PALSecurity_SetCabFilePasswordProtect(DWORD enable);
 
 /**
- * Whether a password is that of a member.
+ * Checks the password of a member.
  *
- * A member has a key of its name under HKEY_LOCAL_MACHINE "Software\Dravonel\SN" with two values,
- * whose types do not matter: the salt "s", and the hash "h", the SHA-1 of the salt's bytes followed
- * by the password's UTF-16 characters without terminator. A member without this key, or whose key
- * cannot be opened, or with a value missing or empty, accepts the empty password alone.
+ * A member has a key with its name under HKEY_LOCAL_MACHINE "Software\Dravonel\SN", with two values
+ * of any type: the salt "s" and the hash "h". The hash is the SHA-1 of the bytes of the salt,
+ * followed by the UTF-16 characters of the password without its terminator. If the member has no
+ * key, the key cannot be opened, or a value does not exist or is empty, only the empty password is
+ * right.
  *
- * SHA-1 comes from the platform's CryptoAPI (provider type 1, default container). The first check
- * that needs it, one of a member with hash and salt, finds no key set there and makes one: its
- * answer is 1 whatever the password.
+ * A value that exists but cannot be read never lets anybody in: the answer is then
+ * PAL_PASSWORD_WRONG, for the empty password too.
  *
- * @param member    The member's name: at most 238 characters, so that the key's path stays below
- *                  260. May be null, which is no member.
- * @param password  The password; upper and lower case differ. Null is the empty password.
+ * SHA-1 comes from the CryptoAPI of the platform (provider type 1, default container). The first
+ * check that needs it finds no key set there and creates one. The answer of that check is
+ * PAL_PASSWORD_WRONG, whatever the password.
  *
- * The answer is a yes/no value and no HRESULT.
+ * @param member    The name of the member: at most 238 characters, so that the path of its key has
+ *                  fewer than 260. Null is no member.
+ * @param password  The password. Upper and lower case matter. Null is the empty password.
  *
- * @retval 0  the password is right
- * @retval 1  it is wrong, @p member is null or too long, or it cannot be checked: the hash or the
- *            salt cannot be read, memory runs out, or CryptoAPI fails. The trace says which, but
- *            for values, names that are too long, and a provider that fails for another reason
- *            than a missing key set.
+ * @retval PAL_PASSWORD_RIGHT  The password is right.
+ * @retval PAL_PASSWORD_WRONG  The password is wrong, or @p member is null or too long. Or it cannot
+ *                     be checked, because the hash or the salt cannot be read, memory runs out, or
+ *                     CryptoAPI fails. The trace tells which, but for three causes: a value that
+ *                     cannot be read, a name that is too long, and a provider that fails for
+ *                     another reason than a missing key set.
  */
 DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password);
 

@@ -1,22 +1,23 @@
 /**
  * @file palstore.h
- * @brief The USB port: what the device is to a host, and whether it takes USB disks.
+ * @brief The USB port: what the device is for a host computer, and whether it takes USB disks.
+ * @family switches
  *
- * As a function device the port presents one client driver at a time to a host computer. The
- * driver is chosen on the function bus, the device "$bus\OTG_0_2_0", which is opened for the time
- * of one call. The volume that the mass-storage client exposes is the text "DeviceName" under
+ * As a USB function the port presents one client driver at a time to a host computer. The driver is
+ * chosen on the function bus, the device "$bus\OTG_0_2_0", which is opened for the time of one
+ * call. The mass-storage client exposes the volume in the text "DeviceName" under
  * HKEY_LOCAL_MACHINE "\Drivers\USB\FunctionDrivers\Mass_Storage_Class".
  *
- * As a host the device loads a client driver for an attached disk. Each subkey of
- * HKEY_LOCAL_MACHINE "\Drivers\USB\ClientDrivers\Mass_Storage_Class" is one; its text "Dll" names
- * the driver. A driver is hidden by storing that text as "Dll__" in its place.
+ * As a USB host the device loads a client driver for an attached disk. Each subkey of
+ * HKEY_LOCAL_MACHINE "\Drivers\USB\ClientDrivers\Mass_Storage_Class" is one client driver, and its
+ * text "Dll" is the file of the driver. To hide the driver, the text is stored as "Dll__" instead.
  *
- * The functions here may be called from any thread of any process. They take no lock: of two
- * callers that switch at once either may win, and the two may leave drivers of both kinds.
+ * Any thread of any process may call these functions. They take no lock. Of two callers that switch
+ * at once either can win, and some drivers can stay on and others off.
  *
  * The steps on the bus, the end of a walk through the client drivers, and failures are traced with
- * facility 1103. These failures have no line of their own: a null pointer, a "DeviceName" that
- * cannot be read or written, and a "Dll" that cannot be read.
+ * facility 1103. These failures have no line: a null pointer, a "DeviceName" that cannot be read or
+ * written, and a "Dll" that cannot be read.
  */
 #ifndef PALSTORE_H_
 #define PALSTORE_H_
@@ -26,85 +27,87 @@
 
 PAL_INTERFACE_BEGIN
 
-/** What the device is to a USB host. */
+/** What the device is for a USB host. */
 typedef enum PALUsbFunction {
-  /** The client "Serial_Class". */
+  /** A serial port: the client "Serial_Class". */
   PAL_USB_SERIAL = 0,
-  /** The client "RNDIS": a network adapter. */
+  /** A network adapter: the client "RNDIS". */
   PAL_USB_RNDIS = 1,
-  /** The client "Mass_Storage_Class" with the volume "DSK1:". */
+  /** A disk: the client "Mass_Storage_Class" with the volume "DSK1:". */
   PAL_USB_MASS_STORAGE_1 = 2,
-  /** The client "Mass_Storage_Class" with the volume "DSK2:". */
+  /** A disk: the client "Mass_Storage_Class" with the volume "DSK2:". */
   PAL_USB_MASS_STORAGE_2 = 3
 } PALUsbFunction;
 
 /**
- * What the device is to a USB host now.
+ * Tells what the device is for a USB host now.
  *
- * The bus is asked for its current client (control 0x0022000C); for the mass-storage client the
- * volume's name is read and stands for the client. The name is compared without regard to case.
+ * The bus is asked for its current client, with control 0x0022000C. If this is the mass-storage
+ * client, the text "DeviceName" is used in place of its name. The text is then compared with all
+ * four of "Serial_Class", "RNDIS", "DSK1:" and "DSK2:", in any case. A "DeviceName" of "RNDIS"
+ * therefore counts as PAL_USB_RNDIS, and a client named "DSK1:" as PAL_USB_MASS_STORAGE_1.
  *
- * @param[out] option  A PALUsbFunction. Not null. Unchanged on failure.
+ * @param[out] option  #PALUsbFunction. Unchanged on failure. Not null.
  *
- * @retval S_OK       answered
- * @retval E_FAIL     @p option is null
- * @retval PAL_STORE_E_INVALID_INPUT the current client's name has more than 127 characters
- * @retval PAL_STORE_E_GET_FAILED the bus does not tell its current client
- * @retval PAL_STORE_E_BUS_NOT_OPENED the bus cannot be opened
- * @retval PAL_STORE_E_UNKNOWN_CLIENT there is no current client, or it is none of the four; the
- * volume's name is neither "DSK1:" nor "DSK2:", is missing, cannot be read or is longer than 256
- *                    bytes
+ * @retval S_OK  Answered.
+ * @retval E_FAIL  @p option is null.
+ * @retval PAL_STORE_E_INVALID_INPUT   The name of the current client has more than 127 characters.
+ * @retval PAL_STORE_E_GET_FAILED      The bus does not tell its current client.
+ * @retval PAL_STORE_E_BUS_NOT_OPENED  The bus cannot be opened.
+ * @retval PAL_STORE_E_UNKNOWN_CLIENT  There is no current client, or the text is none of the four.
+ *               Also if "DeviceName" does not exist, cannot be read or has more than 256 bytes.
  */
 HRESULT PALAPI PALStore_GetUsbFuncDriver(DWORD* option);
 
 /**
- * Chooses what the device is to a USB host.
+ * Chooses what the device is for a USB host.
  *
- * The client's name is given to the bus twice, with control 0x00220018 and then 0x00220010. Between
- * the two the mass-storage client's volume is written to "DeviceName", whose key must exist. The
- * first failure ends the call; what was done before it stays.
+ * The name of the client is given to the bus twice, with control 0x00220018 and then 0x00220010.
+ * For the mass-storage client its volume is written to "DeviceName" between the two; the key must
+ * exist. The first failure ends the call, and what was done before it stays.
  *
- * @param option  A PALUsbFunction, 0 to 3.
+ * @param option  #PALUsbFunction.
  *
- * @retval S_OK        chosen
- * @retval PAL_STORE_E_INVALID_INPUT  @p option is above 3; neither the bus nor the registry is
- * touched
- * @retval PAL_STORE_E_SELECT_FAILED  the bus refuses the client in one of the two steps
- * @retval PAL_STORE_E_BUS_NOT_OPENED  the bus cannot be opened
- * @retval PAL_E_WIN32(error)  the system error of writing the volume's name: PAL_E_FILE_NOT_FOUND
- * where its key does not exist. The second step is not made
+ * @retval S_OK  Chosen.
+ * @retval PAL_STORE_E_INVALID_INPUT   @p option is above 3. Neither the bus nor the registry was
+ *               used.
+ * @retval PAL_STORE_E_SELECT_FAILED   The bus refuses the client in one of the two steps.
+ * @retval PAL_STORE_E_BUS_NOT_OPENED  The bus cannot be opened.
+ * @retval PAL_E_WIN32(error)  The error of writing "DeviceName": PAL_E_FILE_NOT_FOUND if its key
+ *               does not exist. The second step is not made.
  */
 HRESULT PALAPI PALStore_SetUsbFuncDriver(DWORD option);
 
 /**
- * Whether the device takes USB disks: whether one client driver at least has a text "Dll".
+ * Tells whether the device takes USB disks: whether at least one client driver has a text "Dll".
  *
- * @param[out] enabled  1 or 0; 0 where there is no driver at all, and on every failure but that of
- *                      a null pointer. Not null.
+ * @param[out] enabled  1 or 0. 0 also if there is no client driver at all, and on failure. Not
+ *                      null.
  *
- * @retval S_OK        answered
- * @retval E_FAIL      @p enabled is null
- * @retval PAL_E_WIN32(error)  the system error of opening the drivers' key (PAL_E_FILE_NOT_FOUND
- * where it does not exist), of listing or opening a driver, or of reading its "Dll";
- * PAL_E_MORE_DATA where that is longer than 520 bytes
+ * @retval S_OK  Answered.
+ * @retval E_FAIL  @p enabled is null.
+ * @retval PAL_E_WIN32(error)  The error of opening the key of the drivers (PAL_E_FILE_NOT_FOUND if
+ *               it does not exist), of listing or opening a driver, or of reading its "Dll"
+ *               (PAL_E_MORE_DATA if that has more than 520 bytes).
  */
 HRESULT PALAPI PALStore_GetUsbHostMassStorageEnable(DWORD* enabled);
 
 /**
- * Lets the device take USB disks or not: gives every client driver's text the name "Dll" or
- * "Dll__". The text is written under its new name, over any value that stands there, and then the
- * value under the old name is deleted.
+ * Sets whether the device takes USB disks: every client driver gets its text under the name "Dll"
+ * or "Dll__". The text is first written under the new name, over any value there. Then the value
+ * under the old name is deleted.
  *
- * Drivers that have no text under the old name are passed over, so that a second call changes
- * nothing. The walk goes in the registry's order and ends at the first failure: the drivers before
- * it are changed, the one where it failed may have both names, those behind it are as they were.
+ * Drivers without a text under the old name are left as they are. A second call therefore changes
+ * nothing. The walk follows the order of the registry and ends at the first failure. The drivers
+ * before it are changed, the one that failed can have both names, and those after it are not
+ * changed.
  *
- * @param enable  Not 0: disks are taken; 0: they are not.
+ * @param enable  Not 0: take disks.
  *
- * @retval S_OK        no driver has a text under the old name any more
- * @retval PAL_E_WIN32(error)  the system error of opening the drivers' key (PAL_E_FILE_NOT_FOUND
- * where it does not exist), of listing or opening a driver, or of reading, writing or deleting its
- * text; PAL_E_MORE_DATA where that is longer than 520 bytes
+ * @retval S_OK  No driver has a text under the old name any more.
+ * @retval PAL_E_WIN32(error)  The error of opening the key of the drivers (PAL_E_FILE_NOT_FOUND if
+ *               it does not exist), of listing or opening a driver, or of reading, writing or
+ *               deleting its text (PAL_E_MORE_DATA if that has more than 520 bytes).
  */
 HRESULT PALAPI PALStore_SetUsbHostMassStorageEnable(BOOL enable);
 

@@ -1,23 +1,25 @@
 /**
  * @file palsysio.h
- * @brief Physical memory and the camera's supplies: services that another library does.
+ * @brief Forwarded services: physical memory and the supplies of the camera, by another library.
+ * @family frame
  *
- * That library, the provider, differs from platform to platform and is named "DVLORQPAL.dll" as
- * this one is. The first call of a process that needs it loads it: by its name, and failing that
- * from the folder of the process's program; while none is found, the first call of each further
- * service looks again. What turns out to be this library itself is not used. With its first call
- * each service here looks up the provider's export of the same name and keeps what it found until
- * the process ends, be it that there is none. The provider is never freed.
+ * The other library, the provider, differs from platform to platform. It is named "DVLORQPAL.dll",
+ * as this library is. The first call of a process that needs it loads it by this name, and if that
+ * fails, from the folder of the process's program. Its PALVER_LogVersion is then called, so that
+ * the log tells which one was loaded. If there is none, the first call of each further service
+ * looks again. What turns out to be this library itself is not used. The first call of a service
+ * looks up the provider's export of the same name. The process keeps what it found, even if this is
+ * nothing. The provider is never freed.
  *
- * The platform tells the libraries of a process apart by their file name without extension,
- * whatever their folder. A process that has this library loaded as "DVLORQPAL.dll" gets this
- * library again from every path of that name, and the services answer as with a missing provider.
- * Where they are needed, the installer installs this library under another file name, beside the
- * provider, and the programs load it by that name.
+ * The platform tells libraries apart by their file name without its extension, whatever the folder.
+ * A process that has loaded this library under the name "DVLORQPAL" therefore gets this library
+ * again in place of the provider, and the services fail as without a provider. An installer that
+ * wants both must install this library under another file name, and let programs load it by that
+ * name.
  *
- * The functions here may be called from any thread of any process. They take no lock and add no
- * rule of their own to those of the provider. Only the loading and a missing export are traced,
- * with facility 1068.
+ * Any thread of any process may call these functions. They take no lock, and add no rule of their
+ * own to those of the provider. Only the loading and a missing export are traced, with facility
+ * 1068.
  */
 #ifndef PALSYSIO_H_
 #define PALSYSIO_H_
@@ -28,69 +30,51 @@
 PAL_INTERFACE_BEGIN
 
 /**
- * Has the provider map memory for the caller and copy what it maps.
+ * Maps memory for the caller and copies what it maps.
  *
- * @param a             Passed on as it is; the provider says what it means. So is @p b.
- * @param b             See @p a.
- * @param[out] address  The address; 0 on failure. Not null.
+ * @param a             Passed on. The provider gives it its meaning.
+ * @param b             Passed on. The provider gives it its meaning.
+ * @param[out] address  The address. 0 on failure. Not null.
  *
- * @retval S_OK    @p address is not 0
- * @retval E_FAIL  @p address is null (nothing is loaded or called); or the provider refused, gave
- *                 the address 0, lacks the service, or is missing
+ * @retval S_OK    The provider has given an address.
+ * @retval E_FAIL  @p address is null; the provider is not loaded or called. Or there is no
+ *                 provider, it does not have this service, it refused, or it gave the address 0.
  */
 HRESULT PALAPI PALSysio_VirtualAllocCopy(DWORD a, DWORD b, DWORD* address);
 
 /**
- * Has the provider map a range of physical addresses.
+ * Maps a range of physical addresses.
  *
- * @param a             Passed on as it is; the provider says what it means. So are @p b to @p d.
- * @param b             See @p a.
- * @param c             See @p a.
- * @param d             See @p a.
- * @param[out] address  The address; 0 on failure. Not null.
- *
- * @retval S_OK    @p address is not 0
- * @retval E_FAIL  @p address is null (nothing is loaded or called); or the provider refused, gave
- *                 the address 0, lacks the service, or is missing
+ * @param c  Passed on. The provider gives it its meaning.
+ * @param d  Passed on. The provider gives it its meaning.
+ * @like PALSysio_VirtualAllocCopy
  */
 HRESULT PALAPI PALSysio_MmMapIoSpace(DWORD a, DWORD b, DWORD c, DWORD d, DWORD* address);
-
-/**
- * Has the provider allocate physical memory for the imager.
- *
- * @param a             Passed on as it is; the provider says what it means. So is @p b.
- * @param b             See @p a.
- * @param[out] address  The address; 0 on failure. Not null.
- *
- * @retval S_OK    @p address is not 0
- * @retval E_FAIL  @p address is null (nothing is loaded or called); or the provider refused, gave
- *                 the address 0, lacks the service, or is missing
- */
+/** Allocates physical memory for the imager. @like PALSysio_VirtualAllocCopy */
 HRESULT PALAPI PALSysio_ImagerAllocPhysMem(DWORD a, DWORD b, DWORD* address);
 
 /**
- * Has the provider free physical memory of the imager.
+ * Frees physical memory of the imager.
  *
- * @param memory  Passed on as it is: what PALSysio_ImagerAllocPhysMem gave.
+ * @param memory  Passed on: what PALSysio_ImagerAllocPhysMem has given.
  *
- * @retval S_OK  always, whatever the provider answers and also where it is missing
+ * @retval S_OK  Always, whatever the provider answers, and without a provider too.
  */
 HRESULT PALAPI PALSysio_ImagerFreePhysMem(DWORD memory);
 
 /**
- * Has the provider switch the camera.
+ * Switches the camera.
  *
- * @param enable  Passed on as it is; 0 is off.
+ * @param enable  Passed on. 0 is off.
  *
- * @retval S_OK    the provider answered other than 0
- * @retval E_FAIL  the provider answered 0, lacks the service, or is missing
+ * @retval S_OK    The provider answered any number but 0.
+ * @retval E_FAIL  The provider answered 0. Or there is no provider, or it does not have this
+ *                 service.
  */
 HRESULT PALAPI PALSysio_DVLEnableCamera(DWORD enable);
-
-/** As PALSysio_DVLEnableCamera, for the camera's clock. */
+/** Switches the clock of the camera. @like PALSysio_DVLEnableCamera */
 HRESULT PALAPI PALSysio_DVLEnableCameraClock(DWORD enable);
-
-/** As PALSysio_DVLEnableCamera, for the camera's power. */
+/** Switches the power of the camera. @like PALSysio_DVLEnableCamera */
 HRESULT PALAPI PALSysio_DVLEnableCameraPower(DWORD enable);
 
 PAL_INTERFACE_END

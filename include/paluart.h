@@ -1,9 +1,10 @@
 /**
  * @file paluart.h
- * @brief The multiplexer of the serial port, which these devices do not have.
+ * @brief UART multiplexer: the one of the serial port, which these devices do not have.
+ * @family configstore
  *
- * Both functions are kept so that callers written for other devices still link and run. They look
- * at nothing that a caller passes, trace nothing, and may be called from any thread of any process.
+ * Programs that were written for other devices need these functions to link and run. They read no
+ * argument, trace nothing, and can be called from any thread of any process.
  */
 #ifndef PALUART_H_
 #define PALUART_H_
@@ -13,16 +14,10 @@
 
 PAL_INTERFACE_BEGIN
 
-/**
- * Would give the mode of the multiplexer. Writes to no argument.
- * @retval E_NOTIMPL  always
- */
+/** Gives no mode, and writes to no argument: there is no multiplexer. @retval E_NOTIMPL  Always. */
 HRESULT PALAPI PALUARTGetMuxMode(void);
 
-/**
- * Would set the mode of the multiplexer. Changes nothing.
- * @retval E_NOTIMPL  always
- */
+/** Changes nothing: there is no multiplexer. @retval E_NOTIMPL  Always. */
 HRESULT PALAPI PALUARTSetMuxMode(void);
 
 PAL_INTERFACE_END

@@ -1,8 +1,9 @@
 /**
  * @file palver.h
  * @brief The library itself: its version, and its registration.
+ * @family frame
  *
- * The functions here may be called from any thread of any process and keep nothing between calls.
+ * Any thread of any process may call these functions. Nothing is kept between calls.
  */
 #ifndef PALVER_H_
 #define PALVER_H_
@@ -13,24 +14,20 @@
 PAL_INTERFACE_BEGIN
 
 /**
- * Writes the library's version, "0.0.0.0", into the event log, with facility 1071.
+ * Writes the version of the library, "0.0.0.0", to the event log, with facility 1071. A library
+ * that forwards services to this one calls it, so that the log tells which library was loaded.
  *
- * Who loads this library to pass services on calls it to have the log say which one was loaded.
- *
- * @retval S_OK  always, also where the event log is missing
+ * @retval S_OK  Always, also without an event log.
  */
 HRESULT PALAPI PALVER_LogVersion(void);
 
 /**
- * Does nothing; there is nothing to register. For installers that call it for every library.
- * @retval S_OK  always
+ * Does nothing: there is nothing to register. For installers that call it for every library.
+ * @retval S_OK  Always.
  */
 HRESULT PALAPI DllRegisterServer(void);
 
-/**
- * Does nothing, as DllRegisterServer.
- * @retval S_OK  always
- */
+/** Does nothing: there is nothing to unregister. @retval S_OK  Always. */
 HRESULT PALAPI DllUnregisterServer(void);
 
 PAL_INTERFACE_END

@@ -9,8 +9,6 @@ namespace {
 
 constexpr DWORD kGetBootOption = 100000;
 constexpr DWORD kSetBootOption = 100001;
-// Not an HRESULT of any family; callers know this number.
-constexpr HRESULT kControlFailed = 19;
 
 using OpenFailedFormat = TraceSource::Format<const char*, DWORD>;
 
@@ -41,7 +39,7 @@ HRESULT PALAPI PALPWRSetBootOption(DWORD option) {
       "PALPWRSetBootOption - ERROR DeviceIoControl(handle: 0x%x, code:%d).  Aborting request. "
       "win32err: 0x%x\r\n",
       driver.get(), pal::kSetBootOption, GetLastError());
-  return pal::kControlFailed;
+  return PAL_PWR_DRIVER_REFUSED;
 }
 
 HRESULT PALAPI PALPWRGetBootOption(DWORD* option) {
@@ -58,7 +56,7 @@ HRESULT PALAPI PALPWRGetBootOption(DWORD* option) {
         "PALPWRGetBootOption - ERROR DeviceIoControl(handle:0x%x,code:%d) failed. "
         "win32err: 0x%x\r\n",
         driver.get(), pal::kGetBootOption, GetLastError());
-    return pal::kControlFailed;
+    return PAL_PWR_DRIVER_REFUSED;
   }
   pal::kPowerTrace.Info("PALPWRGetBootOption - bootoption: 0x%x, proc_id: 0x%x\r\n", stored,
                         GetCurrentProcessId());

@@ -18,11 +18,6 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kStart = 0;
-constexpr DWORD kStop = 1;
-// No HRESULT of any family, but what callers know.
-constexpr HRESULT kNoThread = 20;
-
 // Of no effect: the platform heeds a stack's size only with STACK_SIZE_PARAM_IS_A_RESERVATION, and
 // the thread gets the usual stack.
 constexpr DWORD kStackBytes = 2048;
@@ -62,14 +57,14 @@ DWORD WINAPI KeepAwake(LPVOID own_module) {
 // later. Apart from the export, so that a stop does not pay for it.
 [[gnu::noinline]] HRESULT Start() {
   UniqueModule own_module = HoldOwnModule();
-  if (!own_module) return kNoThread;
+  if (!own_module) return PAL_PWR_NO_THREAD;
   const bool was_requested = stop_requested.load(std::memory_order_relaxed);
   stop_requested.store(false, std::memory_order_relaxed);
   const UniqueThread thread(
       CreateThread(nullptr, kStackBytes, &KeepAwake, own_module.get(), 0, nullptr));
   if (!thread) {
     if (was_requested) stop_requested.store(true, std::memory_order_relaxed);
-    return kNoThread;
+    return PAL_PWR_NO_THREAD;
   }
   static_cast<void>(own_module.Release());  // the thread's
   return S_OK;
@@ -79,7 +74,7 @@ DWORD WINAPI KeepAwake(LPVOID own_module) {
 }  // namespace pal
 
 HRESULT PALAPI PALPWRSuspendCtrl(DWORD command) {
-  if (command == pal::kStart) return pal::Start();
-  if (command == pal::kStop) pal::stop_requested.store(true, std::memory_order_relaxed);
+  if (command == PAL_SUSPEND_KEEP_AWAKE) return pal::Start();
+  if (command == PAL_SUSPEND_ALLOW) pal::stop_requested.store(true, std::memory_order_relaxed);
   return S_OK;
 }

@@ -8,8 +8,8 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kEng14 = 37;
-constexpr DWORD kEng13 = 38;
+constexpr DWORD kEng14 = PAL_DEVICE_TYPE_ENG14;
+constexpr DWORD kEng13 = PAL_DEVICE_TYPE_ENG13;
 static_assert(kDeviceNames[kEng14] == WideText(TEXT("ENG14")));
 static_assert(kDeviceNames[kEng13] == WideText(TEXT("ENG13")));
 

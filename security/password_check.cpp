@@ -13,9 +13,6 @@ constexpr TraceSource kTrace{Facility::kImageCapturePolicy};
 
 constexpr WideText kMembers = TEXT("Software\\Dravonel\\SN\\");
 
-constexpr DWORD kRight = 0;
-constexpr DWORD kWrong = 1;
-
 enum class Reading { kDone, kNothingThere, kFailed };
 
 // An empty value counts as missing.
@@ -66,8 +63,8 @@ bool IsRight(const WCHAR* member, WideText password) {
 DWORD PALAPI PALSecurity_CheckPx(const WCHAR* member, const WCHAR* password) {
   pal::kTrace.Info("Entry PALSecurity_CheckPx. procid:0x%x\r\n", GetCurrentProcessId());
   const WCHAR* const text = password == nullptr ? TEXT("") : password;
-  const DWORD answer =
-      pal::IsRight(member, pal::WideText(text, wcslen(text))) ? pal::kRight : pal::kWrong;
+  const DWORD answer = pal::IsRight(member, pal::WideText(text, wcslen(text))) ? PAL_PASSWORD_RIGHT
+                                                                               : PAL_PASSWORD_WRONG;
   // The line says that 2 is no, but no is 1.
   pal::kTrace.Info("Exit PALSecurity_CheckPx. procid:0x%x, member:0x%x(0=yes,2=no)\r\n",
                    GetCurrentProcessId(), answer);

@@ -47,11 +47,12 @@ HRESULT PALAPI PALImageCaptureGetStatus(DWORD* status) {
 
 DWORD PALAPI PALImageCapture_SetEnable(BOOL enable) {
   pal::UniqueRegistryKey policy;
-  if (pal::OpenPolicy(pal::kSwitchTrace, KEY_SET_VALUE, policy) != ERROR_SUCCESS) return 1;
+  if (pal::OpenPolicy(pal::kSwitchTrace, KEY_SET_VALUE, policy) != ERROR_SUCCESS)
+    return PAL_IMAGE_CAPTURE_NOT_CHANGED;
   const DWORD disabled = enable == FALSE ? 1 : 0;
   const LONG error = pal::WriteNumber(policy, pal::kValueName, disabled);
-  if (error == ERROR_SUCCESS) return 0;
+  if (error == ERROR_SUCCESS) return PAL_IMAGE_CAPTURE_CHANGED;
   pal::kSwitchTrace.Error("Failed to set HKLM\\%ls\\%ls to %u. lRet = %u", pal::kPolicyPath,
                           pal::kValueName, disabled, error);
-  return 1;
+  return PAL_IMAGE_CAPTURE_NOT_CHANGED;
 }

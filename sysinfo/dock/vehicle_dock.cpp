@@ -185,5 +185,6 @@ bool PALOneWire::FindVehicleDock() const {
 
 DWORD PALAPI PALOneWire_IsVehicleDockAttached() {
   pal::PALOneWire bus;
-  return bus.Open() && bus.FindVehicleDock() ? 1 : 0;
+  return bus.Open() && bus.FindVehicleDock() ? PAL_VEHICLE_DOCK_ATTACHED
+                                             : PAL_VEHICLE_DOCK_NOT_ATTACHED;
 }

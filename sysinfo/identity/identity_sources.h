@@ -14,8 +14,8 @@ namespace pal {
 inline constexpr TraceSource kIdentityTrace{Facility::kDeviceInformation};
 
 // Two results of the sources that are older than the result codes of the families.
-inline constexpr HRESULT kSourceFailed = -1;
-inline constexpr HRESULT kSourceTooLong = -8;
+inline constexpr HRESULT kSourceFailed = PAL_SYSINFO_E_SOURCE_FAILED;
+inline constexpr HRESULT kSourceTooLong = PAL_SYSINFO_E_SOURCE_TOO_LONG;
 
 using IdentitySource = HRESULT (*)(char* buffer, DWORD* length);
 

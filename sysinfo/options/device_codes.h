@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "include/palmfgopt.h"
 #include "platform/wince.h"
 #include "sysinfo/options/device_names.h"
 

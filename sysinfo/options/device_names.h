@@ -32,8 +32,8 @@ static_assert(kDeviceNames.size() == 54);
 static_assert(kDeviceNames[46] == kDeviceNames[47]);
 
 // The two internal device types that are no rows of the table.
-inline constexpr DWORD kUnknownDeviceCode = 254;  // the code that was read stands for no type
-inline constexpr DWORD kNoDevice = 255;
+inline constexpr DWORD kUnknownDeviceCode = PAL_DEVICE_TYPE_UNKNOWN;
+inline constexpr DWORD kNoDevice = PAL_DEVICE_TYPE_NONE;
 
 }  // namespace pal
 

@@ -22,7 +22,7 @@ constexpr std::array<BYTE, 4> kDataCollectionFlags{0x1B};
 constexpr std::array<BYTE, 2> kAitBit{0xD7};
 
 constexpr DWORD kDeviceCodeMask = 0x7F;
-constexpr DWORD kFallbackDeviceType = 34;
+constexpr DWORD kFallbackDeviceType = PAL_DEVICE_TYPE_ENG17;
 static_assert(kDeviceNames[kFallbackDeviceType] == WideText(TEXT("ENG17")));
 
 // Nothing where the read fails. Bytes that the parameter does not have are 0.

@@ -4,20 +4,19 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
-// The results of one export, from the "@retval" of its comment and of the exports that it says to
-// be "as".
+// The results of one export, as the table that is made from the headers has them.
 class DocumentedResults {
  public:
-  // "S_OK", "19" or "0x83EF0011"; "x" stands for any digit.
-  void Add(const std::string& word);
-  void Add(const DocumentedResults& others);
+  // All results that agree with `code` in the bits of `mask`.
+  void Add(std::uint32_t code, std::uint32_t mask) { rows_.emplace_back(code, mask); }
   [[nodiscard]] bool Has(std::uint32_t result) const;
 
  private:
-  std::set<std::string> patterns_;  // eight digits each
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> rows_;
 };
 
 // Of every export, by its name.

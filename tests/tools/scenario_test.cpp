@@ -234,10 +234,10 @@ TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {
   Play(
       "scanner starts\nfail call 2 of RegQueryValueExW with error 5\n"
       "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned S_OK\n"
-      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 5\n"
+      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned PAL_E_ACCESS_DENIED\n"
       "no more faults\n"
       "fail every call of RegQueryValueExW\n"
-      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned system error 31\n"
+      "scanner calls PALLEDGrLedGetState 0 out\nexpect scanner returned PAL_E_WIN32(31)\n"
       "no more faults\nkill at call 1 of NLedSetDevice\n"
       "scanner calls PALLEDGrLedOn\nexpect scanner was killed\n");
   EXPECT_EQ(said, std::vector<std::string>{});

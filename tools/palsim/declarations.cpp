@@ -6,12 +6,25 @@ namespace palsim {
 namespace {
 
 constexpr std::array kDeclarations{
-#define PAL_ENUMERATOR(enumeration, name, number)
-#define PAL_DECLARATION(name, result, ...) Declaration{name, result, {{__VA_ARGS__}}},
-#include "export_declarations.inc"
-#undef PAL_DECLARATION
-#undef PAL_ENUMERATOR
+#define PAL_CONTRACT_EXPORT(name, header, family, result, function, ...) \
+  Declaration{name, header, family, result, function, {{__VA_ARGS__}}},
+#include "contract.inc"
 };
+
+constexpr std::array kResults{
+#define PAL_CONTRACT_RESULT(name, code, mask) ResultName{name, code, mask},
+#include "contract.inc"
+};
+
+struct Answer {
+  std::string_view export_name;
+  ResultName result;
+};
+
+constexpr auto kAnswers = std::to_array<Answer>({
+#define PAL_CONTRACT_ANSWER(export_name, name, code, mask) {export_name, {name, code, mask}},
+#include "contract.inc"
+});
 
 struct Enumerator {
   std::string_view enumeration;
@@ -22,11 +35,8 @@ struct Enumerator {
 constexpr std::array kEnumerators{
     Enumerator{"BOOL", "FALSE", 0},
     Enumerator{"BOOL", "TRUE", 1},
-#define PAL_ENUMERATOR(enumeration, name, number) Enumerator{enumeration, name, number},
-#define PAL_DECLARATION(name, result, ...)
-#include "export_declarations.inc"
-#undef PAL_DECLARATION
-#undef PAL_ENUMERATOR
+#define PAL_CONTRACT_ENUMERATOR(enumeration, name, number) Enumerator{enumeration, name, number},
+#include "contract.inc"
 };
 
 }  // namespace
@@ -34,6 +44,18 @@ constexpr std::array kEnumerators{
 const Declaration* FindDeclaration(std::string_view export_name) {
   const auto* const row = std::ranges::find(kDeclarations, export_name, &Declaration::name);
   return row == kDeclarations.end() ? nullptr : row;
+}
+
+std::span<const ResultName> ResultNames() {
+  return kResults;
+}
+
+std::vector<ResultName> AnswersOf(std::string_view export_name) {
+  std::vector<ResultName> results;
+  for (const Answer& answer : kAnswers) {
+    if (answer.export_name == export_name) results.push_back(answer.result);
+  }
+  return results;
 }
 
 std::optional<std::uint32_t> EnumeratorNumber(std::string_view name) {

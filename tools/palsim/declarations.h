@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +14,8 @@ namespace palsim {
 struct Parameter {
   std::string_view type;  // "DWORD*"; empty: there is none
   std::string_view name;
+  std::string_view direction;    // "in", "out" or "in,out"
+  std::string_view unit;         // "minutes"; may be empty
   std::string_view enumeration;  // whose numbers it takes or gives; empty: none
 };
 
@@ -20,12 +23,28 @@ struct Declaration {
   static constexpr std::size_t kMostParameters = 5;
 
   std::string_view name;
-  std::string_view result;  // "HRESULT"
+  std::string_view header;    // "palkey.h"
+  std::string_view family;    // the folder, "keypad"
+  std::string_view result;    // the type, "HRESULT"
+  std::string_view function;  // "PALKEYGetType"; several names may be one function
   std::array<Parameter, kMostParameters> parameters;
+};
+
+// A name for all codes that agree with `code` in the bits of `mask`. A name that ends in "(error)"
+// stands for many codes, and the other bits are the error.
+struct ResultName {
+  std::string_view name;
+  std::uint32_t code;
+  std::uint32_t mask;
 };
 
 // nullptr where no header declares it.
 [[nodiscard]] const Declaration* FindDeclaration(std::string_view export_name);
+
+// All that palresult.h names.
+[[nodiscard]] std::span<const ResultName> ResultNames();
+// Those that the header gives for this export.
+[[nodiscard]] std::vector<ResultName> AnswersOf(std::string_view export_name);
 
 // The number of "PAL_KEY_ACTION_SCAN", or of "TRUE" and "FALSE".
 [[nodiscard]] std::optional<std::uint32_t> EnumeratorNumber(std::string_view name);

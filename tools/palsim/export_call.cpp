@@ -19,18 +19,22 @@
 namespace palsim {
 namespace {
 
-CallOutcome OutcomeOf(HRESULT result) {
+CallOutcome OutcomeOf(std::string_view /*name*/, HRESULT result) {
   CallOutcome outcome;
   outcome.failed = result < 0;
   outcome.code = static_cast<std::uint32_t>(result);
   outcome.result = ResultText(result);
   return outcome;
 }
+
 // An answer such as yes or no.
-CallOutcome OutcomeOf(DWORD answer) {
+CallOutcome OutcomeOf(std::string_view name, DWORD answer) {
   CallOutcome outcome;
   outcome.code = answer;
   outcome.result = fmt::format("{}", answer);
+  for (const ResultName& known : AnswersOf(name)) {
+    if (known.code == answer) outcome.result += fmt::format(" {}", known.name);
+  }
   return outcome;
 }
 
@@ -91,7 +95,7 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
   auto arguments = Read<Arguments...>(name, texts);
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     const auto result = function(std::get<Index>(arguments).value()...);
-    CallOutcome outcome = OutcomeOf(result);
+    CallOutcome outcome = OutcomeOf(name, result);
     const auto& parameters = DeclarationOf(name).parameters;
     const std::array<Answer, sizeof...(Index)> answers{
         AnswerOf(parameters.at(Index), Index + 1, std::get<Index>(arguments))...};
@@ -103,7 +107,8 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
   (std::index_sequence_for<Arguments...>());
 }
 
-// How each argument is written, by its type and the name that the headers give it.
+// How each argument is written, by its type and the name that the headers give it, and what the
+// call can answer.
 template <class Result, class... Arguments>
 std::string Usage(const sim::Export<Result(Arguments...)>& /*function*/, std::string_view name) {
   const Declaration& declaration = DeclarationOf(name);
@@ -112,12 +117,15 @@ std::string Usage(const sim::Export<Result(Arguments...)>& /*function*/, std::st
   for (std::size_t index = 0; index < kHow.size(); ++index) {
     const Parameter& parameter = declaration.parameters.at(index);
     text += fmt::format("  {:<12} {:<12} {}", ArgumentWord(parameter), parameter.type, kHow[index]);
+    if (!parameter.unit.empty()) text += fmt::format(" ({})", parameter.unit);
     const bool is_bool = parameter.type == "BOOL";
     const auto names = EnumeratorsOf(is_bool ? "BOOL" : parameter.enumeration);
     if (!names.empty()) text += fmt::format(": {}", fmt::join(names, ", "));
     text += "\n";
   }
-  return text;
+  std::vector<std::string_view> answers;
+  for (const ResultName& answer : AnswersOf(name)) answers.push_back(answer.name);
+  return text + fmt::format("  = {}\n", fmt::join(answers, ", "));
 }
 
 struct ExportRow {

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "tools/palsim/argument.h"
+#include "tools/palsim/declarations.h"
 
 namespace palsim {
 namespace {
@@ -13,37 +15,6 @@ namespace {
 struct NumberName {
   std::uint32_t number;
   std::string_view name;
-};
-
-// The platform's results, and those of the families as their headers document them.
-constexpr std::array kResults{
-    NumberName{0x00000000, "S_OK"},
-    NumberName{0x00000001, "S_FALSE"},
-    NumberName{0x80004001, "E_NOTIMPL"},
-    NumberName{0x80004005, "E_FAIL"},
-    NumberName{0x80070057, "E_INVALIDARG"},
-    NumberName{0x04320001, "manufacturing options: enabled by policy"},
-    NumberName{0x04320002, "manufacturing options: disabled by policy"},
-    NumberName{0x83ED0004, "keypad: no such control key"},
-    NumberName{0x83ED0005, "keypad: no such action"},
-    NumberName{0x83ED0007, "keypad: button not supported"},
-    NumberName{0x83EE0001, "display: no such orientation"},
-    NumberName{0x83EE0002, "display: orientation refused by the driver"},
-    NumberName{0x83EE0008, "display: setting cannot be written"},
-    NumberName{0x83EF000D, "power: no event to tell the power manager with"},
-    NumberName{0x83EF0011, "power: no such timeout"},
-    NumberName{0x840F0001, "device information: no room for the text, or no address"},
-    NumberName{0x840F0002, "device information: no length given, or no such detail"},
-    NumberName{0x84320004, "manufacturing options: policy's value cannot be read"},
-    NumberName{0x84320006, "manufacturing options: policy's location cannot be read"},
-    NumberName{0x84320007, "manufacturing options: no such feature"},
-    NumberName{0x84320008, "manufacturing options: policy is neither 0 nor 1"},
-    NumberName{0x84320009, "manufacturing options: no feature given"},
-    NumberName{0x844F0001, "USB: argument out of range"},
-    NumberName{0x844F0002, "USB: client refused by the bus"},
-    NumberName{0x844F0003, "USB: bus does not tell its client"},
-    NumberName{0x844F0004, "USB: bus cannot be opened"},
-    NumberName{0x844F0005, "USB: no known client"},
 };
 
 constexpr std::array kFacilities{
@@ -72,26 +43,36 @@ constexpr std::array kFacilities{
 
 constexpr std::array<std::string_view, 4> kSeverities{"plain", "info", "warning", "error"};
 
-constexpr std::uint32_t kWin32Facility = 0x80070000;
-constexpr std::uint32_t kPowerFailure = 0x83EF0000;  // with a system error, but for those above
 constexpr std::uint32_t kFacilityMask = 0xFFF;
 
-template <std::size_t Rows>
-std::string_view Find(const std::array<NumberName, Rows>& rows, std::uint32_t number) {
-  const auto* const row = std::ranges::find(rows, number, &NumberName::number);
-  return row == rows.end() ? std::string_view() : row->name;
-}
+constexpr std::string_view kError = "(error)";  // what the name of many results ends in
 
 std::string Meaning(std::uint32_t code) {
-  const std::string_view name = Find(kResults, code);
-  if (!name.empty()) return std::string(name);
-  if ((code & 0xFFFF0000) == kWin32Facility) return fmt::format("system error {}", code & 0xFFFF);
-  if ((code & 0xFFFF0000) == kPowerFailure) {
-    return fmt::format("power: system error {}", code & 0xFFFF);
+  const ResultName* best = nullptr;
+  for (const ResultName& result : ResultNames()) {
+    if ((code & result.mask) != result.code) continue;
+    if (best == nullptr || best->mask < result.mask) best = &result;
   }
-  const std::string_view family = Find(kFacilities, (code >> 16) & kFacilityMask);
-  if (code >> 31 != 0 && !family.empty()) return fmt::format("{}: code {}", family, code & 0xFFFF);
-  return fmt::format("{}", static_cast<std::int32_t>(code));
+  if (best == nullptr) return fmt::format("{}", static_cast<std::int32_t>(code));
+  std::string_view name = best->name;
+  if (!name.ends_with(kError)) return std::string(name);
+  name.remove_suffix(kError.size());
+  return fmt::format("{}({})", name, code & ~best->mask);
+}
+
+// Of "PAL_E_WIN32(2)".
+std::optional<std::uint32_t> ParseError(std::string_view text) {
+  const std::size_t bracket = text.find('(');
+  if (bracket == std::string_view::npos || text.back() != ')') return std::nullopt;
+  for (const ResultName& result : ResultNames()) {
+    if (!result.name.ends_with(kError) || !result.name.starts_with(text.substr(0, bracket + 1))) {
+      continue;
+    }
+    const std::string_view error = text.substr(bracket + 1, text.size() - bracket - 2);
+    return result.code |
+           (static_cast<std::uint32_t>(ParseNumber(std::string(error))) & ~result.mask);
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -102,27 +83,25 @@ std::string ResultText(HRESULT result) {
 }
 
 std::uint32_t ParseResult(const std::string& text) {
-  constexpr std::string_view kSystemError = "system error ";
-  const auto* const row = std::ranges::find(kResults, text, &NumberName::name);
-  if (row != kResults.end()) return row->number;
-  if (text.starts_with(kSystemError)) {
-    return kWin32Facility |
-           (static_cast<std::uint32_t>(ParseNumber(text.substr(kSystemError.size()))) & 0xFFFF);
-  }
+  const auto results = ResultNames();
+  const auto row = std::ranges::find(results, text, &ResultName::name);
+  if (row != results.end()) return row->code;
   try {
-    return static_cast<std::uint32_t>(ParseNumber(text));
+    const auto error = ParseError(text);
+    return error ? *error : static_cast<std::uint32_t>(ParseNumber(text));
   } catch (const UsageError&) {
     throw UsageError(fmt::format(
-        "'{}' is no result (use S_OK, E_FAIL, system error 2, keypad: button not supported, or a number)",
+        "'{}' is no result (use S_OK, E_FAIL, PAL_KEY_E_NOT_SUPPORTED, PAL_E_WIN32(2), or a number)",
         text));
   }
 }
 
 std::string CategoryText(std::uint32_t category) {
   const std::uint32_t facility = (category >> 16) & kFacilityMask;
-  const std::string_view family = Find(kFacilities, facility);
+  const auto* const family = std::ranges::find(kFacilities, facility, &NumberName::number);
   return fmt::format("{} {}", kSeverities[category >> 30],
-                     family.empty() ? fmt::format("facility {}", facility) : std::string(family));
+                     family == kFacilities.end() ? fmt::format("facility {}", facility)
+                                                 : std::string(family->name));
 }
 
 }  // namespace palsim

@@ -10,10 +10,10 @@
 
 namespace palsim {
 
-// "0x80004005 E_FAIL", "0x80070002 system error 2", "0x83ED0007 keypad: button not supported".
+// "0x80004005 E_FAIL", "0x8007001F PAL_E_WIN32(31)".
 [[nodiscard]] std::string ResultText(HRESULT result);
-// The code that a person means: a name such as E_FAIL, "system error 2", "keypad: button not
-// supported", or a number. Throws UsageError.
+// The code that a person means: a name such as E_FAIL or PAL_E_WIN32(31), or a number. Throws
+// UsageError.
 [[nodiscard]] std::uint32_t ParseResult(const std::string& text);
 // "error keypad" for 0xC3ED0000.
 [[nodiscard]] std::string CategoryText(std::uint32_t category);

@@ -41,7 +41,7 @@ const std::vector<StatementForm>& StatementForms() {
       {"no more faults", "forgets those that were planned", &PlayNoMoreFaults},
 
       {"expect CALL returned RESULT...",
-       "S_OK, E_FAIL, system error 2, keypad: button not supported, or a number", &ExpectReturned},
+       "S_OK, E_FAIL, PAL_KEY_E_NOT_SUPPORTED, PAL_E_WIN32(2), or a number", &ExpectReturned},
       {"expect CALL was killed", "its process, or the device, ended under it", &ExpectKilled},
       {"expect CALL argument COUNT = DATA...", "what an out-parameter holds, from 1",
        &ExpectArgument},
