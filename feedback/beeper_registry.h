@@ -5,6 +5,7 @@
 #include <array>
 
 #include "frame/registry.h"
+#include "include/palbeep.h"
 #include "platform/wince.h"
 
 namespace pal {
@@ -31,8 +32,8 @@ inline constexpr auto kVolumeRows = std::to_array<VolumeRow>({
     {TEXT("DefaultHeadset"), TEXT("DefaultHeadsetGain")},
 });
 inline constexpr DWORD kLastRow = kVolumeRows.size() - 1;
-inline constexpr DWORD kSpeaker = 6;
-inline constexpr DWORD kHeadset = 8;
+inline constexpr DWORD kSpeaker = PAL_VOLUME_INDEX_SPEAKER;
+inline constexpr DWORD kHeadset = PAL_VOLUME_INDEX_HEADSET;
 
 [[nodiscard]] inline HRESULT ReadBeeperNumber(const WCHAR* name, DWORD& number) {
   return PALRegGetDword(HKEY_LOCAL_MACHINE, kBeeperPath, name, &number);

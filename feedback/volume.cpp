@@ -25,7 +25,6 @@ constinit std::array<std::atomic<DWORD>, 6> level_words{0x00000000, kVeryLowVolu
 constexpr DWORD kLevels = level_words.size();
 static_assert(kLevels == PAL_VOLUME_VERY_HIGH + 1 && kLevels == kSpeaker);
 
-
 DWORD WordOf(DWORD level) {
   return level_words[level].load(std::memory_order_relaxed);
 }
@@ -167,10 +166,12 @@ HRESULT GetVolume(DWORD type, DWORD& level) {
 }  // namespace pal
 
 HRESULT PALAPI PALBEEPSetVolume(DWORD setting) {
-  if (setting <= pal::PAL_VOLUME_VERY_HIGH) {
+  if (setting <= PAL_VOLUME_VERY_HIGH) {
     static_cast<void>(pal::SetVolume(pal::kSpeaker, setting));
     return pal::SetCPLVol(setting);
   }
+  if (setting == PAL_VOLUME_STEP_DOWN) return pal::StepBeepVolume(pal::kDecrement);
+  if (setting == PAL_VOLUME_STEP_UP) return pal::StepBeepVolume(pal::kIncrement);
   pal::kTrace.Error("PALBEEPSetVolume - ERROR Invalid input setting: 0x%x", setting);
   return E_FAIL;
 }

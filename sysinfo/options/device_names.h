@@ -6,6 +6,7 @@
 #include <array>
 
 #include "frame/text.h"
+#include "include/palmfgopt.h"
 #include "platform/wince.h"
 
 namespace pal {
