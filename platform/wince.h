@@ -1,7 +1,7 @@
-// The platform's calls and records that the library stands on: Windows CE 5, declarations only.
+// The calls and records of the platform, Windows CE 5, that the library uses: declarations only.
 //
-// On the device they come from the platform's headers. Elsewhere they are declared here with the
-// same names, widths and layouts, and what answers them is decided when the library is linked.
+// On the device they come from the platform's headers. For any other build they are declared here
+// with the same names, widths and layouts. The linker decides which platform answers the calls.
 #ifndef PLATFORM_WINCE_H_
 #define PLATFORM_WINCE_H_
 
@@ -157,8 +157,7 @@ constexpr DWORD HP_HASHSIZE = 0x0004;
 constexpr ALG_ID CALG_SHA1 = 0x00008004;
 constexpr LONG NTE_BAD_KEYSET = static_cast<LONG>(0x80090016);
 
-// Casts of integers, as the platform has them: not constant expressions, so macros and not
-// constants.
+// Casts of integers to pointers cannot be constants, so these are macros, as on the platform.
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(~uintptr_t{0}))
 #define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(uintptr_t{0x80000000}))
 #define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(uintptr_t{0x80000001}))
@@ -405,7 +404,7 @@ DWORD WINAPI GetIfEntry(MIB_IFROW* row);
 
 int WINAPI BthGetMode(LPDWORD mode);
 
-// Read inline from the kernel's user data page on the device, so imported from nowhere there.
+// The device has no such import: it reads the number inline from the kernel's user data page.
 DWORD WINAPI GetCurrentProcessId();
 
 // The library's own entry, called by the loader.
@@ -413,12 +412,12 @@ DWORD WINAPI GetCurrentProcessId();
 
 }  // extern "C"
 
-// The C runtime's names with the platform's 16-bit characters; the host's own take wider ones.
+// The C runtime's functions for the platform's 16-bit characters. The host's own take wider ones.
 size_t wcslen(const WCHAR* text);
 size_t mbstowcs(WCHAR* wide, const char* narrow, size_t count);
 size_t wcstombs(char* narrow, const WCHAR* wide, size_t count);
 
-// The SDK makes these of EventModify; coredll does not export them.
+// coredll does not export these two. The platform's headers define them with EventModify.
 inline BOOL SetEvent(HANDLE event) {
   return EventModify(event, EVENT_SET);
 }

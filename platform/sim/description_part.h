@@ -1,4 +1,4 @@
-// One part of device.toml while it is read: typed access, and errors that say file and line.
+// Reading of device.toml: typed access to its keys, and errors with file and line.
 #ifndef PLATFORM_SIM_DESCRIPTION_PART_H_
 #define PLATFORM_SIM_DESCRIPTION_PART_H_
 
@@ -21,7 +21,7 @@
 
 namespace sim {
 
-// Knows where its lines stand in the whole file.
+// The author's part of the file, or the simulator's: errors give the line in the whole file.
 class Part {
  public:
   Part(std::filesystem::path file, std::string_view text, std::size_t lines_above)
@@ -79,11 +79,11 @@ struct DescriptionSection {
   void (*read)(const Part& part, const toml::node& node, Device& device);
 };
 
-// One thing that the simulator keeps of a device below the marker, in [state].
+// A key of [state], where the simulator keeps what has changed on the device, below the marker.
 struct StateEntry {
   std::string_view key;
   void (*read)(const Part& part, const toml::node& node, Device& device);
-  // Its value in the file; empty where the device is as its author describes it.
+  // The value for the file; empty where the device is as the author describes it.
   std::string (*text)(Device& device);
 };
 

@@ -1,4 +1,4 @@
-// The simulated device, as tests and tools steer it.
+// The simulated device: how tests and tools control it.
 //
 //   sim::Device device;
 //   device.files().Write("\\ConfigStore\\dcecfg", bytes);
@@ -7,14 +7,12 @@
 //   device.journal().Texts(sim::Effect::kRegistry);
 //
 // Time is a discrete-event clock: it moves only when every thread of the device waits, and then
-// jumps to the next deadline. Of the device's threads one runs at a time, and another's turn comes
-// only when it waits, so that a run always gives the same order; Concurrency::kParallel lets them
-// run at once.
+// jumps to the next deadline. One thread of the device runs at a time, until it waits. A run
+// therefore always gives the same order. With Concurrency::kParallel all threads run at once.
 //
-// The thread that makes a device drives it: it alone may make processes and threads and call into
-// them, and what it does between calls takes no time on the device.
-// What belongs to the device (registry, files, journal, misuse) it may look at whenever no other
-// thread runs: with kParallel, after Join.
+// The thread that makes a device is its driver. Only the driver may make processes and threads and
+// call into them, and its work between calls takes no time on the device. It may look at the
+// registry, files, journal and misuse whenever no other thread runs: with kParallel, after Join.
 #ifndef PLATFORM_SIM_DEVICE_H_
 #define PLATFORM_SIM_DEVICE_H_
 
@@ -47,16 +45,16 @@ enum class Concurrency : std::uint8_t {
   kParallel,    // the host's scheduler decides; for the race detector
 };
 
-// A platform call that is made to fail. Calls are counted from the moment the fault is planned.
-// What closes or releases something does so nevertheless: nothing else could let go of it then. A
-// wait that fails with 258 is one that has timed out.
+// A platform call that is made to fail. Calls are counted from the moment the fault is planned. A
+// call that closes or releases something fails after it has done so, because nothing else could.
+// The error 258 lets a wait time out.
 struct Fault {
   std::string call{};         // a name such as "RegSetValueExW"; empty: any call
   unsigned nth = 1;           // the first one to fail
-  bool from_then_on = false;  // and all that follow it
+  bool from_then_on = false;  // and all calls that follow it
   std::uint32_t error = 31;   // ERROR_GEN_FAILURE
   bool kill = false;  // instead of failing, the calling process ends there without detaching
-  // Instead of failing, ReadFile and WriteFile move at most so many bytes.
+  // Instead of failing, ReadFile and WriteFile move at most this number of bytes.
   std::optional<std::uint32_t> transfers{};
 };
 
@@ -68,23 +66,23 @@ enum class RestartKind : std::uint8_t { kWarm, kCold };
 // "restart, warm", as it stands in the journal.
 [[nodiscard]] const char* RestartText(RestartKind kind);
 
-// Thrown out of an export whose process was ended under it.
+// Thrown out of an export whose process is killed during the call.
 class ProcessKilled : public std::exception {
  public:
   [[nodiscard]] const char* what() const noexcept override { return "the process was killed"; }
 };
 
-// What a driver or the kernel answers to one call, before the caller gets it: whoever watches the
-// answers may change it, and so lie as a driver might. It cannot be written past the caller's room.
+// The answer of a driver or of the kernel to one call, before the caller gets it. A test may change
+// it, and so play a driver that gives wrong answers. It cannot be longer than the caller's buffer.
 struct DriverAnswer {
   std::string_view call;          // "DeviceIoControl"
-  std::span<std::uint8_t> bytes;  // the caller's room, as far as the answer may fill it
-  std::uint32_t returned = 0;     // how many of them the caller is told, where the call tells it
-  std::uint32_t error = 0;        // not 0: with which the call fails
+  std::span<std::uint8_t> bytes;  // the caller's buffer
+  std::uint32_t returned = 0;     // the byte count for the caller, if the call gives one
+  std::uint32_t error = 0;        // not 0: the call fails with it
 };
 
-// A library that processes can load, by its file name. Its entries are found by name; an entry
-// without an address is one that the library does not have.
+// A library that processes can load. Its entries are found by name. An entry with a null address
+// is missing in the library.
 struct Module {
   std::string name;
   std::map<std::string, int (*)(), std::less<>> entries;
@@ -92,11 +90,11 @@ struct Module {
   [[nodiscard]] std::string path() const { return folder + "\\" + name; }
 };
 
-// A program that processes can start. It also needs a file: without one at its path it is missing.
+// A program that processes can start. A file must lie at its path, or the program is missing.
 struct Program {
   std::string path;  // "\\Windows\\orqautoreg.exe"
-  // What it does, as the only thread of a process of its own, in which it makes the platform's
-  // calls. It gets its command line and gives its exit code.
+  // The program itself: it gets the command line and gives the exit code. It runs as the only
+  // thread of a process of its own and may make the platform's calls.
   std::function<std::uint32_t(const std::string& command_line)> run;
 };
 
@@ -115,71 +113,73 @@ class Device {
   // Time since the device started.
   [[nodiscard]] std::uint64_t now_ms() const;
   void set_now_ms(std::uint64_t now);  // before the first process starts
-  // Lets the device run for a while, or until every thread that the device started has ended: never
-  // where one sleeps again and again.
+  // Lets the device run for some time.
   void Advance(std::uint32_t ms);
+  // Lets the device run until every thread has ended or waits without a time limit. Does not return
+  // where a thread sleeps again and again.
   void RunUntilIdle();
-  // Called at each jump of the clock, with its length: to run in step with the wall clock.
+  // Called at each jump of the clock with its length, for a device that keeps step with real time.
   void set_on_clock(std::function<void(std::uint64_t ms)> on_clock);
-  // Hands the turn over at platform calls too, in an order that follows from the seed alone.
+  // Lets threads also change turns at platform calls, in an order that depends only on the seed.
   void ShuffleTurns(std::uint32_t seed);
 
-  // What comes from outside of every process. A note stands in the journal as the device's own.
+  // Adds a line to the journal that belongs to the device and to no process.
   void Note(Effect effect, std::string text);
-  // Sets a named event; false where no process has one of this name.
+  // Sets a named event, as something outside of the processes would. False where no process has an
+  // event of this name.
   bool SetEvent(std::string_view name);
 
-  // Takes over what another device stores and is made of: registry, files, hardware, modules and
-  // programs. Not what runs there, nor its time and journal. No process has anything open on
-  // either.
+  // Copies the registry, files, hardware, libraries and programs of another device, but neither its
+  // processes nor its time and journal. No process may have anything open on either device.
   void CopyFrom(const Device& other);
 
   // Faults. A plan stays until it is cleared.
   void PlanFault(Fault fault);
   void ClearFaults();
-  // The calls that the plans have made fail, in their order, since they were cleared last.
+  // The calls that failed by a plan, in their order, since the plans were cleared.
   [[nodiscard]] std::vector<std::string> faulted_calls() const;
   // Called with each answer of a driver, of the kernel's I/O controls, of the network, the display
-  // and the radio, with each file's size, and with each registry value that fits the caller's room.
+  // and the radio, with each file's size, and with each registry value that fits the buffer.
   void set_on_answer(std::function<void(DriverAnswer& answer)> on_answer);
-  // Platform calls since the device started: of one name, or of all.
+  // The number of platform calls since the device started: of one name, or all.
   [[nodiscard]] unsigned calls(std::string_view name) const;
   [[nodiscard]] unsigned calls() const;
 
-  // What was done wrong: handles used after their close or by a process they do not belong to,
-  // double closes, calls that nothing simulates, buffers without an address, handles and heap
-  // blocks left at a process end, a library unloaded under a thread that runs in it. A write past a
-  // buffer's end is for the address sanitizer to see.
+  // Mistakes of the programs: handles used after their close or by another process, double closes,
+  // calls that are not simulated, buffers without an address, registry paths that begin with a
+  // backslash, handles and heap blocks left at the end of a process, a library unloaded while a
+  // thread runs in it. A write past a buffer's end is left to the address sanitizer.
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 
   // Called with the bytes of each heap block that a library frees, just before it is gone.
   void set_on_free(std::function<void(std::string_view bytes)> on_free);
 
-  // Libraries that LoadLibraryW finds: by name those in \Windows, by path those of any folder. The
-  // platform tells the libraries of a process apart by their file name without extension: once one
-  // is loaded, every path with this file name gives it again. A new device has "coredll.dll", with
-  // its entry "AudioUpdateFromRegistry", "DVLEventLog.dll", which puts its lines into the journal,
-  // and "DVLORQPAL.dll", the provider, which does the services that the library passes on.
+  // Libraries that LoadLibraryW finds: in \Windows by name, in any folder by path. The platform
+  // tells the libraries of a process apart by their file name without extension: once one is
+  // loaded, every path with this file name gives it again. A new device has
+  //   coredll.dll      with its entry "AudioUpdateFromRegistry";
+  //   DVLEventLog.dll  which writes trace lines into the journal;
+  //   DVLORQPAL.dll    the provider, which does the services that the library passes on.
   void InstallModule(Module module);         // in place of one with the same path
   void RemoveModule(std::string_view name);  // in whatever folder
   [[nodiscard]] std::vector<Module> modules() const;
-  // Where the library lies that every process is made with, from the next process on. It begins as
-  // kLibraryPath, whose file name is the provider's too: a process then cannot load the provider.
+  // The path at which the next processes have the library under test. It is kLibraryPath at first.
+  // That is also the provider's file name, so that a process cannot load the provider then.
   void set_library_path(std::string path);
 
   // Adds a program, in place of one with the same path. A new device has the registry importer,
   // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
   // when the device ends are killed.
   void InstallProgram(Program program);
-  // Starts a program now, whether it is installed or not: a service that runs from the start, and
-  // again after each restart. Its first turn has come when this returns.
+  // Starts a program as a service: it runs from now on, and again after each restart. It need not
+  // be installed. When this returns, the program has had its first turn.
   void StartProgram(const Program& program);
 
-  // The restarts that programs asked for, since the device was made. A restart kills every process
-  // where it is: a call into one throws ProcessKilled, and its Process can only be ended. Handles
-  // are closed, named objects are gone, drivers are as after power-up, and programs that run from
-  // the start are started anew. Registry, files, journal and time go on, of either kind of restart.
+  // The restarts that programs asked for, since the device was made. A restart kills every process:
+  // a call that runs in one throws ProcessKilled, and its Process can only be ended. Handles are
+  // closed, named objects are gone, drivers are as after power-up, and services are started anew.
+  // Registry, files, journal and time go on, for both kinds of restart.
   [[nodiscard]] std::vector<RestartKind> restarts() const;
 
   [[nodiscard]] Kernel& kernel() { return *kernel_; }
@@ -199,11 +199,11 @@ class Thread {
 
  private:
   std::shared_ptr<ThreadState> state_;
-  std::shared_ptr<ProcessState> process_;  // which the thread's state refers to
+  std::shared_ptr<ProcessState> process_;  // the thread's state refers to it
 };
 
-// A process with the library loaded: attached when made, detached at its end, or when the process
-// has freed it.
+// A process with the library loaded. The library attaches when the process is made. It detaches
+// when the process ends, or when the process frees it.
 class Process {
  public:
   // `name` is that of the program's file, in "\Program Files", or its path. Throws std::logic_error
@@ -224,22 +224,22 @@ class Process {
   [[nodiscard]] const Exports& exports() const;
   // Any symbol of the process's copy of the library, or nullptr.
   [[nodiscard]] void* Symbol(const char* name) const;
-  // Runs something as the main thread of this process: the platform's calls may be made in it.
+  // Runs a function as the main thread of this process. It may make the platform's calls.
   void Run(const std::function<void()>& body);
   // Starts another thread of this process.
   Thread Start(std::function<void()> body);
 
-  // Puts a line into the journal, as from the thread of this process that runs just now.
+  // Adds a line to the journal, as from the thread of this process that runs now.
   void Note(Effect effect, std::string text) const;
 
   // Detaches and unloads. What is still open is recorded as misuse.
   void End();
-  // Ends without detach, wherever its threads are; its mutexes are abandoned.
+  // Ends without detach, whatever its threads do. Its mutexes are abandoned.
   void Kill();
 
   // What the process holds: handles and registry keys, heap blocks of the library.
   [[nodiscard]] unsigned open_handles() const;
-  [[nodiscard]] unsigned new_handles() const;  // those beyond what the library took as it attached
+  [[nodiscard]] unsigned new_handles() const;  // without those of the attach
   [[nodiscard]] unsigned heap_blocks() const;
   [[nodiscard]] unsigned held_mutexes() const;
 

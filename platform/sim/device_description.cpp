@@ -49,7 +49,7 @@ constexpr std::array kSections{
     DescriptionSection{"usb_function", &ReadUsbFunction},
 };
 
-// device.toml, in the two parts that it has.
+// The two parts of device.toml.
 struct Description {
   std::string author;
   std::string kept;  // from the marker on; empty where there is none
@@ -78,7 +78,7 @@ DeviceIdentity ReadIdentity(const Part& part, const fs::path& file) {
   return identity;
 }
 
-// The module with those of its entries that the list names.
+// A library with the entries that the list names, and no others.
 Module WithEntries(const Part& part, const Module& known, const toml::node& list) {
   constexpr std::string_view kExpected = R"(a list of entry names: ["...", "..."])";
   Module module{known.name, {}, known.folder};
@@ -133,7 +133,7 @@ void ReadState(const Part& part, Device& device) {
 
 }  // namespace
 
-// What the device has in place of its built-in libraries.
+// Keeps those built-in libraries of the device that the table names.
 void ReadModules(const Part& part, const toml::node& node, Device& device) {
   const std::vector<Module> known = device.modules();
   std::vector<std::string_view> names;

@@ -1,4 +1,5 @@
-// device.toml: what its author says about the device, and below a marker what the simulator keeps.
+// device.toml: the author's description of the device and, below a marker, what the simulator
+// keeps.
 #ifndef PLATFORM_SIM_DEVICE_DESCRIPTION_H_
 #define PLATFORM_SIM_DEVICE_DESCRIPTION_H_
 
@@ -9,12 +10,11 @@
 
 namespace sim {
 
-// Fills a new device with what the file says. Throws DeviceFolderError; the device is then of no
-// use.
+// Fills a new device as the file says. Throws DeviceFolderError; the device cannot be used then.
 DeviceIdentity LoadDescription(Device& device, const std::filesystem::path& file);
 
-// The text of such a file with the state that a device has now; its author's part stays as it is,
-// and so does a text that has no state where there is none to keep.
+// The text of such a file with the present state of a device. The author's part stays as it is. A
+// text without state stays as it is where there is nothing to keep.
 [[nodiscard]] std::string WithState(const std::string& text, Device& device);
 
 }  // namespace sim

@@ -82,7 +82,7 @@ class Saver {
     ReplaceHostFile(file, temporary_, WithState(ReadHostFile(file), device_));
   }
 
-  // A text that says the same already stays, with its author's comments.
+  // A file with the same content stays as it is, with its author's comments.
   void SaveRegistry() {
     const fs::path file = folder_ / "registry.reg";
     const std::string text = ExportRegistryText(device_.registry());

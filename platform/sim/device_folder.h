@@ -1,4 +1,4 @@
-// A device in a folder: device.toml, registry.reg and files/ are its whole state.
+// A device in a folder: device.toml, registry.reg and files/ hold its whole state.
 #ifndef PLATFORM_SIM_DEVICE_FOLDER_H_
 #define PLATFORM_SIM_DEVICE_FOLDER_H_
 
@@ -10,7 +10,7 @@
 
 namespace sim {
 
-// What a person can act on: the file, the line where there is one, and what is wrong.
+// Its text is for the user: the file, the line if there is one, and what is wrong.
 class DeviceFolderError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -12,10 +12,10 @@ namespace sim {
 
 class ProcessState;
 
-// Runs a body as the thread of the process that calls: its main thread where the driver does.
+// Runs a body as the calling thread of the process. For the driver that is the main thread.
 void RunInProcess(ProcessState& process, const std::function<void()>& body);
 
-// The same for a call into the library: its thread runs in it meanwhile.
+// The same for a call into the library. Until it returns, the thread counts as running in it.
 void RunInLibrary(ProcessState& process, const std::function<void()>& body);
 
 template <class Signature>
@@ -37,7 +37,7 @@ class Export<Result(Arguments...)> {
     RunInLibrary(*process_, [&] { result = function_(arguments...); });
     return result;
   }
-  // The bare address, for measuring without the entry into the process.
+  // The address alone, for measurements without the entry into the process.
   [[nodiscard]] auto address() const { return function_; }
 
  private:

@@ -1,4 +1,4 @@
-// The host's files that hold a device: read whole, and replaced as a whole or not at all.
+// The host's files of a device folder. A file is replaced as a whole or not at all.
 #ifndef PLATFORM_SIM_HOST_FILE_H_
 #define PLATFORM_SIM_HOST_FILE_H_
 
@@ -8,11 +8,11 @@
 
 namespace sim {
 
-// Both throw DeviceFolderError: a symbolic link, what is no file, more than 64 MB, or the host's
-// error.
+// Both throw DeviceFolderError for a symbolic link, for what is not a file, for more than 64 MB,
+// and for an error of the host.
 [[nodiscard]] std::string ReadHostFile(const std::filesystem::path& file);
-// Does nothing where the file has these bytes already. Else they are written to `temporary`, which
-// is in the same file system, and that is renamed.
+// Does nothing where the file has these bytes already. Otherwise writes them to `temporary`, which
+// must be in the same file system, and renames that.
 void ReplaceHostFile(const std::filesystem::path& file, const std::filesystem::path& temporary,
                      std::string_view bytes);
 

@@ -14,7 +14,7 @@ constexpr std::string_view kHexadecimal = "bytes as hexadecimal digits: \"01 0A 
 constexpr std::string_view kAnswer =
     "a text, or a table with hex or error: { hex = \"01 0A\", returned = 2 }, { error = 31 }";
 
-// Of a key that may be missing.
+// The value of a key that may be missing.
 void ReadNumber(const Part& part, const toml::table& table, std::string_view key,
                 std::uint32_t& number) {
   if (const toml::node* node = table.get(key)) number = part.Number(*node);

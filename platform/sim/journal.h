@@ -1,4 +1,4 @@
-// Every effect on the world of the simulated device, in order.
+// The journal of the simulated device: every effect of its programs, in order.
 #ifndef PLATFORM_SIM_JOURNAL_H_
 #define PLATFORM_SIM_JOURNAL_H_
 
@@ -18,8 +18,8 @@ enum class Effect : std::uint8_t {
   kFile,       // a file is written or created
   kEvent,      // a named event is set, reset or pulsed
   kMutex,      // a named mutex is taken, released or abandoned
-  kModule,     // a library is loaded, freed, missed, or asked for a service
-  kAudio,      // the audio driver is told something; a sound starts or ends
+  kModule,     // a library is loaded, freed or not found, or does a service
+  kAudio,      // volume or gain is set; a sound starts or ends
   kLed,        // an LED changes
   kVibration,  // the vibrator runs
   kDisplay,    // the display turns
@@ -29,7 +29,7 @@ enum class Effect : std::uint8_t {
   kDebug,      // a line on the kernel's debug output
 };
 
-// The word that stands in a journal line, and back.
+// The word for an effect in a journal line, and back.
 [[nodiscard]] std::string_view EffectName(Effect effect);
 [[nodiscard]] std::optional<Effect> EffectFromName(std::string_view name);
 
@@ -51,11 +51,11 @@ class Journal {
   void Add(JournalEntry entry);
   void Clear() { entries_.clear(); }
   [[nodiscard]] const std::vector<JournalEntry>& entries() const { return entries_; }
-  // The texts alone, of one effect or of all: what tests compare.
+  // The texts of the entries, of one effect or of all. Tests compare these.
   [[nodiscard]] std::vector<std::string> Texts(std::optional<Effect> effect = std::nullopt) const;
-  // Without entries a device can run for any time: for benchmarks.
+  // A device that keeps no entries can run for any time: for benchmarks.
   void set_keeps_entries(bool keeps) { keeps_entries_ = keeps; }
-  // Called with each entry as it is made, for tools that print while a program runs.
+  // Called with each new entry, for tools that print while a program runs.
   void set_listener(std::function<void(const JournalEntry&)> listener) {
     listener_ = std::move(listener);
   }
@@ -66,8 +66,8 @@ class Journal {
   std::function<void(const JournalEntry&)> listener_;
 };
 
-// Makes one readable line of any bytes: "\r", "\n" and "\x1B" stand for what does not print.
-// Backslashes stay as they are, for the sake of registry paths.
+// Makes one readable line of any bytes: control characters become "\r", "\n" or "\x1B". Backslashes
+// stay as they are, so that registry paths stay readable.
 [[nodiscard]] std::string Escape(std::string_view text);
 
 }  // namespace sim

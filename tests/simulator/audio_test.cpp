@@ -20,7 +20,7 @@ class SimAudio : public DeviceTest {
     device.files().Write("\\long.wav", SilentWaveFile(300));
     device.files().Write("\\short.wav", SilentWaveFile(120));
   }
-  // Each with its time.
+  // The lines of the audio driver, with time and process.
   std::vector<std::string> Heard() {
     std::vector<std::string> lines;
     for (const sim::JournalEntry& entry : device.journal().entries()) {

@@ -27,7 +27,7 @@ TEST_F(SimClock, WakesThreadsInTheOrderOfTheirDeadlines) {
   sleeper("b", {10, 50, 5});
   sleeper("c", {60});
   device.RunUntilIdle();
-  // At 60 all three are due: who began to wait first goes first.
+  // At 60 all three are due. They go on in the order in which they began to wait.
   EXPECT_EQ(order, (std::vector<std::string>{"b10", "a30", "c60", "b60", "a60", "b65"}));
   EXPECT_EQ(device.now_ms(), 65u);
 }
@@ -161,7 +161,7 @@ TEST_F(SimClock, ReportsADeadlockInsteadOfHanging) {
             std::vector<std::string>{"caller.exe: deadlock: thread 2 waits for ever"});
 }
 
-// Two things fall due at once: either the waiter is late and gets nothing, or it gets all.
+// The wait's end and the release fall on the same moment. A waiter that times out must not own it.
 TEST_F(SimClock, GivesNothingToAWaiterWhoseTimeIsUp) {
   sim::Process owner(device, "owner.exe");
   sim::Process late(device, "late.exe");

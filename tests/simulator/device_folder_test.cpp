@@ -43,7 +43,7 @@ class DeviceFolderTest : public ::testing::Test {
     }
     return all;
   }
-  // The message with which a new device refuses the folder, the folder's own path left out.
+  // The message of the error for the folder, without the folder's path.
   [[nodiscard]] std::string LoadError() const {
     try {
       sim::Device device;
@@ -249,7 +249,7 @@ TEST_F(DeviceFolderTest, BadFoldersAreRefusedWithFileAndLine) {
     Put(row.file, row.text);
     EXPECT_EQ(LoadError(), row.message) << row.text;
   }
-  // Messages of the parser and lists of what is known: only their beginnings are ours.
+  // Messages that end with the parser's own words, or with a list of the known keys.
   const std::vector<Row> beginnings = {
       {"device.toml", name + "\ncolour = 1",
        "device.toml:3: unknown key 'colour'; allowed: name, description, modules, "},

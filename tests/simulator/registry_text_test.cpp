@@ -14,7 +14,7 @@ using sim::ExportRegistryText;
 using sim::ImportRegistryText;
 using Bytes = std::vector<std::uint8_t>;
 
-// Every key, value, type and byte in order, independent of the text that is tested.
+// Lists every key, value, type and byte in order, without the text that is tested.
 void Describe(const sim::RegistryKey& key, std::u16string& text) {
   text += u"[" + key.Path() + u"]";
   for (const sim::RegistryValue& value : key.values()) {
@@ -37,7 +37,7 @@ TEST(RegistryText, ExportAndImportGiveAnEqualRegistry) {
                        const Bytes& data) {
     sim::Registry::Create(registry.root(2), path).key->SetValue(name, type, data);
   };
-  // A parent without values between its siblings, spelling and order that no sorting gives.
+  // A parent without values between its siblings, in spelling and order that no sorting gives.
   registry.Create(R"(HKLM\Software\zebra\Deep\Deeper)");
   registry.SetDword("HKLM\\Software\\Apple", "Second", 0x8000001E);
   registry.SetString("HKLM\\Software\\ZEBRA", "", "the unnamed value");
@@ -56,7 +56,7 @@ TEST(RegistryText, ExportAndImportGiveAnEqualRegistry) {
   for (unsigned size = 0; size < 100; ++size) {
     add(u"Sizes", std::u16string(size, u'n'), REG_BINARY, Bytes(size, 0xA5));
   }
-  // Names out of a damaged file: line ends, what looks like a comment or an end, half a pair.
+  // Names from a damaged file: with line ends, with a comment's semicolon, with half a pair.
   add(u"line\nend\\a] ; b\\\"quoted\"\\\xD800", u"\xDC00\n=\"\\", REG_BINARY, {1, 2});
 
   const std::string text = ExportRegistryText(registry);

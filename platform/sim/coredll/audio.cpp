@@ -22,7 +22,7 @@ MMRESULT Refuse(Call& call, std::string_view what, MMRESULT result) {
   return call.Fail(ERROR_INVALID_PARAMETER, result);
 }
 
-// The file's wave; where it cannot be played, nullopt with the last error set.
+// Reads a wave file. nullopt, with the last error set, where it cannot be played.
 std::optional<WaveFile> OpenWave(Call& call, std::string_view path) {
   const auto node = call.kernel().files.Find(path);
   if (node == nullptr || node->is_folder) {
@@ -34,12 +34,12 @@ std::optional<WaveFile> OpenWave(Call& call, std::string_view path) {
   return wave;
 }
 
-// Plays to its end, or until something cuts it short.
+// Waits until the sound has ended, or until another call stops it.
 void PlayThrough(Call& call, std::string_view path, std::uint32_t length_ms,
                  const std::shared_ptr<Event>& stopped) {
   Kernel& kernel = call.kernel();
   const DWORD wait = kernel.WaitFor(call.lock(), call.thread(), stopped, length_ms);
-  // At the very end of its time it may have been stopped all the same.
+  // It may also have been stopped at the very moment at which its time was up.
   if (wait == WAIT_OBJECT_0 || stopped->signalled()) return;
   kernel.hardware.audio.sounds.erase(call.process().id);
   call.Log(Effect::kAudio, fmt::format("sound ends {}", Escape(path)));
@@ -106,7 +106,8 @@ MMRESULT waveInMessage(HWAVEIN input, UINT message, uintptr_t parameter1, uintpt
   return 0;
 }
 
-// No sound and no flags: stop. Else a file, played through or looped until it is stopped.
+// Without a sound and flags it stops what plays. Otherwise it plays a file once, or loops it until
+// another call stops it.
 BOOL PlaySoundW(LPCWSTR sound, HMODULE module, DWORD flags) {
   Call call(CallId::PlaySoundW);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);

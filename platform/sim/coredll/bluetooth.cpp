@@ -5,7 +5,7 @@ namespace {
 constexpr LONG kNotConnected = 1167;  // ERROR_DEVICE_NOT_CONNECTED: there is no radio
 }
 
-// Returns its error as the registry's calls do.
+// Returns the error, as the registry's calls do.
 int BthGetMode(LPDWORD mode) {
   sim::Call call(sim::CallId::BthGetMode);
   if (call.fault() != 0) return call.Fail(call.fault());

@@ -1,4 +1,4 @@
-// A caller's buffer of a stated size, into which a formatted text is written.
+// Writes a formatted text into a caller's buffer of a stated size.
 #ifndef PLATFORM_SIM_COREDLL_BOUNDED_OUTPUT_H_
 #define PLATFORM_SIM_COREDLL_BOUNDED_OUTPUT_H_
 
@@ -10,7 +10,7 @@
 
 namespace sim {
 
-// What does not fit is dropped and remembered.
+// Text that does not fit is dropped, and Finish then reports a failure.
 class BoundedOutput {
  public:
   BoundedOutput(char* buffer, std::size_t count)
@@ -27,7 +27,7 @@ class BoundedOutput {
     if (fits != 0) std::memset(next_, unit, fits);
     Advance(fits, length);
   }
-  // One byte for one unit, '?' for what Latin-1 does not have.
+  // Writes one byte for each unit, and '?' for a unit outside of Latin-1.
   void Narrow(const char16_t* text, std::size_t length) {
     const std::size_t fits = std::min(length, left_);
     std::transform(text, text + fits, next_,
@@ -37,7 +37,7 @@ class BoundedOutput {
 
   [[nodiscard]] bool full() const { return overflowed_; }
 
-  // The result of the whole call, with the terminator where there is room for it.
+  // Gives the result of the whole call, and writes the terminator if there is room for it.
   int Finish() {
     if (overflowed_ || written_ > INT_MAX) return -1;
     if (left_ != 0) *next_ = '\0';

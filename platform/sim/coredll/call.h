@@ -1,4 +1,5 @@
-// The beginning of every platform call: the lock, the count, the fault point.
+// The beginning of every platform call: it takes the device's lock, counts the call and finds the
+// fault that is planned for it.
 #ifndef PLATFORM_SIM_COREDLL_CALL_H_
 #define PLATFORM_SIM_COREDLL_CALL_H_
 
@@ -15,8 +16,8 @@ namespace sim {
 
 class Call {
  public:
-  // Throws ProcessKilled where the process has ended or a fault ends it here. A program that calls
-  // from a thread of no device is told so and aborted.
+  // Throws ProcessKilled where the process has ended, or where a fault ends it here. Aborts the
+  // host's program, with a message, where the calling thread belongs to no device.
   explicit Call(CallId id);
 
   [[nodiscard]] Kernel& kernel() { return kernel_; }
@@ -26,38 +27,38 @@ class Call {
 
   // The error that a planned fault gives this call, or 0.
   [[nodiscard]] LONG fault() const { return fault_; }
-  // How many of some bytes a planned fault lets this call move.
+  // The number of bytes that this call may move: fewer than `bytes` where a fault says so.
   [[nodiscard]] DWORD Transferable(DWORD bytes) const { return std::min(bytes, most_bytes_); }
 
-  // Sets the last error and gives it back as the registry's calls do.
+  // Sets the last error and returns it, as the registry's calls do.
   LONG Fail(LONG error);
-  // Sets the last error and gives what the call answers then.
+  // Sets the last error and returns the answer of a call that fails.
   template <class Answer>
   Answer Fail(LONG error, Answer answer) {
     Fail(error);
     return answer;
   }
 
-  // What this call answers, for whoever watches the device's answers: the error with which it
-  // fails, or 0. `returned`: the count that the caller is told.
+  // Shows the answer of this call to the test that watches answers, which may change it. Returns
+  // the error with which the call then fails, or 0. `returned` is the byte count for the caller.
   LONG Answer(std::span<BYTE> bytes, LONG error, DWORD& returned);
-  // Of a call that tells no count, in a record of the caller.
+  // The same for a call that fills a record of the caller and gives no byte count.
   template <class Record>
   LONG Answer(Record& record, LONG error = ERROR_SUCCESS) {
     DWORD returned = sizeof(record);
     return Answer({reinterpret_cast<BYTE*>(&record), sizeof(record)}, error, returned);
   }
 
-  // False, with the last error set and misuse recorded, for an overlapped request: the platform has
-  // none.
+  // False for an overlapped request, which the platform does not have: the last error is set and
+  // misuse is recorded.
   bool IsNotOverlapped(const OVERLAPPED* overlapped);
 
   void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }
   // Records that this call was used wrongly.
   void Misuse(std::string_view what);
 
-  // The object of one kind behind a handle; nullptr with the last error set, and misuse recorded,
-  // where there is none.
+  // Finds the object of one kind behind a handle. Where there is none, returns nullptr, sets the
+  // last error and records misuse.
   template <class Kind>
   std::shared_ptr<Kind> Find(const void* handle) {
     return std::static_pointer_cast<Kind>(FindObject(handle, Kind::kKind));
@@ -80,7 +81,7 @@ class Call {
   DWORD most_bytes_ = 0xFFFFFFFF;
 };
 
-// Records that nothing simulates a call yet, and fails it with ERROR_CALL_NOT_IMPLEMENTED.
+// For a call that is not simulated: records misuse, and fails with ERROR_CALL_NOT_IMPLEMENTED.
 template <class Answer>
 Answer NotSimulated(CallId id, Answer answer) {
   Call call(id);

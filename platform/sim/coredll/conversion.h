@@ -24,7 +24,7 @@ struct Conversion {
   int width = kNotGiven;
   int precision = kNotGiven;
   Size size = Size::kDefault;
-  char type = '\0';       // '\0': none that is known
+  char type = '\0';       // '\0': an unknown conversion
   std::size_t units = 0;  // length of the conversion in the format, with its "%"
 };
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr LONG kBadProgram = 193;  // ERROR_BAD_EXE_FORMAT
 
-// The program whose path leads to this file.
+// Finds the installed program that has this file.
 const Program* FindProgram(const Kernel& kernel, const FileNode& file) {
   const auto found = std::ranges::find_if(kernel.programs, [&](const Program& program) {
     return kernel.files.Find(program.path).get() == &file;
@@ -23,8 +23,8 @@ const Program* FindProgram(const Kernel& kernel, const FileNode& file) {
 using sim::Call;
 using sim::CallId;
 
-// What the platform does not have must be absent: security, inheritance, an environment, a
-// directory and start-up information.
+// The platform has no security, inheritance, environment, directory and start-up information: these
+// arguments must be empty.
 BOOL CreateProcessW(LPCWSTR image, LPCWSTR command_line, LPSECURITY_ATTRIBUTES process_security,
                     LPSECURITY_ATTRIBUTES thread_security, BOOL inherit, DWORD /*flags*/,
                     LPVOID environment, LPWSTR directory, STARTUPINFOW* startup,

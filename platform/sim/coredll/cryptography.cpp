@@ -1,4 +1,4 @@
-// CryptoAPI as far as SHA-1: contexts on key sets, and hashes in them.
+// The part of CryptoAPI that SHA-1 needs: contexts for key sets, and hashes.
 #include <fmt/format.h>
 #include <openssl/evp.h>
 
@@ -35,7 +35,7 @@ class CryptHash : public Object {
 
   // A hash must not outlive its context.
   [[nodiscard]] bool is_orphan() const { return context_.expired(); }
-  // Once its value was asked for, nothing more goes into it.
+  // After the first request for its value, a hash takes no more data.
   [[nodiscard]] bool is_finished() const { return !value_.empty(); }
   void Add(const BYTE* data, DWORD bytes) { EVP_DigestUpdate(digest_.get(), data, bytes); }
   const std::vector<BYTE>& Finish() {
@@ -68,7 +68,7 @@ std::shared_ptr<CryptHash> FindHash(Call& call, HCRYPTHASH handle) {
   return hash;
 }
 
-// Finds the key set, or makes it where the flags ask for a new one.
+// Finds the key set. Creates it where the flags ask for a new one.
 LONG TakeKeySet(Call& call, std::u16string_view container, DWORD flags) {
   Registry& registry = call.kernel().registry;
   std::string path(kKeySets);
@@ -82,7 +82,7 @@ LONG TakeKeySet(Call& call, std::u16string_view container, DWORD flags) {
   return ERROR_SUCCESS;
 }
 
-// Copies a parameter; `bytes` goes in with the room and comes out with the size.
+// Copies a parameter. `bytes`: in, the size of the buffer; out, the size of the parameter.
 LONG CopyParameter(const void* from, DWORD size, BYTE* data, DWORD& bytes) {
   const DWORD room = std::exchange(bytes, size);
   if (data == nullptr) return ERROR_SUCCESS;

@@ -9,7 +9,8 @@ using sim::Call;
 using sim::CallId;
 using sim::Effect;
 
-// Of a mode only the orientation is simulated. A test of one gives the present orientation.
+// Only the orientation of a display mode is simulated. With CDS_TEST the call gives the present
+// orientation and changes nothing.
 LONG ChangeDisplaySettingsEx(LPCWSTR device, DEVMODEW* mode, HWND window, DWORD flags,
                              LPVOID parameter) {
   Call call(CallId::ChangeDisplaySettingsEx);

@@ -31,10 +31,11 @@ LONG Answer(KernelRequest& request, const QueryAnswer& answer) {
   return ERROR_SUCCESS;
 }
 
-// These are asked for with the id in 32 bits, all others with 16.
+// A request for one of these parameters holds the id in 32 bits, any other request in 16.
 constexpr std::array<std::uint16_t, 5> kWideRequests{0x0003, 0x0004, 0x001A, 0x001B, 0x0035};
 
-// The kernel reads 16 bits of the request whatever its size, but the size is part of the call.
+// The kernel reads 16 bits of the request, whatever its size. A request of the wrong size is
+// misuse.
 LONG ReadParameter(KernelRequest& request) {
   if (request.in.size() < 2) return ERROR_INVALID_PARAMETER;
   const auto id = static_cast<std::uint16_t>(request.in[0] | (request.in[1] << 8));
@@ -57,7 +58,7 @@ LONG ReadDeviceId(KernelRequest& request) {
   return Answer(request, request.kernel.hardware.system.device_id);
 }
 
-// What the number means is the platform's own business.
+// Takes any number: its meaning is not simulated.
 LONG PrepareRestart(KernelRequest& request) {
   std::array<BYTE, sizeof(DWORD)> number{};
   if (request.in.size() != number.size()) return ERROR_INVALID_PARAMETER;

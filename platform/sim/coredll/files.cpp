@@ -15,7 +15,7 @@ bool IsDriverName(std::u16string_view name) {
   return !name.empty() && (name.front() == u'$' || (name.size() == 5 && name.back() == u':'));
 }
 
-// What an open does to the file, by its disposition; sets the error where it cannot be.
+// Finds or creates the file, as the disposition of an open says. Sets the error where that fails.
 std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD disposition,
                                      LONG& error) {
   FileSystem& files = call.kernel().files;
@@ -33,7 +33,8 @@ std::shared_ptr<FileNode> NodeToOpen(Call& call, std::string_view path, DWORD di
   return error == ERROR_SUCCESS ? node : nullptr;
 }
 
-// A driver is there or is not, and its one user reads and writes and shares it with nobody.
+// A driver can only be opened, not created. One with a single user must be opened for reading and
+// writing, without sharing.
 HANDLE OpenDriver(Call& call, std::string_view name, DWORD access, DWORD share, DWORD disposition) {
   for (const auto& driver : call.kernel().hardware.drivers) {
     if (!EqualNoCase(driver->name(), name)) continue;
@@ -52,7 +53,7 @@ HANDLE OpenDriver(Call& call, std::string_view name, DWORD access, DWORD share, 
   return call.Fail(ERROR_DEV_NOT_EXIST, INVALID_HANDLE_VALUE);
 }
 
-// Those that another call closes.
+// Whether a call other than CloseHandle closes such objects.
 bool HasOwnClose(ObjectKind kind) {
   return kind == ObjectKind::kKey || kind == ObjectKind::kCryptContext ||
          kind == ObjectKind::kCryptHash;

@@ -101,8 +101,8 @@ class Formatter {
     }
   }
 
-  // Nothing is written through the pointer, which may come from anywhere; the line shows it
-  // instead.
+  // The platform would write through the pointer, which may be wrong. Here the text shows the
+  // conversion instead.
   void NotStored(const char* text, const Conversion& conversion) {
     static_cast<void>(va_arg(list_, void*));
     output_.Append(text, conversion.units);
@@ -123,7 +123,7 @@ class Formatter {
     if (conversion.left) output_.Fill(' ', padding);
   }
 
-  // The length of a text, of which no more is read than the precision allows.
+  // The length of a text. No more units are read than the precision allows.
   template <typename Unit>
   static std::size_t Length(const Conversion& conversion, const Unit* text) {
     const std::size_t most =
@@ -239,7 +239,7 @@ class Formatter {
   va_list list_;
 };
 
-// A conversion in the debug output's line, which has no arguments.
+// Shows a conversion in a line of the debug output, which has no arguments.
 std::u16string WithoutArgument(const WCHAR* text, const Conversion& conversion) {
   const std::u16string shown(text, conversion.units);
   return conversion.type == '\0' ? shown : u'<' + shown + u"?>";

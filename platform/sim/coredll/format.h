@@ -6,10 +6,9 @@
 
 namespace sim {
 
-// What the kernel's debug output shows of a format that came without arguments, as UTF-8: "%%" is
-// "%", a conversion that wants an argument shows as "<%s?>" in place of the garbage that a device
-// prints, and the line is cut at 255 characters. No argument is ever read. A null format is an
-// empty line.
+// The line that the kernel's debug output shows for a format without arguments, as UTF-8. "%%"
+// becomes "%". A conversion that needs an argument becomes "<%s?>", where a device prints garbage:
+// no argument is ever read. The line is cut at 255 characters. A null format gives an empty line.
 [[nodiscard]] std::string FormatDebugLine(const char16_t* format);
 
 }  // namespace sim

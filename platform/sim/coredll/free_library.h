@@ -6,7 +6,7 @@
 
 namespace sim {
 
-// Gives back one load of a library.
+// Frees a library that was loaded once; the last free unloads it.
 BOOL FreeLoaded(Call& call, HMODULE module);
 
 }  // namespace sim

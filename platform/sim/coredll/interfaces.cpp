@@ -19,7 +19,7 @@ MIB_IFROW RowOf(const NetworkInterface& network_interface) {
 }  // namespace
 }  // namespace sim
 
-// Both return their error as the registry's calls do.
+// Both calls return their error, as the registry's calls do.
 DWORD GetNumberOfInterfaces(LPDWORD count) {
   sim::Call call(sim::CallId::GetNumberOfInterfaces);
   if (call.fault() != 0) return static_cast<DWORD>(call.Fail(call.fault()));

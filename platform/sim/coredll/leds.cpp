@@ -18,7 +18,7 @@ bool IsVibrator(const Leds& leds, UINT number) {
   return leds.vibrator && leds.vibrator->number == number;
 }
 
-// No LED here lets its times be adjusted.
+// The times of the simulated LEDs cannot be adjusted.
 BOOL GiveSupports(Call& call, const Leds& leds, NLED_SUPPORTS_INFO& info) {
   const bool is_vibrator = IsVibrator(leds, info.LedNum);
   if (!is_vibrator && !leds.State(info.LedNum)) return Refuse(call);
@@ -44,8 +44,8 @@ BOOL Answer(Call& call, Info& info, BOOL given) {
   return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
 }
 
-// Asking for times that the supports record rules out is a mistake of the caller, also where the
-// driver does not look at them.
+// The supports record says that no LED has times to adjust. A caller that sets them makes a
+// mistake, also for a request that does not blink, where the driver ignores them.
 void CheckTimes(Call& call, const NLED_SETTINGS_INFO& info) {
   if (info.TotalCycleTime == 0 && info.OnTime == 0 && info.OffTime == 0 && info.MetaCycleOn == 0 &&
       info.MetaCycleOff == 0) {

@@ -33,7 +33,8 @@ int UpdateAudioFromRegistry() {
   return 0;
 }
 
-// The services of the provider library. An address follows from what it is asked for.
+// The services of the provider library. The address that a service gives follows from its first
+// argument.
 constexpr DWORD kFirstAddress = 0xA0000000;
 
 template <class... Arguments>
@@ -85,7 +86,8 @@ HRESULT LogVersion() {
   return S_OK;
 }
 
-// Entries are kept as the platform's lookup gives them: whoever calls one knows its real type.
+// Entries are kept with the type that the platform's lookup gives. The caller casts an entry to its
+// real type.
 template <class Function>
 std::pair<const std::string, int (*)()> Entry(const char* name, Function* function) {
   return {name, reinterpret_cast<int (*)()>(reinterpret_cast<void*>(function))};

@@ -6,7 +6,7 @@ namespace {
 
 using Loaded = std::map<std::string, unsigned, std::less<>>;
 
-// A library that the process has loaded, by its handle; misuse where it has none such.
+// Finds a library that the process has loaded, by its handle. An unknown handle is misuse.
 Loaded::iterator FindLoaded(Call& call, HMODULE module) {
   Loaded& loaded = call.process().modules;
   const auto path = call.kernel().module_names.find(reinterpret_cast<std::uintptr_t>(module));
@@ -22,9 +22,9 @@ std::string_view StemOf(std::string_view path) {
   return path.substr(0, path.rfind('.'));
 }
 
-// The path of the library that a path or a name leads to; empty where there is none. A library that
-// the process has loaded is taken before another of its name, whatever the path. A name alone is
-// that of a library in \Windows.
+// The path of the library that LoadLibraryW loads for a path or a name; empty where there is none.
+// A loaded library of this name comes first, whatever the path. A name without a folder means
+// \Windows.
 std::string FindByName(Call& call, const std::string& wanted) {
   for (const auto& [path, count] : call.process().modules) {
     if (EqualNoCase(StemOf(path), StemOf(wanted))) return path;
@@ -34,7 +34,7 @@ std::string FindByName(Call& call, const std::string& wanted) {
   return module == nullptr ? "" : module->path();
 }
 
-// Those in \Windows are known by their name.
+// The journal shows a library in \Windows by its name, any other by its path.
 std::string Shown(const std::string& path) {
   constexpr std::string_view kWindows = "\\Windows\\";
   return path.starts_with(kWindows) ? path.substr(kWindows.size()) : path;
@@ -101,7 +101,7 @@ FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {
   return entry == nullptr ? call.Fail<FARPROC>(ERROR_PROC_NOT_FOUND, nullptr) : entry;
 }
 
-// A path that does not fit is cut, and its length is then that of the buffer.
+// A path that does not fit is cut. The answer is then the size of the buffer.
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD units) {
   Call call(CallId::GetModuleFileNameW);
   if (call.fault() != 0) return call.Fail(call.fault(), DWORD{0});

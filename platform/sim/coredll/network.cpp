@@ -21,7 +21,7 @@ IP_ADAPTER_INFO RecordOf(const NetworkAdapter& adapter) {
 }  // namespace
 }  // namespace sim
 
-// Returns its error as the registry's calls do. A first call with no room tells the size.
+// Returns the error, as the registry's calls do. A call without a buffer gives the size needed.
 DWORD GetAdaptersInfo(IP_ADAPTER_INFO* adapters, ULONG* bytes) {
   sim::Call call(sim::CallId::GetAdaptersInfo);
   if (call.fault() != 0) return static_cast<DWORD>(call.Fail(call.fault()));

@@ -25,7 +25,7 @@ constexpr std::array kRestartStates{
 using sim::Call;
 using sim::CallId;
 
-// Does not come back where it does what it was asked for.
+// Does not return where it restarts the device.
 DWORD SetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options) {
   Call call(CallId::SetSystemPowerState);
   constexpr auto kRefused = static_cast<DWORD>(ERROR_INVALID_PARAMETER);

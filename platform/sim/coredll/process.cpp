@@ -1,4 +1,4 @@
-// What a process knows of itself, its heap, and the debug output.
+// The calls for a process's id, last error and heap, and for the debug output.
 #include <cstdlib>
 
 #include "platform/sim/coredll/call.h"
@@ -8,7 +8,8 @@ using sim::Call;
 using sim::CallId;
 using sim::Effect;
 
-// These three belong to the calling thread and cannot fail: they are no fault points.
+// These three calls read and write data of the calling thread. They cannot fail, so no fault can be
+// planned for them.
 DWORD GetLastError() {
   const sim::ThreadState* thread = sim::CurrentThread();
   return thread == nullptr ? 0 : thread->last_error;
@@ -30,9 +31,8 @@ void NKDbgPrintfW(LPCWSTR format, ...) {
   call.Log(Effect::kDebug, sim::Escape(sim::FormatDebugLine(format)));
 }
 
-// The library's own allocations: its malloc and free are linked to these, the host's are left
-// alone. So are those of the runtime that comes with a build for coverage, in no thread of a
-// device.
+// The library's malloc and free are linked to these two; the host's own are not. The runtime of a
+// build for coverage calls them too, from threads of no device: it gets the host's functions.
 extern "C" void* __wrap_malloc(size_t bytes) {
   if (sim::CurrentThread() == nullptr) return std::malloc(bytes);
   Call call(CallId::malloc);

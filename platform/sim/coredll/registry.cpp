@@ -17,7 +17,7 @@ bool IsRoot(HKEY key) {
   return reinterpret_cast<std::uintptr_t>(key) - kFirstRoot < kRootCount;
 }
 
-// The key behind a handle; nullptr with the error set where there is none or it was deleted.
+// The key behind a handle. nullptr, with the error set, where there is none or it was deleted.
 std::shared_ptr<RegistryKey> KeyOf(Call& call, HKEY handle, LONG& error) {
   if (IsRoot(handle)) {
     const auto index = reinterpret_cast<std::uintptr_t>(handle) - kFirstRoot;
@@ -34,8 +34,8 @@ std::u16string_view OrEmpty(LPCWSTR text) {
   return text == nullptr ? std::u16string_view() : std::u16string_view(text);
 }
 
-// The path of a key. One that begins with a backslash is misuse: here the backslash is skipped, and
-// another platform may refuse it.
+// The path of a key. The platform forbids a backslash at its beginning. Here the backslash is
+// skipped and recorded as misuse.
 std::u16string_view PathOf(Call& call, LPCWSTR path) {
   const std::u16string_view text = OrEmpty(path);
   if (text.starts_with(u'\\')) {
@@ -44,7 +44,7 @@ std::u16string_view PathOf(Call& call, LPCWSTR path) {
   return text;
 }
 
-// Whether a reserved argument is empty, as it must be; misuse where it is not.
+// Whether the reserved arguments are empty, as they must be. Otherwise misuse is recorded.
 bool IsReservedEmpty(Call& call, bool is_empty) {
   if (!is_empty) call.Misuse("was given a reserved argument");
   return is_empty;
@@ -54,7 +54,7 @@ std::string NamedValue(std::u16string_view name) {
   return name.empty() ? "@" : fmt::format("\"{}\"", ToUtf8(name));
 }
 
-// Copies a name with its end; `units` goes in with the room and comes out with the length.
+// Copies a name with its terminator. `units`: in, the size of the buffer; out, the name's length.
 LONG CopyName(std::u16string_view name, LPWSTR buffer, DWORD& units) {
   if (name.size() >= units) return ERROR_MORE_DATA;
   name.copy(buffer, name.size());
@@ -63,7 +63,7 @@ LONG CopyName(std::u16string_view name, LPWSTR buffer, DWORD& units) {
   return ERROR_SUCCESS;
 }
 
-// Gives a value's type and data; `bytes` goes in with the room and comes out with the size.
+// Gives a value's type and data. `bytes`: in, the size of the buffer; out, the size of the value.
 LONG CopyData(const RegistryValue& value, LPDWORD type, LPBYTE data, LPDWORD bytes) {
   const auto size = static_cast<DWORD>(value.data.size());
   if (type != nullptr) *type = value.type;

@@ -1,4 +1,4 @@
-// The C runtime functions of the platform that the host lacks or has for wider characters.
+// The C runtime functions of the platform that the host does not have, or has for a wider wchar_t.
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace {
 
-// The narrow functions know the letters of ASCII only, the wide ones those of Latin-1 too.
+// The narrow functions fold the letters of ASCII, the wide functions those of Latin-1 too.
 int Fold(char unit) {
   const auto byte = static_cast<unsigned char>(unit);
   return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte;
@@ -28,8 +28,8 @@ int CompareNoCase(const Unit* left, const Unit* right, size_t count) {
 
 constexpr auto kConversionFailed = static_cast<size_t>(-1);
 
-// What mbstowcs and wcstombs share: up to `count` units, and the terminator where there is room for
-// it; the length alone where there is no destination.
+// The common part of mbstowcs and wcstombs. It writes up to `count` units, and the terminator if
+// there is room for it. Without a destination it only gives the length.
 template <typename To, typename From, typename Convert>
 size_t ConvertText(To* to, const From* from, size_t count, Convert convert) {
   if (from == nullptr) return kConversionFailed;
@@ -68,7 +68,7 @@ size_t mbstowcs(WCHAR* wide, const char* narrow, size_t count) {
                      [](char unit) { return WCHAR{static_cast<unsigned char>(unit)}; });
 }
 
-// A unit that the code page lacks becomes its default character, and the conversion goes on.
+// A unit that the code page does not have becomes '?', and the conversion goes on.
 size_t wcstombs(char* narrow, const WCHAR* wide, size_t count) {
   return ConvertText(narrow, wide, count,
                      [](WCHAR unit) { return unit > 0xFF ? '?' : static_cast<char>(unit); });

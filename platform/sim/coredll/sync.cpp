@@ -5,7 +5,7 @@
 namespace sim {
 namespace {
 
-// Finds or makes a kernel object by its name; an unnamed one is always new.
+// Finds or makes a kernel object by its name. An object without a name is always new.
 template <class Kind, class Make>
 std::shared_ptr<Kind> NamedObject(std::map<std::u16string, std::weak_ptr<Kind>>& names,
                                   const std::u16string& name, bool& existed, const Make& make) {

@@ -1,4 +1,4 @@
-// The operating system's version, and what it tells of the device.
+// The calls for the operating system's version and for its texts about the device.
 #include <fmt/format.h>
 
 #include <cstring>
@@ -23,7 +23,8 @@ BOOL GetVersionExW(OSVERSIONINFOW* version) {
   return error == ERROR_SUCCESS ? TRUE : call.Fail(error, FALSE);
 }
 
-// The parameter is the buffer's size in bytes. A text that does not fit is refused whole.
+// `parameter` is the buffer's size in bytes. Where the text does not fit, the call fails and writes
+// nothing.
 BOOL SystemParametersInfoW(UINT action, UINT parameter, LPVOID value, UINT /*flags*/) {
   Call call(CallId::SystemParametersInfoW);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);

@@ -6,8 +6,8 @@
 using sim::Call;
 using sim::CallId;
 
-// What the platform does not have must be absent, and a thread that starts suspended is not
-// simulated. The stack is the host's own, whatever its size.
+// `security` must be empty: the platform has none. A thread that starts suspended (`flags`) is not
+// simulated. The stack has the host's size, whatever `stack_bytes` says.
 HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, DWORD /*stack_bytes*/,
                     LPTHREAD_START_ROUTINE start, LPVOID argument, DWORD flags, LPDWORD thread_id) {
   Call call(CallId::CreateThread);
@@ -25,7 +25,7 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, DWORD /*stack_bytes*/,
   return call.AddHandle(thread->object);
 }
 
-// It never returns, and so cannot fail.
+// It never returns, so it cannot fail.
 void FreeLibraryAndExitThread(HMODULE module, DWORD /*exit_code*/) {
   {
     Call call(CallId::FreeLibraryAndExitThread);

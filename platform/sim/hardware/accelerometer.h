@@ -1,4 +1,4 @@
-// The accelerometer's driver, "ISL0:". It can be opened; nothing is asked of it.
+// The accelerometer's driver, "ISL0:". It can be opened and has no control codes.
 #ifndef PLATFORM_SIM_HARDWARE_ACCELEROMETER_H_
 #define PLATFORM_SIM_HARDWARE_ACCELEROMETER_H_
 

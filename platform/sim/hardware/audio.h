@@ -1,4 +1,4 @@
-// The audio driver: wave volume, codec gain, and what plays just now.
+// The audio driver: wave volume, codec gain, and the sounds that play now.
 #ifndef PLATFORM_SIM_HARDWARE_AUDIO_H_
 #define PLATFORM_SIM_HARDWARE_AUDIO_H_
 
@@ -11,7 +11,7 @@ namespace sim {
 
 class Event;
 
-// What every sound goes through. It stays as it was set when the device is put away.
+// Volume and gain apply to every sound. A saved device keeps them.
 struct AudioLevels {
   std::uint32_t volume = 0x99999999;  // of the wave output: left channel low, right channel high
   std::uint32_t gain = 50;            // of the codec
@@ -20,13 +20,13 @@ struct AudioLevels {
 
 struct Sound {
   std::string path;
-  std::shared_ptr<Event> stopped;  // set where it is cut short
+  std::shared_ptr<Event> stopped;  // set when the sound is stopped before its end
 };
 
 struct Audio {
   AudioLevels levels;
-  AudioLevels described;                  // with which device.toml lets the device begin
-  std::map<std::uint32_t, Sound> sounds;  // by the process that plays it: one each
+  AudioLevels described;                  // the levels in device.toml, at the start
+  std::map<std::uint32_t, Sound> sounds;  // by process: each plays one at most
 };
 
 }  // namespace sim

@@ -1,5 +1,4 @@
-// The [audio] of device.toml: the levels with which the device begins, and those that it had when
-// it was put away.
+// The [audio] of device.toml: the levels at the start, and those that the saved device had.
 #include "platform/sim/description_part.h"
 #include "platform/sim/hardware/hardware.h"
 

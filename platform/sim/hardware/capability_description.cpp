@@ -9,7 +9,7 @@
 namespace sim {
 namespace {
 
-// Of a key that may be missing.
+// The value of a key that may be missing.
 void ReadNumber(const Part& part, const toml::table& table, std::string_view key,
                 std::uint32_t& number) {
   const toml::node* node = table.get(key);

@@ -17,7 +17,7 @@ class ConfigurationDriver : public Driver {
       : Driver("CFG1:", DriverUsers::kOne), first_option_(boot_option) {}
 
   [[nodiscard]] std::uint8_t boot_option() const { return set_option_.value_or(first_option_); }
-  // What programs have set, if anything.
+  // The option that programs have set; nothing if they set none.
   [[nodiscard]] std::optional<std::uint8_t> set_option() const { return set_option_; }
   void set_boot_option(std::uint8_t option) { set_option_ = option; }
 

@@ -35,7 +35,7 @@ void ReadConfigurationDriver(const Part& part, const toml::node& node, Device& d
       std::make_shared<ConfigurationDriver>(static_cast<std::uint8_t>(option)));
 }
 
-// An option is forgotten with the driver that kept it.
+// The kept option is ignored where the author has removed the driver since.
 void ReadBootOptionState(const Part& part, const toml::node& node, Device& device) {
   constexpr std::string_view kExpected = "a number from 0 to 255: boot_option = 0";
   const std::int64_t option = part.As<toml::value<std::int64_t>>(node, kExpected).get();

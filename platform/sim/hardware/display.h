@@ -16,9 +16,9 @@ struct Rotation {
 inline constexpr std::array<Rotation, 4> kRotations{{{0, 0}, {90, 1}, {180, 2}, {270, 4}}};
 
 struct Display {
-  std::uint32_t first_orientation = 0;     // the code of how it starts; any, also one of nothing
-  std::optional<std::uint32_t> turned_to;  // the code that programs have set since
-  std::vector<std::uint32_t> orientations{0, 1, 2, 4};  // those that the driver turns to
+  std::uint32_t first_orientation = 0;     // the orientation code at the start; any number
+  std::optional<std::uint32_t> turned_to;  // the orientation code that programs have set
+  std::vector<std::uint32_t> orientations{0, 1, 2, 4};  // the codes that the driver accepts
 
   [[nodiscard]] std::uint32_t orientation() const { return turned_to.value_or(first_orientation); }
 };

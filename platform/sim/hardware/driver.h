@@ -16,13 +16,13 @@ namespace sim {
 struct DriverRequest {
   std::uint32_t code;
   std::span<const std::uint8_t> in;
-  std::uint32_t in_bytes;  // as the caller stated it
+  std::uint32_t in_bytes;  // the size that the caller gave
   std::span<std::uint8_t> out;
-  std::uint32_t returned = 0;          // how many bytes of `out` the caller is told
-  std::vector<std::string> changes{};  // what changed in the hardware, for the journal
+  std::uint32_t returned = 0;          // the byte count for the caller
+  std::vector<std::string> changes{};  // the changes in the hardware, for the journal
 };
 
-// How many may have a driver open at a time.
+// How many programs may have a driver open at a time.
 enum class DriverUsers : std::uint8_t { kMany, kOne };
 
 class Driver {
@@ -32,31 +32,31 @@ class Driver {
   virtual ~Driver() = default;
   Driver& operator=(const Driver&) = delete;
 
-  // A driver in the same state that nobody has open.
+  // A copy of the driver in the same state, which nobody has open.
   [[nodiscard]] virtual std::shared_ptr<Driver> Clone() const = 0;
 
   [[nodiscard]] const std::string& name() const { return name_; }
   [[nodiscard]] DriverUsers users() const { return users_; }
-  // The name of a control code, for the journal; empty for one that the driver does not know, which
-  // is then refused and recorded as misuse.
+  // The name of a control code, for the journal. Empty for a code that the driver does not know;
+  // the code is then refused and recorded as misuse.
   [[nodiscard]] virtual std::string_view CodeName(std::uint32_t code) const = 0;
-  // Whether a code takes a number in place of the input's size, and no input.
+  // Whether the code takes a number in the argument for the input's size, and no input.
   [[nodiscard]] virtual bool TakesValueInSize(std::uint32_t /*code*/) const { return false; }
   // The request as the journal shows it.
   [[nodiscard]] virtual std::string Describe(const DriverRequest& request) const {
     return std::string(CodeName(request.code));
   }
-  // For a program that opens the driver: false while its one user has it. Each open that succeeds
-  // has its close.
+  // Opens the driver for a program. False while its single user has it open. Each open that
+  // succeeds is followed by a close.
   [[nodiscard]] bool Open() {
     if (users_ == DriverUsers::kOne && is_open_) return false;
     is_open_ = true;
     return true;
   }
   void Close() { is_open_ = false; }
-  // Does what the code says. 0, or the system error with which the call fails.
+  // Executes the control code. Returns 0, or the system error with which the call fails.
   virtual std::uint32_t Control(DriverRequest& request) = 0;
-  // The device restarts: what does not outlive that is as after power-up.
+  // The device restarts: the driver returns to its state after power-up.
   virtual void Restart() {}
 
  protected:
@@ -65,7 +65,7 @@ class Driver {
  private:
   std::string name_;
   DriverUsers users_;
-  bool is_open_ = false;  // of one with many users: means nothing
+  bool is_open_ = false;  // unused for a driver with many users
 };
 
 }  // namespace sim

@@ -1,5 +1,5 @@
-// What the device is made of, apart from its kernel: read by the platform's calls, set by tests and
-// by device.toml.
+// The parts of the device without its kernel. Tests and device.toml set them, and the platform's
+// calls read them.
 #ifndef PLATFORM_SIM_HARDWARE_HARDWARE_H_
 #define PLATFORM_SIM_HARDWARE_HARDWARE_H_
 
@@ -21,12 +21,12 @@
 namespace sim {
 
 struct Hardware {
-  // Non-volatile parameters by id; one that is absent cannot be read.
+  // Non-volatile parameters by id. A parameter that is not here cannot be read.
   std::map<std::uint16_t, QueryAnswer> parameters;
   SystemInformation system;
   std::vector<NetworkAdapter> adapters;
   std::vector<NetworkInterface> interfaces;
-  std::optional<BluetoothMode> bluetooth;  // nothing: there is no radio
+  std::optional<BluetoothMode> bluetooth;  // nothing: the device has no radio
   Display display;
   std::vector<std::shared_ptr<Driver>> drivers;
   Audio audio;

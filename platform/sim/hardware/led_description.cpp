@@ -1,5 +1,4 @@
-// What device.toml says of the LEDs and of the vibrator: [leds], [vibrator], and what is kept of
-// them.
+// The LEDs and the vibrator in device.toml: [leds], [vibrator], and the state of the LEDs.
 #include <charconv>
 #include <optional>
 
@@ -29,7 +28,7 @@ LedState ReadLedState(const Part& part, const toml::node& node) {
   return *state;
 }
 
-// Of a key that may be missing.
+// The value of a key that may be missing.
 void ReadNumber(const Part& part, const toml::table& table, std::string_view key,
                 std::uint32_t most, std::uint32_t& number) {
   const toml::node* node = table.get(key);
@@ -63,7 +62,7 @@ void ReadVibrator(const Part& part, const toml::node& node, Device& device) {
   leds.vibrator = vibrator;
 }
 
-// An LED that the author has taken out since is forgotten.
+// The state of an LED that the author has removed since is ignored.
 void ReadLedsState(const Part& part, const toml::node& node, Device& device) {
   constexpr std::string_view kExpected = R"(a table: leds = { 3 = "on" })";
   for (const auto& [key, state] : part.As<toml::table>(node, kExpected)) {

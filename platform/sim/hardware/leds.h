@@ -9,10 +9,10 @@
 
 namespace sim {
 
-// The numbers are those of the driver's requests.
+// The numbers are the platform's, as in a request to the driver.
 enum class LedState : std::uint8_t { kOff = 0, kOn = 1, kBlink = 2 };
 
-// The word that stands for a state in device.toml, and back.
+// The word for a state in device.toml, and back.
 [[nodiscard]] std::string_view LedStateName(LedState state);
 [[nodiscard]] std::optional<LedState> LedStateFromName(std::string_view name);
 
@@ -22,28 +22,28 @@ struct Led {
 };
 
 struct Vibrator {
-  std::uint32_t number = 1;  // of the supports record that shows it
+  std::uint32_t number = 1;  // the LED number under which a query shows the vibrator
   std::uint32_t length_ms = 200;
 };
 
-// A driver refuses what changes nothing, and LEDs that it does not have.
+// The driver refuses a request that changes nothing, and one for an LED that it does not have.
 class Leds {
  public:
-  // The preset that a number stands for: -899 .. -891 are 1 to 9.
+  // The vibration preset of an LED number: 1 to 9 for -899 to -891.
   [[nodiscard]] static std::optional<int> PresetOf(std::int32_t number);
 
   void Clear() { leds_.clear(); }
   void Add(std::uint32_t number, LedState state) { leds_[number] = {state, state}; }
   [[nodiscard]] const std::map<std::uint32_t, Led>& all() const { return leds_; }
-  // Nothing where there is no such LED.
+  // The state of an LED; nothing where there is no such LED.
   [[nodiscard]] std::optional<LedState> State(std::uint32_t number) const;
-  // Whether that changed an LED.
+  // Sets the state of an LED. True if that changed it.
   bool Set(std::uint32_t number, LedState state);
 
   std::optional<Vibrator> vibrator{};
 
  private:
-  // The notification LED, the good-read LED and the system light, where nothing else is said.
+  // At first: the notification LED, the good-read LED and the system light.
   std::map<std::uint32_t, Led> leds_{{0, {}}, {3, {}}, {6, {}}};
 };
 

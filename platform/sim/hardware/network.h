@@ -1,4 +1,4 @@
-// Network adapters, and the interfaces that they make.
+// The network adapters and the table of network interfaces.
 #ifndef PLATFORM_SIM_HARDWARE_NETWORK_H_
 #define PLATFORM_SIM_HARDWARE_NETWORK_H_
 
@@ -17,7 +17,7 @@ struct NetworkAdapter {
 struct NetworkInterface {
   std::string description{};  // at most 256 bytes
   std::uint32_t type = 6;
-  std::uint32_t index = 0;  // under which its entry is asked for
+  std::uint32_t index = 0;  // the index that a query for this entry gives
 };
 
 }  // namespace sim

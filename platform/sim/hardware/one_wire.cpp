@@ -21,7 +21,7 @@ constexpr std::array kCodes{
     CodeRow{OneWireBus::kReadMemory, "read memory"},
 };
 
-constexpr std::uint8_t kIdleBus = 0xFF;  // what is read where no device answers
+constexpr std::uint8_t kIdleBus = 0xFF;  // the byte that is read where no device answers
 
 }  // namespace
 

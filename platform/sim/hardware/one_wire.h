@@ -17,10 +17,10 @@ struct OneWireDevice {
   std::vector<std::uint8_t> memory;
 };
 
-// What goes wrong with calls of one code.
+// A failure of the calls with one control code.
 struct OneWireFailure {
   std::uint32_t code;
-  unsigned nth = 0;          // the call of this code that it befalls, from 1; 0: every call
+  unsigned nth = 0;          // which call with this code fails, from 1; 0: every call
   std::uint32_t error = 0;   // the system error with which the call fails, or
   std::uint32_t status = 0;  // the driver's status in a call that succeeds
 };
@@ -40,9 +40,9 @@ class OneWireBus : public Driver {
   explicit OneWireBus(std::vector<OneWireDevice> devices = {})
       : Driver("WIR1:"), devices_(std::move(devices)) {}
 
-  // Counted from here. Of several for one call the first holds.
+  // Calls are counted from here. If two failures fit a call, the first is used.
   void Plan(OneWireFailure failure) { failures_.push_back({failure, 0}); }
-  // A number that the driver gives in place of that of its devices.
+  // The number of devices that the driver gives instead of the true one.
   void set_reported_count(std::uint32_t count) { reported_count_ = count; }
 
   [[nodiscard]] std::shared_ptr<Driver> Clone() const override {

@@ -1,4 +1,4 @@
-// The [one_wire] of device.toml: a bus, its memory devices, and what goes wrong on it.
+// The [one_wire] of device.toml: a bus, its memory devices, and its failures.
 #include <algorithm>
 #include <array>
 #include <charconv>

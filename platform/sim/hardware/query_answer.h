@@ -1,4 +1,4 @@
-// What the device answers to a query.
+// The device's answers to queries.
 #ifndef PLATFORM_SIM_HARDWARE_QUERY_ANSWER_H_
 #define PLATFORM_SIM_HARDWARE_QUERY_ANSWER_H_
 
@@ -15,11 +15,12 @@ inline constexpr std::uint32_t kErrorNotSupported = 50;
 struct QueryAnswer {
   std::vector<std::uint8_t> bytes{};
   std::uint32_t error = 0;
-  // The count that the caller is told where it is not that of the bytes: for answers that lie.
+  // The byte count for the caller, if it is not the true one: for a driver that gives wrong
+  // answers.
   std::optional<std::uint32_t> returned{};
 };
 
-// What a device without that thing answers.
+// The answer of a device that does not know the query.
 [[nodiscard]] inline QueryAnswer NoAnswer() {
   return {{}, kErrorNotSupported, {}};
 }

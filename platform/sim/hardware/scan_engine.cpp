@@ -54,7 +54,7 @@ const CodeRow* FindCode(std::uint32_t code) {
   return row == kCodes.end() ? nullptr : row;
 }
 
-// Nothing where the request is no 0 or 1 of 32 bits.
+// The 0 or 1 that a request holds in 32 bits; nothing for any other request.
 std::optional<std::uint32_t> ValueOf(const DriverRequest& request) {
   constexpr std::array<std::uint8_t, 4> kNumbers[] = {{0, 0, 0, 0}, {1, 0, 0, 0}};
   for (std::uint32_t number = 0; number < std::size(kNumbers); ++number) {

@@ -19,7 +19,8 @@ struct ScanEngineState {
   bool operator==(const ScanEngineState&) const = default;
 };
 
-// Every control takes 32 bits, 0 or 1, and gives nothing back. The driver has one user at a time.
+// Every control code takes 0 or 1 in 32 bits and gives no answer. The driver has one user at a
+// time.
 class ScanDriver : public Driver {
  public:
   static constexpr std::uint32_t kSetDownload = 0x22003C;
@@ -32,7 +33,7 @@ class ScanDriver : public Driver {
       : Driver("SCD1:", DriverUsers::kOne), state_(state) {}
 
   [[nodiscard]] const ScanEngineState& state() const { return state_; }
-  // Whether the engine is no longer as it was made.
+  // Whether the engine has changed since the device was made.
   [[nodiscard]] bool has_changed() const { return has_changed_; }
   void ChangeTo(const ScanEngineState& state);
 
@@ -48,7 +49,7 @@ class ScanDriver : public Driver {
   bool has_changed_ = false;
 };
 
-// The device's, or nullptr.
+// The scan engine of a device, or nullptr.
 [[nodiscard]] ScanDriver* FindScanDriver(const Hardware& hardware);
 
 }  // namespace sim

@@ -1,4 +1,4 @@
-// The [scanner] of device.toml: a scan engine and how it is found, and what is kept of it.
+// The [scanner] of device.toml: a scan engine, its state at the start, and its kept state.
 #include <array>
 #include <memory>
 
@@ -43,7 +43,7 @@ void ReadScanner(const Part& part, const toml::node& node, Device& device) {
   device.hardware().drivers.push_back(std::make_shared<ScanDriver>(ReadEngineState(part, node)));
 }
 
-// What is kept of an engine that its author took away since is of no use.
+// The kept state of an engine that the author has removed since is ignored.
 void ReadScannerState(const Part& part, const toml::node& node, Device& device) {
   const ScanEngineState state = ReadEngineState(part, node);
   ScanDriver* scanner = FindScanDriver(device.hardware());

@@ -1,4 +1,4 @@
-// What the operating system tells of the device and of itself.
+// What the operating system tells about itself and the device.
 #ifndef PLATFORM_SIM_HARDWARE_SYSTEM_H_
 #define PLATFORM_SIM_HARDWARE_SYSTEM_H_
 
@@ -14,7 +14,7 @@ struct OsVersion {
   std::uint32_t minor = 2;
   std::uint32_t build = 19202;
   std::uint32_t platform = 3;  // Windows CE
-  std::uint32_t error = 0;     // with which the query fails
+  std::uint32_t error = 0;     // not 0: the query fails with it
 };
 
 struct SystemInformation {
@@ -26,7 +26,7 @@ struct SystemInformation {
 };
 
 [[nodiscard]] QueryAnswer FirmwareInformation(std::string_view version);
-// A record without preset id; the platform id is this text behind a header of eight bytes.
+// A record without a preset id. Its platform id is this text, behind a header of eight bytes.
 [[nodiscard]] QueryAnswer DeviceIdRecord(std::string_view text);
 
 }  // namespace sim

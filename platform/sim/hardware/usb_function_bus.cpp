@@ -25,7 +25,7 @@ constexpr std::array kCodes{
     CodeRow{UsbFunctionBus::kSetCurrentClient, "set current client"},
 };
 
-// The name that a request brings; nothing where it does not bring 256 bytes with a terminator.
+// The name in a request; nothing where the request is not 256 bytes with a terminator.
 std::optional<std::string> NameOf(const DriverRequest& request) {
   std::array<char16_t, kNameUnits> units{};
   if (request.in.size() != sizeof(units)) return std::nullopt;

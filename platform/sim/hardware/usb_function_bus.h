@@ -1,4 +1,4 @@
-// The USB function bus "$bus\\OTG_0_2_0": what the device is to a USB host.
+// The USB function bus "$bus\\OTG_0_2_0". It decides what the device is for a USB host.
 #ifndef PLATFORM_SIM_HARDWARE_USB_FUNCTION_BUS_H_
 #define PLATFORM_SIM_HARDWARE_USB_FUNCTION_BUS_H_
 
@@ -14,13 +14,13 @@ namespace sim {
 
 struct UsbFunctionClient {
   std::string name;         // at most 127 characters
-  std::uint32_t error = 0;  // with which it refuses to become the current one
+  std::uint32_t error = 0;  // not 0: it refuses with it to become the current one
 };
 
-// A client is chosen in two steps: it becomes the default, which the bus takes up at a restart, and
-// then the current one. Both take its name in 256 bytes. The current client is told in a record of
-// 756 bytes: its name in 128 units and a description in 250. Names are compared without regard to
-// case.
+// A client is chosen in two steps. First it becomes the default client, which is current after a
+// restart, then the current one. Both requests hold its name in 256 bytes. The answer with the
+// current client has 756 bytes: its name in 128 units and a description in 250. Names are compared
+// without regard to case.
 class UsbFunctionBus : public Driver {
  public:
   static constexpr std::uint32_t kGetCurrentClient = 0x0022000C;
@@ -28,7 +28,7 @@ class UsbFunctionBus : public Driver {
   static constexpr std::uint32_t kSetCurrentClient = 0x00220010;
   static constexpr std::uint32_t kNoSuchClient = 1168;  // ERROR_NOT_FOUND
 
-  // The default client is the current one at first; empty: there is none.
+  // At first the default client is the current one. Empty: there is none.
   explicit UsbFunctionBus(std::vector<UsbFunctionClient> clients = {},
                           std::string default_client = {});
 
@@ -38,10 +38,10 @@ class UsbFunctionBus : public Driver {
   [[nodiscard]] bool Has(std::string_view client) const { return Find(client) != nullptr; }
   void set_default_client(std::string client) { default_ = std::move(client); }
   void set_current_client(std::string client) { current_ = std::move(client); }
-  // What the record begins with in place of a client's name and a terminator: at most 378 units.
+  // The text at the beginning of the answer, instead of the client's name: at most 378 units.
   void set_told_name(std::u16string name) { told_name_ = std::move(name); }
 
-  // As its author describes it; what has changed since is the simulator's to keep.
+  // The clients as the author describes them. The simulator keeps what has changed since.
   [[nodiscard]] bool HasChanged() const;
 
   [[nodiscard]] std::shared_ptr<Driver> Clone() const override {

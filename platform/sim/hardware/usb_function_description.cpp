@@ -73,7 +73,7 @@ void ReadUsbFunction(const Part& part, const toml::node& node, Device& device) {
       std::make_shared<UsbFunctionBus>(std::move(clients), std::move(chosen)));
 }
 
-// A bus or client that the author has taken out since is forgotten.
+// The kept state of a bus or client that the author has removed since is ignored.
 void ReadUsbFunctionState(const Part& part, const toml::node& node, Device& device) {
   const auto& table =
       part.As<toml::table>(node, "a table: { default = \"...\", current = \"...\" }");

@@ -15,7 +15,7 @@ constexpr std::uint32_t kMostSamplesPerSecond = 192000;
 
 using Bytes = std::span<const std::uint8_t>;
 
-// Little-endian, of as many bytes as there are.
+// The little-endian number that the bytes hold.
 std::uint32_t Number(Bytes bytes) {
   std::uint32_t number = 0;
   for (std::size_t at = bytes.size(); at > 0; --at) number = number << 8 | bytes[at - 1];

@@ -1,4 +1,4 @@
-// Wave files: what a sound driver has to know of one.
+// Wave files: what a sound driver needs to know about one.
 #ifndef PLATFORM_SIM_HARDWARE_WAVE_FILE_H_
 #define PLATFORM_SIM_HARDWARE_WAVE_FILE_H_
 
@@ -8,7 +8,7 @@
 
 namespace sim {
 
-// Uncompressed samples; they stay in the file's bytes.
+// Uncompressed samples. They refer to the file's bytes.
 struct WaveFile {
   std::uint16_t channels = 0;
   std::uint32_t samples_per_second = 0;
@@ -19,10 +19,10 @@ struct WaveFile {
   [[nodiscard]] std::uint32_t length_ms() const;
 };
 
-// nullopt where the bytes are no RIFF file of the form WAVE with the chunks "fmt " and, behind it,
-// "data"; where one of the chunks up to the data ends behind the file; where the samples are not
-// plain ones of 8 or 16 bits in one or two channels at 1000 to 192000 a second; and where the
-// format contradicts itself.
+// Reads a RIFF file of the form WAVE with a chunk "fmt " and a chunk "data" behind it. nullopt
+// where it is none, where a chunk up to the data ends behind the file, where the format contradicts
+// itself, and for any samples but plain ones of 8 or 16 bits in one or two channels, with 1000 to
+// 192000 samples a second.
 [[nodiscard]] std::optional<WaveFile> ReadWaveFile(std::span<const std::uint8_t> file);
 
 }  // namespace sim

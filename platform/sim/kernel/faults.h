@@ -1,4 +1,4 @@
-// Which platform calls were made, and which of them are to fail.
+// Counts the platform calls, and decides which of them fail.
 #ifndef PLATFORM_SIM_KERNEL_FAULTS_H_
 #define PLATFORM_SIM_KERNEL_FAULTS_H_
 
@@ -32,9 +32,9 @@ class Faults {
     faulted_.clear();
   }
 
-  // Counts a call; the fault that it shall have, or nullptr.
+  // Counts a call. Returns the fault that is planned for it, or nullptr.
   const Fault* Count(CallId id);
-  // Those that had one, in their order, since the plans were cleared.
+  // The calls that had a fault, in their order, since the plans were cleared.
   [[nodiscard]] const std::vector<CallId>& faulted() const { return faulted_; }
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
   [[nodiscard]] unsigned calls() const { return total_; }

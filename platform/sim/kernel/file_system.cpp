@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kMaximumUnits = 260;  // with the terminator
 
-// Takes the next name off a path; empty at its end.
+// Removes the first name from a path and returns it; empty at the end of the path.
 std::string_view TakeName(std::string_view& path) {
   path.remove_prefix(std::min(path.find_first_not_of('\\'), path.size()));
   const std::string_view name = path.substr(0, path.find('\\'));

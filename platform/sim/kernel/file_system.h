@@ -11,11 +11,12 @@
 namespace sim {
 
 struct FileNode {
-  std::string name;  // as it was made, UTF-8
+  std::string name;  // in its first spelling, UTF-8
   bool is_folder = false;
   std::vector<std::uint8_t> data;
   std::vector<std::shared_ptr<FileNode>> children;
-  // Open handles, for sharing: how many read, write, and let others do so.
+  // The open handles, for the sharing rules: how many read or write, and how many let others read
+  // or write.
   int readers = 0;
   int writers = 0;
   int openers = 0;
@@ -23,10 +24,10 @@ struct FileNode {
   int write_sharers = 0;
 };
 
-// Paths begin at the root and use backslashes ("\ConfigStore\dcecfg"); a leading backslash may be
-// missing, repeated ones are skipped, names are compared without regard to case. Nothing is made
-// with control characters or one of /:*?"<>| in its name, with the name "." or "..", or with a path
-// of more than 259 units.
+// Paths begin at the root and use backslashes ("\ConfigStore\dcecfg"). A leading backslash may be
+// missing, and repeated ones are skipped. Names are compared without regard to case. A name may not
+// hold control characters or one of /:*?"<>|, and may not be "." or "..". A path has at most 259
+// units.
 class FileSystem {
  public:
   FileSystem();
@@ -35,20 +36,21 @@ class FileSystem {
 
   [[nodiscard]] const std::shared_ptr<FileNode>& root() const { return root_; }
   [[nodiscard]] std::shared_ptr<FileNode> Find(std::string_view path) const;
-  // The file, made empty where it did not exist. nullptr: its folder is missing, it is a folder, or
-  // the path is refused.
+  // Finds the file, or makes an empty one. nullptr: its folder is missing, it is a folder, or the
+  // path is not allowed.
   std::shared_ptr<FileNode> CreateFile(std::string_view path);
-  // The folder with those above it. nullptr: a file stands in the way, or the path is refused.
+  // Finds or makes the folder and those above it. nullptr: a name in the path is that of a file, or
+  // the path is not allowed.
   std::shared_ptr<FileNode> CreateFolder(std::string_view path);
-  // A file, or a folder with all that is in it; false where there is neither, or only the root.
+  // Removes a file, or a folder with its content. False where there is neither, and for the root.
   bool Remove(std::string_view path);
 
-  // What tests and tools use: writes a file with its folders, or throws std::invalid_argument;
-  // reads one.
+  // For tests and tools. Write makes the folders too, and throws std::invalid_argument for a path
+  // that no file can have.
   void Write(std::string_view path, std::vector<std::uint8_t> data);
   void Write(std::string_view path, std::string_view text);
   [[nodiscard]] const std::vector<std::uint8_t>* Read(std::string_view path) const;
-  // Takes over all folders and files of another file system; nobody has them open.
+  // Copies all folders and files of another file system. Nobody may have a file open.
   void CopyFrom(const FileSystem& other);
 
  private:

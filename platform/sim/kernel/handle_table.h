@@ -1,4 +1,4 @@
-// Handles: numbers that are never given twice, so that a stale one is always noticed.
+// Handles. A number is never given twice, so that the use of a closed handle is always noticed.
 #ifndef PLATFORM_SIM_KERNEL_HANDLE_TABLE_H_
 #define PLATFORM_SIM_KERNEL_HANDLE_TABLE_H_
 
@@ -17,7 +17,7 @@ class HandleTable {
   std::uintptr_t Add(std::shared_ptr<Object> object, std::uint32_t process_id,
                      std::uint32_t thread_id);
 
-  // The object behind a handle of this process; where there is none, nullptr and what is wrong.
+  // The object behind a handle of this process. Where there is none: nullptr, and the reason.
   struct Found {
     std::shared_ptr<Object> object;
     std::string fault;
@@ -26,7 +26,8 @@ class HandleTable {
   void Close(std::uintptr_t handle) { entries_.erase(handle); }
 
   [[nodiscard]] unsigned Count(std::uint32_t process_id) const;
-  // Closes what a process still holds and says what it was, but for what these threads opened.
+  // Closes all handles of a process and lists them. Handles that `silent_threads` opened are closed
+  // but not listed.
   std::vector<std::string> CloseAll(std::uint32_t process_id,
                                     const std::vector<std::uint32_t>& silent_threads);
 

@@ -32,7 +32,7 @@ void ThreadBody(const std::shared_ptr<ThreadState>& thread, const std::function<
   kernel.scheduler.End(*thread->strand);
 }
 
-// Gives the turn to the others until a thread has ended; false where nothing can run any more.
+// Lets the other threads run until a thread has ended. False where no thread can run any more.
 bool AwaitThread(ThreadState& thread) {
   Kernel& kernel = thread.process.kernel;
   Scheduler::Lock lock(kernel.mutex);

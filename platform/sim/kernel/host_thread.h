@@ -9,12 +9,12 @@
 
 namespace sim {
 
-// Starts a thread that waits for its first turn. It is one of its process's threads and has a
-// strand of its own. Wants the device's lock held.
+// Starts the host's thread of one of a process's threads, which has a strand of its own. It waits
+// for its first turn. The caller must hold the device's lock.
 void StartHostThread(const std::shared_ptr<ThreadState>& thread, std::function<void()> body);
 
-// Lets the device run until the thread has ended; one that waits for ever is ended with its
-// process, as misuse. Only for the driver, without the lock.
+// Lets the device run until the thread has ended. A thread that waits for ever is ended with its
+// process, and that is misuse. Only the driver may call this, without the lock.
 void AwaitEnd(ThreadState& thread);
 
 }  // namespace sim

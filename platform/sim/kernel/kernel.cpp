@@ -47,7 +47,7 @@ Wake Kernel::Block(Scheduler::Lock& lock, ThreadState& thread, std::uint32_t tim
 
 namespace {
 
-// Stands in an object's queue while it lives, however it is left.
+// A place in the queue of an object, from construction to destruction.
 class QueuedWaiter {
  public:
   QueuedWaiter(Waitable& object, ThreadState& thread) : object_(object), waiter_{&thread} {
@@ -121,8 +121,8 @@ void Kernel::BeginKill(ProcessState& process) {
   Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
   StopSound(*process.main_thread);
   for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
-  // The main thread of a program is one of them. Any other stands on the driver's strand, which may
-  // wait for something else just now.
+  // The main thread of a program is one of these threads. Any other main thread runs on the
+  // driver's strand, which may wait for something else now.
   ThreadState& main = *process.main_thread;
   if (main.strand != &driver_strand) return;
   if (main.blocked) scheduler.WakeUp(*main.strand, Wake::kKilled);

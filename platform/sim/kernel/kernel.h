@@ -21,7 +21,7 @@
 
 namespace sim {
 
-// Everything here belongs to the lock, but for the driver before and between its calls.
+// `mutex` guards all members. The driver needs no lock while it is in no call.
 class Kernel {
  public:
   explicit Kernel(Concurrency concurrency);
@@ -57,29 +57,28 @@ class Kernel {
   void Log(const ThreadState* thread, Effect effect, std::string text, std::uint32_t category = 0);
   void Misuse(const ThreadState& thread, std::string_view text);
 
-  // Gives the turn up for a thread of a process. Throws ProcessKilled where the process ended
-  // meanwhile; a deadlock is recorded as misuse.
+  // Lets other threads run until this one is woken, or until the time has passed. Throws
+  // ProcessKilled where the process ended meanwhile. A deadlock is recorded as misuse.
   Wake Block(Scheduler::Lock& lock, ThreadState& thread, std::uint32_t timeout_ms);
   // Waits as the platform does. Throws ProcessKilled where the process ended meanwhile.
   std::uint32_t WaitFor(Scheduler::Lock& lock, ThreadState& thread,
                         const std::shared_ptr<Waitable>& object, std::uint32_t timeout_ms);
   // The end of a thread: its mutexes are abandoned, those that wait for it go on.
   void EndThread(ThreadState& thread);
-  // Cuts short what the thread's process plays.
+  // Stops the sound that the thread's process plays.
   void StopSound(const ThreadState& thread);
-  // Whether the platform has room for one more process. Those count that have not ended.
+  // Whether one more process may start: the platform has at most 32 at a time.
   [[nodiscard]] bool HasRoomForProcess() const;
-  // Marks a process as ended and wakes its threads, so that each leaves where it waits.
+  // Marks a process as killed and wakes its threads: each one ends where it waits.
   void BeginKill(ProcessState& process);
-  // Restarts the device under a thread, which must leave its process then as every other thread
-  // does.
+  // Restarts the device at the request of a thread. That thread must end then, as all others do.
   void Restart(const ThreadState& thread, RestartKind kind);
 
   [[nodiscard]] const Module* FindModule(std::string_view path) const;
   // The handle of a library by its path: the same in every process.
   std::uintptr_t ModuleHandle(std::string_view path);
-  // Ends what a process that ends still plays, and closes what it still holds; where that is wrong,
-  // says so.
+  // At the end of a process: stops its sound, closes its handles and frees its heap. What was still
+  // open is recorded where that is misuse.
   void CloseEverything(ProcessState& process, bool is_misuse);
 };
 

@@ -18,7 +18,7 @@
 namespace sim {
 namespace {
 
-// Unique on the host, whatever devices and test runs there are beside this one.
+// Unique on the host, also beside other devices and other test runs.
 std::filesystem::path CopyPath() {
   static std::atomic<unsigned> copies = 0;
   return std::filesystem::temp_directory_path() /
@@ -27,7 +27,7 @@ std::filesystem::path CopyPath() {
 
 }  // namespace
 
-// Copies that no process has just now, by the library's path.
+// Copies that no process uses now, by the library's path.
 class IdleCopies {
  public:
   std::unique_ptr<LoadedLibrary> TakeOrLoad(const std::filesystem::path& library) {
@@ -71,7 +71,7 @@ struct Search {
   AddressRange writable;
 };
 
-// The part of a library's data that stays writable once it is relocated.
+// The part of a library's data that is still writable after relocation.
 int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   auto& search = *static_cast<Search*>(argument);
   if (search.path != info->dlpi_name) return 0;
@@ -90,8 +90,8 @@ int FindWritable(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   return 1;
 }
 
-// Word by word and volatile: the address sanitizer's zones between the statics are copied too,
-// which it would take for overruns.
+// Copies volatile words, without the address sanitizer: its red zones between the statics are
+// copied too, and it would report them as overruns.
 [[gnu::no_sanitize_address]] void CopyWords(const volatile std::uint64_t* from, std::size_t count,
                                             volatile std::uint64_t* to) {
   for (const volatile std::uint64_t* const end = from + count; from != end;) *to++ = *from++;
@@ -129,7 +129,7 @@ bool LoadedLibrary::Contains(const void* address) const {
 void LoadedLibrary::KeepWritableData() {
   Search search{path_.native(), {}};
   dl_iterate_phdr(&FindWritable, &search);
-  // Its last page goes on behind the last word.
+  // The last word may reach beyond the data. The page reaches further.
   writable_ = reinterpret_cast<std::uint64_t*>(search.writable.begin);
   at_first_.resize((search.writable.end - search.writable.begin + 7) / sizeof(std::uint64_t));
   CopyWords(writable_, at_first_.size(), at_first_.data());

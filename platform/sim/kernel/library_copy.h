@@ -1,4 +1,4 @@
-// The library as one process has it loaded.
+// The copy of the library that one process has loaded.
 #ifndef PLATFORM_SIM_KERNEL_LIBRARY_COPY_H_
 #define PLATFORM_SIM_KERNEL_LIBRARY_COPY_H_
 
@@ -9,7 +9,7 @@
 
 namespace sim {
 
-// A file of its own, loaded on its own, with what the library's writable data held at first.
+// A copy of the library's file, loaded on its own, and the first content of its writable data.
 class LoadedLibrary {
  public:
   explicit LoadedLibrary(const std::filesystem::path& library);
@@ -19,7 +19,7 @@ class LoadedLibrary {
 
   [[nodiscard]] void* Symbol(const char* name) const;
   [[nodiscard]] bool Contains(const void* address) const;
-  // Makes it as if it had been loaded just now.
+  // Gives the writable data its first content again.
   void Reset();
 
  private:
@@ -29,15 +29,15 @@ class LoadedLibrary {
   void* module_;
   std::uint64_t* writable_ = nullptr;
   std::vector<std::uint64_t> at_first_;
-  // What a build for coverage counts goes on from process to process.
+  // The counters of a build for coverage, which a reset leaves as they are.
   std::uint64_t* counters_ = nullptr;
   std::vector<std::uint64_t> counted_;
 };
 
 class IdleCopies;
 
-// Every process has its own statics of the library. Loading takes long, so that processes after one
-// another use the same copy, reset when the next one takes it.
+// Every process has its own statics of the library. Loading takes long, so a process that ends
+// leaves its copy to a later one, which resets it.
 class LibraryCopy {
  public:
   explicit LibraryCopy(const std::filesystem::path& library);
@@ -50,7 +50,7 @@ class LibraryCopy {
 
  private:
   std::filesystem::path library_;
-  std::shared_ptr<IdleCopies> idle_;  // lasts as long as the last process, whatever ends first
+  std::shared_ptr<IdleCopies> idle_;  // the last process keeps it alive, also at the host's exit
   std::unique_ptr<LoadedLibrary> loaded_;
 };
 

@@ -67,7 +67,8 @@ bool FileObject::MayOpen(const FileNode& node, bool read, bool write, bool share
 void Waitable::ServeWaiters(Scheduler& scheduler) {
   while (!waiters.empty()) {
     Waiter* waiter = waiters.front();
-    // One whose time is up, or whose process was ended, only has not had its turn yet to leave.
+    // A waiter whose time is up, or whose process has ended, gets nothing. It leaves at its next
+    // turn.
     const bool leaves = waiter->thread->strand->state != Strand::State::kWaiting ||
                         (waiter->thread->MustLeave() && !waiter->is_driver);
     if (!leaves) {

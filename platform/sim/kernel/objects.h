@@ -1,4 +1,4 @@
-// What handles stand for.
+// The objects behind handles.
 #ifndef PLATFORM_SIM_KERNEL_OBJECTS_H_
 #define PLATFORM_SIM_KERNEL_OBJECTS_H_
 
@@ -57,7 +57,7 @@ struct KeyObject : Object {
   const std::shared_ptr<RegistryKey> key;
 };
 
-// An open file; while it lives, its sharing mode holds against other opens.
+// An open file. Its sharing mode applies to other opens until it is closed.
 class FileObject : public Object {
  public:
   static constexpr ObjectKind kKind = ObjectKind::kFile;
@@ -65,7 +65,7 @@ class FileObject : public Object {
              bool may_write, bool share_read, bool share_write);
   ~FileObject() override;
 
-  // Whether an open with these wishes may stand beside those that there are.
+  // Whether the sharing rules allow such an open beside the present ones.
   [[nodiscard]] static bool MayOpen(const FileNode& node, bool read, bool write, bool share_read,
                                     bool share_write);
 
@@ -80,7 +80,7 @@ class FileObject : public Object {
   bool shares_write_;
 };
 
-// A driver that let itself be opened.
+// An open driver.
 struct DriverObject : Object {
   static constexpr ObjectKind kKind = ObjectKind::kDriver;
   explicit DriverObject(std::shared_ptr<Driver> opened)
@@ -91,17 +91,17 @@ struct DriverObject : Object {
 
 struct Waiter {
   ThreadState* thread;
-  bool is_driver = false;  // it waits outside of the process, and so outlives it
+  bool is_driver = false;  // it waits outside of the process, and the end of that does not stop it
   std::uint32_t result = 0;
 };
 
-// An object that threads wait for. It is handed to them in the order in which they came.
+// An object that threads can wait for. They get it in the order in which they began to wait.
 class Waitable : public Object {
  public:
   using Object::Object;
-  // The wait's result where the object can be had at once; it is then the thread's.
+  // Gives the object to the thread if it is free now, and returns the result of the wait.
   virtual std::optional<std::uint32_t> TryTake(ThreadState& thread) = 0;
-  // Hands the object to those that wait, as far as it goes.
+  // Gives the object to the waiting threads, until it is no longer free.
   void ServeWaiters(Scheduler& scheduler);
 
   std::deque<Waiter*> waiters;

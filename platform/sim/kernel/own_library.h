@@ -1,4 +1,4 @@
-// The library that a process was made with, as one of the modules that it has loaded.
+// The library under test, as one of the libraries that a process has loaded.
 #ifndef PLATFORM_SIM_KERNEL_OWN_LIBRARY_H_
 #define PLATFORM_SIM_KERNEL_OWN_LIBRARY_H_
 
@@ -6,12 +6,12 @@
 
 namespace sim {
 
-// Runs the library's entry as the thread that calls, without the lock.
+// Runs the library's entry point as the calling thread. The caller must not hold the lock.
 void CallEntry(ProcessState& process, std::uint32_t reason);
 
-// What its last free does: the entry runs for the detach and the exports are gone. The copy itself
-// stays mapped to the end of the process, so that a thread that still runs in it is recorded as
-// misuse and does no harm to the host. Wants the lock held and gives it up meanwhile.
+// The last free of the library: its entry point runs for the detach, and the exports are gone. The
+// copy itself stays mapped until the process ends: a thread that still runs in it is recorded as
+// misuse but does not crash the host. The caller must hold the lock, which is released meanwhile.
 void UnloadOwnLibrary(Scheduler::Lock& lock, ProcessState& process);
 
 }  // namespace sim

@@ -1,4 +1,4 @@
-// Processes and their threads, as the driver of a device makes and ends them.
+// The processes and threads that the driver of a device makes and ends.
 #include <fmt/format.h>
 
 #include <stdexcept>
@@ -31,7 +31,7 @@ void RequireDriver(const Kernel& kernel) {
   }
 }
 
-// A process that ends takes its other threads with it, wherever they are.
+// When a process ends, its other threads end too, whatever they do.
 void EndThreads(ProcessState& process) {
   Kernel& kernel = process.kernel;
   {
@@ -48,7 +48,7 @@ void EndThreads(ProcessState& process) {
   process.threads.clear();
 }
 
-// Stands for a call into the library while it lives.
+// A call into the library, from construction to destruction.
 class LibraryCall {
  public:
   explicit LibraryCall(ThreadState& thread) : thread_(thread) { ++thread_.calls_in_library; }
@@ -60,7 +60,7 @@ class LibraryCall {
   ThreadState& thread_;
 };
 
-// Whether the library is still loaded, which the process may have freed.
+// Whether the library is still loaded: the process may have freed it.
 bool HasLibrary(ProcessState& process) {
   const Scheduler::Lock lock(process.kernel.mutex);
   return process.alive && process.modules.contains(process.library_path);

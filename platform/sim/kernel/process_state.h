@@ -24,7 +24,7 @@ namespace sim {
 class Kernel;
 class ProcessState;
 
-// Thrown by a platform call that ends the thread: it ends as if it had returned.
+// Thrown by a platform call that ends the thread. The thread ends as if its function had returned.
 struct ThreadExit {};
 
 class ThreadState {
@@ -32,9 +32,9 @@ class ThreadState {
   ThreadState(ProcessState& of, std::uint32_t number, Strand& runs_on)
       : process(of), id(number), strand(&runs_on) {}
 
-  // Whether it must go no further: its process was killed, or ends and this is not its main thread.
+  // Whether it must stop: its process was killed, or ends and this is not the main thread.
   [[nodiscard]] bool MustLeave() const;
-  // Whether it is somewhere in the library's code, or will return there.
+  // Whether it runs in the library's code, or will return there.
   [[nodiscard]] bool RunsInLibrary() const {
     return calls_in_library > 0 && !left_library && !object->ended;
   }
@@ -43,13 +43,13 @@ class ThreadState {
   const std::uint32_t id;
   Strand* strand;  // its own, or the driver's
   std::uint32_t last_error = 0;
-  bool blocked = false;  // it gave its turn up in a platform call
+  bool blocked = false;  // it waits in a platform call
   std::vector<Mutex*> owned;
-  std::atomic<unsigned> calls_in_library = 0;  // how many it has not returned from
-  bool left_library = false;                   // it never will
+  std::atomic<unsigned> calls_in_library = 0;  // those that have not returned
+  bool left_library = false;                   // it will never return there
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
-  // Of a thread that is not the driver:
+  // Only for a thread that has a thread of the host:
   Strand own_strand;
   std::thread host;
   std::exception_ptr failure;
@@ -61,36 +61,37 @@ class ProcessState {
   // `program`: the path of its file, or only its name.
   ProcessState(Kernel& of, std::uint32_t number, std::string_view program);
 
-  // One more thread, to be started. Wants the lock held.
+  // Adds a thread, which the caller must start. The caller must hold the lock.
   [[nodiscard]] std::shared_ptr<ThreadState> AddThread();
 
   Kernel& kernel;
   const std::uint32_t id;
   const std::string path;
   const std::string name;
-  const std::string library_path;  // where the library lies that it was made with
+  const std::string library_path;  // of the library under test
   bool alive = true;               // false once it ends: no new call may begin
   bool exiting = false;            // all but its main thread leave at their next platform call
   bool killed = false;             // all of them do
   std::unique_ptr<LibraryCopy> library;
   Exports exports;
   std::shared_ptr<ThreadState> main_thread;
-  // Those that have a thread of the host: all but the driver.
+  // All threads that have a thread of the host: the driver has none.
   std::vector<std::shared_ptr<ThreadState>> threads;
-  // Those that its end met in the middle of something: what they held is the platform's to close.
+  // Threads that were stopped by the end of the process. Their open handles are no misuse.
   std::vector<std::uint32_t> cut_off;
-  std::map<std::string, unsigned, std::less<>> modules;  // loaded ones by path, with their counts
-  unsigned handles_at_start = 0;  // those that the library took when it attached
+  // The loaded libraries by path, with the number of loads.
+  std::map<std::string, unsigned, std::less<>> modules;
+  unsigned handles_at_start = 0;  // those that the library opened when it attached
   std::unordered_map<void*, std::size_t> heap;
-  // Of a process that a program started:
+  // Only for a process that a program runs in:
   const std::shared_ptr<ProcessObject> object = std::make_shared<ProcessObject>();
   std::uint32_t exit_code = 0;
 };
 
-// The thread of the device that the host's thread runs as just now, or nullptr.
+// The thread of the device for which the calling thread of the host runs now, or nullptr.
 [[nodiscard]] ThreadState* CurrentThread();
 
-// Runs the host's thread as a thread of the device while it lives.
+// Lets the host's thread run as a thread of the device, from construction to destruction.
 class ThreadScope {
  public:
   explicit ThreadScope(ThreadState* thread);

@@ -8,7 +8,7 @@
 namespace sim {
 namespace {
 
-// Lets go of those that have ended. Their threads no longer want the lock.
+// Removes the processes that have ended. Their threads no longer need the lock.
 void Reap(Kernel& kernel) {
   std::erase_if(kernel.program_processes, [](const std::shared_ptr<ProcessState>& process) {
     if (process->main_thread->strand->state != Strand::State::kEnded) return false;
@@ -17,7 +17,7 @@ void Reap(Kernel& kernel) {
   });
 }
 
-// A program of a test may throw what it likes: it ends there and the test is told.
+// A program of a test may throw anything. The program then ends, and the exception is misuse.
 void ReportFailure(ProcessState& process) {
   const std::exception_ptr failure = std::exchange(process.main_thread->failure, nullptr);
   if (failure == nullptr) return;

@@ -10,15 +10,16 @@
 
 namespace sim {
 
-// A process without the library; its one thread waits for its first turn. Wants the lock held.
+// Makes a process without the library. Its only thread waits for its first turn. The caller must
+// hold the lock.
 std::shared_ptr<ProcessState> StartProgram(Kernel& kernel, const Program& program,
                                            const std::string& command_line);
 
-// The end of such a process, however it came about: those that wait for it go on. Wants the lock
-// held.
+// Called at the end of such a process, also when it was killed: threads that wait for it go on. The
+// caller must hold the lock.
 void FinishProgram(ProcessState& process);
 
-// Kills those that still run. For the driver, at the end of the device.
+// Kills the programs that still run. The driver calls this at the end of the device.
 void EndPrograms(Kernel& kernel);
 
 }  // namespace sim

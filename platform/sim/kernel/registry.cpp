@@ -21,7 +21,7 @@ constexpr std::array<RootRow, 4> kRoots{{
     {u"HKEY_USERS", u"HKU"},
 }};
 
-// Takes the next name off a path; empty at its end.
+// Removes the first name from a path and returns it; empty at the end of the path.
 std::u16string_view TakeName(std::u16string_view& path) {
   path.remove_prefix(std::min(path.find_first_not_of(u'\\'), path.size()));
   const std::u16string_view name = path.substr(0, path.find(u'\\'));
@@ -29,7 +29,7 @@ std::u16string_view TakeName(std::u16string_view& path) {
   return name;
 }
 
-// Whether keys may have the names of a path, below a key that lies so deep.
+// Whether there can be keys with the names of a path, below a key at this depth.
 bool IsAllowedBelow(unsigned depth, std::u16string_view path) {
   for (auto name = TakeName(path); !name.empty(); name = TakeName(path)) {
     if (++depth > Registry::kMaximumDepth || name.size() > Registry::kMaximumNameUnits) {

@@ -1,4 +1,4 @@
-// The registry of the simulated device: a tree of keys, no locks, no handles.
+// The registry of the simulated device: a tree of keys. It has no locks; handles stand elsewhere.
 #ifndef PLATFORM_SIM_KERNEL_REGISTRY_H_
 #define PLATFORM_SIM_KERNEL_REGISTRY_H_
 
@@ -22,13 +22,13 @@ struct RegistryValue {
 // The data of a REG_DWORD, and of a REG_SZ with its terminator.
 [[nodiscard]] std::vector<std::uint8_t> DwordData(std::uint32_t number);
 [[nodiscard]] std::vector<std::uint8_t> StringData(std::u16string_view text);
-// The number of a REG_DWORD value of four bytes, else nothing.
+// The number of a REG_DWORD value of four bytes; nothing for any other value.
 [[nodiscard]] std::optional<std::uint32_t> DwordOf(const RegistryValue& value);
-// The UTF-16 units of some data, terminators and all; an odd last byte is left out.
+// The UTF-16 units of the data, with all terminators. An odd last byte is left out.
 [[nodiscard]] std::u16string UnitsOf(const std::vector<std::uint8_t>& data);
 
-// Keys and values keep the order in which they were made and the spelling they were made with;
-// they are found without regard to case.
+// Keys and values keep the order in which they were made, and their first spelling. They are found
+// without regard to case.
 class RegistryKey {
  public:
   RegistryKey(std::u16string name, RegistryKey* parent) : name_(std::move(name)), parent_(parent) {}
@@ -52,13 +52,13 @@ class RegistryKey {
   [[nodiscard]] const std::vector<RegistryValue>& values() const { return values_; }
   [[nodiscard]] const RegistryValue* FindValue(std::u16string_view name) const;
 
-  // A value that is there already keeps its place and the spelling of its name.
+  // A value that exists keeps its place and the spelling of its name.
   void SetValue(std::u16string_view name, std::uint32_t type, std::vector<std::uint8_t> data);
   bool DeleteValue(std::u16string_view name);
 
  private:
   friend class Registry;
-  void Detach();  // marks it and all below it deleted
+  void Detach();  // marks this key and all below it as deleted
   [[nodiscard]] unsigned Depth() const;
   [[nodiscard]] std::shared_ptr<RegistryKey> CopyBelow(RegistryKey* parent) const;
 
@@ -82,8 +82,8 @@ class Registry {
   [[nodiscard]] const std::shared_ptr<RegistryKey>& root(unsigned index) const {
     return roots_.at(index);
   }
-  // Paths below a key; leading and repeated backslashes are skipped, an empty path is the key
-  // itself. Below a deleted key there is nothing.
+  // Finds a key by its path below another. Leading and repeated backslashes are skipped. An empty
+  // path is the key itself. Below a deleted key there is nothing.
   [[nodiscard]] static std::shared_ptr<RegistryKey> Find(const std::shared_ptr<RegistryKey>& from,
                                                          std::u16string_view path);
   struct Created {
@@ -98,13 +98,13 @@ class Registry {
   static Removal Remove(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
   // Deletes it also where it is open; false where there is none, or only a root.
   static bool RemoveTree(const std::shared_ptr<RegistryKey>& from, std::u16string_view path);
-  // The root that a full path begins with, which is taken off the path; nullptr: not a root's name.
+  // The root that a full path begins with. Its name is removed from the path. nullptr: not a root.
   [[nodiscard]] std::shared_ptr<RegistryKey> TakeRoot(std::u16string_view& full_path) const;
 
-  // What tests and tools use. A full path begins with a root's name (or HKLM, HKCU, HKCR, HKU).
-  // A path without a known root finds nothing. Create and the setters throw std::invalid_argument
-  // for one, and for a path that no key can have.
-  // GetDword and GetString find only values of that type; a text ends at its first terminator.
+  // For tests and tools. A full path begins with a root's name (or HKLM, HKCU, HKCR, HKU). A path
+  // without a known root finds nothing. Create and the setters throw std::invalid_argument for such
+  // a path, and for one that no key can have. GetDword and GetString find only values of their
+  // type. A text ends at its first terminator.
   [[nodiscard]] std::shared_ptr<RegistryKey> Find(std::string_view full_path) const;
   std::shared_ptr<RegistryKey> Create(std::string_view full_path);
   [[nodiscard]] const RegistryValue* FindValue(std::string_view full_path,
@@ -119,7 +119,7 @@ class Registry {
   [[nodiscard]] std::optional<std::string> GetString(std::string_view full_path,
                                                      std::string_view name) const;
   bool RemoveTree(std::string_view full_path);
-  // Takes over all keys and values of another registry.
+  // Copies all keys and values of another registry.
   void CopyFrom(const Registry& other);
 
  private:

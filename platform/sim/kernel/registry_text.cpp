@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view kHeader = "REGEDIT4";
 constexpr std::string_view kDesktopHeader = "Windows Registry Editor Version 5.00";
 
-// What is wrong with a line; caught where the line begins.
+// Thrown for a line that is wrong, and caught where the line was begun.
 struct LineError {
   const char* what;
 };
@@ -40,7 +40,7 @@ void ExpectEnd(std::string_view text) {
   if (!IsBlankOrComment(text)) throw LineError{"there is something behind the end of the line"};
 }
 
-// All of a text as a hexadecimal number.
+// The whole text as a hexadecimal number.
 std::optional<std::uint32_t> ParseHex(std::string_view text, std::size_t digits) {
   std::uint32_t number = 0;
   const char* end = text.data() + text.size();
@@ -49,7 +49,7 @@ std::optional<std::uint32_t> ParseHex(std::string_view text, std::size_t digits)
   return number;
 }
 
-// A backslash has been taken off already.
+// Removes an escape from the text, behind its backslash.
 char16_t TakeEscape(std::string_view& text) {
   if (!text.empty() && (text.front() == '\\' || text.front() == '"')) {
     const char16_t unit = static_cast<unsigned char>(text.front());
@@ -64,7 +64,7 @@ char16_t TakeEscape(std::string_view& text) {
   return static_cast<char16_t>(*unit);
 }
 
-// Takes a text in quotes off the line; the opening quote is known to be there.
+// Removes a text in quotes from the line, which begins with the opening quote.
 std::u16string TakeQuoted(std::string_view& line) {
   line.remove_prefix(1);
   std::u16string result;
@@ -116,7 +116,7 @@ std::vector<std::uint8_t> ParseBytes(std::string_view text) {
   }
 }
 
-// "hex:" and "hex(7):", taken off the text, with the type that they give.
+// Removes "hex:" or "hex(7):" from the text and returns the type that it gives.
 std::optional<std::uint32_t> TakeHexType(std::string_view& text) {
   if (TakeWord(text, "hex:")) return REG_BINARY;
   if (!TakeWord(text, "hex(")) return std::nullopt;
@@ -127,7 +127,7 @@ std::optional<std::uint32_t> TakeHexType(std::string_view& text) {
   return type;
 }
 
-// The path between the brackets, which may hold brackets itself.
+// The path between the brackets. It may contain brackets.
 std::u16string TakeKeyPath(std::string_view line) {
   if (line.starts_with('"')) {
     std::u16string path = TakeQuoted(line);
@@ -222,7 +222,7 @@ class Importer {
     throw LineError{"a value is \"text\", dword:, hex:, hex(N):, multi_sz: or -"};
   }
 
-  // The bytes of a value whose lines end with a backslash, without the comments behind them.
+  // Joins the lines of a value, which end with a backslash, without their comments.
   std::string JoinLines(std::string_view text) {
     std::string joined;
     for (;;) {
@@ -244,7 +244,7 @@ class Importer {
   Registry& registry_;
   std::string_view rest_;
   std::size_t line_number_ = 0;
-  std::shared_ptr<RegistryKey> key_;  // that the values belong to
+  std::shared_ptr<RegistryKey> key_;  // the key of the values that follow
   std::vector<std::string> errors_;
 };
 

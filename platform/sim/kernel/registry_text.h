@@ -5,8 +5,8 @@
 //   "Name"="text"   "Count"=dword:0000001e   "Bytes"=hex:0a,01   "Raw"=hex(1):...   @="unnamed"
 //   "Gone"=-        [-HKEY_LOCAL_MACHINE\Software\Old]           ; a comment
 //
-// Names that a line cannot hold as they are have an extension of the simulator: in quotes "\x000A"
-// is any UTF-16 unit, and a key's path may stand in quotes, with its backslashes doubled:
+// The simulator has an extension for names that a line cannot hold as they are. In quotes, "\x000A"
+// is a UTF-16 unit. The path of a key may stand in quotes, with doubled backslashes:
 //
 //   ["HKEY_LOCAL_MACHINE\\Odd\x000Akey"]
 #ifndef PLATFORM_SIM_KERNEL_REGISTRY_TEXT_H_
@@ -20,11 +20,11 @@
 
 namespace sim {
 
-// Imports a text (UTF-8, or UTF-16 with a byte-order mark) line by line. Lines that are not
-// understood change nothing and are returned as "12: what is wrong with it".
+// Imports a text (UTF-8, or UTF-16 with a byte-order mark) line by line. A line with a mistake
+// changes nothing and is returned as "12: what is wrong with it".
 std::vector<std::string> ImportRegistryText(Registry& registry, std::string_view text);
 
-// The whole registry; importing the text into an empty registry gives an equal one, order included.
+// The whole registry. Importing the text into an empty registry gives an equal one, in equal order.
 [[nodiscard]] std::string ExportRegistryText(const Registry& registry);
 // One key with all below it.
 [[nodiscard]] std::string ExportRegistryText(const RegistryKey& key);

@@ -50,7 +50,7 @@ std::string Quoted(std::u16string_view text) {
   return '"' + ToUtf8(result) + '"';
 }
 
-// The text of data that is exactly UTF-16 with one terminator and fits a line.
+// The text in the data, if that is UTF-16 with one terminator, at its end, and fits a line.
 std::optional<std::u16string> PlainText(const std::vector<std::uint8_t>& data) {
   if (data.size() < 2 || data.size() % 2 != 0) return std::nullopt;
   std::u16string text = UnitsOf(data);
@@ -88,7 +88,7 @@ std::string PathText(const RegistryKey& key) {
   return IsPlain(path) && path.find(u']') == std::u16string::npos ? ToUtf8(path) : Quoted(path);
 }
 
-// A key that has subkeys but no values is made by the first of their lines, at the same place.
+// A key with subkeys but without values needs no line: the line of its first subkey makes it.
 void ExportKey(const RegistryKey& key, bool is_root, std::string& text) {
   if (!key.values().empty() || (key.keys().empty() && !is_root)) {
     text += "\n[" + PathText(key) + "]\n";

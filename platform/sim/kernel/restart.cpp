@@ -1,4 +1,4 @@
-// The restart of a device: what runs ends, what is stored stays.
+// The restart of a device: processes end, and what is stored stays.
 #include "platform/sim/kernel/kernel.h"
 #include "platform/sim/kernel/program_process.h"
 
@@ -17,7 +17,7 @@ void Kernel::Restart(const ThreadState& thread, RestartKind kind) {
   }
   for (const auto& process : ending) {
     BeginKill(*process);
-    // Not its heap: a thread that runs beside this one uses that until its next platform call.
+    // Its heap stays: with kParallel, another thread may use it until its next platform call.
     handles.CloseAll(process->id, {});
   }
   processes.clear();

@@ -81,7 +81,7 @@ void Scheduler::Dispatch() {
       continue;
     }
     if (running_ > 0) return;
-    // The driver waits too, or it would be running: with no deadline left, only it can go on.
+    // The driver waits too: otherwise it would be running. Without a deadline only it can go on.
     if (!JumpToNextDeadline()) {
       MakeReady(driver_, driver_awaits_idle_ ? Wake::kSignal : Wake::kDeadlock);
     }

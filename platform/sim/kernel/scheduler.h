@@ -1,4 +1,4 @@
-// Whose turn it is, and what time: the discrete-event clock of the simulated device.
+// The scheduler of the simulated device: turns of threads, and the discrete-event clock.
 #ifndef PLATFORM_SIM_KERNEL_SCHEDULER_H_
 #define PLATFORM_SIM_KERNEL_SCHEDULER_H_
 
@@ -15,13 +15,13 @@
 namespace sim {
 
 enum class Wake : std::uint8_t {
-  kSignal,    // what it waited for has come
+  kSignal,    // it has what it waited for
   kTimeout,   // its deadline has passed
   kKilled,    // its process was ended
   kDeadlock,  // nothing on the device can run any more
 };
 
-// One host thread as the device schedules it. All members belong to the scheduler's lock.
+// One thread of the host as the device schedules it. The device's lock guards all members.
 struct Strand {
   enum class State : std::uint8_t { kReady, kRunning, kWaiting, kEnded };
 
@@ -31,12 +31,13 @@ struct Strand {
   std::condition_variable turn;
 };
 
-// Every member function wants the device's lock held; those that block release it meanwhile.
+// The caller of every member function must hold the device's lock. Functions that block release it
+// meanwhile.
 class Scheduler {
  public:
   using Lock = std::unique_lock<std::mutex>;
 
-  // The driver's strand runs from the start and is woken when nothing else can go on.
+  // The driver's strand runs from the start. It is woken when no other strand can go on.
   Scheduler(bool parallel, Strand& driver) : parallel_(parallel), driver_(driver) {
     driver.state = Strand::State::kRunning;
   }
@@ -53,13 +54,13 @@ class Scheduler {
   void AwaitTurn(Lock& lock, Strand& strand);
   void End(Strand& strand);
 
-  // Gives the turn up until the strand is woken or the time has passed (nullopt: for ever).
+  // Lets others run until the strand is woken or the time has passed (nullopt: no time limit).
   Wake Wait(Lock& lock, Strand& strand, std::optional<std::uint64_t> timeout_ms);
-  // Lets a waiting strand go on; does nothing to one that does not wait.
+  // Lets a waiting strand go on. Does nothing for a strand that does not wait.
   void WakeUp(Strand& strand, Wake reason);
-  // Goes behind those that are ready.
+  // Lets all strands run that are ready.
   void Yield(Lock& lock, Strand& strand);
-  // At a platform call: yields now and then where turns are shuffled.
+  // Called at every platform call: yields at random where turns are shuffled.
   void MaybeYield(Lock& lock, Strand& strand);
   // Lets the driver wait until no other strand is ready or has a deadline.
   void AwaitIdle(Lock& lock);
