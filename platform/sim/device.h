@@ -47,11 +47,15 @@ enum class Concurrency : std::uint8_t {
   kParallel,    // the host's scheduler decides; for the race detector
 };
 
-// A platform call that is made to fail. Calls are counted from the moment the fault is planned.
+// A platform call that is made to fail. Calls are counted from the moment the fault is planned;
+// where it has a subject, those with this subject alone.
 // What closes or releases something does so nevertheless: nothing else could let go of it then. A
 // wait that fails with 258 is one that has timed out.
 struct Fault {
-  std::string call{};         // a name such as "RegSetValueExW"; empty: any call
+  std::string call{};  // a name such as "RegSetValueExW"; empty: any call
+  // The end of what the call is about: a registry key or value ("Beeper\\CurrentVol"), a file, a
+  // driver's code ("set power"), an event, an entry of a module, a volume or gain. Empty: anything.
+  std::string on{};
   unsigned nth = 1;           // the first one to fail
   bool from_then_on = false;  // and all that follow it
   std::uint32_t error = 31;   // ERROR_GEN_FAILURE

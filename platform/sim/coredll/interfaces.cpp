@@ -6,7 +6,7 @@
 namespace sim {
 namespace {
 
-constexpr LONG kInvalidData = 13;  // for an index that no interface has
+constexpr LONG kNoSuchInterface = 13;  // for an index that no interface has
 
 MIB_IFROW RowOf(const NetworkInterface& network_interface) {
   MIB_IFROW row{};
@@ -36,7 +36,7 @@ DWORD GetIfEntry(MIB_IFROW* row) {
   if (row == nullptr) return static_cast<DWORD>(call.Fail(ERROR_INVALID_PARAMETER));
   const auto& interfaces = call.kernel().hardware.interfaces;
   const auto found = std::ranges::find(interfaces, row->dwIndex, &sim::NetworkInterface::index);
-  if (found == interfaces.end()) return static_cast<DWORD>(call.Fail(sim::kInvalidData));
+  if (found == interfaces.end()) return static_cast<DWORD>(call.Fail(sim::kNoSuchInterface));
   *row = sim::RowOf(*found);
   return static_cast<DWORD>(call.Answer(*row));
 }

@@ -34,8 +34,27 @@ std::u16string_view OrEmpty(LPCWSTR text) {
   return text == nullptr ? std::u16string_view() : std::u16string_view(text);
 }
 
+// A key's path with the name of a value or the path of another key behind it, for faults.
+Call::Subject Below(HKEY key, LPCWSTR name = nullptr) {
+  return [key, name](Call& call) {
+    LONG error = ERROR_SUCCESS;
+    const auto from = KeyOf(call, key, error);
+    std::string path = from == nullptr ? std::string() : ToUtf8(from->Path());
+    return name == nullptr ? path : path + '\\' + ToUtf8(name);
+  };
+}
+
+Call::Subject Entry(HKEY key, DWORD index) {
+  return [key, index](Call& call) { return fmt::format("{}[{}]", Below(key)(call), index); };
+}
+
 std::string NamedValue(std::u16string_view name) {
   return name.empty() ? "@" : fmt::format("\"{}\"", ToUtf8(name));
+}
+
+// The platform's pages want null or 0 for what is reserved.
+void CheckReserved(Call& call, bool is_empty) {
+  if (!is_empty) call.Misuse("was given a reserved argument");
 }
 
 // Copies a name with its end; `units` goes in with the room and comes out with the length.
@@ -59,7 +78,7 @@ LONG CopyData(const RegistryValue& value, LPDWORD type, LPBYTE data, LPDWORD byt
   return ERROR_SUCCESS;
 }
 
-LONG Finish(Call& call, LONG error) {
+LONG GiveError(Call& call, LONG error) {
   return error == ERROR_SUCCESS ? ERROR_SUCCESS : call.Fail(error);
 }
 
@@ -70,8 +89,9 @@ using sim::Call;
 using sim::CallId;
 using sim::Effect;
 
-LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD /*options*/, REGSAM /*access*/, PHKEY result) {
-  Call call(CallId::RegOpenKeyExW);
+LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHKEY result) {
+  Call call(CallId::RegOpenKeyExW, sim::Below(key, path));
+  sim::CheckReserved(call, options == 0);
   if (call.fault() != 0) return call.Fail(call.fault());
   if (result == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -83,10 +103,11 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD /*options*/, REGSAM /*access*/,
   return ERROR_SUCCESS;
 }
 
-LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD /*reserved*/, LPWSTR /*key_class*/,
+LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR /*key_class*/,
                      DWORD /*options*/, REGSAM /*access*/, LPSECURITY_ATTRIBUTES /*security*/,
                      PHKEY result, LPDWORD disposition) {
-  Call call(CallId::RegCreateKeyExW);
+  Call call(CallId::RegCreateKeyExW, sim::Below(key, path));
+  sim::CheckReserved(call, reserved == 0);
   if (call.fault() != 0) return call.Fail(call.fault());
   if (result == nullptr || path == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -110,12 +131,13 @@ LONG RegCloseKey(HKEY key) {
     if (call.Find<sim::KeyObject>(key) == nullptr) return ERROR_INVALID_HANDLE;
     call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(key));
   }
-  return sim::Finish(call, call.fault());
+  return sim::GiveError(call, call.fault());
 }
 
-LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type, LPBYTE data,
+LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                       LPDWORD bytes) {
-  Call call(CallId::RegQueryValueExW);
+  Call call(CallId::RegQueryValueExW, sim::Below(key, name));
+  sim::CheckReserved(call, reserved == nullptr);
   if (call.fault() != 0) return call.Fail(call.fault());
   if (data != nullptr && bytes == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -126,12 +148,13 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
   const DWORD room = data == nullptr ? 0 : *bytes;
   error = sim::CopyData(*value, type, data, bytes);
   if (error == ERROR_SUCCESS && data != nullptr) error = call.Answer({data, room}, error, *bytes);
-  return sim::Finish(call, error);
+  return sim::GiveError(call, error);
 }
 
-LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD /*reserved*/, DWORD type, const BYTE* data,
+LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD bytes) {
-  Call call(CallId::RegSetValueExW);
+  Call call(CallId::RegSetValueExW, sim::Below(key, name));
+  sim::CheckReserved(call, reserved == 0);
   if (call.fault() != 0) return call.Fail(call.fault());
   if (data == nullptr && bytes > 0) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -146,7 +169,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD /*reserved*/, DWORD type, cons
 }
 
 LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
-  Call call(CallId::RegDeleteValueW);
+  Call call(CallId::RegDeleteValueW, sim::Below(key, name));
   if (call.fault() != 0) return call.Fail(call.fault());
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
@@ -158,7 +181,7 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
 }
 
 LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
-  Call call(CallId::RegDeleteKeyW);
+  Call call(CallId::RegDeleteKeyW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   if (path == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -178,21 +201,23 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
   return ERROR_SUCCESS;
 }
 
-LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD /*reserved*/,
+LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPWSTR /*key_class*/, LPDWORD /*class_units*/, FILETIME* /*last_write*/) {
-  Call call(CallId::RegEnumKeyExW);
+  Call call(CallId::RegEnumKeyExW, sim::Entry(key, index));
+  sim::CheckReserved(call, reserved == nullptr);
   if (call.fault() != 0) return call.Fail(call.fault());
   if (name == nullptr || name_units == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
   if (index >= from->keys().size()) return call.Fail(ERROR_NO_MORE_ITEMS);
-  return sim::Finish(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
+  return sim::GiveError(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
 }
 
-LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD /*reserved*/,
+LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPDWORD type, LPBYTE data, LPDWORD bytes) {
-  Call call(CallId::RegEnumValueW);
+  Call call(CallId::RegEnumValueW, sim::Entry(key, index));
+  sim::CheckReserved(call, reserved == nullptr);
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable =
       name != nullptr && name_units != nullptr && (data == nullptr || bytes != nullptr);
@@ -204,11 +229,11 @@ LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
   const sim::RegistryValue& value = from->values()[index];
   error = sim::CopyName(value.name, name, *name_units);
   if (error == ERROR_SUCCESS) error = sim::CopyData(value, type, data, bytes);
-  return sim::Finish(call, error);
+  return sim::GiveError(call, error);
 }
 
 LONG RegFlushKey(HKEY key) {
-  Call call(CallId::RegFlushKey);
+  Call call(CallId::RegFlushKey, sim::Below(key));
   if (call.fault() != 0) return call.Fail(call.fault());
   LONG error = ERROR_SUCCESS;
   const auto flushed = sim::KeyOf(call, key, error);
