@@ -12,7 +12,8 @@ import sys
 FAMILIES = {"configstore", "feedback", "power", "keypad", "display", "switches", "sysinfo",
             "scanner", "security"}
 FOR_ALL = {"frame", "include", "platform"}
-HEADERS_OF_FRAME = {"include/palresult.h", "include/palsysio.h", "include/paltypes.h", "include/palver.h"}
+HEADERS_OF_FRAME = {"include/palresult.h", "include/palsysio.h", "include/paltypes.h", "include/palvalues.h",
+                    "include/palver.h"}
 INCLUDE = re.compile(r'\s*#\s*include\s*"([^"]+)"')
 
 

@@ -45,11 +45,15 @@ enum class Concurrency : std::uint8_t {
   kParallel,    // the host's scheduler decides; for the race detector
 };
 
-// A platform call that is made to fail. Calls are counted from the moment the fault is planned. A
-// call that closes or releases something fails after it has done so, because nothing else could.
-// The error 258 lets a wait time out.
+// A platform call that is made to fail. Calls are counted from the moment the fault is planned, and
+// where the fault has a subject, only the calls with this subject. A call that closes or releases
+// something fails after it has done so, because nothing else could. The error 258 lets a wait time
+// out.
 struct Fault {
-  std::string call{};         // a name such as "RegSetValueExW"; empty: any call
+  std::string call{};  // a name such as "RegSetValueExW"; empty: any call
+  // The end of what the call is about: a registry key or value ("Beeper\\CurrentVol"), a file, a
+  // driver's code ("set power"), an event, an entry of a module, a volume or gain. Empty: anything.
+  std::string on{};
   unsigned nth = 1;           // the first one to fail
   bool from_then_on = false;  // and all calls that follow it
   std::uint32_t error = 31;   // ERROR_GEN_FAILURE

@@ -15,7 +15,7 @@ constexpr std::string_view kAnswer =
     "a text, or a table with hex or error: { hex = \"01 0A\", returned = 2 }, { error = 31 }";
 
 // The value of a key that may be missing.
-void ReadNumber(const Part& part, const toml::table& table, std::string_view key,
+void ReadOptional(const Part& part, const toml::table& table, std::string_view key,
                 std::uint32_t& number) {
   if (const toml::node* node = table.get(key)) number = part.Number(*node);
 }
@@ -71,11 +71,11 @@ OsVersion ReadOsVersion(const Part& part, const toml::node& node) {
       part.As<toml::table>(node, "a table: os = { major = 5, minor = 2, build = 19202 }");
   part.Allow(table, {"major", "minor", "build", "platform", "error"});
   OsVersion version;
-  ReadNumber(part, table, "major", version.major);
-  ReadNumber(part, table, "minor", version.minor);
-  ReadNumber(part, table, "build", version.build);
-  ReadNumber(part, table, "platform", version.platform);
-  ReadNumber(part, table, "error", version.error);
+  ReadOptional(part, table, "major", version.major);
+  ReadOptional(part, table, "minor", version.minor);
+  ReadOptional(part, table, "build", version.build);
+  ReadOptional(part, table, "platform", version.platform);
+  ReadOptional(part, table, "error", version.error);
   return version;
 }
 
@@ -98,7 +98,7 @@ NetworkAdapter ReadAdapter(const Part& part, const toml::node& node) {
       part.Fail(address->source(), "an address has at most 8 bytes");
     }
   }
-  ReadNumber(part, table, "type", adapter.type);
+  ReadOptional(part, table, "type", adapter.type);
   return adapter;
 }
 

@@ -175,13 +175,14 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
     bool first_is_switched = false;
   };
   const Bytes good = Command("wceload.exe");
+  const std::string kCabCommand = R"(cabfile\Shell\Open\Command)";
   for (const Case& test : {
            Case{{.call = "RegOpenKeyExW"}, NotOpened("tdyskin", 5)},
-           Case{{.call = "RegOpenKeyExW", .nth = 2}, NotOpened("cabfile", 5), true},
+           Case{{.call = "RegOpenKeyExW", .on = kCabCommand}, NotOpened("cabfile", 5), true},
            Case{{.call = "RegQueryValueExW"}, NotRead("tdyskin", 5)},
-           Case{{.call = "RegQueryValueExW", .nth = 2}, NotRead("cabfile", 5), true},
+           Case{{.call = "RegQueryValueExW", .on = kCabCommand}, NotRead("cabfile", 5), true},
            Case{{.call = "RegSetValueExW"}, NotWritten("tdyskin", 5)},
-           Case{{.call = "RegSetValueExW", .nth = 2}, NotWritten("cabfile", 5), true},
+           Case{{.call = "RegSetValueExW", .on = kCabCommand}, NotWritten("cabfile", 5), true},
        }) {
     Put(kSkin, good);
     Put(kCab, good);

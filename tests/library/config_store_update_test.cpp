@@ -423,7 +423,7 @@ TEST_F(ConfigStoreUpdate, WritesNothingWhereACallOnTheWayFails) {
 }
 
 TEST_F(ConfigStoreUpdate, DoesNotWriteToAKeyThatCannotBeCreated) {
-  device.PlanFault({.call = "RegCreateKeyExW", .nth = 2});
+  device.PlanFault({.call = "RegCreateKeyExW", .on = "\\B"});
   EXPECT_EQ(Update("\xBB\xAB"
                    "A:1\0\x01\0\xAB"
                    "B:2\0\x02\0\xAB"

@@ -392,11 +392,11 @@ class ExportSweep : public ::testing::TestWithParam<unsigned> {
   }
 };
 
-TEST_P(ExportSweep, says_what_failed_and_leaves_nothing_behind) {
+TEST_P(ExportSweep, SaysWhatFailedAndLeavesNothingBehind) {
   Run<FaultSweep>("fault sweep");
 }
 
-TEST_P(ExportSweep, leaves_a_device_that_the_next_process_can_use) {
+TEST_P(ExportSweep, LeavesADeviceThatTheNextProcessCanUse) {
   Run<KillSweep>("kill sweep");
 }
 
@@ -419,7 +419,7 @@ ExportRow EntryRow() {
           .other_writes = OtherWrites::kWhereMissing};
 }
 
-TEST(RestartSweep, a_refused_restart_leaves_a_device_that_goes_on) {
+TEST(RestartSweep, ARefusedRestartLeavesADeviceThatGoesOn) {
   const ExportRow row{
       .name = "PALBOOT_BootTerminal",
       .run = [](const sim::Exports& pal,
@@ -433,7 +433,7 @@ TEST(RestartSweep, a_refused_restart_leaves_a_device_that_goes_on) {
   EXPECT_EQ(kills.runs(), 2u);
 }
 
-TEST(EntrySweep, a_process_starts_and_ends_whatever_fails) {
+TEST(EntrySweep, AProcessStartsAndEndsWhateverFails) {
   const ExportRow row = EntryRow();
   FaultSweep faults(row);
   faults.Run();
@@ -443,14 +443,14 @@ TEST(EntrySweep, a_process_starts_and_ends_whatever_fails) {
   std::printf("kill sweep: %u runs of the entry\n", kills.runs());
 }
 
-TEST(ExportRows, are_there_for_every_export_but_the_restart) {
+TEST(ExportRows, AreThereForEveryExportButTheRestart) {
   std::set<std::string> left;
   for (const auto& [name, results] : ResultsByExport()) left.insert(name);
   for (const ExportRow& row : ExportRows()) left.erase(row.name);
   EXPECT_EQ(left, std::set<std::string>{"PALBOOT_BootTerminal"});
 }
 
-TEST(ExportRows, do_their_work_where_nothing_fails) {
+TEST(ExportRows, DoTheirWorkWhereNothingFails) {
   std::set<std::string> failing;
   for (const ExportRow& row : ExportRows()) {
     Outcome outcome;

@@ -244,29 +244,33 @@ TEST_F(KeypadLayout, RestoresNothingWhereNothingWasSaved) {
   EXPECT_EQ(device.registry().Find(kSettings), nullptr) << "the key is not created";
 }
 
-// The queries from the 15th on are those of plane 2: for its record, for the saved plane, and once
-// more for the plane that the record goes back to.
+// A plane is read for its record, and once more to be written with it.
 TEST_F(KeypadLayout, WritesOverNoPlaneThatItCannotRead) {
   struct Case {
     const char* what;
-    unsigned query;
+    sim::Fault fault;
     HRESULT result;
     Bytes saved;
   };
-  for (const Case& test :
-       {Case{"not found", 15, S_OK, kButton6}, Case{"not saved", 16, E_FAIL, kButton6},
-        Case{"not rewritten", 17, E_FAIL, kButton6 + kButton5}}) {
+  for (const Case& test : {Case{"not found", {.on = "Layout\\ShiftPlane2"}, S_OK, kButton6},
+                           Case{"not saved", {.on = "PAL\\ShiftPlane2"}, E_FAIL, kButton6},
+                           Case{"not rewritten",
+                                {.on = "Layout\\ShiftPlane2", .nth = 2},
+                                E_FAIL,
+                                kButton6 + kButton5}}) {
     SCOPED_TRACE(test.what);
     Arrange();
     Put(kLayout, "ShiftPlane2", kButton5);
     Put(kSettings, "ShiftPlane2", kButton6);
-    device.PlanFault({.call = "RegQueryValueExW", .nth = test.query, .error = 5});
+    sim::Fault fault = test.fault;
+    fault.call = "RegQueryValueExW";
+    device.PlanFault(fault);
     EXPECT_EQ(Set(5, 1), test.result);
     device.ClearFaults();
     EXPECT_EQ(PlanesOf(kLayout)[2], kButton5);
     EXPECT_EQ(PlanesOf(kSettings)[2], test.saved);
     EXPECT_EQ(TraceLines("SetupKeyForScanKeys: Did not get Values for Left Side Top button").size(),
-              test.query == 15 ? 1u : 0u);
+              test.result == S_OK ? 1u : 0u);
   }
 }
 

@@ -113,37 +113,32 @@ TEST_F(KeypadRepair, PassesOverPlanesWithoutTheButton) {
   EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent).size(), 1u) << "the driver is told";
 }
 
-// Each plane is opened for its record, and to be read and written again; the last open is that of
-// the driver's key. The last two queries are those of plane 2.
+// The layout is opened three times for each plane: for its record, to read it, and to write it.
 TEST_F(KeypadRepair, EndsAtPlane2AndNotBefore) {
   struct Case {
     const char* what;
-    std::string call;
-    unsigned before_last;
+    sim::Fault fault;
     bool signalled;
   };
+  constexpr const char* kPlanes = "Hardware\\Layout";
+  constexpr const char* kQuery = "RegQueryValueExW";
   for (const Case& test : {
-           Case{"record of plane 0", "RegOpenKeyExW", 9, true},
-           Case{"plane 1 to write", "RegOpenKeyExW", 4, true},
-           Case{"record of plane 2", "RegOpenKeyExW", 3, false},
-           Case{"plane 2 to read", "RegOpenKeyExW", 2, false},
-           Case{"plane 2 to write", "RegOpenKeyExW", 1, false},
-           Case{"driver", "RegOpenKeyExW", 0, false},
-           Case{"unreadable record of plane 2", "RegQueryValueExW", 1, true},
-           Case{"unreadable plane 2", "RegQueryValueExW", 0, false},
+           Case{"record of plane 0", {.on = kPlanes, .nth = 1}, true},
+           Case{"plane 1 to write", {.on = kPlanes, .nth = 6}, true},
+           Case{"record of plane 2", {.on = kPlanes, .nth = 7}, false},
+           Case{"plane 2 to read", {.on = kPlanes, .nth = 8}, false},
+           Case{"plane 2 to write", {.on = kPlanes, .nth = 9}, false},
+           Case{"driver", {.on = "DVLKeyboard"}, false},
+           Case{"unreadable record of plane 2", {.call = kQuery, .on = "ShiftPlane2"}, true},
+           Case{"unreadable plane 2", {.call = kQuery, .on = "ShiftPlane2", .nth = 2}, false},
        }) {
     SCOPED_TRACE(test.what);
-    const auto arrange = [&] {
-      Arrange();
-      device.registry().RemoveTree(kSettings);
-    };
-    arrange();
-    const unsigned before = device.calls(test.call);
-    Init();
-    const unsigned calls = device.calls(test.call) - before;
-    arrange();
+    Arrange();
+    device.registry().RemoveTree(kSettings);
     const Planes planes = PlanesOf(kLayout);
-    device.PlanFault({.call = test.call, .nth = calls - test.before_last, .error = 5});
+    sim::Fault fault = test.fault;
+    if (fault.call.empty()) fault.call = "RegOpenKeyExW";
+    device.PlanFault(fault);
     Init();
     device.ClearFaults();
     EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent).size(), test.signalled ? 1u : 0u);

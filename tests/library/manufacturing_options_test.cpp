@@ -123,12 +123,11 @@ TEST_F(ManufacturingOptions, DatacollThatCannotBeReadGivesDefaultsAndTheError) {
   device.files().Write("\\ConfigStore\\datacoll", "\x01\x01\x01\x01\x01\x01");
   struct Case {
     const char* call;
-    unsigned nth;
     std::uint32_t error;
     HRESULT result;
   };
-  for (const Case& test : {Case{"CreateFileW", 1, 32, PAL_E_SHARING_VIOLATION},
-                           Case{"ReadFile", 1, 31, PAL_E_WIN32(0x1F)}}) {
+  for (const Case& test : {Case{"CreateFileW", 32, PAL_E_SHARING_VIOLATION},
+                           Case{"ReadFile", 31, PAL_E_WIN32(0x1F)}}) {
     device.PlanFault({.call = test.call, .from_then_on = true, .error = test.error});
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(test.result, DWORD{255}));
     EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(test.result, DWORD{0}));
@@ -242,21 +241,21 @@ TEST_F(ManufacturingOptions, PoliciesAnswerByTheirResultAndCloseTheirKeys) {
 
 TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
   struct Case {
-    const char* call;
-    unsigned nth;
+    sim::Fault fault;
     HRESULT result;
   };
   SetPolicy(1);
   for (const Case& test : {
-           Case{"RegOpenKeyExW", 1, PAL_MFGOPT_E_NO_SUCH_FEATURE},
-           Case{"RegQueryValueExW", 1, PAL_MFGOPT_E_LOCATION_UNREADABLE},
-           Case{"RegOpenKeyExW", 2, kEnabled},
-           Case{"RegQueryValueExW", 2, PAL_MFGOPT_E_VALUE_UNREADABLE},
-           Case{"RegQueryValueExW", 3, PAL_MFGOPT_E_VALUE_UNREADABLE},
+           Case{{.call = "RegOpenKeyExW", .on = "Policy\\Camera"}, PAL_MFGOPT_E_NO_SUCH_FEATURE},
+           Case{{.call = "RegQueryValueExW", .on = "PolicyLocation"},
+                PAL_MFGOPT_E_LOCATION_UNREADABLE},
+           Case{{.call = "RegOpenKeyExW", .on = "States"}, kEnabled},
+           Case{{.call = "RegQueryValueExW", .on = "PolicyKey"}, PAL_MFGOPT_E_VALUE_UNREADABLE},
+           Case{{.call = "RegQueryValueExW", .on = "CameraOff"}, PAL_MFGOPT_E_VALUE_UNREADABLE},
        }) {
-    device.PlanFault({.call = test.call, .nth = test.nth, .error = 5});
+    device.PlanFault(test.fault);
     EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result)
-        << test.call << test.nth;
+        << test.fault.call << test.fault.on;
     EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }

@@ -320,8 +320,8 @@ TEST_F(PowerSettings, InitKeepsBothEventsOrNone) {
   pal.PALPWRTerm();
   EXPECT_EQ(pal.PALPWRTerm(), S_OK);
   EXPECT_EQ(process.new_handles(), with_events - 2);
-  for (const unsigned failing : {1U, 2U}) {
-    device.PlanFault({.call = "CreateEventW", .nth = failing, .error = 0x12008});
+  for (const char* failing : {"ReloadActivityTimeouts", "BackLightChangeEvent"}) {
+    device.PlanFault({.call = "CreateEventW", .on = failing, .error = 0x12008});
     EXPECT_EQ(pal.PALPWRInit(), PAL_PWR_E_EVENT(0x2008));
     device.ClearFaults();
     EXPECT_EQ(process.new_handles(), with_events - 2);

@@ -324,6 +324,7 @@ TEST_F(RegistryFiles, NamesThatAreNoneAreRefused) {
         Case{TEXT("\\Store"), longest.c_str(), S_OK}}) {
     device.journal().Clear();
     EXPECT_EQ(process.exports().PALREG_LoadRegistry(test.directory, test.name, 1), test.result);
+    EXPECT_EQ(TraceLines("PalGetModel(").size(), test.result == S_OK ? 1u : 0u);
     EXPECT_EQ(importer_ran(), test.result == S_OK);
     EXPECT_EQ(device.registry().Find(kStore) != nullptr, test.result == S_OK);
   }

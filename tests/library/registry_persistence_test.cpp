@@ -45,9 +45,10 @@ TEST_F(RegistryPersistence, FlushesTheFourRootsInOrder) {
 
 TEST_F(RegistryPersistence, GoesOnBehindARootThatCannotBeFlushed) {
   const std::array roots{"HKLM", "HKCU", "HKCR", "HKU"};
+  const std::array names{"LOCAL_MACHINE", "CURRENT_USER", "CLASSES_ROOT", "USERS"};
   for (unsigned failing = 0; failing < roots.size(); ++failing) {
     device.ClearFaults();
-    device.PlanFault({.call = "RegFlushKey", .nth = failing + 1, .error = 5});
+    device.PlanFault({.call = "RegFlushKey", .on = names[failing], .error = 5});
     EXPECT_EQ(Persist(), E_FAIL) << roots[failing];
     Lines expected = kAllFlushed;
     expected.erase(expected.begin() + failing);

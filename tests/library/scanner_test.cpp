@@ -106,19 +106,18 @@ TEST_F(Scanner, SwitchesPowerInTheOrderOfItsEngine) {
 
 TEST_F(Scanner, MakesBothStepsWhereOneFails) {
   for (const BYTE code : {kEng17, kEng13}) {
-    const unsigned power_step = code == kEng17 ? 1 : 2;
-    for (const unsigned failing : {1U, 2U}) {
+    for (const std::string failing : {"enable", "set power"}) {
       Fit(code);
       Start();
       for (const DWORD mode : {PAL_SCANNER_POWER_UP, PAL_SCANNER_POWER_DOWN}) {
         const unsigned before = device.calls("DeviceIoControl");
-        device.PlanFault({.call = "DeviceIoControl", .nth = failing});
+        device.PlanFault({.call = "DeviceIoControl", .on = failing});
         EXPECT_EQ(Control(mode), E_FAIL);
         device.ClearFaults();
         EXPECT_EQ(device.calls("DeviceIoControl") - before, 2U);
         EXPECT_EQ(TakeSent().size(), 1U);
         // Only a power step that went well counts: the next two steps up tell.
-        const bool counts_as_on = (mode == PAL_SCANNER_POWER_UP) == (failing != power_step);
+        const bool counts_as_on = (mode == PAL_SCANNER_POWER_UP) == (failing == "enable");
         EXPECT_EQ(Control(PAL_SCANNER_POWER_UP), S_OK);
         EXPECT_EQ(TakeSent().size(), counts_as_on ? 1U : 2U) << mode << ' ' << failing;
       }
@@ -325,11 +324,10 @@ TEST_F(Scanner, BringsAnEngineOnTheSpiClockUpUnderTheMutex) {
 // The power counts as on, so that a later step up only enables: kept so.
 TEST_F(Scanner, BringUpCountsPowerAsOnWhateverTheDriverSays) {
   for (const BYTE code : {kEng17, kEng14}) {
-    for (const unsigned failing : {1U, 2U, 3U, 4U, 0U}) {
+    for (const std::string failing : {"set download", "set SPI clock", "enable", "set power", ""}) {
       Fit(code);
       Start();
-      device.PlanFault(
-          {.call = "DeviceIoControl", .nth = std::max(failing, 1U), .from_then_on = failing == 0});
+      device.PlanFault({.call = "DeviceIoControl", .on = failing, .from_then_on = failing.empty()});
       const unsigned before = device.calls("DeviceIoControl");
       EXPECT_EQ(exports().PALSysio_InternalScannerInterfaceInit(), S_OK);
       EXPECT_EQ(device.calls("DeviceIoControl") - before, code == kEng17 ? 3U : 4U);

@@ -131,7 +131,7 @@ TEST_F(UsbFunction, StopsAtTheFirstStepThatFails) {
                 storage,
                 "DSK1:",
                 "SetClientOption - ERROR 0xffffffff=CreateFile(). win32err: 0x37\\r\\n"},
-           Case{{.call = "DeviceIoControl", .nth = 2, .error = 170},
+           Case{{.call = "DeviceIoControl", .on = "set current client", .error = 170},
                 PAL_STORE_E_SELECT_FAILED,
                 storage,
                 "DSK1:",
@@ -393,36 +393,36 @@ TEST_F(UsbHostStorage, LeavesAWalkThatFailsWhereItWas) {
                 "Error opening HKLM\\" + kPath,
                 {"Dll=a.dll", "Dll=b.dll"}},
            Case{0,
-                {.call = "RegEnumKeyExW", .nth = 3},
+                {.call = "RegEnumKeyExW", .on = "[2]"},
                 "Error enumerating USB Mass Storage Client drivers",
                 {"Dll__=a.dll", "Dll=b.dll"}},
            Case{0,
-                {.call = "RegOpenKeyExW", .nth = 4},
+                {.call = "RegOpenKeyExW", .on = "\\5"},
                 "Error opening HKLM\\" + second,
                 {"Dll__=a.dll", "Dll=b.dll"}},
-           Case{0, {.call = "RegQueryValueExW", .nth = 3}, "", {"Dll__=a.dll", "Dll=b.dll"}},
+           Case{0, {.call = "RegQueryValueExW", .on = "5\\Dll"}, "", {"Dll__=a.dll", "Dll=b.dll"}},
            Case{0,
-                {.call = "RegSetValueExW", .nth = 2},
+                {.call = "RegSetValueExW", .on = "5\\Dll__"},
                 "Error backing up HKLM\\" + second + "\\Dll",
                 {"Dll__=a.dll", "Dll=b.dll"}},
            Case{0,
-                {.call = "RegDeleteValueW", .nth = 2},
+                {.call = "RegDeleteValueW", .on = "5\\Dll"},
                 "Error deleting HKLM\\" + second + "\\Dll",
                 {"Dll__=a.dll", "Dll=b.dll", "Dll__=b.dll"}},
            Case{1,
-                {.call = "RegEnumKeyExW", .nth = 3},
+                {.call = "RegEnumKeyExW", .on = "[2]"},
                 "Error enumerating USB Mass Storage Client drivers",
                 {"Dll=a.dll", "Dll__=b.dll"}},
            Case{1,
-                {.call = "RegQueryValueExW", .nth = 3},
+                {.call = "RegQueryValueExW", .on = "5\\Dll__"},
                 "Error reading restore name from HKLM\\" + second + "\\Dll__",
                 {"Dll=a.dll", "Dll__=b.dll"}},
            Case{1,
-                {.call = "RegSetValueExW", .nth = 2},
+                {.call = "RegSetValueExW", .on = "5\\Dll"},
                 "Error restoring up HKLM\\" + second + "\\Dll",
                 {"Dll=a.dll", "Dll__=b.dll"}},
            Case{1,
-                {.call = "RegDeleteValueW", .nth = 2},
+                {.call = "RegDeleteValueW", .on = "5\\Dll__"},
                 "Error deleting HKLM\\" + second + "\\Dll__",
                 {"Dll=a.dll", "Dll__=b.dll", "Dll=b.dll"}},
        }) {
@@ -435,9 +435,9 @@ TEST_F(UsbHostStorage, LeavesAWalkThatFailsWhereItWas) {
     sim::Fault fault = test.fault;
     fault.error = 5;
     device.PlanFault(fault);
-    EXPECT_EQ(Enable(test.enable), PAL_E_ACCESS_DENIED) << fault.call << fault.nth;
+    EXPECT_EQ(Enable(test.enable), PAL_E_ACCESS_DENIED) << fault.call << fault.on;
     device.ClearFaults();
-    EXPECT_EQ(Values(), test.values) << fault.call << fault.nth;
+    EXPECT_EQ(Values(), test.values) << fault.call << fault.on;
     EXPECT_EQ(ErrorLines(), test.error.empty() ? Lines{} : Lines{test.error + ". dwRet = 5"});
     EXPECT_EQ(InfoLines(), Lines{});
     EXPECT_EQ(Enable(test.enable), S_OK) << "a second walk finishes the first";
@@ -453,7 +453,7 @@ TEST_F(UsbHostStorage, IsNotToldByAWalkThatFails) {
   for (const Case& test : {
            Case{{.call = "RegEnumKeyExW", .error = 5},
                 {"Error enumerating USB Mass Storage Client drivers. dwRet = 5"}},
-           Case{{.call = "RegOpenKeyExW", .nth = 2, .error = 5},
+           Case{{.call = "RegOpenKeyExW", .on = "\\2", .error = 5},
                 {"Error opening HKLM\\" + kPath + "\\2. dwRet = 5"}},
            Case{{.call = "RegQueryValueExW", .error = 5}, {}},
        }) {

@@ -144,6 +144,14 @@ TEST_F(VehicleDock, TracesWhatItFinds) {
             }));
 }
 
+TEST_F(VehicleDock, TracesTheFillWhereTheDriverGivesNoId) {
+  PlugIn({MemoryDevice("\x0A"s + "871231")}).Plan({Bus::kGetDeviceId, 1, 0, 0});
+  EXPECT_EQ(IsAttached(), 1u);
+  EXPECT_EQ(
+      TraceLines("PALOneWire::FindVehicleDock(): Dev"),
+      std::vector<std::string>{"PALOneWire::FindVehicleDock(): Dev00 ID: CC CC CC CC CC CC CC CC"});
+}
+
 const std::string kDescription = "name = \"x\"\n[one_wire]\n";
 
 TEST(VehicleDockDescription, GivesTheBusItsDevicesAndFailures) {

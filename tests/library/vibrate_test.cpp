@@ -127,11 +127,4 @@ TEST_F(VibratorTest, IsLookedForAmongTheFirstTenNumbers) {
   }
 }
 
-TEST_F(VibratorTest, IsFoundBehindAQueryThatFails) {
-  device.hardware().leds.Add(1, sim::LedState::kOff);
-  device.PlanFault({.call = "NLedGetDeviceInfo", .nth = 2});
-  EXPECT_EQ(exports.PALVIBIsInstalled(), S_OK);
-  EXPECT_EQ(TraceLines().size(), 2u);
-}
-
 }  // namespace

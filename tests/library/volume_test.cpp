@@ -209,12 +209,11 @@ TEST_F(Volume, TellsWhichPartOfASettingFailed) {
     HRESULT result;
     std::string line;
   };
-  // The writes: "CurrentVol", then the control panel's volume. Its read is the last query.
-  for (const Case& test : {Case{{.call = "RegSetValueExW", .nth = 1}, S_OK, ""},
-                           Case{{.call = "RegSetValueExW", .nth = 2, .error = 5},
+  for (const Case& test : {Case{{.call = "RegSetValueExW", .on = "CurrentVol"}, S_OK, ""},
+                           Case{{.call = "RegSetValueExW", .on = "Volume\\Volume", .error = 5},
                                 PAL_E_ACCESS_DENIED,
                                 "SetCPLVol - ERROR writing to CPL  Vol registry:(0x80070005)"},
-                           Case{{.call = "RegQueryValueExW", .nth = 8, .error = 2},
+                           Case{{.call = "RegQueryValueExW", .on = "Volume\\Volume", .error = 2},
                                 E_FAIL,
                                 "SetCPLVOl - Error reading from registry:(0x80070002)"},
                            Case{{.call = "waveOutSetVolume", .error = 4},

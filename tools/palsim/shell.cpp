@@ -17,29 +17,29 @@
 namespace palsim {
 namespace {
 
-using Words = std::vector<std::string>;
+using ShellWords = std::vector<std::string>;
 
 struct ShellCommand {
   std::string_view name;
   std::string_view usage;
-  void (*run)(Session& session, const Words& words);
+  void (*run)(Session& session, const ShellWords& words);
 };
 
-void RunCall(Session& session, const Words& words) {
+void RunCall(Session& session, const ShellWords& words) {
   if (words.size() < 2) throw UsageError("call what? 'exports' lists the exports");
   const CallOutcome outcome =
-      CallExport(session.process(), words[1], Words(words.begin() + 2, words.end()));
+      CallExport(session.process(), words[1], ShellWords(words.begin() + 2, words.end()));
   PrintOutcome(words[1], outcome);
 }
 
-void RunRegistry(Session& session, const Words& words) {
+void RunRegistry(Session& session, const ShellWords& words) {
   if (words.size() != 2) throw UsageError("registry takes one key");
   const auto key = session.device().registry().Find(std::string_view(words[1]));
   if (key == nullptr) throw UsageError("the registry has no key " + words[1]);
   fmt::print("{}", sim::ExportRegistryText(*key));
 }
 
-void RunAdvance(Session& session, const Words& words) {
+void RunAdvance(Session& session, const ShellWords& words) {
   constexpr std::size_t kMostDigits = 9;
   const bool usable = words.size() == 2 && words[1].size() <= kMostDigits &&
                       words[1].find_first_not_of("0123456789") == std::string::npos;
@@ -47,16 +47,16 @@ void RunAdvance(Session& session, const Words& words) {
   session.device().Advance(static_cast<std::uint32_t>(std::stoul(words[1])));
 }
 
-void RunExports(Session& /*session*/, const Words& /*words*/) {
+void RunExports(Session& /*session*/, const ShellWords& /*words*/) {
   for (const std::string_view name : ExportNames()) fmt::print("{}\n", name);
 }
 
-void RunUsage(Session& /*session*/, const Words& words) {
+void RunUsage(Session& /*session*/, const ShellWords& words) {
   if (words.size() != 2) throw UsageError("usage takes one export");
   fmt::print("{}", UsageText(words[1]));
 }
 
-void RunHelp(Session& session, const Words& words);
+void RunHelp(Session& session, const ShellWords& words);
 
 constexpr std::array kCommands{
     ShellCommand{"call", "call EXPORT [ARGUMENT...]   call an export", &RunCall},
@@ -68,12 +68,12 @@ constexpr std::array kCommands{
     ShellCommand{"help", "help                        show this", &RunHelp},
 };
 
-void RunHelp(Session& /*session*/, const Words& /*words*/) {
+void RunHelp(Session& /*session*/, const ShellWords& /*words*/) {
   for (const ShellCommand& command : kCommands) fmt::print("  {}\n", command.usage);
   fmt::print("  quit                        detach, save the device and leave\n");
 }
 
-void RunLine(Session& session, const Words& words) {
+void RunLine(Session& session, const ShellWords& words) {
   for (const ShellCommand& command : kCommands) {
     if (command.name == words[0]) return command.run(session, words);
   }
@@ -105,9 +105,9 @@ class Input {
   std::optional<LineEditor> editor_;
 };
 
-Words Split(const std::string& line) {
+ShellWords Split(const std::string& line) {
   std::istringstream stream(line);
-  Words words;
+  ShellWords words;
   for (std::string word; stream >> word;) words.push_back(word);
   return words;
 }
@@ -123,7 +123,7 @@ int Shell(const std::filesystem::path& folder) {
     fmt::print("{}: 'help' lists the commands, Tab completes\n", session.identity().name);
   int status = kSuccess;
   for (std::string line; input.Read(line);) {
-    const Words words = Split(line);
+    const ShellWords words = Split(line);
     if (words.empty()) continue;
     if (words[0] == "quit") break;
     try {

@@ -7,9 +7,9 @@
 namespace sim {
 namespace {
 
-constexpr MMRESULT kInvalidHandle = 5;      // MMSYSERR_INVALHANDLE
-constexpr MMRESULT kNotSupported = 8;       // MMSYSERR_NOTSUPPORTED
-constexpr MMRESULT kInvalidParameter = 11;  // MMSYSERR_INVALPARAM
+constexpr MMRESULT kWaveInvalidHandle = 5;      // MMSYSERR_INVALHANDLE
+constexpr MMRESULT kWaveNotSupported = 8;       // MMSYSERR_NOTSUPPORTED
+constexpr MMRESULT kWaveInvalidParameter = 11;  // MMSYSERR_INVALPARAM
 
 constexpr UINT kSetGain = 0x113;
 constexpr UINT kGetGain = 0x114;
@@ -69,28 +69,31 @@ using sim::Effect;
 MMRESULT waveOutGetVolume(HWAVEOUT output, LPDWORD volume) {
   Call call(CallId::waveOutGetVolume);
   if (call.fault() != 0) return static_cast<MMRESULT>(call.Fail(call.fault()));
-  if (output != nullptr) return sim::Refuse(call, "was given a handle", sim::kInvalidHandle);
-  if (volume == nullptr) return sim::Refuse(call, "was given no address", sim::kInvalidParameter);
+  if (output != nullptr) return sim::Refuse(call, "was given a handle", sim::kWaveInvalidHandle);
+  if (volume == nullptr)
+    return sim::Refuse(call, "was given no address", sim::kWaveInvalidParameter);
   *volume = call.kernel().hardware.audio.levels.volume;
   return static_cast<MMRESULT>(call.Answer(*volume));
 }
 
 MMRESULT waveOutSetVolume(HWAVEOUT output, DWORD volume) {
-  Call call(CallId::waveOutSetVolume);
+  Call call(CallId::waveOutSetVolume, [volume](Call&) { return fmt::format("0x{:08X}", volume); });
   if (call.fault() != 0) return static_cast<MMRESULT>(call.Fail(call.fault()));
-  if (output != nullptr) return sim::Refuse(call, "was given a handle", sim::kInvalidHandle);
+  if (output != nullptr) return sim::Refuse(call, "was given a handle", sim::kWaveInvalidHandle);
   call.kernel().hardware.audio.levels.volume = volume;
   call.Log(Effect::kAudio, fmt::format("volume 0x{:08X}", volume));
   return 0;
 }
 
 MMRESULT waveInMessage(HWAVEIN input, UINT message, uintptr_t parameter1, uintptr_t parameter2) {
-  Call call(CallId::waveInMessage);
+  Call call(CallId::waveInMessage, [message, parameter2](Call&) {
+    return message == sim::kSetGain ? fmt::format("gain {}", parameter2) : "gain asked";
+  });
   if (call.fault() != 0) return static_cast<MMRESULT>(call.Fail(call.fault()));
-  if (input != nullptr) return sim::Refuse(call, "was given a handle", sim::kInvalidHandle);
+  if (input != nullptr) return sim::Refuse(call, "was given a handle", sim::kWaveInvalidHandle);
   if ((message != sim::kSetGain && message != sim::kGetGain) || parameter1 != sim::kCodec) {
     return sim::Refuse(call, fmt::format("was given the message {:#x} for {}", message, parameter1),
-                       sim::kNotSupported);
+                       sim::kWaveNotSupported);
   }
   std::uint32_t& gain = call.kernel().hardware.audio.levels.gain;
   if (message == sim::kSetGain) {
@@ -101,7 +104,7 @@ MMRESULT waveInMessage(HWAVEIN input, UINT message, uintptr_t parameter1, uintpt
     answer = gain;
     return static_cast<MMRESULT>(call.Answer(answer));
   } else {
-    return sim::Refuse(call, "was given no address", sim::kInvalidParameter);
+    return sim::Refuse(call, "was given no address", sim::kWaveInvalidParameter);
   }
   return 0;
 }

@@ -20,11 +20,12 @@ ThreadState& RequireThread(CallId id) {
 
 }  // namespace
 
-Call::Call(CallId id)
+Call::Call(CallId id, const Subject& subject)
     : id_(id), thread_(RequireThread(id)), kernel_(thread_.process.kernel), lock_(kernel_.mutex) {
   kernel_.scheduler.MaybeYield(lock_, *thread_.strand);
   if (thread_.MustLeave()) throw ProcessKilled();
-  const Fault* fault = kernel_.faults.Count(id);
+  const Fault* fault =
+      kernel_.faults.Count(id, [&] { return subject ? subject(*this) : std::string(); });
   if (fault == nullptr) return;
   if (fault->kill) {
     kernel_.BeginKill(process());

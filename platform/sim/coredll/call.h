@@ -4,21 +4,26 @@
 #define PLATFORM_SIM_COREDLL_CALL_H_
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "platform/sim/kernel/kernel.h"
+#include "platform/sim/text.h"
 #include "platform/wince.h"
 
 namespace sim {
 
 class Call {
  public:
+  // Gives what a call is about, as Fault has it.
+  using Subject = std::function<std::string(Call& call)>;
+
   // Throws ProcessKilled where the process has ended, or where a fault ends it here. Aborts the
   // host's program, with a message, where the calling thread belongs to no device.
-  explicit Call(CallId id);
+  explicit Call(CallId id, const Subject& subject = {});
 
   [[nodiscard]] Kernel& kernel() { return kernel_; }
   [[nodiscard]] ThreadState& thread() { return thread_; }
@@ -80,6 +85,11 @@ class Call {
   LONG fault_ = 0;
   DWORD most_bytes_ = 0xFFFFFFFF;
 };
+
+// What a call by this name is about.
+inline Call::Subject Named(LPCWSTR name) {
+  return [name](Call&) { return name == nullptr ? std::string() : ToUtf8(name); };
+}
 
 // For a call that is not simulated: records misuse, and fails with ERROR_CALL_NOT_IMPLEMENTED.
 template <class Answer>

@@ -114,7 +114,10 @@ BOOL KernelIoControl(DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD ou
 
 BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
                      DWORD out_bytes, LPDWORD returned, LPOVERLAPPED overlapped) {
-  Call call(CallId::DeviceIoControl);
+  Call call(CallId::DeviceIoControl, [device, code](Call& asked) {
+    const auto object = asked.Find<sim::DriverObject>(device);
+    return object == nullptr ? std::string() : std::string(object->driver->CodeName(code));
+  });
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
   if (!call.IsNotOverlapped(overlapped)) return FALSE;
   const auto object = call.Find<sim::DriverObject>(device);

@@ -72,7 +72,7 @@ using sim::Effect;
 
 HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES /*security*/,
                    DWORD disposition, DWORD /*flags*/, HANDLE /*unused*/) {
-  Call call(CallId::CreateFileW);
+  Call call(CallId::CreateFileW, sim::Named(name));
   if (call.fault() != 0) return call.Fail(call.fault(), INVALID_HANDLE_VALUE);
   if (name == nullptr || disposition < CREATE_NEW || disposition > TRUNCATE_EXISTING) {
     return call.Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);

@@ -90,7 +90,7 @@ BOOL FreeLibrary(HMODULE module) {
 }
 
 FARPROC GetProcAddressW(HMODULE module, LPCWSTR name) {
-  Call call(CallId::GetProcAddressW);
+  Call call(CallId::GetProcAddressW, sim::Named(name));
   if (call.fault() != 0) return call.Fail<FARPROC>(call.fault(), nullptr);
   if (name == nullptr) return call.Fail<FARPROC>(ERROR_INVALID_PARAMETER, nullptr);
   const auto loaded = sim::FindLoaded(call, module);

@@ -50,6 +50,20 @@ bool IsReservedEmpty(Call& call, bool is_empty) {
   return is_empty;
 }
 
+// A key's path with the name of a value or the path of another key behind it, for faults.
+Call::Subject Below(HKEY key, LPCWSTR name = nullptr) {
+  return [key, name](Call& call) {
+    LONG error = ERROR_SUCCESS;
+    const auto from = KeyOf(call, key, error);
+    std::string path = from == nullptr ? std::string() : ToUtf8(from->Path());
+    return name == nullptr ? path : path + '\\' + ToUtf8(name);
+  };
+}
+
+Call::Subject Entry(HKEY key, DWORD index) {
+  return [key, index](Call& call) { return fmt::format("{}[{}]", Below(key)(call), index); };
+}
+
 std::string NamedValue(std::u16string_view name) {
   return name.empty() ? "@" : fmt::format("\"{}\"", ToUtf8(name));
 }
@@ -75,7 +89,7 @@ LONG CopyData(const RegistryValue& value, LPDWORD type, LPBYTE data, LPDWORD byt
   return ERROR_SUCCESS;
 }
 
-LONG Finish(Call& call, LONG error) {
+LONG GiveError(Call& call, LONG error) {
   return error == ERROR_SUCCESS ? ERROR_SUCCESS : call.Fail(error);
 }
 
@@ -87,7 +101,7 @@ using sim::CallId;
 using sim::Effect;
 
 LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHKEY result) {
-  Call call(CallId::RegOpenKeyExW);
+  Call call(CallId::RegOpenKeyExW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   if (result == nullptr || !sim::IsReservedEmpty(call, options == 0)) {
     return call.Fail(ERROR_INVALID_PARAMETER);
@@ -104,7 +118,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHK
 LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR /*key_class*/,
                      DWORD /*options*/, REGSAM /*access*/, LPSECURITY_ATTRIBUTES security,
                      PHKEY result, LPDWORD disposition) {
-  Call call(CallId::RegCreateKeyExW);
+  Call call(CallId::RegCreateKeyExW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable = result != nullptr && path != nullptr &&
                       sim::IsReservedEmpty(call, reserved == 0 && security == nullptr);
@@ -130,12 +144,12 @@ LONG RegCloseKey(HKEY key) {
     if (call.Find<sim::KeyObject>(key) == nullptr) return ERROR_INVALID_HANDLE;
     call.kernel().handles.Close(reinterpret_cast<std::uintptr_t>(key));
   }
-  return sim::Finish(call, call.fault());
+  return sim::GiveError(call, call.fault());
 }
 
 LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                       LPDWORD bytes) {
-  Call call(CallId::RegQueryValueExW);
+  Call call(CallId::RegQueryValueExW, sim::Below(key, name));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable =
       (data == nullptr || bytes != nullptr) && sim::IsReservedEmpty(call, reserved == nullptr);
@@ -148,12 +162,12 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LP
   const DWORD room = data == nullptr ? 0 : *bytes;
   error = sim::CopyData(*value, type, data, bytes);
   if (error == ERROR_SUCCESS && data != nullptr) error = call.Answer({data, room}, error, *bytes);
-  return sim::Finish(call, error);
+  return sim::GiveError(call, error);
 }
 
 LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD bytes) {
-  Call call(CallId::RegSetValueExW);
+  Call call(CallId::RegSetValueExW, sim::Below(key, name));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable = (data != nullptr || bytes == 0) && sim::IsReservedEmpty(call, reserved == 0);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
@@ -169,7 +183,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BY
 }
 
 LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
-  Call call(CallId::RegDeleteValueW);
+  Call call(CallId::RegDeleteValueW, sim::Below(key, name));
   if (call.fault() != 0) return call.Fail(call.fault());
   LONG error = ERROR_SUCCESS;
   const auto from = sim::KeyOf(call, key, error);
@@ -181,7 +195,7 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
 }
 
 LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
-  Call call(CallId::RegDeleteKeyW);
+  Call call(CallId::RegDeleteKeyW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   if (path == nullptr) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
@@ -204,7 +218,7 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
 
 LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPWSTR /*key_class*/, LPDWORD /*class_units*/, FILETIME* /*last_write*/) {
-  Call call(CallId::RegEnumKeyExW);
+  Call call(CallId::RegEnumKeyExW, sim::Entry(key, index));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable =
       name != nullptr && name_units != nullptr && sim::IsReservedEmpty(call, reserved == nullptr);
@@ -213,12 +227,12 @@ LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
   const auto from = sim::KeyOf(call, key, error);
   if (from == nullptr) return call.Fail(error);
   if (index >= from->keys().size()) return call.Fail(ERROR_NO_MORE_ITEMS);
-  return sim::Finish(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
+  return sim::GiveError(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
 }
 
 LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWORD reserved,
                    LPDWORD type, LPBYTE data, LPDWORD bytes) {
-  Call call(CallId::RegEnumValueW);
+  Call call(CallId::RegEnumValueW, sim::Entry(key, index));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable = name != nullptr && name_units != nullptr &&
                       (data == nullptr || bytes != nullptr) &&
@@ -231,11 +245,11 @@ LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
   const sim::RegistryValue& value = from->values()[index];
   error = sim::CopyName(value.name, name, *name_units);
   if (error == ERROR_SUCCESS) error = sim::CopyData(value, type, data, bytes);
-  return sim::Finish(call, error);
+  return sim::GiveError(call, error);
 }
 
 LONG RegFlushKey(HKEY key) {
-  Call call(CallId::RegFlushKey);
+  Call call(CallId::RegFlushKey, sim::Below(key));
   if (call.fault() != 0) return call.Fail(call.fault());
   LONG error = ERROR_SUCCESS;
   const auto flushed = sim::KeyOf(call, key, error);

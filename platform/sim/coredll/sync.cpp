@@ -56,7 +56,7 @@ BOOL ReleaseMutex(HANDLE handle) {
 
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES /*security*/, BOOL manual_reset, BOOL initial_state,
                     LPCWSTR name) {
-  Call call(CallId::CreateEventW);
+  Call call(CallId::CreateEventW, sim::Named(name));
   if (call.fault() != 0) return call.Fail<HANDLE>(call.fault(), nullptr);
   const std::u16string text(name == nullptr ? u"" : name);
   bool existed = false;

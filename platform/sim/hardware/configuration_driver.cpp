@@ -3,7 +3,6 @@
 namespace sim {
 namespace {
 
-constexpr std::uint32_t kInvalidParameter = 87;
 constexpr std::uint32_t kInsufficientBuffer = 122;
 
 }  // namespace
@@ -15,7 +14,7 @@ std::string_view ConfigurationDriver::CodeName(std::uint32_t code) const {
 
 std::uint32_t ConfigurationDriver::Control(DriverRequest& request) {
   if (request.code == kSetBootOption) {
-    if (request.in_bytes > 0xFF) return kInvalidParameter;
+    if (request.in_bytes > 0xFF) return kDriverInvalidParameter;
     set_option_ = static_cast<std::uint8_t>(request.in_bytes);
     return 0;
   }

@@ -12,6 +12,9 @@
 
 namespace sim {
 
+// What a driver answers to a request that is not as it should be.
+inline constexpr std::uint32_t kDriverInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
+
 // One I/O control. The answer is written into `out`, as far as it has room.
 struct DriverRequest {
   std::uint32_t code;

@@ -6,19 +6,17 @@
 namespace sim {
 namespace {
 
-constexpr std::uint32_t kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
-
-struct CodeRow {
+struct OneWireCode {
   std::uint32_t code;
   std::string_view name;
 };
 
-constexpr std::array kCodes{
-    CodeRow{OneWireBus::kSearch, "search"},
-    CodeRow{OneWireBus::kGetDeviceCount, "get device count"},
-    CodeRow{OneWireBus::kGetDeviceId, "get device id"},
-    CodeRow{OneWireBus::kGetMemorySize, "get memory size"},
-    CodeRow{OneWireBus::kReadMemory, "read memory"},
+constexpr std::array kOneWireCodes{
+    OneWireCode{OneWireBus::kSearch, "search"},
+    OneWireCode{OneWireBus::kGetDeviceCount, "get device count"},
+    OneWireCode{OneWireBus::kGetDeviceId, "get device id"},
+    OneWireCode{OneWireBus::kGetMemorySize, "get memory size"},
+    OneWireCode{OneWireBus::kReadMemory, "read memory"},
 };
 
 constexpr std::uint8_t kIdleBus = 0xFF;  // the byte that is read where no device answers
@@ -35,8 +33,8 @@ struct OneWireBus::Record {
 };
 
 std::string_view OneWireBus::CodeName(std::uint32_t code) const {
-  const auto* const row = std::ranges::find(kCodes, code, &CodeRow::code);
-  return row == kCodes.end() ? std::string_view() : row->name;
+  const auto* const row = std::ranges::find(kOneWireCodes, code, &OneWireCode::code);
+  return row == kOneWireCodes.end() ? std::string_view() : row->name;
 }
 
 const OneWireFailure* OneWireBus::Due(std::uint32_t code) {
@@ -53,7 +51,7 @@ const OneWireFailure* OneWireBus::Due(std::uint32_t code) {
 std::uint32_t OneWireBus::Control(DriverRequest& request) {
   static_assert(sizeof(Record) == 280);
   if (request.in.size() != sizeof(Record) || request.out.size() != sizeof(Record)) {
-    return kInvalidParameter;
+    return kDriverInvalidParameter;
   }
   Record record;
   std::memcpy(&record, request.in.data(), sizeof(record));
@@ -88,7 +86,7 @@ void OneWireBus::AnswerForDevice(std::uint32_t code, Record& record) const {
   if (code == kGetMemorySize) record.bytes = static_cast<std::uint32_t>(device.memory.size());
   if (code != kReadMemory) return;
   if (record.bytes > record.memory.size()) {
-    record.status = kInvalidParameter;
+    record.status = kDriverInvalidParameter;
     return;
   }
   for (std::uint32_t at = 0; at < record.bytes; ++at) {

@@ -11,9 +11,7 @@
 namespace sim {
 namespace {
 
-constexpr std::uint32_t kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
-
-struct CodeRow {
+struct ScanCode {
   std::uint32_t code;
   std::string_view name;
   bool ScanEngineState::*member;
@@ -21,37 +19,37 @@ struct CodeRow {
   std::array<std::string_view, 2> changes;  // cleared, set
 };
 
-constexpr std::array kCodes{
-    CodeRow{ScanDriver::kSetDownload,
-            "set download",
-            &ScanEngineState::is_downloading,
-            1,
-            {"in normal operation", "in flash download"}},
-    CodeRow{ScanDriver::kSetPower,
-            "set power",
-            &ScanEngineState::has_power,
-            1,
-            {"power off", "power on"}},
-    CodeRow{ScanDriver::kEnable,
-            "enable",
-            &ScanEngineState::is_enabled,
-            1,
-            {"scanning disabled", "scanning enabled"}},
-    CodeRow{ScanDriver::kSetTrigger,
-            "set trigger",
-            &ScanEngineState::is_triggered,
-            1,
-            {"trigger released", "trigger pulled"}},
-    CodeRow{ScanDriver::kSetSpiClock,
-            "set SPI clock",
-            &ScanEngineState::is_triggered,
-            0,
-            {"trigger released", "trigger pulled"}},
+constexpr std::array kScanCodes{
+    ScanCode{ScanDriver::kSetDownload,
+             "set download",
+             &ScanEngineState::is_downloading,
+             1,
+             {"in normal operation", "in flash download"}},
+    ScanCode{ScanDriver::kSetPower,
+             "set power",
+             &ScanEngineState::has_power,
+             1,
+             {"power off", "power on"}},
+    ScanCode{ScanDriver::kEnable,
+             "enable",
+             &ScanEngineState::is_enabled,
+             1,
+             {"scanning disabled", "scanning enabled"}},
+    ScanCode{ScanDriver::kSetTrigger,
+             "set trigger",
+             &ScanEngineState::is_triggered,
+             1,
+             {"trigger released", "trigger pulled"}},
+    ScanCode{ScanDriver::kSetSpiClock,
+             "set SPI clock",
+             &ScanEngineState::is_triggered,
+             0,
+             {"trigger released", "trigger pulled"}},
 };
 
-const CodeRow* FindCode(std::uint32_t code) {
-  const auto* const row = std::ranges::find(kCodes, code, &CodeRow::code);
-  return row == kCodes.end() ? nullptr : row;
+const ScanCode* FindCode(std::uint32_t code) {
+  const auto* const row = std::ranges::find(kScanCodes, code, &ScanCode::code);
+  return row == kScanCodes.end() ? nullptr : row;
 }
 
 // The 0 or 1 that a request holds in 32 bits; nothing for any other request.
@@ -71,7 +69,7 @@ void ScanDriver::ChangeTo(const ScanEngineState& state) {
 }
 
 std::string_view ScanDriver::CodeName(std::uint32_t code) const {
-  const CodeRow* row = FindCode(code);
+  const ScanCode* row = FindCode(code);
   return row == nullptr ? std::string_view() : row->name;
 }
 
@@ -80,9 +78,9 @@ std::string ScanDriver::Describe(const DriverRequest& request) const {
 }
 
 std::uint32_t ScanDriver::Control(DriverRequest& request) {
-  const CodeRow& row = *FindCode(request.code);
+  const ScanCode& row = *FindCode(request.code);
   const std::optional<std::uint32_t> value = ValueOf(request);
-  if (!value || !request.out.empty()) return kInvalidParameter;
+  if (!value || !request.out.empty()) return kDriverInvalidParameter;
   const bool is_set = *value == row.value_when_set;
   ScanEngineState state = state_;
   state.*row.member = is_set;

@@ -9,20 +9,18 @@
 namespace sim {
 namespace {
 
-constexpr std::uint32_t kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
-
 constexpr std::size_t kNameUnits = 128;
 constexpr std::size_t kRecordUnits = kNameUnits + 250;
 
-struct CodeRow {
+struct UsbCode {
   std::uint32_t code;
   std::string_view name;
 };
 
-constexpr std::array kCodes{
-    CodeRow{UsbFunctionBus::kGetCurrentClient, "get current client"},
-    CodeRow{UsbFunctionBus::kSetDefaultClient, "set default client"},
-    CodeRow{UsbFunctionBus::kSetCurrentClient, "set current client"},
+constexpr std::array kUsbCodes{
+    UsbCode{UsbFunctionBus::kGetCurrentClient, "get current client"},
+    UsbCode{UsbFunctionBus::kSetDefaultClient, "set default client"},
+    UsbCode{UsbFunctionBus::kSetCurrentClient, "set current client"},
 };
 
 // The name in a request; nothing where the request is not 256 bytes with a terminator.
@@ -55,8 +53,8 @@ const UsbFunctionClient* UsbFunctionBus::Find(std::string_view client) const {
 }
 
 std::string_view UsbFunctionBus::CodeName(std::uint32_t code) const {
-  const auto* const row = std::ranges::find(kCodes, code, &CodeRow::code);
-  return row == kCodes.end() ? std::string_view() : row->name;
+  const auto* const row = std::ranges::find(kUsbCodes, code, &UsbCode::code);
+  return row == kUsbCodes.end() ? std::string_view() : row->name;
 }
 
 std::string UsbFunctionBus::Describe(const DriverRequest& request) const {
@@ -68,7 +66,7 @@ std::string UsbFunctionBus::Describe(const DriverRequest& request) const {
 std::uint32_t UsbFunctionBus::Control(DriverRequest& request) {
   if (request.code == kGetCurrentClient) return TellCurrentClient(request);
   const std::optional<std::string> name = NameOf(request);
-  if (!name) return kInvalidParameter;
+  if (!name) return kDriverInvalidParameter;
   const UsbFunctionClient* client = Find(*name);
   if (client == nullptr) return kNoSuchClient;
   if (request.code == kSetCurrentClient && client->error != 0) return client->error;
@@ -79,7 +77,7 @@ std::uint32_t UsbFunctionBus::Control(DriverRequest& request) {
 std::uint32_t UsbFunctionBus::TellCurrentClient(DriverRequest& request) const {
   std::array<char16_t, kRecordUnits> record{};
   static_assert(sizeof(record) == 756);
-  if (request.out.size() != sizeof(record)) return kInvalidParameter;
+  if (request.out.size() != sizeof(record)) return kDriverInvalidParameter;
   const std::u16string name = told_name_ ? *told_name_ : ToUtf16(current_);
   std::ranges::copy(name.substr(0, record.size()), record.begin());
   std::memcpy(request.out.data(), record.data(), sizeof(record));

@@ -37,12 +37,13 @@ void Faults::Plan(Fault fault) {
   plans_.push_back(std::move(planned));
 }
 
-const Fault* Faults::Count(CallId id) {
+const Fault* Faults::Count(CallId id, const std::function<std::string()>& subject) {
   ++counts_[static_cast<std::size_t>(id)];
   ++total_;
   const Fault* due = nullptr;
   for (Planned& planned : plans_) {
     if (planned.id && *planned.id != id) continue;
+    if (!planned.fault.on.empty() && !subject().ends_with(planned.fault.on)) continue;
     ++planned.seen;
     const bool now = planned.fault.from_then_on ? planned.seen >= planned.fault.nth
                                                 : planned.seen == planned.fault.nth;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -32,8 +33,9 @@ class Faults {
     faulted_.clear();
   }
 
-  // Counts a call. Returns the fault that is planned for it, or nullptr.
-  const Fault* Count(CallId id);
+  // Counts a call. Returns the fault that is planned for it, or nullptr. `subject` is asked where a
+  // plan has one.
+  const Fault* Count(CallId id, const std::function<std::string()>& subject);
   // The calls that had a fault, in their order, since the plans were cleared.
   [[nodiscard]] const std::vector<CallId>& faulted() const { return faulted_; }
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }

@@ -42,11 +42,11 @@ Statement ParseStatement(const Words& line) {
 bool TakeHeading(Scenario& scenario, const Statement& statement, std::string_view line) {
   if (statement.form->play != nullptr) return false;
   // Prose keeps its quotes and blanks.
-  constexpr std::string_view kBlanks = " \t\r";
-  line.remove_prefix(line.find_first_not_of(kBlanks));
-  line.remove_prefix(std::min(line.find_first_of(kBlanks), line.size()));
-  line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
-  const std::string text(line.substr(0, line.find_last_not_of(kBlanks) + 1));
+  constexpr std::string_view kSpaces = " \t\r";
+  line.remove_prefix(line.find_first_not_of(kSpaces));
+  line.remove_prefix(std::min(line.find_first_of(kSpaces), line.size()));
+  line.remove_prefix(std::min(line.find_first_not_of(kSpaces), line.size()));
+  const std::string text(line.substr(0, line.find_last_not_of(kSpaces) + 1));
   const std::string_view name = statement.filled.parts().front().first;
   if (name == "TITLE") scenario.title = text;
   if (name == "ABOUT") scenario.about.push_back(text);

@@ -10,7 +10,7 @@
 namespace palsim {
 namespace {
 
-constexpr ScaleSizes kSizes{.width = 880, .least_interval = 10, .gap = 68};
+constexpr ScaleSizes kChartSizes{.width = 880, .least_interval = 10, .gap = 68};
 constexpr double kLeft = 58;  // before the axis begins: the levels before the run
 constexpr double kMargin = 8;
 constexpr double kRight = 160;  // for the last labels
@@ -37,8 +37,8 @@ std::string NumberLabel(std::uint32_t value) {
 
 Chart::Chart(const Timeline& timeline)
     : timeline_(timeline),
-      scale_(MomentsOf(timeline), kSizes),
-      width_(kLeft + std::max(kSizes.width, scale_.width()) + kRight),
+      scale_(MomentsOf(timeline), kChartSizes),
+      width_(kLeft + std::max(kChartSizes.width, scale_.width()) + kRight),
       top_(kAxisHeight) {
   AddOutside();
   AddProcesses();

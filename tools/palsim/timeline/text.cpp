@@ -15,7 +15,7 @@ namespace {
 using sim::Effect;
 
 constexpr std::size_t kLabelWidth = 22;
-constexpr ScaleSizes kSizes{.width = 72, .least_interval = 2, .gap = 5};
+constexpr ScaleSizes kTextSizes{.width = 72, .least_interval = 2, .gap = 5};
 
 constexpr std::array kForTheLogAlone{Effect::kTrace, Effect::kModule, Effect::kDebug};
 
@@ -194,7 +194,7 @@ std::string ReadableText(const sim::JournalEntry& entry) {
 }
 
 std::string TimelineText(const Timeline& timeline) {
-  const TimeScale scale(MomentsOf(timeline), kSizes);
+  const TimeScale scale(MomentsOf(timeline), kTextSizes);
   std::string text = timeline.run.title + "\n";
   for (const std::string& about : timeline.run.about) text += Wrapped(about);
   text += "\n" + AxisLine(scale) + ProcessLines(timeline, scale) + MutexLines(timeline, scale) +
