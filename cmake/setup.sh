@@ -22,16 +22,20 @@ install_packages() {
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [TARGET...]: installs and configures where need be, builds, and is silent unless it fails.
-build() {
-  local preset=$1 log
-  shift
+# configure PRESET: installs what is missing, and configures a build that is not there yet.
+configure() {
+  local log=build/$1.log
   install_packages "${packages[@]}"
-  log=build/$preset.log
   mkdir -p build
-  if [ ! -f "build/$preset/build.ninja" ]; then
-    echo "Configuring $preset"
-    cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; exit 1; }
-  fi
+  [ ! -f "build/$1/build.ninja" ] || return 0
+  echo "Configuring $1"
+  cmake --preset "$1" >"$log" 2>&1 || { cat "$log"; exit 1; }
+}
+
+# build PRESET [TARGET...]: configures where need be, builds, and is silent unless it fails.
+build() {
+  local preset=$1 log=build/$1.log
+  shift
+  configure "$preset"
   cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log"; exit 1; }
 }

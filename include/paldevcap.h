@@ -69,9 +69,9 @@ typedef enum PALCapabilityState {
  * @param name  The name of the capability, as null-terminated 8-bit text. No capability has a name
  *              of more than 127 characters.
  *
- * @retval PAL_CAPABILITY_NOT_DETERMINED  The name has more than 127 characters, or it is none of the
- *                       ten and no plug-in has it. Or, for the internal scanner and the camera: the
- *                       code of the device has no type.
+ * @retval PAL_CAPABILITY_NOT_DETERMINED  The name has more than 127 characters, or it is none of
+ * the ten and no plug-in has it. Or, for the internal scanner and the camera: the code of the
+ * device has no type.
  * @retval PAL_CAPABILITY_INSTALLED      The capability is installed.
  * @retval PAL_CAPABILITY_NOT_INSTALLED  The capability is not installed.
  * @retval PAL_CAPABILITY_ERROR  @p name is null; or the name is none of the ten and there was no

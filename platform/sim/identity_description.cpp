@@ -16,7 +16,7 @@ constexpr std::string_view kAnswer =
 
 // The value of a key that may be missing.
 void ReadOptional(const Part& part, const toml::table& table, std::string_view key,
-                std::uint32_t& number) {
+                  std::uint32_t& number) {
   if (const toml::node* node = table.get(key)) number = part.Number(*node);
 }
 

@@ -16,12 +16,12 @@ constexpr std::array kResults{
 #include "contract.inc"
 };
 
-struct Answer {
+struct ResultRow {
   std::string_view export_name;
   ResultName result;
 };
 
-constexpr auto kAnswers = std::to_array<Answer>({
+constexpr auto kAnswers = std::to_array<ResultRow>({
 #define PAL_CONTRACT_ANSWER(export_name, name, code, mask) {export_name, {name, code, mask}},
 #include "contract.inc"
 });
@@ -52,7 +52,7 @@ std::span<const ResultName> ResultNames() {
 
 std::vector<ResultName> AnswersOf(std::string_view export_name) {
   std::vector<ResultName> results;
-  for (const Answer& answer : kAnswers) {
+  for (const ResultRow& answer : kAnswers) {
     if (answer.export_name == export_name) results.push_back(answer.result);
   }
   return results;
