@@ -45,10 +45,13 @@ class OpenCommand {
   [[nodiscard]] bool SetProgram(WideText program);
 
  private:
+  [[nodiscard]] std::span<BYTE> Bytes() {
+    return {reinterpret_cast<BYTE*>(text_.data()), kMaxCommandBytes};
+  }
+
   const WCHAR* path_;
   UniqueRegistryKey key_;
-  DWORD type_ = REG_NONE;
-  DWORD bytes_ = 0;
+  StoredValue stored_;
   // With room for the end of a command that is stored without one.
   std::array<WCHAR, kMaxCommandBytes / sizeof(WCHAR) + 1> text_{};
 };
@@ -56,19 +59,17 @@ class OpenCommand {
 LONG OpenCommand::Read(REGSAM access) {
   LONG error = OpenRegistryKey(HKEY_CLASSES_ROOT, path_, access, key_);
   if (error != ERROR_SUCCESS) {
-    // The line names another root than the key's: kept so.
+    // The line names another root than the key's. Readers of the log know it so.
     kTrace.Error("Failed to open HKLM\\%ls. dwRet = %u", path_, error);
     return error;
   }
-  bytes_ = kMaxCommandBytes;
-  error = RegQueryValueExW(key_.get(), nullptr, nullptr, &type_,
-                           reinterpret_cast<BYTE*>(text_.data()), &bytes_);
+  error = ReadBytes(key_, nullptr, Bytes(), stored_);
   if (error != ERROR_SUCCESS) TraceReadFailure(path_, error);
   return error;
 }
 
 bool OpenCommand::SetProgram(WideText program) {
-  const std::span<WCHAR> stored = std::span(text_).first(bytes_ / sizeof(WCHAR));
+  const std::span<WCHAR> stored = std::span(text_).first(stored_.bytes / sizeof(WCHAR));
   if (Length<WCHAR>(stored) < kProgramLength) {
     TraceReadFailure(path_, ERROR_INVALID_DATA);
     return false;
@@ -78,8 +79,7 @@ bool OpenCommand::SetProgram(WideText program) {
 }
 
 LONG OpenCommand::Write() {
-  const LONG error = RegSetValueExW(key_.get(), nullptr, 0, type_,
-                                    reinterpret_cast<const BYTE*>(text_.data()), bytes_);
+  const LONG error = WriteBytes(key_, nullptr, Bytes().first(stored_.bytes), stored_.type);
   if (error != ERROR_SUCCESS) {
     const WCHAR* const command = text_.data();
     kTrace.Error("Error writing %ls to HKEY_CLASSES_ROOT\\%ls. dwRet = %u", command, path_, error);

@@ -24,7 +24,7 @@ HRESULT PalGetEtherMACAddress(char* buffer, DWORD* length) {
                          GetLastError());
     return S_OK;
   }
-  // A byte below 0x10 gives one digit, on purpose.
+  // A byte below 0x10 gives one digit only. Callers know the text in this form.
   char text[2 * kAddressBytes];
   char* end = text;
   for (const BYTE byte : std::span(answer).first(kAddressBytes)) {
