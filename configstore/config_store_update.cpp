@@ -1,5 +1,4 @@
-#include "configstore/config_store_update.h"
-
+// Writing the settings of the configuration store to the registry.
 #include <charconv>
 #include <cstring>
 #include <iterator>
@@ -60,12 +59,10 @@ void TraceValue(const DcecfgKeyRecord& record) {
   kTrace.Info("%s:%s=%s", record.key_path, record.value_name, text);
 }
 
-HRESULT UpdateRegistry() {
+// Where there is no memory for the parser nothing is written, and this is no failure.
+void UpdateRegistry() {
   const std::unique_ptr<CDCECFGParser> parser(new (std::nothrow_t{}) CDCECFGParser);
-  if (parser == nullptr) return S_OK;
-  HRESULT result = parser->Load();
-  if (Succeeded(result)) result = parser->ParseFile();
-  if (Failed(result)) return result;
+  if (parser == nullptr || Failed(parser->Load()) || Failed(parser->ParseFile())) return;
   if (parser->record_count() > 0) {
     kTrace.Info("Setting %d registry keys from Config Store.", parser->record_count());
   }
@@ -73,23 +70,20 @@ HRESULT UpdateRegistry() {
     WriteValue(record);
     TraceValue(record);
   }
-  return result;
+}
+
+void ConfigStoreRegUpdate() {
+  kTrace.Info("Entry ConfigStoreRegUpdate()");
+  UpdateRegistry();
+  kTrace.Info("Exit ConfigStoreRegUpdate()");
 }
 
 }  // namespace
-
-HRESULT ConfigStoreRegUpdate() {
-  kTrace.Info("Entry ConfigStoreRegUpdate()");
-  const HRESULT result = UpdateRegistry();
-  kTrace.Info("Exit ConfigStoreRegUpdate()");
-  return result;
-}
-
 }  // namespace pal
 
 HRESULT PALAPI PALMFGOpt_ConfigStoreRegUpdate() {
   pal::kTrace.Info("Entry PALMFGOpt_ConfigStoreRegUpdate");
-  static_cast<void>(pal::ConfigStoreRegUpdate());
+  pal::ConfigStoreRegUpdate();
   pal::kTrace.Info("Exit PALMFGOpt_ConfigStoreRegUpdate");
   return S_OK;
 }

@@ -1,9 +1,9 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <utility>
 
 #include "configstore/registry_file.h"
-#include "configstore/registry_tree.h"
 #include "frame/registry.h"
 #include "frame/text.h"
 #include "frame/trace.h"
@@ -35,6 +35,51 @@ constexpr std::array<const WCHAR*, 12> kReplacedTrees = {
     TEXT("\\Software\\Dravonel\\SRRegComComponents"),
     TEXT("\\Software\\Dravonel\\VersionedFiles"),
 };
+
+struct KeyName {
+  WCHAR text[MAX_PATH];
+};
+
+LONG FirstSubkey(HKEY key, KeyName& name) {
+  DWORD units = MAX_PATH;
+  return RegEnumKeyExW(key, 0, name.text, &units, nullptr, nullptr, nullptr, nullptr);
+}
+
+// Walks down to the first key without subkeys and deletes it; ERROR_NO_MORE_ITEMS where the tree's
+// own key has none left. A walk for each key instead of recursion takes the same stack however deep
+// the tree is.
+LONG DeleteFirstLeaf(HKEY root, const WCHAR* path) {
+  UniqueRegistryKey parent;
+  LONG error = OpenRegistryKey(root, path, KEY_ALL_ACCESS, parent);
+  if (error != ERROR_SUCCESS) return error;
+  KeyName names[2];
+  KeyName* name = &names[0];
+  KeyName* next = &names[1];
+  error = FirstSubkey(parent.get(), *name);
+  while (error == ERROR_SUCCESS) {
+    UniqueRegistryKey child;
+    error = OpenRegistryKey(parent.get(), name->text, KEY_ALL_ACCESS, child);
+    if (error != ERROR_SUCCESS) return error;
+    error = FirstSubkey(child.get(), *next);
+    if (error == ERROR_NO_MORE_ITEMS) {
+      child.Reset();
+      return RegDeleteKeyW(parent.get(), name->text);
+    }
+    parent = std::move(child);
+    std::swap(name, next);
+  }
+  return error;
+}
+
+// Deletes a key with all below it. Stops at the first key that cannot be opened, listed or deleted,
+// and then leaves it with all above it. A key that is missing is no error.
+void DeleteRegistryTree(const WCHAR* path) {
+  LONG error = ERROR_SUCCESS;
+  while (error == ERROR_SUCCESS) error = DeleteFirstLeaf(HKEY_LOCAL_MACHINE, path);
+  if (error == ERROR_NO_MORE_ITEMS) {
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, WithoutLeadingBackslash(path));
+  }
+}
 
 bool BuildPath(std::span<WCHAR> path, const WCHAR* directory, const WCHAR* file_name) {
   return Copy(path, directory) && Append(path, TEXT("\\")) && Append(path, file_name);
@@ -102,9 +147,7 @@ HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_nam
   if (store && IsUnchanged(store, file_name, checksum)) return S_OK;
 
   if (clear_trees != 0) {
-    for (const WCHAR* const tree : kReplacedTrees) {
-      DeleteRegistryTree(HKEY_LOCAL_MACHINE, tree);
-    }
+    for (const WCHAR* const tree : kReplacedTrees) DeleteRegistryTree(tree);
   }
   const HRESULT result = Import(path, file_name);
   if (result == S_OK) StoreChecksum(store, file_name, checksum);

@@ -19,14 +19,6 @@ struct RootFlush {
   TraceSource::Format<LONG> failure;
 };
 
-void Announce(const RootFlush& flush) {
-  if (flush.announced_as == Severity::kError) {
-    kTrace.Error(flush.announcement);
-  } else {
-    kTrace.Info(flush.announcement);
-  }
-}
-
 // The other roots are flushed also where one fails.
 HRESULT FlushRoots() {
   const RootFlush flushes[] = {
@@ -42,7 +34,7 @@ HRESULT FlushRoots() {
   };
   HRESULT result = S_OK;
   for (const RootFlush& flush : flushes) {
-    Announce(flush);
+    kTrace.Write(flush.announced_as, flush.announcement);
     const LONG error = RegFlushKey(flush.root);
     if (error == ERROR_SUCCESS) continue;
     kTrace.Error(flush.failure, error);

@@ -4,9 +4,9 @@
 #include <array>
 #include <span>
 
-#include "display/display_trace.h"
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/paldisp.h"
 
 namespace pal {
@@ -19,16 +19,14 @@ constexpr std::array<DWORD, 5> kBrightnessLevels{1, 2, 3, 4, 5};
 constexpr std::array<DWORD, 3> kKeypadModes{0, 2, 4};
 constexpr std::array<DWORD, 2> kKeypadThresholds{0, 1};
 
-// The display's lines are all informational, also those that say ERROR: log filters rely on it.
-enum class FailureSeverity : DWORD { kInfo, kError };
-
 using NumberFormat = TraceSource::Format<DWORD>;
 
 struct LevelSetting {
   const WCHAR* key;  // under HKEY_CURRENT_USER
   const WCHAR* value_name;
   std::span<const DWORD> accepted;
-  FailureSeverity failure_severity;
+  // The display's lines are all informational, also those that say ERROR: log filters rely on it.
+  Severity failure_severity;
   NumberFormat invalid;
   NumberFormat set;
   // Two of these lines name another value than the one that is written; log readers match them.
@@ -41,7 +39,7 @@ constexpr LevelSetting kDisplayAmbient{
     kDisplayKey,
     TEXT("AmbientDeltaIndex"),
     kBrightnessLevels,
-    FailureSeverity::kInfo,
+    Severity::kInfo,
     "SetDisplayBrightnessAmbient - ERROR level invalid user_level: 0x%x\r\n",
     "SetDisplayBrightnessAmbient - cur_level: %d\r\n",
     "SetDisplayBrightnessAmbient - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
@@ -52,7 +50,7 @@ constexpr LevelSetting kLowLightDelta{
     kDisplayKey,
     TEXT("AmbientDeltaIndexLow"),
     kBrightnessLevels,
-    FailureSeverity::kInfo,
+    Severity::kInfo,
     "PALDISPSetLowLightDisplayBrightnessDelta - ERROR level invalid user_level: 0x%x\r\n",
     "PALDISPSetLowLightDisplayBrightnessDelta - cur_level: %d\r\n",
     "PALDISPSetLowLightDisplayBrightnessDelta - ERROR setting reg key AmbientDeltaIndexLow. "
@@ -64,7 +62,7 @@ constexpr LevelSetting kBrightLightDelta{
     kDisplayKey,
     TEXT("AmbientDeltaIndexHigh"),
     kBrightnessLevels,
-    FailureSeverity::kInfo,
+    Severity::kInfo,
     "PALDISPSetBrightLightDisplayBrightnessDelta - ERROR level invalid user_level: 0x%x\r\n",
     "PALDISPSetBrightLightDisplayBrightnessDelta - cur_level: %d\r\n",
     "PALDISPSetBrightLightDisplayBrightnessDelta - ERROR setting reg key AmbientDeltaIndexHigh. "
@@ -76,7 +74,7 @@ constexpr LevelSetting kKeypadMode{
     kKeypadKey,
     TEXT("Mode"),
     kKeypadModes,
-    FailureSeverity::kError,
+    Severity::kError,
     "SetKeypadBacklightMode - ERROR level invalid user_level: 0x%x\r\n",
     "SetKeypadBacklightMode - cur_level: %d\r\n",
     "SetKeypadBacklightMode - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
@@ -87,30 +85,23 @@ constexpr LevelSetting kKeypadAmbient{
     kKeypadKey,
     TEXT("AmbientThreshold"),
     kKeypadThresholds,
-    FailureSeverity::kError,
+    Severity::kError,
     "SetKeypadBacklightAmbient - ERROR level invalid user_level: 0x%x\r\n",
     "SetKeypadBacklightAmbient - cur_level: %d\r\n",
     "SetKeypadBacklightAmbient - ERROR setting reg key AmbientDeltaIndex. hr: 0x%x\r\n",
     "GetKeypadBacklightAmbient - ERROR reading level. hr: 0x%x\r\n",
     "GetKeypadBacklightAmbient - cur_level: %d\r\n"};
 
-void TraceFailure(const LevelSetting& setting, NumberFormat line, DWORD number) {
-  if (setting.failure_severity == FailureSeverity::kError) {
-    kDisplayTrace.Error(line, number);
-  } else {
-    kDisplayTrace.Info(line, number);
-  }
-}
-
 HRESULT Set(const LevelSetting& setting, DWORD level) {
   if (std::ranges::find(setting.accepted, level) == setting.accepted.end()) {
-    TraceFailure(setting, setting.invalid, level);
+    kDisplayTrace.Write(setting.failure_severity, setting.invalid, level);
     return E_FAIL;
   }
   kDisplayTrace.Info(setting.set, level);
   const HRESULT result = PALRegSetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
   if (Succeeded(result)) return result;
-  TraceFailure(setting, setting.write_failed, static_cast<DWORD>(PAL_DISP_E_WRITE_FAILED));
+  kDisplayTrace.Write(setting.failure_severity, setting.write_failed,
+                      static_cast<DWORD>(PAL_DISP_E_WRITE_FAILED));
   return PAL_DISP_E_WRITE_FAILED;
 }
 
@@ -118,7 +109,7 @@ HRESULT Get(const LevelSetting& setting, DWORD* level) {
   if (level == nullptr) return E_FAIL;
   const HRESULT result = PALRegGetDword(HKEY_CURRENT_USER, setting.key, setting.value_name, level);
   if (Failed(result)) {
-    TraceFailure(setting, setting.read_failed, static_cast<DWORD>(result));
+    kDisplayTrace.Write(setting.failure_severity, setting.read_failed, static_cast<DWORD>(result));
     return result;
   }
   kDisplayTrace.Info(setting.get, *level);

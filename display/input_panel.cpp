@@ -1,7 +1,7 @@
 // How the soft input panel is docked.
-#include "display/display_trace.h"
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/paldisp.h"
 
 namespace pal {

@@ -1,11 +1,10 @@
-#include "display/orientation.h"
-
+// The rotation of the screen.
 #include <algorithm>
 #include <array>
 
-#include "display/display_trace.h"
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/paldisp.h"
 
 namespace pal {
@@ -25,8 +24,6 @@ DEVMODEW OrientationMode(DWORD code) {
   mode.dmDisplayOrientation = code;
   return mode;
 }
-
-}  // namespace
 
 HRESULT PALSetScreenOrientation(LONG angle) {
   kDisplayTrace.Info("PALDISPSetOrientation - PALSetScreenOrientation(%d)\r\n", angle);
@@ -70,6 +67,7 @@ HRESULT PALGetScreenOrientation(LONG* angle) {
   return S_OK;
 }
 
+}  // namespace
 }  // namespace pal
 
 HRESULT PALAPI PALDISPSetOrientation(LONG angle) {

@@ -1,6 +1,6 @@
 // The click of a tap on the screen.
-#include "display/display_trace.h"
 #include "frame/tap_volume.h"
+#include "frame/trace.h"
 #include "include/paldisp.h"
 
 namespace pal {

@@ -58,22 +58,20 @@ struct Levels {
   std::optional<DWORD> gain;
 };
 
-Levels ReadLevels() {
-  Levels levels;
+std::optional<DWORD> ReadLevel(HRESULT (*get)(DWORD& level), TraceSource::Format<HRESULT> failed) {
   DWORD level = 0;
-  HRESULT result = PALBEEPGetCurSysVol(level);
-  if (Succeeded(result)) {
-    levels.volume = level;
-  } else {
-    kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurSysVol()", result);
-  }
-  result = PALBEEPGetCurGain(level);
-  if (Succeeded(result)) {
-    levels.gain = level;
-  } else {
-    kTrace.Error("PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurGain()", result);
-  }
-  return levels;
+  const HRESULT result = get(level);
+  if (Succeeded(result)) return level;
+  kTrace.Error(failed, result);
+  return std::nullopt;
+}
+
+Levels ReadLevels() {
+  return {
+      .volume =
+          ReadLevel(&PALBEEPGetCurSysVol, "PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurSysVol()"),
+      .gain = ReadLevel(&PALBEEPGetCurGain, "PlayDvlSynchronousBeep - 0x%x=PALBEEPGetCurGain()"),
+  };
 }
 
 // True where there is nothing to put back, or it was put back. Else false, and `failed` is traced.

@@ -54,7 +54,7 @@ HANDLE Take(std::atomic<HANDLE>& handle) {
 // log know the line of that release.
 class LedGuard : public MutexGuard {
  public:
-  explicit LedGuard(AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease)
+  explicit LedGuard(AfterFailedWait after_failed_wait)
       : MutexGuard(Facility::kLed, Get(led_mutex), kMutexTimeoutMs, after_failed_wait) {}
 };
 
@@ -65,43 +65,24 @@ void NLedCtrl(LONG led, INT command) {
               command, GetCurrentProcessId());
 }
 
-struct LedSwitch {
-  LONG led;
-  INT command;
-  TraceSource::Format<HRESULT> wait_failed;
-  AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease;
-};
+// Does `work` under the mutex. Where the wait fails nothing is done, and `wait_failed` is traced.
+template <typename Work>
+HRESULT WithMutex(TraceSource::Format<HRESULT> wait_failed, Work work,
+                  AfterFailedWait after_failed_wait = AfterFailedWait::kTryRelease) {
+  const LedGuard guard(after_failed_wait);
+  if (Succeeded(guard.wait_result())) return work();
+  kTrace.Error(wait_failed, guard.wait_result());
+  return guard.wait_result();
+}
 
-constexpr LedSwitch kNotificationOn{
-    kNotificationLed, kLedOn, "PALLEDNotificationOn - Mutex wait failed.  Aborting. hr:0x%x\r\n",
-    AfterFailedWait::kSkipRelease};
-constexpr LedSwitch kNotificationOff{
-    kNotificationLed, kLedOff, "PALLEDNotificationOff - Mutex wait failed.  Aborting. hr:0x%x\r\n",
-    AfterFailedWait::kSkipRelease};
-constexpr LedSwitch kGoodReadOn{
-    kGoodReadLed, kLedOn, "PALLEDGrLedOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-constexpr LedSwitch kGoodReadOff{
-    kGoodReadLed, kLedOff, "PALLEDGrLedOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-constexpr LedSwitch kSystemLightOn{
-    kSystemLight, kLedOn, "PALLEDSysLightOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-constexpr LedSwitch kSystemLightOff{
-    kSystemLight, kLedOff,
-    "PALLEDSysLightOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-constexpr LedSwitch kSystemLightBlinkStart{
-    kSystemLight, kLedBlink,
-    "PALLEDSysLightBlinkStart - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-constexpr LedSwitch kSystemLightBlinkStop{
-    kSystemLight, kLedOff,
-    "PALLEDSysLightBlinkStop - Mutex wait failed.  Aborting request. hr: 0x%x\r\n"};
-
-HRESULT Switch(const LedSwitch& request) {
-  const LedGuard guard(request.after_failed_wait);
-  if (Failed(guard.wait_result())) {
-    kTrace.Error(request.wait_failed, guard.wait_result());
-    return guard.wait_result();
-  }
-  NLedCtrl(request.led, request.command);
-  return S_OK;
+HRESULT Switch(LONG led, INT command, TraceSource::Format<HRESULT> wait_failed) {
+  const auto after_failed_wait =
+      led == kNotificationLed ? AfterFailedWait::kSkipRelease : AfterFailedWait::kTryRelease;
+  const auto work = [led, command] {
+    NLedCtrl(led, command);
+    return S_OK;
+  };
+  return WithMutex(wait_failed, work, after_failed_wait);
 }
 
 DWORD ReadOnDurationMs(const WCHAR* name) {
@@ -121,6 +102,15 @@ void WaitForEndOfFlash(DWORD duration_ms) {
   }
   kTrace.Warning("GrLedToggle - No wait event created.  Sleeping for %dmsec\r\n", duration_ms);
   Sleep(duration_ms);
+}
+
+// The mutex is held all the time: other requests wait until the flash has ended.
+HRESULT Flash(const ScanTypeSettings& settings) {
+  const DWORD duration_ms = ReadOnDurationMs(settings.on_duration_ms);
+  NLedCtrl(kGoodReadLed, kLedOn);
+  WaitForEndOfFlash(duration_ms);
+  NLedCtrl(kGoodReadLed, kLedOff);
+  return S_OK;
 }
 
 HRESULT ReadState(const WCHAR* name, DWORD& state) {
@@ -171,7 +161,7 @@ HRESULT PALAPI PALLEDInit() {
 }
 
 HRESULT PALAPI PALLEDTerm() {
-  pal::LedGuard guard;
+  pal::LedGuard guard(pal::AfterFailedWait::kTryRelease);
   if (pal::Failed(guard.wait_result())) {
     pal::kTrace.Error("PALLEDTerm - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
                       guard.wait_result());
@@ -184,55 +174,50 @@ HRESULT PALAPI PALLEDTerm() {
 }
 
 HRESULT PALAPI PALLEDNotificationOn() {
-  return pal::Switch(pal::kNotificationOn);
+  return pal::Switch(pal::kNotificationLed, pal::kLedOn,
+                     "PALLEDNotificationOn - Mutex wait failed.  Aborting. hr:0x%x\r\n");
 }
 HRESULT PALAPI PALLEDNotificationOff() {
-  return pal::Switch(pal::kNotificationOff);
+  return pal::Switch(pal::kNotificationLed, pal::kLedOff,
+                     "PALLEDNotificationOff - Mutex wait failed.  Aborting. hr:0x%x\r\n");
 }
 HRESULT PALAPI PALLEDGrLedOn() {
-  return pal::Switch(pal::kGoodReadOn);
+  return pal::Switch(pal::kGoodReadLed, pal::kLedOn,
+                     "PALLEDGrLedOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 HRESULT PALAPI PALLEDGrLedOff() {
-  return pal::Switch(pal::kGoodReadOff);
+  return pal::Switch(pal::kGoodReadLed, pal::kLedOff,
+                     "PALLEDGrLedOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 HRESULT PALAPI PALLEDSysLightOn() {
-  return pal::Switch(pal::kSystemLightOn);
+  return pal::Switch(pal::kSystemLight, pal::kLedOn,
+                     "PALLEDSysLightOn - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 HRESULT PALAPI PALLEDSysLightOff() {
-  return pal::Switch(pal::kSystemLightOff);
+  return pal::Switch(pal::kSystemLight, pal::kLedOff,
+                     "PALLEDSysLightOff - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 HRESULT PALAPI PALLEDSysLightBlinkStart() {
-  return pal::Switch(pal::kSystemLightBlinkStart);
+  return pal::Switch(
+      pal::kSystemLight, pal::kLedBlink,
+      "PALLEDSysLightBlinkStart - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 HRESULT PALAPI PALLEDSysLightBlinkStop() {
-  return pal::Switch(pal::kSystemLightBlinkStop);
+  return pal::Switch(
+      pal::kSystemLight, pal::kLedOff,
+      "PALLEDSysLightBlinkStop - Mutex wait failed.  Aborting request. hr: 0x%x\r\n");
 }
 
 HRESULT PALAPI PALLEDGrLedToggle(DWORD scan_type) {
   if (scan_type >= pal::kScanTypes.size()) return E_FAIL;
-  const pal::LedGuard guard;
-  if (pal::Failed(guard.wait_result())) {
-    pal::kTrace.Error("PALLEDGrLedToggle - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
-                      guard.wait_result());
-    return guard.wait_result();
-  }
-  const DWORD duration_ms = pal::ReadOnDurationMs(pal::kScanTypes[scan_type].on_duration_ms);
-  pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOn);
-  // The mutex is held all the time: other requests wait until the flash has ended.
-  pal::WaitForEndOfFlash(duration_ms);
-  pal::NLedCtrl(pal::kGoodReadLed, pal::kLedOff);
-  return S_OK;
+  return pal::WithMutex("PALLEDGrLedToggle - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
+                        [scan_type] { return pal::Flash(pal::kScanTypes[scan_type]); });
 }
 
 HRESULT PALAPI PALLEDGrLedGetState(DWORD scan_type, DWORD* state) {
   if (scan_type >= pal::kScanTypes.size() || state == nullptr) return E_FAIL;
-  const pal::LedGuard guard;
-  if (pal::Failed(guard.wait_result())) {
-    pal::kTrace.Error("PALLEDGrLedGetState - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
-                      guard.wait_result());
-    return guard.wait_result();
-  }
-  return pal::ReadState(pal::kScanTypes[scan_type].state, *state);
+  return pal::WithMutex("PALLEDGrLedGetState - Mutex wait failed.  Aborting request. hr: 0x%x\r\n",
+                        [&] { return pal::ReadState(pal::kScanTypes[scan_type].state, *state); });
 }
 
 HRESULT PALAPI PALLEDIsGrLedOn() {

@@ -1,5 +1,4 @@
-#include "frame/forwarded_services.h"
-
+// The services that another library, the provider, does for this one.
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -71,8 +70,10 @@ HMODULE LoadProvider() {
 // the same, and it is never freed.
 constinit std::atomic<HMODULE> provider{nullptr};
 
-}  // namespace
-
+// Gives the provider's export of this name, and loads the provider where the process has none yet.
+//
+// S_OK       `address` is the export's
+// E_NOTIMPL  there is no provider, or it has no such export; `address` is unchanged
 HRESULT PalLoadProviderFunction(const char* name, FARPROC& address) {
   HMODULE module = provider.load(std::memory_order_relaxed);
   if (module == nullptr) {
@@ -86,67 +87,40 @@ HRESULT PalLoadProviderFunction(const char* name, FARPROC& address) {
   return S_OK;
 }
 
-namespace {
-
 // Stands for a target that was looked for in vain. One word says both whether the look has been and
 // what it found, so that two first calls at once cannot take the one for the other.
 int WINAPI MissingTarget() {
   return 0;
 }
 
-enum class Service : size_t {
-  kVirtualAllocCopy,
-  kMmMapIoSpace,
-  kImagerAllocPhysMem,
-  kImagerFreePhysMem,
-  kEnableCamera,
-  kEnableCameraClock,
-  kEnableCameraPower,
-};
-
-struct ServiceRow {
-  Service service;
+struct Service {
   const char* name;
+  std::atomic<FARPROC> target{nullptr};  // null before the first call
 };
-
-constexpr auto kServices = std::to_array<ServiceRow>({
-    {Service::kVirtualAllocCopy, "PALSysio_VirtualAllocCopy"},
-    {Service::kMmMapIoSpace, "PALSysio_MmMapIoSpace"},
-    {Service::kImagerAllocPhysMem, "PALSysio_ImagerAllocPhysMem"},
-    {Service::kImagerFreePhysMem, "PALSysio_ImagerFreePhysMem"},
-    {Service::kEnableCamera, "PALSysio_DVLEnableCamera"},
-    {Service::kEnableCameraClock, "PALSysio_DVLEnableCameraClock"},
-    {Service::kEnableCameraPower, "PALSysio_DVLEnableCameraPower"},
-});
-
-consteval bool RowsAreInOrder() {
-  for (size_t row = 0; row < kServices.size(); ++row) {
-    if (static_cast<size_t>(kServices[row].service) != row) return false;
-  }
-  return true;
-}
-static_assert(RowsAreInOrder());
-
-// One for each row; null before its first call.
-constinit std::array<std::atomic<FARPROC>, kServices.size()> targets{};
+constinit Service virtual_alloc_copy{"PALSysio_VirtualAllocCopy"};
+constinit Service mm_map_io_space{"PALSysio_MmMapIoSpace"};
+constinit Service imager_alloc_phys_mem{"PALSysio_ImagerAllocPhysMem"};
+constinit Service imager_free_phys_mem{"PALSysio_ImagerFreePhysMem"};
+constinit Service enable_camera{"PALSysio_DVLEnableCamera"};
+constinit Service enable_camera_clock{"PALSysio_DVLEnableCameraClock"};
+constinit Service enable_camera_power{"PALSysio_DVLEnableCameraPower"};
 
 // Apart from TargetOf, so that the calls behind the first do not pay for it.
-[[gnu::noinline]] FARPROC LookForTarget(size_t row) {
+[[gnu::noinline]] FARPROC LookForTarget(Service& service) {
   FARPROC target = nullptr;
-  if (Failed(PalLoadProviderFunction(kServices[row].name, target))) target = &MissingTarget;
-  targets[row].store(target, std::memory_order_relaxed);
+  if (Failed(PalLoadProviderFunction(service.name, target))) target = &MissingTarget;
+  service.target.store(target, std::memory_order_relaxed);
   return target;
 }
 
-FARPROC TargetOf(Service service) {
-  const auto row = static_cast<size_t>(service);
-  FARPROC target = targets[row].load(std::memory_order_relaxed);
-  return target != nullptr ? target : LookForTarget(row);
+FARPROC TargetOf(Service& service) {
+  FARPROC target = service.target.load(std::memory_order_relaxed);
+  return target != nullptr ? target : LookForTarget(service);
 }
 
 // Null where the provider does not have it.
 template <typename... Arguments>
-auto TargetAs(Service service) {
+auto TargetAs(Service& service) {
   using Function = HRESULT(WINAPI*)(Arguments...);
   using AnyFunction = void (*)();  // the one that compilers let a function pointer pass through
   const FARPROC target = TargetOf(service);
@@ -157,7 +131,7 @@ auto TargetAs(Service service) {
 
 // A service whose last argument gets an address.
 template <typename... Arguments>
-HRESULT ForwardForAddress(Service service, DWORD* address, Arguments... arguments) {
+HRESULT ForwardForAddress(Service& service, DWORD* address, Arguments... arguments) {
   if (address == nullptr) return E_FAIL;
   const auto function = TargetAs<Arguments..., DWORD*>(service);
   DWORD answer = 0;
@@ -166,7 +140,7 @@ HRESULT ForwardForAddress(Service service, DWORD* address, Arguments... argument
   return answer != 0 ? S_OK : E_FAIL;
 }
 
-HRESULT ForwardSwitch(Service service, DWORD enable) {
+HRESULT ForwardSwitch(Service& service, DWORD enable) {
   const auto function = TargetAs<DWORD>(service);
   return function != nullptr && function(enable) != 0 ? S_OK : E_FAIL;
 }
@@ -175,31 +149,31 @@ HRESULT ForwardSwitch(Service service, DWORD enable) {
 }  // namespace pal
 
 HRESULT PALAPI PALSysio_VirtualAllocCopy(DWORD a, DWORD b, DWORD* address) {
-  return pal::ForwardForAddress(pal::Service::kVirtualAllocCopy, address, a, b);
+  return pal::ForwardForAddress(pal::virtual_alloc_copy, address, a, b);
 }
 
 HRESULT PALAPI PALSysio_MmMapIoSpace(DWORD a, DWORD b, DWORD c, DWORD d, DWORD* address) {
-  return pal::ForwardForAddress(pal::Service::kMmMapIoSpace, address, a, b, c, d);
+  return pal::ForwardForAddress(pal::mm_map_io_space, address, a, b, c, d);
 }
 
 HRESULT PALAPI PALSysio_ImagerAllocPhysMem(DWORD a, DWORD b, DWORD* address) {
-  return pal::ForwardForAddress(pal::Service::kImagerAllocPhysMem, address, a, b);
+  return pal::ForwardForAddress(pal::imager_alloc_phys_mem, address, a, b);
 }
 
 HRESULT PALAPI PALSysio_ImagerFreePhysMem(DWORD memory) {
-  const auto function = pal::TargetAs<DWORD>(pal::Service::kImagerFreePhysMem);
+  const auto function = pal::TargetAs<DWORD>(pal::imager_free_phys_mem);
   if (function != nullptr) function(memory);
   return S_OK;
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCamera(DWORD enable) {
-  return pal::ForwardSwitch(pal::Service::kEnableCamera, enable);
+  return pal::ForwardSwitch(pal::enable_camera, enable);
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCameraClock(DWORD enable) {
-  return pal::ForwardSwitch(pal::Service::kEnableCameraClock, enable);
+  return pal::ForwardSwitch(pal::enable_camera_clock, enable);
 }
 
 HRESULT PALAPI PALSysio_DVLEnableCameraPower(DWORD enable) {
-  return pal::ForwardSwitch(pal::Service::kEnableCameraPower, enable);
+  return pal::ForwardSwitch(pal::enable_camera_power, enable);
 }

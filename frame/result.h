@@ -1,4 +1,4 @@
-// Result codes: their two kinds, and the translation of system errors.
+// Result codes: their two kinds, and the translation of system errors. The thread's last error.
 #ifndef FRAME_RESULT_H_
 #define FRAME_RESULT_H_
 
@@ -21,6 +21,18 @@ constexpr HRESULT HResultFromWin32(LONG error) {
 constexpr HRESULT HResultFromWin32(DWORD error) {
   return HResultFromWin32(static_cast<LONG>(error));
 }
+
+// Keeps the thread's last error over calls that may change it.
+class PreservedLastError {
+ public:
+  PreservedLastError() : error_(GetLastError()) {}
+  ~PreservedLastError() { SetLastError(error_); }
+  PreservedLastError(const PreservedLastError&) = delete;
+  PreservedLastError& operator=(const PreservedLastError&) = delete;
+
+ private:
+  DWORD error_;
+};
 
 }  // namespace pal
 

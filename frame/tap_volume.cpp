@@ -1,6 +1,5 @@
 #include "frame/tap_volume.h"
 
-#include "frame/audio_setting.h"
 #include "frame/registry.h"
 #include "frame/result.h"
 #include "include/palvalues.h"
@@ -20,6 +19,24 @@ constexpr DWORD LevelOf(DWORD stored) {
 }
 
 }  // namespace
+
+// The module is never freed: coredll stays loaded as long as the process.
+HRESULT ApplyAudioSetting() {
+  const HMODULE coredll = LoadLibraryW(TEXT("coredll.dll"));
+  if (coredll == nullptr) {
+    kDisplayTrace.Error("ApplyAudioSetting -  Failed to load coredll.dll.  win32err: 0x%x\r\n",
+                        GetLastError());
+    return E_FAIL;
+  }
+  const FARPROC update = GetProcAddressW(coredll, TEXT("AudioUpdateFromRegistry"));
+  if (update == nullptr) {
+    kDisplayTrace.Error("ApplyAudioSetting -  AudioUpdateFromRegistry failed.  win32err: 0x%x\r\n",
+                        GetLastError());
+    return E_FAIL;
+  }
+  update();
+  return S_OK;
+}
 
 HRESULT SetTapVolume(const TapVolume& volume, DWORD level) {
   if (level > kLoud) {

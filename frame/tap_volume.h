@@ -17,21 +17,20 @@ struct TapVolume {
   TraceSource::Format<const WCHAR*, const WCHAR*> read_failed;
 };
 
+// Tells the audio driver that its registry settings have changed: calls "AudioUpdateFromRegistry"
+// of coredll, which is looked up at each call. Its own result is ignored. E_FAIL where coredll
+// cannot be loaded or has no such entry; traced with the display's facility.
+[[nodiscard]] HRESULT ApplyAudioSetting();
+
+// The next two functions have the results of PALDISPSetScreenTapVol and PALDISPGetScreenTapVol, and
+// trace every failure but a null `level`.
+
 // Stores a level (0, 1 or 2) and has the audio driver read its settings again. Levels 0 and 1 are
 // stored as they are, level 2 as 0x10002.
-//
-// S_OK        done
-// E_FAIL      another level, nothing was changed; or the value is written and ApplyAudioSetting
-//             failed. Traced.
-// PAL_E_WIN32(error)  the error of the write, PAL_E_FILE_NOT_FOUND without the key; traced
 [[nodiscard]] HRESULT SetTapVolume(const TapVolume& volume, DWORD level);
 
 // Reads the level back: 0x10002 is 2, 0x10000 is 0, anything else is what is stored. `level` is
 // written on success only.
-//
-// S_OK        done
-// E_FAIL      `level` is null
-// PAL_E_WIN32(error)  the error of the read, PAL_E_FILE_NOT_FOUND without key or value; traced
 [[nodiscard]] HRESULT GetTapVolume(const TapVolume& volume, DWORD* level);
 
 }  // namespace pal

@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/last_error.h"
+#include "frame/result.h"
 #include "frame/text.h"
 
 namespace pal {

@@ -71,35 +71,40 @@ class TraceSource {
   // The same source, with its lines echoed to the debug output.
   [[nodiscard]] constexpr TraceSource Echoed() const { return {facility_, 1}; }
 
+  // A line whose severity comes from a table.
+  template <typename... Arguments>
+  void Write(Severity severity, Format<Arguments...> format, Arguments... arguments) const {
+    PALTrace(echo_, TraceCategory(facility_, severity), format.text(),
+             VariadicTraceArgument(arguments)...);
+  }
   template <typename... Arguments>
   void Plain(Format<Arguments...> format, Arguments... arguments) const {
-    Write(Severity::kPlain, format.text(), arguments...);
+    Write<Arguments...>(Severity::kPlain, format, arguments...);
   }
   template <typename... Arguments>
   void Info(Format<Arguments...> format, Arguments... arguments) const {
-    Write(Severity::kInfo, format.text(), arguments...);
+    Write<Arguments...>(Severity::kInfo, format, arguments...);
   }
   template <typename... Arguments>
   void Warning(Format<Arguments...> format, Arguments... arguments) const {
-    Write(Severity::kWarning, format.text(), arguments...);
+    Write<Arguments...>(Severity::kWarning, format, arguments...);
   }
   template <typename... Arguments>
   void Error(Format<Arguments...> format, Arguments... arguments) const {
-    Write(Severity::kError, format.text(), arguments...);
+    Write<Arguments...>(Severity::kError, format, arguments...);
   }
 
  private:
   constexpr TraceSource(Facility facility, DWORD echo) : facility_(facility), echo_(echo) {}
 
-  template <typename... Arguments>
-  void Write(Severity severity, const char* format, Arguments... arguments) const {
-    PALTrace(echo_, TraceCategory(facility_, severity), format,
-             VariadicTraceArgument(arguments)...);
-  }
-
   Facility facility_;
   DWORD echo_ = 0;
 };
+
+// The sources of the families that write lines in several files.
+inline constexpr TraceSource kDisplayTrace{Facility::kDisplay};
+inline constexpr TraceSource kKeypadTrace{Facility::kKeypad};
+inline constexpr TraceSource kPowerTrace{Facility::kPower};
 
 }  // namespace pal
 

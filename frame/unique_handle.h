@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "frame/last_error.h"
+#include "frame/result.h"
 #include "platform/wince.h"
 
 namespace pal {

@@ -193,10 +193,8 @@ HRESULT PALAPI PALBEEPSetHeadsetGain(DWORD gain);
 /**
  * Gives the gain of the headset, "CurHeadsetGain", as it is stored.
  *
- * @param[out] gain  [percent] Any number. Unchanged on failure. Not null.
- *
- * @retval S_OK    Answered.
  * @retval E_FAIL  The value cannot be read, or @p gain is null.
+ * @like PALBEEPGetSpeakerGain
  */
 HRESULT PALAPI PALBEEPGetHeadsetGain(DWORD* gain);
 
@@ -306,10 +304,9 @@ HRESULT PALAPI PALBEEPStartTagSearch(void);
  * tag search, volume and gain are not changed. A volume that could not be set back is set back by
  * the next stop.
  *
- * @retval S_OK          Done.
- * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
- * @retval E_FAIL        The volume could not be set back.
+ * @retval E_FAIL  The volume could not be set back.
  * @retval PAL_E_WIN32(error)  The error of stopping the sound.
+ * @like PALBEEPChangeConfig
  */
 HRESULT PALAPI PALBEEPStopTagSearch(void);
 

@@ -44,12 +44,8 @@ HRESULT PALAPI PALCOMxPwr_SetPower(const WCHAR* port, const PALComPortPower* pow
 /**
  * Answers 0 for the power of a port, and traces the question.
  *
- * @param port           The name of the port, such as "COM1:", as null-terminated UTF-16. It is
- *                       only traced; null is traced as "(null)".
  * @param[in,out] power  `enable` becomes 0. `port_id` is traced and not changed. Not null.
- *
- * @retval S_OK    @p power is not null.
- * @retval E_FAIL  @p power is null. Nothing is traced.
+ * @like PALCOMxPwr_SetPower
  */
 HRESULT PALAPI PALCOMxPwr_GetPower(const WCHAR* port, PALComPortPower* power);
 

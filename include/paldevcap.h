@@ -66,8 +66,8 @@ typedef enum PALCapabilityState {
  * index above 256. The answer is an error if GetNumberOfInterfaces fails, or if it counts more than
  * 256 interfaces and none of those that were asked matches.
  *
- * @param name  The name of the capability, as null-terminated 8-bit text. No capability has a name
- *              of more than 127 characters.
+ * @param name  The name of the capability, as null-terminated text: 8-bit in the A form, UTF-16 in
+ *              the W form. No capability has a name of more than 127 characters.
  *
  * @retval PAL_CAPABILITY_NOT_DETERMINED  The name has more than 127 characters, or it is none of
  * the ten and no plug-in has it. Or, for the internal scanner and the camera: the code of the
@@ -78,13 +78,7 @@ typedef enum PALCapabilityState {
  *                       memory to look for a plug-in; or the function in the table says so.
  */
 DWORD PALAPI PALDevCap_GetDevCapsA(const char* name);
-
-/**
- * Tells whether a capability is installed, for a name in UTF-16.
- *
- * @param name  The name of the capability, as null-terminated UTF-16.
- * @like PALDevCap_GetDevCapsA
- */
+/** Tells whether a capability is installed, for a name in UTF-16. @like PALDevCap_GetDevCapsA */
 DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
 
 /**
@@ -108,8 +102,8 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
  * | Accelerometer   | enabled, or not installed if its driver cannot be opened                  |
  * | Pedometer       | disabled                                                                  |
  *
- * @param name  The name of the capability, as null-terminated 8-bit text. No capability has a name
- *              of more than 127 characters.
+ * @param name  The name of the capability, as null-terminated text: 8-bit in the A form, UTF-16 in
+ *              the W form. No capability has a name of more than 127 characters.
  *
  * @retval PAL_CAPABILITY_NOT_DETERMINED  @p name is null or none of the ten, or the table says so.
  * @retval PAL_CAPABILITY_NOT_INSTALLED   The table says so.
@@ -119,13 +113,7 @@ DWORD PALAPI PALDevCap_GetDevCapsW(const WCHAR* name);
  * @return For WWAN and GPS also any other number that "LastEquipmentState" holds.
  */
 DWORD PALAPI PALDevCap_EnabledA(const char* name);
-
-/**
- * Tells whether a capability is enabled, for a name in UTF-16.
- *
- * @param name  The name of the capability, as null-terminated UTF-16.
- * @like PALDevCap_EnabledA
- */
+/** Tells whether a capability is enabled, for a name in UTF-16. @like PALDevCap_EnabledA */
 DWORD PALAPI PALDevCap_EnabledW(const WCHAR* name);
 
 /**
@@ -177,18 +165,12 @@ DWORD PALAPI PalSysinfo_IsAccelInstalled(void);
  * @retval PAL_CAPABILITY_NOT_INSTALLED  Always.
  */
 DWORD PALAPI PalSysinfo_IsCompassInstalled(void);
-
-/**
- * Tells whether there is a pedometer. No device of the family has one.
- * @retval PAL_CAPABILITY_NOT_INSTALLED  Always.
- */
+/** Tells whether there is a pedometer. No device has one. @like PalSysinfo_IsCompassInstalled */
 DWORD PALAPI PalSysinfo_IsPedometerInstalled(void);
 
 /**
  * Tells whether there is a GPS receiver, which is a part of the modem.
- *
- * @retval PAL_CAPABILITY_INSTALLED      PalSysinfo_IsWwanInstalled finds a modem.
- * @retval PAL_CAPABILITY_NOT_INSTALLED  It does not.
+ * @like PalSysinfo_IsWwanInstalled
  */
 DWORD PALAPI PalSysinfo_IsGpsInstalled(void);
 

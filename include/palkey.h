@@ -252,28 +252,10 @@ HRESULT PALAPI PALKEYSetShiftBehavior(DWORD behavior);
  * Sets how loud a key sounds: the DWORD "Key" under HKEY_CURRENT_USER "ControlPanel\Volume". Then
  * tells the audio driver to read its settings again. The lines of this function are traced with
  * facility 1005; those about the audio driver with facility 1006.
- *
- * @param level  [level] #PALTapVolume.
- *
- * @retval S_OK    Stored, and the audio driver was told.
- * @retval E_FAIL  @p level is above 2, and nothing was changed. Or stored, but the audio driver
- *                 cannot be told.
- * @retval PAL_E_WIN32(error)  Not stored, with the error of writing: PAL_E_FILE_NOT_FOUND if the
- *                 registry key does not exist.
+ * @like PALDISPSetScreenTapVol
  */
 HRESULT PALAPI PALKEYSetKeyTapVol(DWORD level);
-
-/**
- * Tells how loud a key sounds.
- *
- * @param[out] level  [level] #PALTapVolume. A stored 0x10000 counts as 0. Any other stored number
- *                    is given as it is. Unchanged on failure. Not null.
- *
- * @retval S_OK    Answered.
- * @retval E_FAIL  @p level is null.
- * @retval PAL_E_WIN32(error)  The error of reading: PAL_E_FILE_NOT_FOUND if the key or the value
- *                 does not exist.
- */
+/** Tells how loud a key sounds. @like PALDISPGetScreenTapVol */
 HRESULT PALAPI PALKEYGetKeyTapVol(DWORD* level);
 
 /**

@@ -113,7 +113,7 @@ HRESULT PALAPI PALMFGOpt_InternalDevice2_MountingRotation(DWORD* rotation);
  * @param[out] enabled  1 or 0. Not null.
  *
  * @retval S_OK    Answered.
- * @retval E_FAIL  @p enabled is null.
+ * @retval E_FAIL  The out-pointer is null.
  */
 HRESULT PALAPI PALMFGOpt_IsCameraEnabled(DWORD* enabled);
 
@@ -121,9 +121,7 @@ HRESULT PALAPI PALMFGOpt_IsCameraEnabled(DWORD* enabled);
  * Tells whether the maker's content is enabled. It is on every device.
  *
  * @param[out] enabled  Always 1. Not null.
- *
- * @retval S_OK    Answered.
- * @retval E_FAIL  @p enabled is null.
+ * @like PALMFGOpt_IsCameraEnabled
  */
 HRESULT PALAPI PALMFGOpt_IsDravonelContentEnabled(DWORD* enabled);
 
@@ -143,9 +141,7 @@ HRESULT PALAPI PALMFGOpt_IsDataCollectionContentEnabled(DWORD* enabled);
  * PALMFGOpt_IsDisabledByPolicy says that the feature "Bluetooth" is disabled.
  *
  * @param[out] installed  1 or 0. 1 if the policy cannot be read. Not null.
- *
- * @retval S_OK    Answered.
- * @retval E_FAIL  @p installed is null.
+ * @like PALMFGOpt_IsCameraEnabled
  */
 HRESULT PALAPI PALMFGOpt_IsBluetoothModuleInstalled(DWORD* installed);
 
@@ -186,8 +182,8 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  *
  * @retval S_OK    Written.
  * @retval E_FAIL  The platform reported success but wrote no byte.
- * @retval PAL_E_WIN32(error)  The error of opening, creating, positioning or writing the file:
- *                 PAL_E_PATH_NOT_FOUND if there is no folder "\ConfigStore",
+ * @retval PAL_E_WIN32(error)  The error of opening, creating, positioning, reading or writing the
+ *                 file: PAL_E_PATH_NOT_FOUND if there is no folder "\ConfigStore",
  *                 PAL_E_SHARING_VIOLATION if the file is in use.
  */
 HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status);
@@ -196,14 +192,11 @@ HRESULT PALAPI PALMFGOpt_SetDPMStatus(DWORD scan_type, DWORD status);
  * Gives the status that PALMFGOpt_SetDPMStatus has kept for a scan type. A file that does not exist
  * is created as there.
  *
- * @param scan_type    Any number. 4 has a status of its own.
  * @param[out] status  0 to 255. 0 if the file ends before this status, and on failure. Not null.
  *
  * @retval S_OK    Answered.
  * @retval E_FAIL  @p status is null. The file is then not created.
- * @retval PAL_E_WIN32(error)  The error of opening, creating, positioning or reading the file:
- *                 PAL_E_PATH_NOT_FOUND if there is no folder "\ConfigStore",
- *                 PAL_E_SHARING_VIOLATION if the file is in use.
+ * @like PALMFGOpt_SetDPMStatus
  */
 HRESULT PALAPI PALMFGOpt_GetDPMStatus(DWORD scan_type, DWORD* status);
 

@@ -112,17 +112,8 @@ HRESULT PALAPI PALSysinfo_GetFirmwareVerExW(WCHAR* buffer, DWORD* length);
  * 4. The registry value "SerialNumber".
  * 5. The address of the first Ethernet adapter that is not "RNDISFN1", or twelve zeros.
  *
- * @param[out] buffer     Receives the text with its terminator. Null to ask only for the length.
- *                        Unchanged on failure.
- * @param[in,out] length  [bytes] In: the size of the buffer. Out: the bytes used, or the bytes
- *                        needed if the buffer is null or too short. Unchanged on every other
- *                        failure. Not null.
- *
- * @retval S_OK  The text is given, or with a null buffer its length.
- * @retval PAL_SYSINFO_E_TOO_SHORT        The buffer is too short. Nothing is written to it.
- * @retval PAL_SYSINFO_E_INVALID_INPUT    @p length is null.
- * @retval PAL_SYSINFO_E_SOURCE_FAILED    The device has no OEM information, or it cannot be read.
  * @retval PAL_SYSINFO_E_SOURCE_TOO_LONG  The serial number has more than 255 characters.
+ * @like PALSysinfo_GetHwConfigExA
  */
 HRESULT PALAPI PALSysinfo_GetSerialNumberExA(char* buffer, DWORD* length);
 /** Gives the serial number in UTF-16. @like PALSysinfo_GetSerialNumberExA */
@@ -202,13 +193,8 @@ HRESULT PALAPI PALSysinfo_GetFirmwareVersionA(char* buffer);
 /**
  * Gives the serial number in UTF-16 (see PALSysinfo_GetSerialNumberExA).
  *
- * @param[out] buffer  Room for 64 bytes: 32 characters, or 64 in the A form. Receives the text with
- *                     its terminator. Unchanged on failure. Null asks only whether there is a text.
- *
- * @retval S_OK  Answered.
- * @retval PAL_SYSINFO_E_TOO_SHORT        The text is too long for the buffer.
- * @retval PAL_SYSINFO_E_SOURCE_FAILED    The device has no OEM information, or it cannot be read.
  * @retval PAL_SYSINFO_E_SOURCE_TOO_LONG  The serial number has more than 255 characters.
+ * @like PALSysinfo_GetHardwareConfiguration
  */
 HRESULT PALAPI PALSysinfo_GetSerialNumber(WCHAR* buffer);
 /** The second name of PALSysinfo_GetSerialNumber. @like PALSysinfo_GetSerialNumber */
@@ -227,11 +213,7 @@ HRESULT PALAPI PALSysinfo_GetSerialNumberA(char* buffer);
  * @retval PAL_SYSINFO_E_SOURCE_FAILED  The device has no OEM information, or it cannot be read.
  */
 HRESULT PALAPI PALSysinfo_GetHardwareConfiguration(WCHAR* buffer);
-
-/**
- * The second name of PALSysinfo_GetHardwareConfiguration.
- * @like PALSysinfo_GetHardwareConfiguration
- */
+/** The second name of this function. @like PALSysinfo_GetHardwareConfiguration */
 HRESULT PALAPI PALSysinfo_GetHardwareConfigurationW(WCHAR* buffer);
 /** Gives the hardware configuration in 8-bit text. @like PALSysinfo_GetHardwareConfiguration */
 HRESULT PALAPI PALSysinfo_GetHardwareConfigurationA(char* buffer);
@@ -288,23 +270,19 @@ HRESULT PALAPI PALSysinfo_GetOperatingSystem(WCHAR* buffer);
  * Gives one detail of the device, by its number.
  *
  * @param detail          #PALDeviceDetail, 0 to 10.
- * @param[out] buffer     Receives the text with its terminator. Null to ask only for the length.
- *                        Unchanged on failure.
  * @param[in,out] length  [bytes] In: the size of the buffer. Out: the bytes used, or the bytes
  *                        needed if the buffer is null or too short. Unchanged on every other
  *                        failure. A factory date or an Ethernet address that cannot be read needs
  *                        256 bytes (512 in UTF-16), and is then empty. Not null.
  *
- * @retval S_OK       The text is given, or with a null buffer its length.
  * @retval E_NOTIMPL  @p detail is 11, 12 or 13, whatever the other arguments are.
- * @retval PAL_SYSINFO_E_TOO_SHORT      The buffer is too short. Nothing is written to it.
  * @retval PAL_SYSINFO_E_INVALID_INPUT  @p detail is above 13 or negative, or @p length is null.
  * @retval E_FAIL     Model, display model: the parameter cannot be read or holds no byte. Firmware
  *                    version: the kernel control fails.
- * @retval PAL_SYSINFO_E_SOURCE_FAILED    Serial number, hardware configuration, qualified serial
+ * @retval PAL_SYSINFO_E_SOURCE_FAILED  Serial number, hardware configuration, qualified serial
  *                    number: there is no OEM information. Operating system: the version cannot be
  *                    read, or the platform is not Windows CE.
- * @retval PAL_SYSINFO_E_SOURCE_TOO_LONG  The serial number has more than 255 characters.
+ * @like PALSysinfo_GetSerialNumberExA
  */
 HRESULT PALAPI PALSysinfo_GetDeviceDetailA(DWORD detail, char* buffer, DWORD* length);
 /** Gives one detail of the device in UTF-16, by its number. @like PALSysinfo_GetDeviceDetailA */

@@ -4,9 +4,9 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/palkey.h"
 #include "keypad/driver_reload.h"
-#include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 #include "keypad/ordinary_key.h"
 

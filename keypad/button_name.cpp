@@ -2,8 +2,8 @@
 #include <span>
 #include <string_view>
 
+#include "frame/trace.h"
 #include "include/palkey.h"
-#include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 
 HRESULT PALAPI PALKEYGetNumButtons(DWORD* count) {

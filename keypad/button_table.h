@@ -81,57 +81,38 @@ constexpr ButtonRecord OnKeyboard(LONG id, const char* name, DWORD scan_code,
           .is_ordinary_key = is_ordinary_key};
 }
 
-inline constexpr ButtonRecord kHandle{.id = 0,
-                                      .name = "Handle",
-                                      .scan_code = 0,
-                                      .key_path = TEXT("Software\\Dravonel\\RFIDServer\\Keybd"),
-                                      .value_name = nullptr,
-                                      .event_value_name = TEXT("Event1"),
-                                      .action_events = EventsWith(kCenterReader),
-                                      .change_event_name = nullptr,
-                                      .is_ordinary_key = false};
-inline constexpr ButtonRecord kLeftBottom =
-    OnKeyboard(2, "Left Side Bottom", 0x91, TEXT("Event2"), kLeftReader, false);
-inline constexpr ButtonRecord kMiddle =
-    OnKeyboard(3, "Middle", 0x90, TEXT("Event1"), kMiddleReader, false);
-inline constexpr ButtonRecord kLeftTop =
-    OnKeyboard(5, "Left Side Top", 0x43, TEXT("Event5"), kLeftReader, true);
-inline constexpr ButtonRecord kRightTop =
-    OnKeyboard(6, "Right Side Top", 0x3F, TEXT("Event6"), kRightReader, true);
-inline constexpr ButtonRecord kRightBottom =
-    OnKeyboard(7, "Right Side Bottom", 0x40, TEXT("Event7"), kRightReader, true);
-
 }  // namespace button_detail
 
 // No device of today has a second "Handle" (wired to the keyboard: scan code 0x90, "Event1" and the
 // middle reader's events), a "Left Front" or a "Right Front" button.
-
-// By number; null for a button that no device has.
-inline constexpr std::array<const ButtonRecord*, PAL_KEY_BUTTON_COUNT> kButtonRecords = {
-    &button_detail::kHandle,
-    nullptr,
-    &button_detail::kLeftBottom,
-    &button_detail::kMiddle,
-    nullptr,
-    &button_detail::kLeftTop,
-    &button_detail::kRightTop,
-    &button_detail::kRightBottom,
-};
-static_assert([] {
-  for (size_t id = 0; id < kButtonRecords.size(); ++id) {
-    const ButtonRecord* const button = kButtonRecords[id];
-    if (button != nullptr && static_cast<size_t>(button->id) != id) return false;
-  }
-  return true;
-}());
-
-inline constexpr const ButtonRecord& kLeftBottomButton = button_detail::kLeftBottom;
-inline constexpr const ButtonRecord& kLeftTopButton = button_detail::kLeftTop;
+inline constexpr std::array<ButtonRecord, 6> kButtonRecords = {{
+    {.id = PAL_BUTTON_HANDLE,
+     .name = "Handle",
+     .scan_code = 0,
+     .key_path = TEXT("Software\\Dravonel\\RFIDServer\\Keybd"),
+     .value_name = nullptr,
+     .event_value_name = TEXT("Event1"),
+     .action_events = button_detail::EventsWith(button_detail::kCenterReader),
+     .change_event_name = nullptr,
+     .is_ordinary_key = false},
+    button_detail::OnKeyboard(PAL_BUTTON_LEFT_SIDE_BOTTOM, "Left Side Bottom", 0x91, TEXT("Event2"),
+                              button_detail::kLeftReader, false),
+    button_detail::OnKeyboard(PAL_BUTTON_MIDDLE, "Middle", 0x90, TEXT("Event1"),
+                              button_detail::kMiddleReader, false),
+    button_detail::OnKeyboard(PAL_BUTTON_LEFT_SIDE_TOP, "Left Side Top", 0x43, TEXT("Event5"),
+                              button_detail::kLeftReader, true),
+    button_detail::OnKeyboard(PAL_BUTTON_RIGHT_SIDE_TOP, "Right Side Top", 0x3F, TEXT("Event6"),
+                              button_detail::kRightReader, true),
+    button_detail::OnKeyboard(PAL_BUTTON_RIGHT_SIDE_BOTTOM, "Right Side Bottom", 0x40,
+                              TEXT("Event7"), button_detail::kRightReader, true),
+}};
 
 // Null for a number without a button.
 constexpr const ButtonRecord* FindButton(LONG button) {
-  const auto index = static_cast<DWORD>(button);
-  return index < kButtonRecords.size() ? kButtonRecords[index] : nullptr;
+  for (const ButtonRecord& record : kButtonRecords) {
+    if (record.id == button) return &record;
+  }
+  return nullptr;
 }
 
 }  // namespace pal

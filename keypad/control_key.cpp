@@ -3,8 +3,8 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/palkey.h"
-#include "keypad/keypad_trace.h"
 
 namespace pal {
 namespace {

@@ -1,7 +1,7 @@
 #include "keypad/driver_reload.h"
 
 #include "frame/registry.h"
-#include "keypad/keypad_trace.h"
+#include "frame/trace.h"
 
 namespace pal {
 namespace {

@@ -1,7 +1,7 @@
 // The click of a key.
 #include "frame/tap_volume.h"
+#include "frame/trace.h"
 #include "include/palkey.h"
-#include "keypad/keypad_trace.h"
 
 namespace pal {
 namespace {

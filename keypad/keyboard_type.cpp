@@ -2,8 +2,8 @@
 #include <array>
 #include <bit>
 
+#include "frame/trace.h"
 #include "include/palkey.h"
-#include "keypad/keypad_trace.h"
 #include "sysinfo/internal.h"
 
 namespace pal {

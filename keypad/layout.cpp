@@ -2,7 +2,7 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
-#include "keypad/keypad_trace.h"
+#include "frame/trace.h"
 #include "keypad/shift_plane.h"
 
 namespace pal {

@@ -1,7 +1,7 @@
 #include "keypad/ordinary_key.h"
 
 #include "frame/result.h"
-#include "keypad/keypad_trace.h"
+#include "frame/trace.h"
 
 namespace pal {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/palkey.h"
-#include "keypad/keypad_trace.h"
 #include "keypad/layout.h"
 
 namespace pal {

@@ -5,7 +5,7 @@
 #include "frame/registry.h"
 #include "frame/result.h"
 #include "frame/text.h"
-#include "keypad/keypad_trace.h"
+#include "frame/trace.h"
 
 namespace pal {
 namespace {

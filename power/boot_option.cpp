@@ -1,8 +1,8 @@
 // The boot option, one byte that the configuration driver stores.
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "frame/unique_handle.h"
 #include "include/palpwr.h"
-#include "power/power_trace.h"
 
 namespace pal {
 namespace {

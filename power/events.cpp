@@ -3,9 +3,9 @@
 #include <atomic>
 
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "frame/unique_handle.h"
 #include "include/palpwr.h"
-#include "power/power_trace.h"
 
 namespace pal {
 namespace {

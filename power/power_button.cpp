@@ -4,8 +4,8 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/palpwr.h"
-#include "power/power_trace.h"
 
 namespace pal {
 namespace {

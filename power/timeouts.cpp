@@ -7,9 +7,9 @@
 
 #include "frame/registry.h"
 #include "frame/result.h"
+#include "frame/trace.h"
 #include "include/palpwr.h"
 #include "power/events.h"
-#include "power/power_trace.h"
 
 namespace pal {
 namespace {

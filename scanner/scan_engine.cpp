@@ -3,28 +3,29 @@
 #include <atomic>
 
 #include "frame/result.h"
+#include "include/palmfgopt.h"
 #include "sysinfo/internal.h"
 
 namespace pal {
 namespace {
 
-constexpr DWORD kEng14 = PAL_DEVICE_TYPE_ENG14;
-constexpr DWORD kEng13 = PAL_DEVICE_TYPE_ENG13;
-static_assert(kDeviceNames[kEng14] == WideText(TEXT("ENG14")));
-static_assert(kDeviceNames[kEng13] == WideText(TEXT("ENG13")));
+static_assert(kDeviceNames[PAL_DEVICE_TYPE_ENG14] == WideText(TEXT("ENG14")));
+static_assert(kDeviceNames[PAL_DEVICE_TYPE_ENG13] == WideText(TEXT("ENG13")));
 
 constexpr ScanEngine kSpiClockEngine{
     true, ScanOperation::kSpiClockTrigger, {&ScanSetEnable, &PALSysio_SetScanPower}};
 constexpr ScanEngine kCommonEngine{
     false, ScanOperation::kTrigger, {&PALSysio_SetScanPower, &ScanSetEnable}};
 
-constinit std::atomic<DWORD> engine_type{kUnknownDeviceCode};
+constinit std::atomic<DWORD> engine_type{PAL_DEVICE_TYPE_UNKNOWN};
 constinit std::atomic<bool> power_is_on{false};
 
 }  // namespace
 
 const ScanEngine& ScanEngineOf(DWORD device_type) {
-  return device_type == kEng14 || device_type == kEng13 ? kSpiClockEngine : kCommonEngine;
+  return device_type == PAL_DEVICE_TYPE_ENG14 || device_type == PAL_DEVICE_TYPE_ENG13
+             ? kSpiClockEngine
+             : kCommonEngine;
 }
 
 const ScanEngine& CurrentScanEngine() {

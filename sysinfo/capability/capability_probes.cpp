@@ -27,8 +27,8 @@ DWORD Always() {
 }
 
 DWORD StateOfDeviceType(DWORD type) {
-  if (type == kUnknownDeviceCode) return PAL_CAPABILITY_NOT_DETERMINED;
-  return type == kNoDevice ? PAL_CAPABILITY_NOT_INSTALLED : PAL_CAPABILITY_INSTALLED;
+  if (type == PAL_DEVICE_TYPE_UNKNOWN) return PAL_CAPABILITY_NOT_DETERMINED;
+  return type == PAL_DEVICE_TYPE_NONE ? PAL_CAPABILITY_NOT_INSTALLED : PAL_CAPABILITY_INSTALLED;
 }
 
 DWORD FindInternalScanner() {

@@ -77,37 +77,20 @@ void TraceFailure(const char* message) {
   kTrace.Error("PALOneWire::FindVehicleDock(): %s", message);
 }
 
-class PALOneWire {
- public:
-  [[nodiscard]] bool Open();
-  [[nodiscard]] bool FindVehicleDock() const;
-
- private:
-  // True where the call and the driver's status are good; `returned` is the driver's byte count.
-  [[nodiscard]] bool Call(const Request& request, OneWireRecord& record, DWORD& returned) const;
-  [[nodiscard]] bool Call(const Request& request, OneWireRecord& record) const;
-  [[nodiscard]] DWORD FindDevices() const;
-  [[nodiscard]] bool IsVehicleDock(DWORD index) const;
-  [[nodiscard]] bool TraceId(DWORD index) const;
-  [[nodiscard]] bool TraceMemorySize(DWORD index) const;
-  [[nodiscard]] bool ReadPartNumber(DWORD index, PartNumber& part_number) const;
-
-  UniqueFile driver_;
-};
-
-bool PALOneWire::Open() {
-  driver_.Reset(CreateFileW(TEXT("WIR1:"), GENERIC_READ | GENERIC_WRITE,
-                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                            nullptr));
-  if (!driver_) {
+UniqueFile OpenDriver() {
+  UniqueFile driver(CreateFileW(TEXT("WIR1:"), GENERIC_READ | GENERIC_WRITE,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                nullptr));
+  if (!driver) {
     kTrace.Error("PALOneWire::Open - Error opening OneWire driver, %d", GetLastError());
   }
-  return static_cast<bool>(driver_);
+  return driver;
 }
 
-bool PALOneWire::Call(const Request& request, OneWireRecord& record, DWORD& returned) const {
+// True where the call and the driver's status are good; `returned` is the driver's byte count.
+bool Call(HANDLE driver, const Request& request, OneWireRecord& record, DWORD& returned) {
   returned = 0;
-  if (DeviceIoControl(driver_.get(), request.code, &record, sizeof(record), &record, sizeof(record),
+  if (DeviceIoControl(driver, request.code, &record, sizeof(record), &record, sizeof(record),
                       &returned, nullptr) == FALSE) {
     if (request.call_failed != nullptr) TraceFailure(request.call_failed);
     return false;
@@ -118,45 +101,44 @@ bool PALOneWire::Call(const Request& request, OneWireRecord& record, DWORD& retu
   TraceFailure(message.data());
   return false;
 }
-
-bool PALOneWire::Call(const Request& request, OneWireRecord& record) const {
+bool Call(HANDLE driver, const Request& request, OneWireRecord& record) {
   DWORD returned = 0;
-  return Call(request, record, returned);
+  return Call(driver, request, record, returned);
 }
 
-DWORD PALOneWire::FindDevices() const {
+DWORD FindDevices(HANDLE driver) {
   OneWireRecord search{};
   OneWireRecord count{};
-  if (!Call(kSearch, search) || !Call(kGetDeviceCount, count)) return 0;
+  if (!Call(driver, kSearch, search) || !Call(driver, kGetDeviceCount, count)) return 0;
   kTrace.Info("PALOneWire::FindVehicleDock(): Num devices found = %d", count.index);
   return std::min(count.index, kMaxDevices);
 }
 
-bool PALOneWire::TraceId(DWORD index) const {
+bool TraceId(HANDLE driver, DWORD index) {
   OneWireRecord record{};
   record.index = index;
   record.id.fill(kIdFill);
-  if (!Call(kGetDeviceId, record)) return false;
+  if (!Call(driver, kGetDeviceId, record)) return false;
   const auto& id = record.id;
   TraceProgress("Dev%.2X ID: %.2X %.2X %.2X %.2X %.2X %.2X %.2X %.2X", index, id[0], id[1], id[2],
                 id[3], id[4], id[5], id[6], id[7]);
   return true;
 }
 
-bool PALOneWire::TraceMemorySize(DWORD index) const {
+bool TraceMemorySize(HANDLE driver, DWORD index) {
   OneWireRecord record{};
   record.index = index;
-  if (!Call(kGetMemorySize, record)) return false;
+  if (!Call(driver, kGetMemorySize, record)) return false;
   TraceProgress("  Mem size = %d", record.bytes);
   return true;
 }
 
-bool PALOneWire::ReadPartNumber(DWORD index, PartNumber& part_number) const {
+bool ReadPartNumber(HANDLE driver, DWORD index, PartNumber& part_number) {
   OneWireRecord record{};
   record.index = index;
   record.bytes = static_cast<DWORD>(record.memory.size());
   DWORD returned = 0;
-  if (!Call(kReadMemory, record, returned)) return false;
+  if (!Call(driver, kReadMemory, record, returned)) return false;
   TraceProgress("OneWireReadMem Record Type: %.2x, Bytes Read - %d", record.memory[0], returned);
   const BYTE* const part = &record.memory[kPartNumberOffset];
   Format(part_number, "%c%c%c%c%c%c", part[0], part[1], part[2], part[3], part[4], part[5]);
@@ -165,17 +147,18 @@ bool PALOneWire::ReadPartNumber(DWORD index, PartNumber& part_number) const {
 }
 
 // The memory's size is only traced: it does not limit the read.
-bool PALOneWire::IsVehicleDock(DWORD index) const {
+bool IsVehicleDock(HANDLE driver, DWORD index) {
   PartNumber part_number{};
-  return TraceId(index) && TraceMemorySize(index) && ReadPartNumber(index, part_number) &&
+  return TraceId(driver, index) && TraceMemorySize(driver, index) &&
+         ReadPartNumber(driver, index, part_number) &&
          _strnicmp(part_number.data(), "871231", part_number.size()) == 0;
 }
 
-bool PALOneWire::FindVehicleDock() const {
+bool FindVehicleDock(HANDLE driver) {
   kTrace.Info("Entering PALOneWire::FindVehicleDock()");
-  const DWORD devices = FindDevices();
+  const DWORD devices = FindDevices(driver);
   DWORD index = 0;
-  while (index < devices && !IsVehicleDock(index)) ++index;
+  while (index < devices && !IsVehicleDock(driver, index)) ++index;
   kTrace.Info("Exiting PALOneWire::FindVehicleDock()");
   return index < devices;
 }
@@ -184,7 +167,7 @@ bool PALOneWire::FindVehicleDock() const {
 }  // namespace pal
 
 DWORD PALAPI PALOneWire_IsVehicleDockAttached() {
-  pal::PALOneWire bus;
-  return bus.Open() && bus.FindVehicleDock() ? PAL_VEHICLE_DOCK_ATTACHED
-                                             : PAL_VEHICLE_DOCK_NOT_ATTACHED;
+  const pal::UniqueFile driver = pal::OpenDriver();
+  return driver && pal::FindVehicleDock(driver.get()) ? PAL_VEHICLE_DOCK_ATTACHED
+                                                      : PAL_VEHICLE_DOCK_NOT_ATTACHED;
 }

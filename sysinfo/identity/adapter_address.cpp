@@ -1,5 +1,3 @@
-#include "sysinfo/identity/adapter_address.h"
-
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -7,6 +5,7 @@
 
 #include "frame/text.h"
 #include "sysinfo/identity/answer_text.h"
+#include "sysinfo/identity/fallbacks.h"
 #include "sysinfo/identity/identity_cache.h"
 
 namespace pal {

@@ -2,8 +2,8 @@
 #include <span>
 
 #include "sysinfo/identity/answer_text.h"
+#include "sysinfo/identity/fallbacks.h"
 #include "sysinfo/identity/identity_cache.h"
-#include "sysinfo/identity/identity_registry.h"
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/oem_information.h"
 #include "sysinfo/internal.h"
@@ -47,14 +47,14 @@ HRESULT PalGetHwConfig(char* buffer, DWORD* length) {
     return PAL_SYSINFO_E_INVALID_INPUT;
   }
   const OemInformation oem;
-  if (oem.empty()) return kSourceFailed;
+  if (oem.empty()) return PAL_SYSINFO_E_SOURCE_FAILED;
   Configuration configuration;
   std::string_view text = cache.Read(configuration);
   if (text.empty()) {
     text = ReadConfiguration(oem, configuration);
     cache.Fill(text);
   }
-  if (!PutText(text, buffer, length)) return kSourceTooLong;
+  if (!PutText(text, buffer, length)) return PAL_SYSINFO_E_SOURCE_TOO_LONG;
   *length = static_cast<DWORD>(text.size());
   return S_OK;
 }

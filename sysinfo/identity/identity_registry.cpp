@@ -1,9 +1,8 @@
-#include "sysinfo/identity/identity_registry.h"
-
 #include <iterator>
 
 #include "frame/registry.h"
 #include "frame/text.h"
+#include "sysinfo/identity/fallbacks.h"
 
 namespace pal {
 

@@ -1,4 +1,5 @@
-// The maker's name of the family of models, such as "Dravonel Rx" or "Greywing 7".
+// What the platform says of itself: the version of the operating system, the type of the platform,
+// and the OEM information.
 #ifndef SYSINFO_IDENTITY_OEM_INFORMATION_H_
 #define SYSINFO_IDENTITY_OEM_INFORMATION_H_
 
@@ -24,8 +25,8 @@ class SystemText {
   WCHAR buffer_[kUnits] = {};  // an answer may have no terminator
 };
 
-// 512 bytes. Read again at each query: a buffer for the whole process would be written by two
-// threads at once.
+// The maker's name of the family of models, such as "Dravonel Rx" or "Greywing 7": 512 bytes. Read
+// again at each query: a buffer for the whole process would be written by two threads at once.
 class OemInformation : public SystemText<256> {
  public:
   OemInformation() : SystemText(SPI_GETOEMINFO) {}
@@ -43,6 +44,15 @@ class PlatformType : public SystemText<260> {
  public:
   PlatformType() : SystemText(SPI_GETPLATFORMTYPE) {}
 };
+
+// False where the call fails; all numbers of `version` are then 0.
+[[nodiscard]] inline bool ReadOsVersion(OSVERSIONINFOW& version) {
+  version = {};
+  version.dwOSVersionInfoSize = sizeof(version);
+  if (GetVersionExW(&version) != FALSE) return true;
+  version = {};
+  return false;
+}
 
 }  // namespace pal
 

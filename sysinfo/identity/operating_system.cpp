@@ -1,5 +1,4 @@
-#include "sysinfo/identity/operating_system.h"
-
+// The name and the version of the operating system.
 #include <charconv>
 #include <iterator>
 
@@ -28,14 +27,14 @@ HRESULT PalGetOS(char* buffer, DWORD* length) {
     return PAL_SYSINFO_E_INVALID_INPUT;
   }
   OSVERSIONINFOW version;
-  if (!ReadWindowsCeVersion(version)) return kSourceFailed;
+  if (!ReadWindowsCeVersion(version)) return PAL_SYSINFO_E_SOURCE_FAILED;
   const PlatformType platform_type;
   char pocket_pc[16] = {};
   std::string_view name = "WINCE";
   if (IsPocketPc(platform_type.text()) && Narrow(pocket_pc, platform_type.text())) {
     name = pocket_pc;
   }
-  return PutText(name, buffer, length) ? S_OK : kSourceTooLong;
+  return PutText(name, buffer, length) ? S_OK : PAL_SYSINFO_E_SOURCE_TOO_LONG;
 }
 
 HRESULT PalGetOSVer(char* buffer, DWORD* length) {
@@ -44,7 +43,7 @@ HRESULT PalGetOSVer(char* buffer, DWORD* length) {
     return PAL_SYSINFO_E_INVALID_INPUT;
   }
   OSVERSIONINFOW version;
-  if (!ReadWindowsCeVersion(version)) return kSourceFailed;
+  if (!ReadWindowsCeVersion(version)) return PAL_SYSINFO_E_SOURCE_FAILED;
   char text[36];  // three numbers of at most eleven characters, and two dots
   char* end = text;
   for (const DWORD number :
@@ -52,7 +51,7 @@ HRESULT PalGetOSVer(char* buffer, DWORD* length) {
     if (end != text) *end++ = '.';
     end = std::to_chars(end, std::end(text), static_cast<LONG>(number)).ptr;
   }
-  return PutText({text, end}, buffer, length) ? S_OK : kSourceFailed;
+  return PutText({text, end}, buffer, length) ? S_OK : PAL_SYSINFO_E_SOURCE_FAILED;
 }
 
 }  // namespace pal

@@ -1,13 +1,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "sysinfo/identity/adapter_address.h"
 #include "sysinfo/identity/answer_text.h"
+#include "sysinfo/identity/fallbacks.h"
 #include "sysinfo/identity/identity_cache.h"
-#include "sysinfo/identity/identity_registry.h"
 #include "sysinfo/identity/identity_sources.h"
 #include "sysinfo/identity/oem_information.h"
-#include "sysinfo/identity/operating_system.h"
 #include "sysinfo/internal.h"
 
 namespace pal {
@@ -122,14 +120,14 @@ HRESULT PalGetSerialNum(char* buffer, DWORD* length) {
     return PAL_SYSINFO_E_INVALID_INPUT;
   }
   const OemInformation oem;
-  if (oem.empty()) return kSourceFailed;
+  if (oem.empty()) return PAL_SYSINFO_E_SOURCE_FAILED;
   SerialNumber serial;
   std::string_view text = cache.Read(serial);
   if (text.empty()) {
     text = ReadSerial(oem, serial);
     cache.Fill(text);
   }
-  return PutText(text, buffer, length) ? S_OK : kSourceTooLong;
+  return PutText(text, buffer, length) ? S_OK : PAL_SYSINFO_E_SOURCE_TOO_LONG;
 }
 
 }  // namespace pal

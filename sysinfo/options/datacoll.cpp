@@ -65,7 +65,7 @@ DWORD SecondDeviceType(BYTE code) {
   const std::optional<DWORD> device_type = FindDeviceType(code);
   if (!device_type) {
     kTrace.Info("%s device type %d", "Did not find", code);
-    return kUnknownDeviceCode;
+    return PAL_DEVICE_TYPE_UNKNOWN;
   }
   kTrace.Info("Second Internal Device type: %d", *device_type);
   kTrace.Info("%s device type %d", "Found", code);
@@ -79,7 +79,7 @@ HRESULT PALAPI PALMFGOpt_InternalDevice2Type(DWORD* type) {
   if (type == nullptr) return E_FAIL;
   pal::kTrace.Info("Entry PALMFGOpt_InternalDevice2Type,SECOND_INTERNAL_DEVICE_OFFSET:%d ",
                    pal::kSecondInternalDeviceOffset);
-  *type = pal::kNoDevice;
+  *type = PAL_DEVICE_TYPE_NONE;
   pal::Datacoll data;
   DWORD data_bytes = 0;
   const HRESULT result = pal::LoadCFGDatacoll(data, data_bytes);

@@ -22,7 +22,7 @@ struct DeviceCode {
 
 // The codes 0x05 and 0x06 stand for one type.
 inline constexpr auto kDeviceCodes = std::to_array<DeviceCode>({
-    {0x00, kNoDevice, {}},
+    {0x00, PAL_DEVICE_TYPE_NONE, {}},
     {0x01, 11, TEXT("ENG38")},
     {0x02, 15, TEXT("ENG35")},
     {0x03, 8, TEXT("ENG41")},

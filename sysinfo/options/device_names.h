@@ -1,12 +1,12 @@
 // The names of the device types, as the configuration store and the registry keys of the devices
-// have them. The row number is the internal device type.
+// have them. The row number is the internal device type. PAL_DEVICE_TYPE_UNKNOWN and
+// PAL_DEVICE_TYPE_NONE are no rows.
 #ifndef SYSINFO_OPTIONS_DEVICE_NAMES_H_
 #define SYSINFO_OPTIONS_DEVICE_NAMES_H_
 
 #include <array>
 
 #include "frame/text.h"
-#include "include/palmfgopt.h"
 #include "platform/wince.h"
 
 namespace pal {
@@ -31,10 +31,6 @@ inline constexpr auto kDeviceNames = std::to_array<WideText>({
 });
 static_assert(kDeviceNames.size() == 54);
 static_assert(kDeviceNames[46] == kDeviceNames[47]);
-
-// The two internal device types that are no rows of the table.
-inline constexpr DWORD kUnknownDeviceCode = PAL_DEVICE_TYPE_UNKNOWN;
-inline constexpr DWORD kNoDevice = PAL_DEVICE_TYPE_NONE;
 
 }  // namespace pal
 

@@ -45,7 +45,7 @@ DWORD ReadInternalDeviceType() {
   const std::optional<DWORD> device_type = FindDeviceType(code);
   if (!device_type) {
     kTrace.Error("%s device type 0x%x", "Did not find", code);
-    return kUnknownDeviceCode;
+    return PAL_DEVICE_TYPE_UNKNOWN;
   }
   kTrace.Info("Internal Device type: 0x%x", *device_type);
   kTrace.Info("%s device type 0x%x", "Found", code);

@@ -3,9 +3,9 @@
 #include <span>
 
 #include "configstore/registry_file.h"
-#include "frame/audio_setting.h"
 #include "frame/mutex.h"
 #include "frame/registry.h"
+#include "frame/tap_volume.h"
 #include "frame/trace.h"
 
 namespace {

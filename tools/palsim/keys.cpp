@@ -48,8 +48,8 @@ void ShowButton(Session& session, LONG button) {
 }
 
 std::string ScanCodeName(BYTE scan_code) {
-  for (const pal::ButtonRecord* const button : pal::kButtonRecords) {
-    if (button != nullptr && button->scan_code == scan_code) return button->name;
+  for (const pal::ButtonRecord& button : pal::kButtonRecords) {
+    if (button.scan_code == scan_code) return button.name;
   }
   return {};
 }

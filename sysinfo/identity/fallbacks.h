@@ -1,7 +1,8 @@
-// The identity texts in the registry, for devices without parameters.
-#ifndef SYSINFO_IDENTITY_IDENTITY_REGISTRY_H_
-#define SYSINFO_IDENTITY_IDENTITY_REGISTRY_H_
+// What stands in for the parameters on devices that have none.
+#ifndef SYSINFO_IDENTITY_FALLBACKS_H_
+#define SYSINFO_IDENTITY_FALLBACKS_H_
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -17,6 +18,11 @@ using IdentityRegistryText = char[65];
 [[nodiscard]] std::string_view ReadIdentityRegistry(const WCHAR* name,
                                                     IdentityRegistryText& buffer);
 
+// Twelve lower-case digits of the first Ethernet adapter that is not the USB one. Zeros where there
+// is no such adapter, the adapters cannot be listed, or there is no memory. The answer of a list is
+// kept until the process ends.
+[[nodiscard]] std::array<char, 12> AdapterAddress();
+
 }  // namespace pal
 
-#endif  // SYSINFO_IDENTITY_IDENTITY_REGISTRY_H_
+#endif  // SYSINFO_IDENTITY_FALLBACKS_H_

@@ -1,5 +1,0 @@
-#include "frame/do_nothing.h"
-
-HRESULT PALAPI PALDoNothing() {
-  return S_OK;
-}
