@@ -22,12 +22,12 @@
 PAL_INTERFACE_BEGIN
 
 /**
- * Does nothing but trace: no function here needs it. The library calls it when a process attaches.
+ * Does nothing: no function here needs it. The library calls it when a process attaches.
  * @retval S_OK  Always.
  */
 HRESULT PALAPI PALDISPInit(void);
 
-/** Does nothing but trace. The library calls it when a process detaches. @retval S_OK  Always. */
+/** Does nothing. The library calls it when a process detaches. @retval S_OK  Always. */
 HRESULT PALAPI PALDISPTerm(void);
 
 /**

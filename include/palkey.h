@@ -112,7 +112,7 @@ typedef enum PALControlKey {
  */
 HRESULT PALAPI PALKEYInit(void);
 
-/** Does nothing but trace. The library calls it when a process detaches. @retval S_OK  Always. */
+/** Does nothing. The library calls it when a process detaches. @retval S_OK  Always. */
 HRESULT PALAPI PALKEYTerm(void);
 
 /**

@@ -175,14 +175,14 @@ TEST_F(CabProtection, TellsTheErrorOfTheFirstKeyThatFails) {
     bool first_is_switched = false;
   };
   const Bytes good = Command("wceload.exe");
-  const std::string kCabCommand = R"(cabfile\Shell\Open\Command)";
+  const std::string cab_command = R"(cabfile\Shell\Open\Command)";
   for (const Case& test : {
            Case{{.call = "RegOpenKeyExW"}, NotOpened("tdyskin", 5)},
-           Case{{.call = "RegOpenKeyExW", .on = kCabCommand}, NotOpened("cabfile", 5), true},
+           Case{{.call = "RegOpenKeyExW", .on = cab_command}, NotOpened("cabfile", 5), true},
            Case{{.call = "RegQueryValueExW"}, NotRead("tdyskin", 5)},
-           Case{{.call = "RegQueryValueExW", .on = kCabCommand}, NotRead("cabfile", 5), true},
+           Case{{.call = "RegQueryValueExW", .on = cab_command}, NotRead("cabfile", 5), true},
            Case{{.call = "RegSetValueExW"}, NotWritten("tdyskin", 5)},
-           Case{{.call = "RegSetValueExW", .on = kCabCommand}, NotWritten("cabfile", 5), true},
+           Case{{.call = "RegSetValueExW", .on = cab_command}, NotWritten("cabfile", 5), true},
        }) {
     Put(kSkin, good);
     Put(kCab, good);

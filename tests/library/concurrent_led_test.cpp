@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const char* kSettings = "HKLM\\SOFTWARE\\Dravonel\\PAL";
+constexpr const char* kLedSettings = "HKLM\\SOFTWARE\\Dravonel\\PAL";
 constexpr int kRounds = 30;
 
 class ConcurrentLeds : public DeviceTest {
@@ -41,8 +41,8 @@ void VibrateAndProbe(const sim::Exports& exports) {
 }
 
 TEST_F(ConcurrentLeds, FlashesOfAllProcessesNeverOverlap) {
-  device.registry().SetDword(kSettings, "IntGrLedOnDur", 1);
-  device.registry().SetDword(kSettings, "IntGrLed", 1);
+  device.registry().SetDword(kLedSettings, "IntGrLedOnDur", 1);
+  device.registry().SetDword(kLedSettings, "IntGrLed", 1);
   device.hardware().leds.vibrator = sim::Vibrator{};
   std::array<std::unique_ptr<sim::Process>, 3> processes;
   std::vector<sim::Thread> threads;

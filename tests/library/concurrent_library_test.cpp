@@ -37,9 +37,9 @@ void RunTwice(sim::Process& process, const std::function<void()>& body) {
 // Every thread's first line loads the event log, both at once; many fresh processes give many
 // chances.
 TEST_F(Concurrent, TwoThreadsLoseNoTraceLine) {
-  constexpr std::size_t kRounds = 100;
+  constexpr std::size_t kStarts = 100;
   constexpr DWORD kLines = 3;
-  for (std::size_t round = 0; round < kRounds; ++round) {
+  for (std::size_t round = 0; round < kStarts; ++round) {
     InternalsProcess process(device);
     RunTwice(process, [&] {
       for (DWORD line = 0; line < kLines; ++line) {
@@ -48,8 +48,8 @@ TEST_F(Concurrent, TwoThreadsLoseNoTraceLine) {
       }
     });
   }
-  EXPECT_EQ(TraceLines("new").size(), kRounds * kLines * 2);
-  EXPECT_EQ(TraceLines("old").size(), kRounds * kLines * 2);
+  EXPECT_EQ(TraceLines("new").size(), kStarts * kLines * 2);
+  EXPECT_EQ(TraceLines("old").size(), kStarts * kLines * 2);
 }
 
 // Both find the caches empty, and none of them gives out a text that is half written.

@@ -70,6 +70,7 @@ TEST_F(ManufacturingOptions, InternalDeviceTypeComesFromItsParameter) {
       {{{.bytes = {0x1C, 0, 0, 0}}}, 56},           // behind the name table
       {{{.bytes = {0x0B, 0, 0, 0}}}, 254},
       {{{.bytes = {0x00, 0, 0, 0}}}, 255},
+      {{{.bytes = {0x20, 0, 0, 0}}}, 254},  // more than any code
       {{{.bytes = {0x03}}}, 8},
       {{{.bytes = {}}}, 255},  // bytes that are not there are 0
       {{{.bytes = {0x02, 0, 0, 0, 1, 1, 1, 1}, .returned = 0xFFFFFFFF}}, 15},
@@ -360,6 +361,9 @@ TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
     EXPECT_EQ(process.new_handles(), 0u);
     device.ClearFaults();
   }
+  EXPECT_EQ(
+      TraceLines("PALMFGOpt_OpenDPMCStore. Failed to Write"),
+      std::vector<std::string>{"PALMFGOpt_OpenDPMCStore. Failed to Write Init value, error:31"});
 }
 
 TEST_F(ManufacturingOptions, DpmStatusThatCannotBeReadIsZero) {

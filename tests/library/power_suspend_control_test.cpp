@@ -9,7 +9,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr const char* kTimeouts = "HKLM\\System\\CurrentControlSet\\Control\\Power\\Timeouts";
+constexpr const char* kSuspendTimeouts =
+    "HKLM\\System\\CurrentControlSet\\Control\\Power\\Timeouts";
 constexpr const WCHAR* kLibrary = TEXT("\\Program Files\\Dravonel\\DVLORQPAL.dll");
 constexpr const char* kFreed = "\\Program Files\\Dravonel\\DVLORQPAL.dll freed";
 constexpr DWORD kStart = 0;
@@ -56,12 +57,12 @@ TEST_F(SuspendControl, ResetsTheIdleTimersWellInsideBothTimeouts) {
         Case{kMissing, 300, 20}, Case{300, kMissing, 20}, Case{3600, 3600, 45},
         Case{2760, 2640, 44}, Case{0xFFFFFFFE, 0xFFFFFFFE, 45}, Case{150, 600, 2},
         Case{59, 600, 20}}) {
-    device.registry().RemoveTree(kTimeouts);
+    device.registry().RemoveTree(kSuspendTimeouts);
     if (test.battery_seconds != kMissing) {
-      device.registry().SetDword(kTimeouts, "BattSuspendTimeout", test.battery_seconds);
+      device.registry().SetDword(kSuspendTimeouts, "BattSuspendTimeout", test.battery_seconds);
     }
     if (test.external_seconds != kMissing) {
-      device.registry().SetDword(kTimeouts, "ACSuspendTimeout", test.external_seconds);
+      device.registry().SetDword(kSuspendTimeouts, "ACSuspendTimeout", test.external_seconds);
     }
     device.journal().Clear();
     const std::uint64_t begin = device.now_ms();

@@ -54,6 +54,15 @@ TEST_F(Volume, IsSetInOneStepOrByOne) {
   }
 }
 
+TEST_F(Volume, LevelsWithoutValuesHaveWordsOfTheirOwn) {
+  device.registry().RemoveTree(kBeeperKey);
+  const sim::Process fresh(device, "fresh.exe");
+  for (DWORD level = 0; level < std::size(kLevelWords); ++level) {
+    EXPECT_EQ(fresh.exports().PALBEEPSetVolume(level), S_OK);
+    EXPECT_EQ(device.hardware().audio.levels.volume, kLevelWords[level]);
+  }
+}
+
 TEST_F(Volume, RefusesUndefinedNumbersAndNullAndChangesNothing) {
   const auto& exports = process.exports();
   for (const DWORD setting : {6u, 7u, 10u, 0xFFFFFFFFu}) {

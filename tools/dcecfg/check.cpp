@@ -182,8 +182,8 @@ DWORD pal::PALTrace(DWORD /*debug_echo*/, DWORD category, const char* format, ..
   va_start(arguments, format);
   pal::FormatTraceLine(line, format, arguments);
   va_end(arguments);
-  if (dcecfg::ParsedFile::current != nullptr) {
-    dcecfg::ParsedFile::current->AddTraceLine(category, line);
+  if (::dcecfg::ParsedFile::current != nullptr) {
+    ::dcecfg::ParsedFile::current->AddTraceLine(category, line);
   }
   return 0;
 }

@@ -26,11 +26,12 @@ using sim::CallId;
 // The platform has no security, inheritance, environment, directory and start-up information: these
 // arguments must be empty.
 BOOL CreateProcessW(LPCWSTR image, LPCWSTR command_line, LPSECURITY_ATTRIBUTES process_security,
-                    LPSECURITY_ATTRIBUTES thread_security, BOOL inherit, DWORD /*flags*/,
+                    LPSECURITY_ATTRIBUTES thread_security, BOOL inherit, DWORD flags,
                     LPVOID environment, LPWSTR directory, STARTUPINFOW* startup,
                     PROCESS_INFORMATION* information) {
   Call call(CallId::CreateProcessW);
   if (call.fault() != 0) return call.Fail(call.fault(), FALSE);
+  if (flags != 0) call.Misuse("was given flags that nothing simulates");
   const bool usable = image != nullptr && process_security == nullptr &&
                       thread_security == nullptr && inherit == FALSE && environment == nullptr &&
                       directory == nullptr && startup == nullptr;
