@@ -1,4 +1,4 @@
-// The scan engine and the password check on threads that really run at once, for the race detector.
+// The scan engine on threads that really run at once, for the race detector.
 #include <memory>
 
 #include "platform/sim/hardware/hardware.h"
@@ -32,28 +32,6 @@ TEST_F(ConcurrentScanner, TwoThreadsDriveOneEngine) {
   EXPECT_TRUE(second.Join());
   EXPECT_EQ(exports.PALSysio_Close(), S_OK);
   EXPECT_EQ(process.new_handles(), 0U);
-}
-
-TEST_F(ConcurrentScanner, TwoProcessesCheckPasswordsAtOnce) {
-  device.registry().Create("HKCU\\Comm\\Security\\Crypto\\UserKeys\\Default");
-  device.registry().SetBinary("HKLM\\Software\\Dravonel\\SN\\M", "s", {'a', 'b', 'c'});
-  device.registry().SetBinary("HKLM\\Software\\Dravonel\\SN\\M", "h",
-                              {0xA9, 0x99, 0x3E, 0x36, 0x47, 0x06, 0x81, 0x6A, 0xBA, 0x3E,
-                               0x25, 0x71, 0x78, 0x50, 0xC2, 0x6C, 0x9C, 0xD0, 0xD8, 0x9D});
-  sim::Process first(device, "first.exe");
-  sim::Process second(device, "second.exe");
-  const auto check = [](sim::Process& process) {
-    return process.Start([&process] {
-      for (int round = 0; round < 20; ++round) {
-        EXPECT_EQ(process.exports().PALSecurity_CheckPx(TEXT("M"), TEXT("")), 0U);
-        EXPECT_EQ(process.exports().PALSecurity_CheckPx(TEXT("M"), TEXT("x")), 1U);
-      }
-    });
-  };
-  sim::Thread first_thread = check(first);
-  sim::Thread second_thread = check(second);
-  EXPECT_TRUE(first_thread.Join());
-  EXPECT_TRUE(second_thread.Join());
 }
 
 }  // namespace
