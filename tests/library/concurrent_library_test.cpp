@@ -1,10 +1,12 @@
 // The library with threads that really run at once, for the race detector.
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "platform/sim/exports.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/hardware/scan_engine.h"
 #include "platform/sim/programs/registry_importer.h"
 #include "tests/support/device_test.h"
 
@@ -67,6 +69,24 @@ TEST_F(Concurrent, TwoThreadsAskFirstForTheIdentity) {
       }
     });
   }
+}
+
+// Callers of the scan engine ought to take turns; those that do not must still find whole values.
+TEST_F(Concurrent, TwoThreadsDriveOneScanEngine) {
+  device.hardware().parameters[0x001A].bytes = {0x10, 0, 0, 0};
+  device.hardware().drivers = {std::make_shared<sim::ScanDriver>()};
+  sim::Process process(device);
+  const sim::Exports& exports = process.exports();
+  EXPECT_EQ(exports.PALSysio_Open(), S_OK);
+  RunTwice(process, [&exports] {
+    for (int round = 0; round < 20; ++round) {
+      EXPECT_EQ(exports.PALSysio_InternalScannerInterfaceInit(), S_OK);
+      EXPECT_EQ(exports.PALSysio_SetScanTrigger(round % 2), S_OK);
+      EXPECT_EQ(exports.PALSysio_ControlScanPower(PAL_SCANNER_POWER_DOWN), S_OK);
+    }
+  });
+  EXPECT_EQ(exports.PALSysio_Close(), S_OK);
+  EXPECT_EQ(process.new_handles(), 0U);
 }
 
 TEST_F(Concurrent, AProcessIsKilledAmongItsThreads) {

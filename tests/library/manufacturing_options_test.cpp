@@ -112,6 +112,12 @@ TEST_F(ManufacturingOptions, DatacollHasOrientationRotationAndTheSecondDevice) {
   }
   EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1023]=85").size(), 3u);
   EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1024]").size(), 0u);
+  for (const auto& [call, error] : {std::pair{"CreateFileW", 32u}, {"ReadFile", 31u}}) {
+    device.PlanFault({.call = call, .from_then_on = true, .error = error});
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(PAL_E_WIN32(error), DWORD{255}));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation).first, PAL_E_WIN32(error));
+    device.ClearFaults();
+  }
 }
 
 TEST_F(ManufacturingOptions, CameraNeedsTheParameterAndTheOwnersLeave) {
