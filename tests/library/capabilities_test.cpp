@@ -209,16 +209,6 @@ TEST_F(Capabilities, HaveAStateForEachWayTheyCanBe) {
   }
 }
 
-TEST_F(Capabilities, BluetoothFileThatCannotBeReadIsNoModule) {
-  device.files().Write("\\ConfigStore\\BMN0", "x");
-  device.PlanFault({.call = "ReadFile"});
-  EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);
-  EXPECT_EQ(device.calls("ReadFile"), 1u);
-  device.files().Remove("\\ConfigStore\\BMN0");
-  EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);
-  EXPECT_EQ(device.calls("ReadFile"), 1u) << "there is nothing to read from";
-}
-
 TEST_F(Capabilities, WifiAdapterIsLookedForByNameAndType) {
   struct Case {
     std::vector<sim::NetworkInterface> interfaces;
@@ -308,25 +298,13 @@ TEST_F(Capabilities, NullNamesAreRefused) {
             }));
 }
 
-TEST_F(Capabilities, LongWideNamesAreUnknown) {
-  const std::string name(128, 'x');
-  const std::u16string wide(name.begin(), name.end());
-  for (const std::size_t length : {127u, 128u}) {
-    device.registry().SetDword(kPlugins, name.substr(0, length), 1);
-    const DWORD expected = length < 128 ? 1 : 0;
-    EXPECT_EQ(exports.PALDevCap_GetDevCapsW(wide.substr(0, length).c_str()), expected);
-    EXPECT_EQ(exports.PALDevCap_EnabledW(wide.substr(0, length).c_str()), 0u);
-  }
-  EXPECT_EQ(exports.PALDevCap_GetDevCapsA(std::string(5000, 'x').c_str()), 0u);
-}
-
 TEST(CapabilityDescription, GivesTheDeviceItsParts) {
   const TemporaryFolder folder;
-  static_cast<void>(folder.Write(
+  folder.Write(
       "device.toml",
       "name = \"x\"\n[bluetooth]\nmode = \"discoverable\"\n[accelerometer]\n"
       "[[interfaces]]\ndescription = \"A\"\n[[interfaces]]\ndescription = \"B\"\ntype = 71\n"
-      "[[interfaces]]\ndescription = \"C\"\nindex = 7\n"));
+      "[[interfaces]]\ndescription = \"C\"\nindex = 7\n");
   sim::Device device;
   sim::LoadDevice(device, folder.path());
   const sim::Hardware& hardware = device.hardware();
@@ -340,36 +318,6 @@ TEST(CapabilityDescription, GivesTheDeviceItsParts) {
   EXPECT_EQ(interfaces, "A 6 0, B 71 1, C 6 7, ");
 }
 
-TEST(CapabilityDescription, IsRefusedWithItsLine) {
-  struct Case {
-    std::string part;
-    std::string message;
-  };
-  constexpr const char* kMode =
-      "expected a mode of the radio: mode = \"off\", \"connectable\" or \"discoverable\"";
-  for (const Case& test : {
-           Case{"[bluetooth]", fmt::format("2: {}", kMode)},
-           Case{"[bluetooth]\nmode = 1", fmt::format("3: {}", kMode)},
-           Case{"[bluetooth]\nmode = \"on\"", fmt::format("3: {}", kMode)},
-           Case{"accelerometer = true", "2: expected a table: [accelerometer]"},
-           Case{"interfaces = 1", "2: expected tables: [[interfaces]]"},
-           Case{"[[interfaces]]\ntype = 6",
-                "2: expected a description of at most 255 characters: description = \"...\""},
-           Case{"[[interfaces]]\ndescription = \"\"\nindex = -1",
-                "4: expected a number from 0 to 0xFFFFFFFF: index = 0"},
-       }) {
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("device.toml", "name = \"x\"\n" + test.part);
-    sim::Device device;
-    try {
-      sim::LoadDevice(device, folder.path());
-      ADD_FAILURE() << "taken: " << test.part;
-    } catch (const sim::DeviceFolderError& error) {
-      EXPECT_EQ(error.what(), file + ":" + test.message);
-    }
-  }
-}
-
 TEST_F(Capabilities, LongNamesAreUnknownToBothForms) {
   for (const std::size_t length : {127u, 128u}) {
     const std::string name(length, 'y');
@@ -377,11 +325,13 @@ TEST_F(Capabilities, LongNamesAreUnknownToBothForms) {
     EXPECT_EQ(Installed(name), length < 128 ? 1u : 0u);
     EXPECT_EQ(Enabled(name), 0u);
   }
+  EXPECT_EQ(exports.PALDevCap_GetDevCapsA(std::string(5000, 'x').c_str()), 0u);
 }
 
 TEST_F(Capabilities, ProbesWithoutEntryLinesTraceTheirFailures) {
   const std::string bluetooth = "0xC40F0000 PalSysinfo_IsBluetoothInstalled - ERROR ";
   EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);
+  EXPECT_EQ(device.calls("ReadFile"), 0u) << "there is nothing to read from";
   device.files().Write("\\ConfigStore\\BMN0", "x");
   device.PlanFault({.call = "ReadFile", .error = 5});
   EXPECT_EQ(exports.PalSysinfo_IsBluetoothInstalled(), 2u);

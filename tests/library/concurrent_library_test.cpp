@@ -1,11 +1,12 @@
 // The library with threads that really run at once, for the race detector.
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/sim/exports.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/hardware/scan_engine.h"
 #include "platform/sim/programs/registry_importer.h"
 #include "tests/support/device_test.h"
 
@@ -58,7 +59,7 @@ TEST_F(Concurrent, TwoThreadsAskFirstForTheIdentity) {
   device.hardware().adapters = {{"ISA1", {0, 0x0A, 0x1B, 0x2C, 0x3D, 0x4E}}};
   for (int round = 0; round < 30; ++round) {
     sim::Process process(device);
-    const auto ask = [&process] {
+    RunTwice(process, [&process] {
       for (int query = 0; query < 3; ++query) {
         char buffer[64] = {};
         EXPECT_EQ(process.exports().PALSysinfo_GetSerialNumberA(buffer), S_OK);
@@ -66,34 +67,26 @@ TEST_F(Concurrent, TwoThreadsAskFirstForTheIdentity) {
         EXPECT_EQ(process.exports().PALSysinfo_GetHardwareConfigurationA(buffer), S_OK);
         EXPECT_STREQ(buffer, "CG0");
       }
-    };
-    sim::Thread first = process.Start(ask);
-    sim::Thread second = process.Start(ask);
-    EXPECT_TRUE(first.Join());
-    EXPECT_TRUE(second.Join());
+    });
   }
 }
 
-TEST_F(Concurrent, TwoProcessesUpdateTheRegistryAtOnce) {
-  std::string file = "\xBB";
-  for (int entry = 0; entry < 250; ++entry) file.append("\x01\x05\x00", 3);
-  device.files().Write("\\ConfigStore\\dcecfg", file + '\xFF');
-  sim::Process first(device, "first.exe");
-  sim::Process second(device, "second.exe");
-  const auto update = [](sim::Process& process) {
-    return process.Start([&process] {
-      for (int round = 0; round < 20; ++round) {
-        EXPECT_EQ(process.exports().PALMFGOpt_ConfigStoreRegUpdate(), S_OK);
-      }
-    });
-  };
-  sim::Thread first_thread = update(first);
-  sim::Thread second_thread = update(second);
-  EXPECT_TRUE(first_thread.Join());
-  EXPECT_TRUE(second_thread.Join());
-  EXPECT_EQ(
-      device.registry().GetDword("HKLM\\Software\\Dravonel\\DCEDriver", "AsyncReadThreadPriority"),
-      5u);
+// Callers of the scan engine ought to take turns; those that do not must still find whole values.
+TEST_F(Concurrent, TwoThreadsDriveOneScanEngine) {
+  device.hardware().parameters[0x001A].bytes = {0x10, 0, 0, 0};
+  device.hardware().drivers = {std::make_shared<sim::ScanDriver>()};
+  sim::Process process(device);
+  const sim::Exports& exports = process.exports();
+  EXPECT_EQ(exports.PALSysio_Open(), S_OK);
+  RunTwice(process, [&exports] {
+    for (int round = 0; round < 20; ++round) {
+      EXPECT_EQ(exports.PALSysio_InternalScannerInterfaceInit(), S_OK);
+      EXPECT_EQ(exports.PALSysio_SetScanTrigger(round % 2), S_OK);
+      EXPECT_EQ(exports.PALSysio_ControlScanPower(PAL_SCANNER_POWER_DOWN), S_OK);
+    }
+  });
+  EXPECT_EQ(exports.PALSysio_Close(), S_OK);
+  EXPECT_EQ(process.new_handles(), 0U);
 }
 
 TEST_F(Concurrent, AProcessIsKilledAmongItsThreads) {
@@ -139,37 +132,6 @@ TEST_F(Concurrent, TwoProcessesImportRegistryFilesAtOnce) {
   EXPECT_TRUE(second_thread.Join());
   EXPECT_NE(device.registry().Find("HKLM\\first"), nullptr);
   EXPECT_NE(device.registry().Find("HKLM\\second"), nullptr);
-}
-
-// Two processes attach, switch shift keys and end while the other does the same.
-TEST_F(Concurrent, TwoProcessesUseTheKeypadAtOnce) {
-  device.registry().SetString("HKLM\\Hardware\\Devicemap\\Keybd", "CurrentActiveLayoutKey",
-                              "Layout");
-  device.registry().SetBinary("HKLM\\Layout\\ShiftKeys", "ShiftKey1", {1, 0, 0, 0});
-  device.registry().SetBinary("HKLM\\Layout", "ShiftPlane0", {7, 0x91, 0, 2, 2, 2});
-  device.registry().Create("HKLM\\Layout\\EVENTS\\DELTA");
-  device.registry().Create("HKLM\\Layout\\EVENTS\\STATE");
-  device.registry().Create("HKLM\\Drivers\\HID\\ClientDrivers\\DVLKeyboard");
-  sim::Process first(device, "first.exe");
-  sim::Process second(device, "second.exe");
-  const auto use = [](sim::Process& process) {
-    return process.Start([&process] {
-      const sim::Exports& exports = process.exports();
-      for (DWORD round = 0; round < 20; ++round) {
-        EXPECT_EQ(exports.PALKEYInit(), S_OK);
-        EXPECT_EQ(exports.PALKEYSetShiftBehavior(round % 3), S_OK);
-        EXPECT_EQ(exports.PALKEYSetButtonAction(2, static_cast<LONG>(round % 7) + 1), S_OK);
-        DWORD action = 0;
-        EXPECT_EQ(exports.PALKEYGetButtonAction(2, &action), S_OK);
-        EXPECT_EQ(exports.PALKEYTerm(), S_OK);
-      }
-    });
-  };
-  sim::Thread first_thread = use(first);
-  sim::Thread second_thread = use(second);
-  EXPECT_TRUE(first_thread.Join());
-  EXPECT_TRUE(second_thread.Join());
-  EXPECT_EQ(device.registry().FindValue("HKLM\\Layout", "ShiftPlane0")->data.size(), 6u);
 }
 
 }  // namespace

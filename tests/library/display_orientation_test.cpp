@@ -108,7 +108,7 @@ TEST(OrientationOfADevice, IsKeptInItsFolderAsTheBootOptionIs) {
   const std::string author =
       "name = \"x\"\n\n[display]\nrotation = 90\nrotations = [90, 270]\n\n"
       "[configuration_driver]\nboot_option = 3\n";
-  static_cast<void>(folder.Write("device.toml", author));
+  folder.Write("device.toml", author);
   const std::string state = "\n# Kept by the simulator: do not edit below.\n[state]\n";
   struct Case {
     LONG angle_before;

@@ -1,4 +1,5 @@
-// Brightness and keypad backlight, input panel, clicks of the screen: what is kept and what is not.
+// Brightness and keypad backlight, input panel, clicks of screen and keys: what is kept and what is
+// not.
 #include <string>
 #include <vector>
 
@@ -32,86 +33,62 @@ class DisplaySettings : public DeviceTest {
 struct Level {
   const char* key;
   const char* value;
-  HRESULT (*set)(const Exports& pal, DWORD level);
-  HRESULT (*get)(const Exports& pal, DWORD* level);
+  sim::Export<HRESULT(DWORD)> Exports::*set;
+  sim::Export<HRESULT(DWORD*)> Exports::*get;
   std::vector<DWORD> allowed;
   const char* severity;  // of what fails
-  std::string setter;    // as the lines name it
-  std::string getter;
-  std::string named;  // the value in the line of a failed write
+  std::string name;      // "*" for Set and Get, as the lines name it
+};
+const std::vector<Level> kLevels = {
+    {kBacklight,
+     "AmbientDeltaIndex",
+     &Exports::PALDISPSetDisplayBrightnessAmbient,
+     &Exports::PALDISPGetDisplayBrightnessAmbient,
+     {1, 2, 3, 4, 5},
+     kInfo,
+     "*DisplayBrightnessAmbient"},
+    {kBacklight,
+     "AmbientDeltaIndexLow",
+     &Exports::PALDISPSetLowLightDisplayBrightnessDelta,
+     &Exports::PALDISPGetLowLightDisplayBrightnessDelta,
+     {1, 2, 3, 4, 5},
+     kInfo,
+     "PALDISP*LowLightDisplayBrightnessDelta"},
+    {kBacklight,
+     "AmbientDeltaIndexHigh",
+     &Exports::PALDISPSetBrightLightDisplayBrightnessDelta,
+     &Exports::PALDISPGetBrightLightDisplayBrightnessDelta,
+     {1, 2, 3, 4, 5},
+     kInfo,
+     "PALDISP*BrightLightDisplayBrightnessDelta"},
+    {kKeyboard,
+     "Mode",
+     &Exports::PALDISPSetKeypadBacklightMode,
+     &Exports::PALDISPGetKeypadBacklightMode,
+     {0, 2, 4},
+     kError,
+     "*KeypadBacklightMode"},
+    {kKeyboard,
+     "AmbientThreshold",
+     &Exports::PALDISPSetKeypadBacklightAmbient,
+     &Exports::PALDISPGetKeypadBacklightAmbient,
+     {0, 1},
+     kError,
+     "*KeypadBacklightAmbient"},
 };
 
-const std::vector<Level>& Levels() {
-  static const std::vector<Level> levels = {
-      {kBacklight,
-       "AmbientDeltaIndex",
-       [](const Exports& pal, DWORD level) {
-         return pal.PALDISPSetDisplayBrightnessAmbient(level);
-       },
-       [](const Exports& pal, DWORD* level) {
-         return pal.PALDISPGetDisplayBrightnessAmbient(level);
-       },
-       {1, 2, 3, 4, 5},
-       kInfo,
-       "SetDisplayBrightnessAmbient",
-       "GetDisplayBrightnessAmbient",
-       "AmbientDeltaIndex"},
-      {kBacklight,
-       "AmbientDeltaIndexLow",
-       [](const Exports& pal, DWORD level) {
-         return pal.PALDISPSetLowLightDisplayBrightnessDelta(level);
-       },
-       [](const Exports& pal, DWORD* level) {
-         return pal.PALDISPGetLowLightDisplayBrightnessDelta(level);
-       },
-       {1, 2, 3, 4, 5},
-       kInfo,
-       "PALDISPSetLowLightDisplayBrightnessDelta",
-       "PALDISPGetLowLightDisplayBrightnessDelta",
-       "AmbientDeltaIndexLow"},
-      {kBacklight,
-       "AmbientDeltaIndexHigh",
-       [](const Exports& pal, DWORD level) {
-         return pal.PALDISPSetBrightLightDisplayBrightnessDelta(level);
-       },
-       [](const Exports& pal, DWORD* level) {
-         return pal.PALDISPGetBrightLightDisplayBrightnessDelta(level);
-       },
-       {1, 2, 3, 4, 5},
-       kInfo,
-       "PALDISPSetBrightLightDisplayBrightnessDelta",
-       "PALDISPGetBrightLightDisplayBrightnessDelta",
-       "AmbientDeltaIndexHigh"},
-      {kKeyboard,
-       "Mode",
-       [](const Exports& pal, DWORD level) { return pal.PALDISPSetKeypadBacklightMode(level); },
-       [](const Exports& pal, DWORD* level) { return pal.PALDISPGetKeypadBacklightMode(level); },
-       {0, 2, 4},
-       kError,
-       "SetKeypadBacklightMode",
-       "GetKeypadBacklightMode",
-       "AmbientDeltaIndex"},
-      {kKeyboard,
-       "AmbientThreshold",
-       [](const Exports& pal, DWORD level) { return pal.PALDISPSetKeypadBacklightAmbient(level); },
-       [](const Exports& pal, DWORD* level) { return pal.PALDISPGetKeypadBacklightAmbient(level); },
-       {0, 1},
-       kError,
-       "SetKeypadBacklightAmbient",
-       "GetKeypadBacklightAmbient",
-       "AmbientDeltaIndex"},
-  };
-  return levels;
+std::string Named(std::string name, const char* verb) {
+  return name.replace(name.find('*'), 1, verb);
 }
 
 TEST_F(DisplaySettings, LevelsAreThoseThatTheDriversKnow) {
-  for (const Level& level : Levels()) {
+  for (const Level& level : kLevels) {
     std::vector<DWORD> taken;
     for (const DWORD value : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 0x80000001U, 0xFFFFFFFFU}) {
       device.registry().SetDword(level.key, level.value, kUntouched);
-      const HRESULT result = level.set(pal, value);
+      const HRESULT result = (pal.*level.set)(value);
       DWORD stored = 0;
-      EXPECT_EQ(level.get(pal, &stored), S_OK);
+      EXPECT_EQ((pal.*level.get)(&stored), S_OK);
       EXPECT_EQ(device.registry().GetDword(level.key, level.value), stored);
       EXPECT_EQ(result, stored == kUntouched ? E_FAIL : S_OK) << level.value << ' ' << value;
       if (stored != kUntouched) taken.push_back(stored);
@@ -121,34 +98,39 @@ TEST_F(DisplaySettings, LevelsAreThoseThatTheDriversKnow) {
 }
 
 TEST_F(DisplaySettings, LevelsAnswerAndTraceTheirFailures) {
-  for (const Level& level : Levels()) {
+  for (const Level& level : kLevels) {
     SCOPED_TRACE(level.value);
     device.registry().SetDword(level.key, level.value, 9);
     device.journal().Clear();
     DWORD read = kUntouched;
-    EXPECT_EQ(level.get(pal, &read), S_OK);
+    EXPECT_EQ((pal.*level.get)(&read), S_OK);
     EXPECT_EQ(read, 9u);
-    EXPECT_EQ(level.set(pal, 7), E_FAIL);
+    EXPECT_EQ((pal.*level.set)(7), E_FAIL);
     device.PlanFault({.call = "RegSetValueExW", .error = 5});
-    EXPECT_EQ(level.set(pal, level.allowed.front()), PAL_DISP_E_WRITE_FAILED);
+    EXPECT_EQ((pal.*level.set)(level.allowed.front()), PAL_DISP_E_WRITE_FAILED);
     device.ClearFaults();
     EXPECT_EQ(Written(), Lines());
 
     device.registry().RemoveTree("HKCU\\ControlPanel\\Backlight");
-    EXPECT_EQ(level.get(pal, &read), PAL_E_FILE_NOT_FOUND);
-    EXPECT_EQ(level.set(pal, level.allowed.back()), PAL_DISP_E_WRITE_FAILED);
-    EXPECT_EQ(level.get(pal, nullptr), E_FAIL);
+    EXPECT_EQ((pal.*level.get)(&read), PAL_E_FILE_NOT_FOUND);
+    EXPECT_EQ((pal.*level.set)(level.allowed.back()), PAL_DISP_E_WRITE_FAILED);
+    EXPECT_EQ((pal.*level.get)(nullptr), E_FAIL);
     EXPECT_EQ(read, 9u);
     device.registry().Create(kKeyboard);
 
-    const std::string write_failed = level.severity + level.setter + " - ERROR setting reg key " +
-                                     level.named + ". hr: 0x83ee0008\\r\\n";
-    const std::string set = kInfo + level.setter + " - cur_level: ";
+    // The keypad's lines name a value of the display's.
+    const std::string value =
+        level.key == kKeyboard ? std::string("AmbientDeltaIndex") : level.value;
+    const std::string setter = Named(level.name, "Set");
+    const std::string getter = Named(level.name, "Get");
+    const std::string write_failed =
+        level.severity + setter + " - ERROR setting reg key " + value + ". hr: 0x83ee0008\\r\\n";
+    const std::string set = kInfo + setter + " - cur_level: ";
     EXPECT_EQ(CategorisedLines(),
-              (Lines{kInfo + level.getter + " - cur_level: 9\\r\\n",
-                     level.severity + level.setter + " - ERROR level invalid user_level: 0x7\\r\\n",
+              (Lines{kInfo + getter + " - cur_level: 9\\r\\n",
+                     level.severity + setter + " - ERROR level invalid user_level: 0x7\\r\\n",
                      set + std::to_string(level.allowed.front()) + "\\r\\n", write_failed,
-                     level.severity + level.getter + " - ERROR reading level. hr: 0x80070002\\r\\n",
+                     level.severity + getter + " - ERROR reading level. hr: 0x80070002\\r\\n",
                      set + std::to_string(level.allowed.back()) + "\\r\\n", write_failed}));
   }
 }
@@ -179,54 +161,72 @@ TEST_F(DisplaySettings, TheInputPanelsKeyIsCreatedWithTheFirstStyle) {
                                        read + "ffffffff\\r\\n", failed, failed}));
 }
 
-TEST_F(DisplaySettings, TheScreensClickHasThreeLevels) {
+// Both trace as the display family does; the category of the keys' is the keypad's.
+struct Click {
+  std::string name;
+  sim::Export<HRESULT(DWORD)> Exports::*set;
+  sim::Export<HRESULT(DWORD*)> Exports::*get;
+  std::string category;
+};
+const std::vector<Click> kClicks = {
+    {"Screen", &Exports::PALDISPSetScreenTapVol, &Exports::PALDISPGetScreenTapVol, kError},
+    {"Key", &Exports::PALKEYSetKeyTapVol, &Exports::PALKEYGetKeyTapVol, "0xC3ED0000 "},
+};
+
+TEST_F(DisplaySettings, AClickHasThreeLevels) {
   struct Case {
     DWORD level;
     DWORD stored;
   };
-  for (const Case& test : {Case{0, 0}, Case{1, 1}, Case{2, 0x10002}}) {
+  for (const Click& click : kClicks) {
+    device.journal().Clear();
     DWORD read = kUntouched;
-    EXPECT_EQ(pal.PALDISPSetScreenTapVol(test.level), S_OK);
-    EXPECT_EQ(device.registry().GetDword(kVolume, "Screen"), test.stored);
-    EXPECT_EQ(pal.PALDISPGetScreenTapVol(&read), S_OK);
-    EXPECT_EQ(read, test.level);
+    for (const Case& test : {Case{2, 0x10002}, Case{0, 0}, Case{1, 1}}) {
+      EXPECT_EQ((pal.*click.set)(test.level), S_OK);
+      EXPECT_EQ(device.registry().GetDword(kVolume, click.name), test.stored);
+      EXPECT_EQ((pal.*click.get)(&read), S_OK);
+      EXPECT_EQ(read, test.level);
+    }
+    EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio),
+              Lines(3, "settings read from the registry"));
+    for (const Case& test : {Case{0, 0x10000}, Case{0x10001, 0x10001}, Case{77, 77}}) {
+      device.registry().SetDword(kVolume, click.name, test.stored);
+      EXPECT_EQ((pal.*click.get)(&read), S_OK);
+      EXPECT_EQ(read, test.level);
+    }
+    EXPECT_EQ(TraceLines(), Lines());
   }
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio),
-            Lines(3, "settings read from the registry"));
-  for (const Case& test : {Case{0, 0x10000}, Case{0x10001, 0x10001}, Case{77, 77}}) {
-    device.registry().SetDword(kVolume, "Screen", test.stored);
-    DWORD read = kUntouched;
-    EXPECT_EQ(pal.PALDISPGetScreenTapVol(&read), S_OK);
-    EXPECT_EQ(read, test.level);
-  }
-  EXPECT_EQ(TraceLines(), Lines());
 }
 
-TEST_F(DisplaySettings, TheScreensClickFails) {
-  device.registry().SetDword(kVolume, "Screen", 1);
-  DWORD read = kUntouched;
-  for (const DWORD wrong : {3U, 0x10002U, 0xFFFFFFFFU}) {
-    EXPECT_EQ(pal.PALDISPSetScreenTapVol(wrong), E_FAIL);
+TEST_F(DisplaySettings, AClickFails) {
+  for (const Click& click : kClicks) {
+    device.journal().Clear();
+    device.registry().SetDword(kVolume, click.name, 1);
+    DWORD read = kUntouched;
+    for (const DWORD wrong : {3U, 0x10002U, 0xFFFFFFFFU}) {
+      EXPECT_EQ((pal.*click.set)(wrong), E_FAIL);
+    }
+    EXPECT_EQ((pal.*click.get)(nullptr), E_FAIL);
+    EXPECT_EQ(device.registry().GetDword(kVolume, click.name), 1u);
+    device.registry().RemoveTree(kVolume);
+    EXPECT_EQ((pal.*click.set)(1), PAL_E_FILE_NOT_FOUND);
+    EXPECT_EQ((pal.*click.get)(&read), PAL_E_FILE_NOT_FOUND);
+    EXPECT_EQ(read, kUntouched);
+    EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio), Lines());
+    const std::string does = click.category + "PALDISPSet" + click.name + "TapVol - ";
+    const std::string key = " reg key: ControlPanel\\Volume\\" + click.name + "\\r\\n";
+    EXPECT_EQ(
+        CategorisedLines(),
+        (Lines{does + "Input invalid.  input:3\\r\\n", does + "Input invalid.  input:65538\\r\\n",
+               does + "Input invalid.  input:-1\\r\\n", does + "Could not set" + key,
+               does + "Could not read" + key}));
+    device.registry().Create(kVolume);
   }
-  EXPECT_EQ(pal.PALDISPGetScreenTapVol(nullptr), E_FAIL);
-  EXPECT_EQ(device.registry().GetDword(kVolume, "Screen"), 1u);
-  device.registry().RemoveTree(kVolume);
-  EXPECT_EQ(pal.PALDISPSetScreenTapVol(1), PAL_E_FILE_NOT_FOUND);
-  EXPECT_EQ(pal.PALDISPGetScreenTapVol(&read), PAL_E_FILE_NOT_FOUND);
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio), Lines());
-  device.registry().Create(kVolume);
   device.RemoveModule("coredll.dll");
-  EXPECT_EQ(pal.PALDISPSetScreenTapVol(2), E_FAIL);
-  EXPECT_EQ(device.registry().GetDword(kVolume, "Screen"), 0x10002u);
-  EXPECT_EQ(read, kUntouched);
-  const std::string name = std::string(kError) + "PALDISPSetScreenTapVol - ";
-  Lines lines = CategorisedLines();
-  lines.pop_back();  // that of the missing library
-  EXPECT_EQ(lines, (Lines{name + "Input invalid.  input:3\\r\\n",
-                          name + "Input invalid.  input:65538\\r\\n",
-                          name + "Input invalid.  input:-1\\r\\n",
-                          name + "Could not set reg key: ControlPanel\\Volume\\Screen\\r\\n",
-                          name + "Could not read reg key: ControlPanel\\Volume\\Screen\\r\\n"}));
+  for (const Click& click : kClicks) {
+    EXPECT_EQ((pal.*click.set)(2), E_FAIL);
+    EXPECT_EQ(device.registry().GetDword(kVolume, click.name), 0x10002u) << "written before";
+  }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The identity of the device: lengths, sources in their order, and answers that cannot be trusted.
 #include <algorithm>
-#include <array>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -93,11 +93,6 @@ class Identity : public DeviceTest {
         {0x00D5, TextAnswer("RM11")},
         {0x00D6, TextAnswer("RM11 Imager")},
     };
-  }
-
-  void TearDown() override {
-    process.End();
-    DeviceTest::TearDown();
   }
 
   Answer DetailA(DWORD detail, DWORD bytes = 256) { return DetailA(process, detail, bytes); }
@@ -278,67 +273,47 @@ TEST_F(Identity, AnAddressOrDateThatCannotBeReadNeeds256Bytes) {
   EXPECT_EQ(DetailA(9), (Answer{S_OK, "CG21", 5})) << "12 characters: the address is asked for";
 }
 
-struct OddAnswer {
-  std::string_view what;
-  DWORD detail;
-  std::uint16_t parameter;
-  QueryAnswer answer;
-  Answer expected;
-};
-
 // What a parameter says of its own length is not believed further than its buffer goes.
 TEST_F(Identity, ParametersThatLieGiveACleanResult) {
-  const std::string long_text(400, 'x');
-  const std::vector<OddAnswer> cases = {
-      {"no terminator",
-       2,
-       0x00D5,
-       TextAnswer("RM23", sim::Terminator::kMissing),
-       {S_OK, "RM23", 5}},
-      {"fills the buffer", 2, 0x00D5, TextAnswer(long_text), {S_OK, long_text.substr(0, 128), 129}},
-      {"claims more than it wrote",
-       2,
-       0x00D5,
-       Lying(TextAnswer("RM23", sim::Terminator::kMissing), 9999),
-       {S_OK, "RM23", 5}},
-      {"claims less", 2, 0x00D5, Lying(TextAnswer("RM23"), 2), {S_OK, "RM", 3}},
-      {"no bytes", 2, 0x00D5, BytesAnswer({}), {E_FAIL, "untouched", 256}},
-      {"claims all", 2, 0x00D5, Lying(BytesAnswer({}), 4), {S_OK, "", 1}},
-      {"an error", 2, 0x00D5, {{}, 31, {}}, {E_FAIL, "untouched", 256}},
-      {"empty text", 2, 0x00D5, TextAnswer(""), {S_OK, "", 1}},
-      {"claims more than it wrote",
-       3,
-       0x00D6,
-       Lying(TextAnswer("Im", sim::Terminator::kMissing), 9999),
-       {S_OK, "Im", 3}},
-      {"no bytes", 3, 0x00D6, BytesAnswer({}), {E_FAIL, "untouched", 256}},
-      {"three bytes of six", 10, 0x0001, BytesAnswer({0xAB, 0x0C, 0x10}), {S_OK, "abc10000", 9}},
-      {"two bytes of four", 7, 0x0003, BytesAnswer({0x20, 0x14}), {S_OK, "00/00/2014", 11}},
-      {"no decimal digits",
-       7,
-       0x0003,
-       BytesAnswer({0xFF, 0x00, 0x9F, 0xA0}),
-       {S_OK, "105/100/16500", 14}},
-      {"32 characters",
-       0,
-       0x000A,
-       TextAnswer(std::string(32, 'c')),
-       {S_OK, std::string(31, 'c'), 32}},
-      {"the count is not looked at", 0, 0x000A, Lying(TextAnswer("CG9"), 0), {S_OK, "CG9", 4}},
-      {"no terminator", 0, 0x000A, TextAnswer("CG9", sim::Terminator::kMissing), {S_OK, "CG9", 4}},
-      {"255 bytes",
-       1,
-       0x0048,
-       TextAnswer(long_text.substr(0, 255), sim::Terminator::kMissing),
-       {S_OK, long_text.substr(0, 255), 256}},
-      {"256 bytes", 1, 0x0048, TextAnswer(long_text.substr(0, 256)), {S_OK, "registry", 9}},
+  struct Case {
+    std::string_view what;
+    DWORD detail;
+    QueryAnswer answer;
+    Answer expected;
   };
+  const std::map<DWORD, std::uint16_t> parameter_of = {{0, 0x000A}, {1, 0x0048}, {2, 0x00D5},
+                                                       {3, 0x00D6}, {7, 0x0003}, {10, 0x0001}};
+  const auto open_end = [](const std::string& text) {
+    return TextAnswer(text, sim::Terminator::kMissing);
+  };
+  const auto x = [](std::size_t count) { return std::string(count, 'x'); };
+  const Answer fails = {E_FAIL, "untouched", 256};
   device.registry().SetString(kIdentityKey, "SerialNumber", "registry");
-  for (const OddAnswer& test : cases) {
-    SCOPED_TRACE(testing::Message() << test.what << ", detail " << test.detail);
-    const QueryAnswer before = std::exchange(hardware.parameters[test.parameter], test.answer);
-    EXPECT_EQ(Fresh(test.detail), test.expected);
-    hardware.parameters[test.parameter] = before;
+  for (const auto& [what, detail, answer, expected] : std::vector<Case>{
+           {"no terminator", 2, open_end("RM23"), {S_OK, "RM23", 5}},
+           {"fills the buffer", 2, TextAnswer(x(400)), {S_OK, x(128), 129}},
+           {"claims more than it wrote", 2, Lying(open_end("RM23"), 9999), {S_OK, "RM23", 5}},
+           {"claims less", 2, Lying(TextAnswer("RM23"), 2), {S_OK, "RM", 3}},
+           {"no bytes", 2, BytesAnswer({}), fails},
+           {"claims all", 2, Lying(BytesAnswer({}), 4), {S_OK, "", 1}},
+           {"an error", 2, {{}, 31, {}}, fails},
+           {"empty text", 2, TextAnswer(""), {S_OK, "", 1}},
+           {"claims more than it wrote", 3, Lying(open_end("Im"), 9999), {S_OK, "Im", 3}},
+           {"no bytes", 3, BytesAnswer({}), fails},
+           {"three bytes of six", 10, BytesAnswer({0xAB, 0x0C, 0x10}), {S_OK, "abc10000", 9}},
+           {"two bytes of four", 7, BytesAnswer({0x20, 0x14}), {S_OK, "00/00/2014", 11}},
+           {"no digits", 7, BytesAnswer({0xFF, 0x00, 0x9F, 0xA0}), {S_OK, "105/100/16500", 14}},
+           {"32 characters", 0, TextAnswer(x(32)), {S_OK, x(31), 32}},
+           {"the count is not looked at", 0, Lying(TextAnswer("CG9"), 0), {S_OK, "CG9", 4}},
+           {"no terminator", 0, open_end("CG9"), {S_OK, "CG9", 4}},
+           {"255 bytes", 1, open_end(x(255)), {S_OK, x(255), 256}},
+           {"256 bytes", 1, TextAnswer(x(256)), {S_OK, "registry", 9}},
+       }) {
+    SCOPED_TRACE(testing::Message() << what << ", detail " << detail);
+    QueryAnswer& parameter = hardware.parameters[parameter_of.at(detail)];
+    const QueryAnswer before = std::exchange(parameter, answer);
+    EXPECT_EQ(Fresh(detail), expected);
+    parameter = before;
   }
 }
 
@@ -378,8 +353,8 @@ TEST_F(Identity, TellsTheOperatingSystemOfWindowsCeAlone) {
   EXPECT_EQ(DetailA(6).result, kSourceFailed);
 }
 
-struct SerialCase {
-  std::string_view what;
+// Where a serial number may stand.
+struct SerialSources {
   std::u16string oem = u"Dravonel RM";
   std::optional<QueryAnswer> text{};   // parameter 0x0048
   std::optional<QueryAnswer> bytes{};  // parameter 0x0002
@@ -387,29 +362,7 @@ struct SerialCase {
   QueryAnswer device_id = sim::NoAnswer();
   std::string registry{};
   std::vector<sim::NetworkAdapter> adapters{};
-  Answer expected;
 };
-
-void PrintTo(const SerialCase& test, std::ostream* stream) {
-  *stream << test.what;
-}
-
-class SerialNumber : public Identity, public ::testing::WithParamInterface<SerialCase> {};
-
-TEST_P(SerialNumber, ComesFromTheFirstSourceThatHasIt) {
-  const SerialCase& test = GetParam();
-  hardware.parameters.erase(0x0048);
-  if (test.text) hardware.parameters[0x0048] = *test.text;
-  if (test.bytes) hardware.parameters[0x0002] = *test.bytes;
-  hardware.system.oem_information = sim::WideTextAnswer(test.oem);
-  hardware.system.os_version = test.os;
-  hardware.system.device_id = test.device_id;
-  if (!test.registry.empty()) {
-    device.registry().SetString(kIdentityKey, "SerialNumber", test.registry);
-  }
-  hardware.adapters = test.adapters;
-  EXPECT_EQ(DetailA(1), test.expected);
-}
 
 Answer Given(const std::string& text) {
   return {S_OK, text, static_cast<DWORD>(text.size() + 1)};
@@ -428,69 +381,6 @@ QueryAnswer DeviceIdAt(std::uint8_t offset_low, std::uint8_t offset_high, std::u
   return answer;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Parameters, SerialNumber,
-    ::testing::Values(
-        SerialCase{.what = "text before bytes",
-                   .text = TextAnswer("A"),
-                   .bytes = kRaw,
-                   .registry = "R",
-                   .expected = Given("A")},
-        SerialCase{.what = "empty text: bytes are not asked for",
-                   .text = TextAnswer(""),
-                   .bytes = kRaw,
-                   .registry = "R",
-                   .expected = Given("R")},
-        SerialCase{.what = "CE 5.0 drops all zeros",
-                   .bytes = kRaw,
-                   .os = {.minor = 0},
-                   .expected = Given("504030201")},
-        SerialCase{.what = "CE 5.1 drops all zeros",
-                   .bytes = kRaw,
-                   .os = {.minor = 1},
-                   .expected = Given("504030201")},
-        SerialCase{.what = "CE 5.2 drops one", .bytes = kRaw, .expected = Given("00504030201")},
-        SerialCase{.what = "CE 4.2 drops one too",
-                   .bytes = kRaw,
-                   .os = {.major = 4},
-                   .expected = Given("00504030201")},
-        SerialCase{.what = "CE 6.0 drops one",
-                   .bytes = kRaw,
-                   .os = {.major = 6, .minor = 0},
-                   .expected = Given("00504030201")},
-        SerialCase{.what = "a version that cannot be read counts as old",
-                   .bytes = kRaw,
-                   .os = {.error = 31},
-                   .expected = Given("504030201")},
-        SerialCase{.what = "nothing to drop",
-                   .bytes = BytesAnswer({1, 2, 3, 4, 5, 0xAB}),
-                   .expected = Given("AB0504030201")},
-        SerialCase{.what = "short bytes are filled with zeros",
-                   .bytes = BytesAnswer({0x12}),
-                   .expected = Given("00000000012")},
-        SerialCase{.what = "zeros alone on CE 5.0 are none",
-                   .bytes = kZeros,
-                   .os = {.minor = 0},
-                   .registry = "R",
-                   .expected = Given("R")},
-        SerialCase{.what = "256 bytes are refused",
-                   .bytes = BytesAnswer(std::vector<std::uint8_t>(256, 1)),
-                   .registry = "R",
-                   .expected = Given("R")},
-        SerialCase{.what = "Rx has text, its zeros stay",
-                   .oem = u"Dravonel Rx",
-                   .bytes = TextAnswer("0RX"),
-                   .os = {.minor = 0},
-                   .expected = Given("0RX")},
-        SerialCase{.what = "RQ2 too, unterminated",
-                   .oem = u"Dravonel RQ2",
-                   .bytes = TextAnswer("00RQ", sim::Terminator::kMissing),
-                   .expected = Given("00RQ")},
-        SerialCase{.what = "the names are compared exactly",
-                   .oem = u"Dravonel RX",
-                   .bytes = kRaw,
-                   .expected = Given("00504030201")}));
-
 const std::vector<sim::NetworkAdapter> kAdapters = {
     {"WLAN1", {9, 9, 9, 9, 9, 9}, 71},
     {"RNDISFN1", {8, 8, 8, 8, 8, 8}},
@@ -499,82 +389,104 @@ const std::vector<sim::NetworkAdapter> kAdapters = {
 };
 const std::u16string kGreywing = u"greyWING 7";
 
-INSTANTIATE_TEST_SUITE_P(
-    Fallbacks, SerialNumber,
-    ::testing::Values(SerialCase{.what = "device id of a Greywing",
-                                 .oem = kGreywing,
-                                 .device_id = sim::DeviceIdRecord("GW7"),
-                                 .registry = "R",
-                                 .expected = Given("GW7")},
-                      SerialCase{.what = "also after an empty text",
-                                 .oem = kGreywing,
-                                 .text = TextAnswer(""),
-                                 .device_id = sim::DeviceIdRecord("GW7"),
-                                 .expected = Given("GW7")},
-                      SerialCase{.what = "a parameter goes first",
-                                 .oem = kGreywing,
-                                 .bytes = kRaw,
-                                 .device_id = sim::DeviceIdRecord("GW7"),
-                                 .expected = Given("00504030201")},
-                      SerialCase{.what = "of a Greywing alone",
-                                 .oem = u"Greywin",
-                                 .device_id = sim::DeviceIdRecord("GW7"),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id of eight bytes is empty",
-                                 .oem = kGreywing,
-                                 .device_id = sim::DeviceIdRecord(""),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id below eight bytes",
-                                 .oem = kGreywing,
-                                 .device_id = DeviceIdAt(20, 0, 7),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id at the end of the record",
-                                 .oem = kGreywing,
-                                 .device_id = DeviceIdAt(0xF6, 1, 10),
-                                 .expected = Given("dd")},
-                      SerialCase{.what = "id that leaves the record",
-                                 .oem = kGreywing,
-                                 .device_id = DeviceIdAt(0xF6, 1, 11),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id behind the record",
-                                 .oem = kGreywing,
-                                 .device_id = DeviceIdAt(1, 2, 8),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id without offset",
-                                 .oem = kGreywing,
-                                 .device_id = DeviceIdAt(0, 0, 20),
-                                 .registry = "R",
-                                 .expected = Given("R")},
-                      SerialCase{.what = "id too long for a caller",
-                                 .oem = kGreywing,
-                                 .device_id = sim::DeviceIdRecord(std::string(256, 'g')),
-                                 .expected = {kSourceTooLong, "untouched", 256}},
-                      SerialCase{.what = "registry before adapters",
-                                 .registry = "R",
-                                 .adapters = kAdapters,
-                                 .expected = Given("R")},
-                      SerialCase{.what = "registry value of 128 bytes",
-                                 .registry = std::string(63, 'r'),
-                                 .expected = Given(std::string(63, 'r'))},
-                      SerialCase{.what = "longer registry value",
-                                 .registry = std::string(64, 'r'),
-                                 .expected = Given("000000000000")},
-                      SerialCase{.what = "first wired adapter that is not the USB one",
-                                 .adapters = kAdapters,
-                                 .expected = Given("000a1b2c3de4")},
-                      SerialCase{.what = "wireless and USB alone",
-                                 .adapters = {kAdapters[0], kAdapters[1]},
-                                 .expected = Given("000000000000")},
-                      SerialCase{.what = "nothing at all", .expected = Given("000000000000")},
-                      SerialCase{.what = "no OEM information",
-                                 .oem = u"",
-                                 .text = TextAnswer("A"),
-                                 .expected = {kSourceFailed, "untouched", 256}}));
+TEST_F(Identity, SerialNumberComesFromTheFirstSourceThatHasIt) {
+  struct Case {
+    std::string_view what;
+    SerialSources sources;
+    Answer expected;
+  };
+  const std::vector<Case> cases = {
+      {"text before bytes", {.text = TextAnswer("A"), .bytes = kRaw, .registry = "R"}, Given("A")},
+      {"empty text: bytes are not asked for",
+       {.text = TextAnswer(""), .bytes = kRaw, .registry = "R"},
+       Given("R")},
+      {"CE 5.0 drops all zeros", {.bytes = kRaw, .os = {.minor = 0}}, Given("504030201")},
+      {"CE 5.1 drops all zeros", {.bytes = kRaw, .os = {.minor = 1}}, Given("504030201")},
+      {"CE 5.2 drops one", {.bytes = kRaw}, Given("00504030201")},
+      {"CE 4.2 drops one too", {.bytes = kRaw, .os = {.major = 4}}, Given("00504030201")},
+      {"CE 6.0 drops one", {.bytes = kRaw, .os = {.major = 6, .minor = 0}}, Given("00504030201")},
+      {"a version that cannot be read counts as old",
+       {.bytes = kRaw, .os = {.error = 31}},
+       Given("504030201")},
+      {"nothing to drop", {.bytes = BytesAnswer({1, 2, 3, 4, 5, 0xAB})}, Given("AB0504030201")},
+      {"short bytes are filled with zeros", {.bytes = BytesAnswer({0x12})}, Given("00000000012")},
+      {"zeros alone on CE 5.0 are none",
+       {.bytes = kZeros, .os = {.minor = 0}, .registry = "R"},
+       Given("R")},
+      {"256 bytes are refused",
+       {.bytes = BytesAnswer(std::vector<std::uint8_t>(256, 1)), .registry = "R"},
+       Given("R")},
+      {"Rx has text, its zeros stay",
+       {.oem = u"Dravonel Rx", .bytes = TextAnswer("0RX"), .os = {.minor = 0}},
+       Given("0RX")},
+      {"RQ2 too, unterminated",
+       {.oem = u"Dravonel RQ2", .bytes = TextAnswer("00RQ", sim::Terminator::kMissing)},
+       Given("00RQ")},
+      {"the names are compared exactly",
+       {.oem = u"Dravonel RX", .bytes = kRaw},
+       Given("00504030201")},
+      {"device id of a Greywing",
+       {.oem = kGreywing, .device_id = sim::DeviceIdRecord("GW7"), .registry = "R"},
+       Given("GW7")},
+      {"also after an empty text",
+       {.oem = kGreywing, .text = TextAnswer(""), .device_id = sim::DeviceIdRecord("GW7")},
+       Given("GW7")},
+      {"a parameter goes first",
+       {.oem = kGreywing, .bytes = kRaw, .device_id = sim::DeviceIdRecord("GW7")},
+       Given("00504030201")},
+      {"of a Greywing alone",
+       {.oem = u"Greywin", .device_id = sim::DeviceIdRecord("GW7"), .registry = "R"},
+       Given("R")},
+      {"id of eight bytes is empty",
+       {.oem = kGreywing, .device_id = sim::DeviceIdRecord(""), .registry = "R"},
+       Given("R")},
+      {"id below eight bytes",
+       {.oem = kGreywing, .device_id = DeviceIdAt(20, 0, 7), .registry = "R"},
+       Given("R")},
+      {"id at the end of the record",
+       {.oem = kGreywing, .device_id = DeviceIdAt(0xF6, 1, 10)},
+       Given("dd")},
+      {"id that leaves the record",
+       {.oem = kGreywing, .device_id = DeviceIdAt(0xF6, 1, 11), .registry = "R"},
+       Given("R")},
+      {"id behind the record",
+       {.oem = kGreywing, .device_id = DeviceIdAt(1, 2, 8), .registry = "R"},
+       Given("R")},
+      {"id without offset",
+       {.oem = kGreywing, .device_id = DeviceIdAt(0, 0, 20), .registry = "R"},
+       Given("R")},
+      {"id too long for a caller",
+       {.oem = kGreywing, .device_id = sim::DeviceIdRecord(std::string(256, 'g'))},
+       {kSourceTooLong, "untouched", 256}},
+      {"registry before adapters", {.registry = "R", .adapters = kAdapters}, Given("R")},
+      {"registry value of 128 bytes",
+       {.registry = std::string(63, 'r')},
+       Given(std::string(63, 'r'))},
+      {"longer registry value", {.registry = std::string(64, 'r')}, Given("000000000000")},
+      {"first wired adapter that is not the USB one",
+       {.adapters = kAdapters},
+       Given("000a1b2c3de4")},
+      {"wireless and USB alone", {.adapters = {kAdapters[0], kAdapters[1]}}, Given("000000000000")},
+      {"nothing at all", {}, Given("000000000000")},
+      {"no OEM information",
+       {.oem = u"", .text = TextAnswer("A")},
+       {kSourceFailed, "untouched", 256}},
+  };
+  for (const auto& [what, sources, expected] : cases) {
+    SCOPED_TRACE(what);
+    hardware.parameters[0x0048] = sources.text.value_or(sim::NoAnswer());
+    hardware.parameters[0x0002] = sources.bytes.value_or(sim::NoAnswer());
+    hardware.system.oem_information = sim::WideTextAnswer(sources.oem);
+    hardware.system.os_version = sources.os;
+    hardware.system.device_id = sources.device_id;
+    device.registry().RemoveTree(kIdentityKey);
+    if (!sources.registry.empty()) {
+      device.registry().SetString(kIdentityKey, "SerialNumber", sources.registry);
+    }
+    hardware.adapters = sources.adapters;
+    EXPECT_EQ(Fresh(1), expected);
+  }
+}
 
 TEST_F(Identity, AdaptersThatCannotBeListedGiveZeros) {
   hardware.parameters.erase(0x0048);
@@ -696,39 +608,6 @@ std::vector<std::string> WithoutNumbers(std::vector<std::string> lines) {
   return lines;
 }
 
-struct ConverterCase {
-  std::string_view what;
-  bool has_buffer;
-  bool has_length;
-  DWORD bytes;
-  bool source_fails;
-  std::vector<std::string> a;
-  std::vector<std::string> w;
-};
-
-void PrintTo(const ConverterCase& test, std::ostream* stream) {
-  *stream << test.what;
-}
-
-class ConverterLines : public Identity, public ::testing::WithParamInterface<ConverterCase> {
- protected:
-  template <class Unit, class Get>
-  std::vector<std::string> Lines(const Get& get) {
-    device.journal().Clear();
-    GuardedBuffer<Unit> buffer(GetParam().bytes / sizeof(Unit));
-    DWORD length = GetParam().bytes;
-    get(GetParam().has_buffer ? buffer.data() : nullptr, GetParam().has_length ? &length : nullptr);
-    return WithoutNumbers(CategorisedLines());
-  }
-};
-
-TEST_P(ConverterLines, TellWhatWasAskedAndAnswered) {
-  if (GetParam().source_fails) hardware.parameters.erase(0x00D5);
-  const sim::Exports& exports = process.exports();
-  EXPECT_EQ(Lines<char>(exports.PALSysinfo_GetModelExA), GetParam().a);
-  EXPECT_EQ(Lines<WCHAR>(exports.PALSysinfo_GetModelExW), GetParam().w);
-}
-
 const std::string kEnterA = "0x440F0000 PalProcessResultExA(fcn,...). procid:0x";
 const std::string kLeaveA = "0x440F0000 PalProcessResultExA - Exit. procid:0x";
 const std::string kEnterW = "0x440F0000 PalSysIoRequestExW(fcn,...) - Entry. procid:0x";
@@ -737,53 +616,53 @@ const std::string kSource = "0x440F0000 PalSysIoRequestExA - 0x0=pfnSYS_CALL(out
 const std::string kNoModel =
     "0xC40F0000 ERROR PalGetModel. IOCTL request failed.  win32err: 0x57\\r\\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    All, ConverterLines,
-    ::testing::Values(
-        ConverterCase{
-            "fits",
-            true,
-            true,
-            64,
-            false,
+TEST_F(Identity, ConvertersTellWhatWasAskedAndAnswered) {
+  struct Query {
+    bool has_buffer, has_length;
+    DWORD bytes;
+  };
+  const auto lines_of = [this]<class Unit>(const auto& get, const Query& query, Unit) {
+    device.journal().Clear();
+    GuardedBuffer<Unit> buffer(query.bytes / sizeof(Unit));
+    DWORD length = query.bytes;
+    get(query.has_buffer ? buffer.data() : nullptr, query.has_length ? &length : nullptr);
+    return WithoutNumbers(CategorisedLines());
+  };
+  struct Case {
+    Query query;
+    std::vector<std::string> a, w;
+  };
+  const sim::Exports& exports = process.exports();
+  const Query fits{true, true, 64};
+  for (const auto& [query, a, w] : std::vector<Case>{
+           {fits,
             {kEnterA, kSource, "0x440F0000 PalProcessResultExA - RM11,len:5, procid:0x", kLeaveA},
             {kEnterW, kSource, "0x440F0000 PalSysIoRequestExW - RM11,len:10, procid:0x", kLeaveW}},
-        ConverterCase{
-            "too short",
-            true,
-            true,
-            4,
-            false,
+           {{true, true, 4},
             {kEnterA, kSource,
              "0xC40F0000 PalProcessResultExA. In buff too short. inlen:4, procid:0x",
              "0x440F0000 PalProcessResultExA - RM11,len:5, procid:0x", kLeaveA},
             {kEnterW, kSource,
              "0xC40F0000 PalSysIoRequestExW. In buff too short. Required len:10, procid:0x",
              kLeaveW}},
-        ConverterCase{"no buffer",
-                      false,
-                      true,
-                      64,
-                      false,
-                      {kEnterA, kSource},
-                      {kEnterW, kSource, "0x440F0000 PalSysIoRequestExW(NULL,out:10) procid:0x"}},
-        ConverterCase{
-            "no length",
-            true,
-            false,
-            64,
-            false,
+           {{false, true, 64},
+            {kEnterA, kSource},
+            {kEnterW, kSource, "0x440F0000 PalSysIoRequestExW(NULL,out:10) procid:0x"}},
+           {{true, false, 64},
             {kEnterA, kSource, "0xC40F0000 PalProcessResultExA. Invalid input;procid:0x", kLeaveA},
             {kEnterW, kSource, "0xC40F0000 PalSysIoRequestExW. Invalid input;procid:0x", kLeaveW}},
-        ConverterCase{
-            "neither",
-            false,
-            false,
-            64,
-            false,
+           {{false, false, 64},
             {kEnterA, "0xC40F0000 PalProcessResultExA(fcn,...). Invalid input;procid:0x", kLeaveA},
             {kEnterW, "0xC40F0000 PalSysIoRequestExW(fcn,...) Input invalid. procid:0x", kLeaveW}},
-        ConverterCase{
-            "the source fails", true, true, 64, true, {kEnterA, kNoModel}, {kEnterW, kNoModel}}));
+       }) {
+    EXPECT_EQ(lines_of(exports.PALSysinfo_GetModelExA, query, char{}), a);
+    EXPECT_EQ(lines_of(exports.PALSysinfo_GetModelExW, query, WCHAR{}), w);
+  }
+  hardware.parameters.erase(0x00D5);
+  EXPECT_EQ(lines_of(exports.PALSysinfo_GetModelExA, fits, char{}),
+            (std::vector{kEnterA, kNoModel}));
+  EXPECT_EQ(lines_of(exports.PALSysinfo_GetModelExW, fits, WCHAR{}),
+            (std::vector{kEnterW, kNoModel}));
+}
 
 }  // namespace

@@ -234,52 +234,41 @@ TEST_F(KeypadAction, NamesTheButtonOfEachScanCode) {
 TEST_F(KeypadAction, StopsAtAFailure) {
   const std::string events = std::string(kLayout) + "\\EVENTS\\";
   struct Case {
-    const char* what;
     std::string missing_key;
     sim::Fault fault;
     HRESULT result;
-    bool planes, delta, state, flushed, signalled;
+    std::string done;
   };
   const sim::Fault none{.call = "PlaySoundW"};
-  for (const Case& test : {
-           Case{"no DELTA", events + "DELTA", none, E_FAIL, false, false, false, false, false},
-           Case{"no STATE", events + "STATE", none, E_FAIL, false, true, false, false, false},
-           Case{"no settings", kSettings, none, E_FAIL, false, false, false, false, false},
-           Case{"no driver", kDriver, none, E_FAIL, true, true, true, false, false},
-           Case{"no event", "", {.call = "CreateEventW"}, S_OK, true, true, true, false, false},
-           Case{"no flush", "", {.call = "RegFlushKey"}, S_OK, true, true, true, false, true},
-           Case{"DELTA unwritten",
-                "",
-                {.call = "RegSetValueExW", .on = "DELTA\\Event5"},
-                E_FAIL,
-                true,
-                false,
-                false,
-                false,
-                false},
-           Case{"STATE unwritten",
-                "",
-                {.call = "RegSetValueExW", .on = "STATE\\Event5"},
-                S_OK,
-                true,
-                true,
-                false,
-                true,
-                true},
+  for (const Case& test : std::vector<Case>{
+           {events + "DELTA", none, E_FAIL, ""},
+           {events + "STATE", none, E_FAIL, " delta"},
+           {kSettings, none, E_FAIL, ""},
+           {kDriver, none, E_FAIL, " planes delta state"},
+           {"", {.call = "CreateEventW"}, S_OK, " planes delta state"},
+           {"", {.call = "RegFlushKey"}, S_OK, " planes delta state signal"},
+           {"", {.call = "RegSetValueExW", .on = "DELTA\\Event5"}, E_FAIL, " planes"},
+           {"",
+            {.call = "RegSetValueExW", .on = "STATE\\Event5"},
+            S_OK,
+            " planes delta flush signal"},
        }) {
-    SCOPED_TRACE(test.what);
+    SCOPED_TRACE(test.missing_key + test.fault.call + test.fault.on);
     Arrange();
     const Planes before = PlanesOf(kLayout);
     if (!test.missing_key.empty()) device.registry().RemoveTree(test.missing_key);
     device.PlanFault(test.fault);
     EXPECT_EQ(Set(5, 1), test.result);
     device.ClearFaults();
-    EXPECT_EQ(PlanesOf(kLayout) != before, test.planes);
-    EXPECT_EQ(!EventOf(kLayout, "DELTA", "Event5").empty(), test.delta);
-    EXPECT_EQ(!EventOf(kLayout, "STATE", "Event5").empty(), test.state);
-    const Lines changes = Changes();
-    EXPECT_EQ(std::count(changes.begin(), changes.end(), kFlushed), test.flushed ? 1 : 0);
-    EXPECT_EQ(std::count(changes.begin(), changes.end(), kSignalled), test.signalled ? 1 : 0);
+    std::string done;
+    if (PlanesOf(kLayout) != before) done += " planes";
+    if (!EventOf(kLayout, "DELTA", "Event5").empty()) done += " delta";
+    if (!EventOf(kLayout, "STATE", "Event5").empty()) done += " state";
+    for (const std::string& change : Changes()) {
+      if (change == kFlushed) done += " flush";
+      if (change == kSignalled) done += " signal";
+    }
+    EXPECT_EQ(done, test.done);
     EXPECT_EQ(process.new_handles(), 0u);
   }
 }

@@ -1,4 +1,4 @@
-// Control keys, shift keys, the click of a key, the keyboard's type.
+// Control keys, shift keys, the keyboard's type.
 #include "platform/sim/hardware/hardware.h"
 #include "tests/support/keypad_test.h"
 
@@ -9,7 +9,6 @@ using Lines = std::vector<std::string>;
 class KeypadSettings : public KeypadTest {
  protected:
   static constexpr const char* kShiftKeys = R"(HKLM\Hardware\Layout\ShiftKeys)";
-  static constexpr const char* kVolume = R"(HKCU\ControlPanel\Volume)";
 
   [[nodiscard]] Bytes Value(const std::string& key, const std::string& name) {
     const sim::RegistryValue* value = device.registry().FindValue(key, name);
@@ -136,110 +135,48 @@ TEST_F(KeypadSettings, SetsEveryShiftKeyAndNothingElse) {
 
 TEST_F(KeypadSettings, FailsWhereTheShiftKeysCannotBeReached) {
   struct Case {
-    const char* what;
-    sim::Fault fault;
+    std::string call, on;
     HRESULT get, set;
     DWORD behavior;
     std::string get_line, set_line;
   };
   const std::string keyboard = "HKLM\\Hardware\\Devicemap\\Keybd";
+  const std::string path = "querying " + keyboard + "\\CurrentActiveLayoutKey";
   const std::string keys = "HKLM\\Hardware\\Layout\\ShiftKeys";
   const HRESULT denied = PAL_E_ACCESS_DENIED;
   for (const Case& test : {
-           Case{"keyboard",
-                {.call = "RegOpenKeyExW", .on = "Keybd", .error = 5},
-                denied,
-                denied,
-                77,
-                "opening " + keyboard,
+           Case{"RegOpenKeyExW", "Keybd", denied, denied, 77, "opening " + keyboard,
                 "opening " + keyboard},
-           Case{"path",
-                {.call = "RegQueryValueExW", .on = "CurrentActiveLayoutKey", .error = 5},
-                denied,
-                denied,
-                77,
-                "querying " + keyboard + "\\CurrentActiveLayoutKey",
-                "querying " + keyboard + "\\CurrentActiveLayoutKey"},
-           Case{"shift keys",
-                {.call = "RegOpenKeyExW", .on = "ShiftKeys", .error = 5},
-                denied,
-                denied,
-                77,
-                "opening " + keys,
+           Case{"RegQueryValueExW", "CurrentActiveLayoutKey", denied, denied, 77, path, path},
+           Case{"RegOpenKeyExW", "ShiftKeys", denied, denied, 77, "opening " + keys,
                 "opening " + keys},
-           Case{"list",
-                {.call = "RegEnumValueW", .on = "[1]", .error = 5},
-                denied,
-                S_OK,
-                0xFFFFFFFF,
-                "enumerating values " + keys,
+           Case{"RegEnumValueW", "[1]", denied, S_OK, 0xFFFFFFFF, "enumerating values " + keys,
                 "enumerating " + keys},
-           Case{"write",
-                {.call = "RegSetValueExW", .on = "ShiftKeyA", .error = 5},
-                S_OK,
-                denied,
-                1,
-                "",
+           Case{"RegSetValueExW", "ShiftKeyA", S_OK, denied, 1, "",
                 "saving " + keys + "\\ShiftKeyA"},
        }) {
-    SCOPED_TRACE(test.what);
+    SCOPED_TRACE(test.call + test.on);
     Arrange();
     device.registry().SetBinary(kShiftKeys, "ShiftKeyA", {2, 0, 0, 0});
     device.registry().SetBinary(kShiftKeys, "ShiftKeyB", {2, 0, 0, 0});
     DWORD behavior = 77;
-    device.PlanFault(test.fault);
+    const sim::Fault fault{.call = test.call, .on = test.on, .error = 5};
+    device.PlanFault(fault);
     EXPECT_EQ(GetShift(behavior), test.get);
     EXPECT_EQ(behavior, test.behavior);
     device.ClearFaults();
-    device.PlanFault(test.fault);
+    device.PlanFault(fault);
     EXPECT_EQ(process.exports().PALKEYSetShiftBehavior(2), test.set);
     device.ClearFaults();
     EXPECT_EQ(Value(kShiftKeys, "ShiftKeyB"), (Bytes{2, 0, 0, 0})) << "behind the failure";
     EXPECT_EQ(process.new_handles(), 0u);
-    const Lines get_lines = TraceLines("PALKEYGetShiftBehavior - Error ");
-    const Lines set_lines = TraceLines("PALKEYSetShiftBehavior - Error ");
-    if (test.get_line.empty()) {
-      EXPECT_EQ(get_lines, Lines{});
-    } else {
-      EXPECT_EQ(get_lines,
-                Lines{"PALKEYGetShiftBehavior - Error " + test.get_line + ". dwRet = 0x5\\r\\n"});
-    }
-    EXPECT_EQ(set_lines,
-              Lines{"PALKEYSetShiftBehavior - Error " + test.set_line + ". dwRet = 0x5\\r\\n"});
+    const auto expect_line = [&](const std::string& begin, const std::string& line) {
+      const Lines expected{begin + line + ". dwRet = 0x5\\r\\n"};
+      EXPECT_EQ(TraceLines(begin), line.empty() ? Lines{} : expected);
+    };
+    expect_line("PALKEYGetShiftBehavior - Error ", test.get_line);
+    expect_line("PALKEYSetShiftBehavior - Error ", test.set_line);
   }
-}
-
-TEST_F(KeypadSettings, KeepsTheClickOfAKey) {
-  const auto set = [&](DWORD level) { return process.exports().PALKEYSetKeyTapVol(level); };
-  DWORD level = 77;
-  EXPECT_EQ(set(1), PAL_E_FILE_NOT_FOUND) << "there is no such key yet";
-  EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(&level), PAL_E_FILE_NOT_FOUND);
-  EXPECT_EQ(level, 77u);
-  EXPECT_EQ(CategorisedLines(), (Lines{"0xC3ED0000 PALDISPSetKeyTapVol - Could not set reg key: "
-                                       "ControlPanel\\Volume\\Key\\r\\n",
-                                       "0xC3ED0000 PALDISPSetKeyTapVol - Could not read reg key: "
-                                       "ControlPanel\\Volume\\Key\\r\\n"}));
-  EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(nullptr), E_FAIL);
-  device.registry().Create(kVolume);
-  const std::vector<DWORD> stored = {0, 1, 0x10002};
-  for (const DWORD wanted : {2u, 0u, 1u}) {
-    device.journal().Clear();
-    EXPECT_EQ(set(wanted), S_OK);
-    EXPECT_EQ(device.registry().GetDword(kVolume, "Key"), stored[wanted]);
-    EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(&level), S_OK);
-    EXPECT_EQ(level, wanted);
-    EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio).size(), 1u) << "the driver is told";
-  }
-  for (const DWORD wrong : {3u, 0x10002u, 0xFFFFFFFFu}) EXPECT_EQ(set(wrong), E_FAIL);
-  EXPECT_EQ(device.registry().GetDword(kVolume, "Key"), 1u);
-  for (const auto& [there, read] : {std::pair{0x10000u, 0u}, {0x10001u, 0x10001u}, {7u, 7u}}) {
-    device.registry().SetDword(kVolume, "Key", there);
-    EXPECT_EQ(process.exports().PALKEYGetKeyTapVol(&level), S_OK);
-    EXPECT_EQ(level, read);
-  }
-  device.RemoveModule("coredll.dll");
-  EXPECT_EQ(set(2), E_FAIL);
-  EXPECT_EQ(device.registry().GetDword(kVolume, "Key"), 0x10002u) << "written before";
 }
 
 TEST_F(KeypadSettings, TellsTheKeyboardsType) {

@@ -93,45 +93,31 @@ TEST_F(LedTest, SwitchesDoWhatTheyAreNamed) {
 TEST_F(LedTest, WithoutTheMutexNothingIsDone) {
   EXPECT_EQ(exports.PALLEDTerm(), S_OK);
   device.journal().Clear();
-  struct Case {
-    std::function<HRESULT()> call;
-    std::string line;
-    bool tries_release;
+  const auto expect_refusal = [&](HRESULT result, const std::string& name) {
+    const bool is_notification = name.starts_with("PALLEDNotification");
+    EXPECT_EQ(result, E_INVALIDARG) << name;
+    Lines expected{kNoMutex, name + " - Mutex wait failed.  Aborting" +
+                                 (is_notification ? ". hr:" : " request. hr: ") +
+                                 "0x80070057\\r\\n"};
+    if (!is_notification) expected.emplace_back(kNoRelease);
+    EXPECT_EQ(TraceLines(), expected);
+    device.journal().Clear();
   };
   DWORD state = 7;
-  for (const Case& test : std::vector<Case>{
-           {[&] { return exports.PALLEDNotificationOn(); },
-            "PALLEDNotificationOn - Mutex wait failed.  Aborting. hr:0x80070057\\r\\n", false},
-           {[&] { return exports.PALLEDNotificationOff(); },
-            "PALLEDNotificationOff - Mutex wait failed.  Aborting. hr:0x80070057\\r\\n", false},
-           {[&] { return exports.PALLEDGrLedOn(); },
-            "PALLEDGrLedOn - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-           {[&] { return exports.PALLEDGrLedOff(); },
-            "PALLEDGrLedOff - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-           {[&] { return exports.PALLEDSysLightOn(); },
-            "PALLEDSysLightOn - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-           {[&] { return exports.PALLEDSysLightOff(); },
-            "PALLEDSysLightOff - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-           {[&] { return exports.PALLEDSysLightBlinkStart(); },
-            "PALLEDSysLightBlinkStart - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n",
-            true},
-           {[&] { return exports.PALLEDSysLightBlinkStop(); },
-            "PALLEDSysLightBlinkStop - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n",
-            true},
-           {[&] { return exports.PALLEDGrLedToggle(0); },
-            "PALLEDGrLedToggle - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-           {[&] { return exports.PALLEDGrLedGetState(0, &state); },
-            "PALLEDGrLedGetState - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n",
-            true},
-           {[&] { return exports.PALLEDTerm(); },
-            "PALLEDTerm - Mutex wait failed.  Aborting request. hr: 0x80070057\\r\\n", true},
-       }) {
-    device.journal().Clear();
-    EXPECT_EQ(test.call(), E_INVALIDARG);
-    Lines expected{kNoMutex, test.line};
-    if (test.tries_release) expected.emplace_back(kNoRelease);
-    EXPECT_EQ(TraceLines(), expected);
-  }
+  const std::pair<Request, const char*> requests[] = {
+      {&sim::Exports::PALLEDNotificationOn, "PALLEDNotificationOn"},
+      {&sim::Exports::PALLEDNotificationOff, "PALLEDNotificationOff"},
+      {&sim::Exports::PALLEDGrLedOn, "PALLEDGrLedOn"},
+      {&sim::Exports::PALLEDGrLedOff, "PALLEDGrLedOff"},
+      {&sim::Exports::PALLEDSysLightOn, "PALLEDSysLightOn"},
+      {&sim::Exports::PALLEDSysLightOff, "PALLEDSysLightOff"},
+      {&sim::Exports::PALLEDSysLightBlinkStart, "PALLEDSysLightBlinkStart"},
+      {&sim::Exports::PALLEDSysLightBlinkStop, "PALLEDSysLightBlinkStop"},
+      {&sim::Exports::PALLEDTerm, "PALLEDTerm"},
+  };
+  for (const auto& [request, name] : requests) expect_refusal((exports.*request)(), name);
+  expect_refusal(exports.PALLEDGrLedToggle(0), "PALLEDGrLedToggle");
+  expect_refusal(exports.PALLEDGrLedGetState(0, &state), "PALLEDGrLedGetState");
   EXPECT_EQ(device.calls("NLedSetDevice"), 0u);
   EXPECT_EQ(state, 7u);
 }
@@ -210,14 +196,6 @@ TEST_F(LedTest, RequestGoesOnBehindALongFlash) {
   EXPECT_TRUE(lines[0].starts_with("PALWaitForMutex - ERROR timeout. ")) << lines[0];
   EXPECT_TRUE(lines[1].starts_with("PALReleaseMutexIfValid - ERROR. Cannot release mutex. "))
       << lines[1];
-}
-
-TEST_F(LedTest, ProcessThatDiesInAFlashBlocksNobody) {
-  BeginFlash(60000);
-  other.Kill();
-  EXPECT_EQ(exports.PALLEDGrLedOff(), S_OK);
-  EXPECT_EQ(Timeline(), (Lines{"0: LED 3 on", "0: LED 3 off"}));
-  EXPECT_EQ(TraceLines("PALWaitForMutex - ERROR abandoned. ").size(), 1u);
 }
 
 TEST_F(LedTest, StateIsToldAsItIsStored) {
@@ -316,14 +294,9 @@ TEST_F(LedTest, DriverIsStrict) {
   EXPECT_EQ(device.journal().Texts(Effect::kLed), Lines{"LED 3 on"});
 }
 
-std::string Description(const std::string& leds) {
-  return "name = \"x\"\n" + leds;
-}
-
 TEST(LedDescription, KeepsWhatHasChanged) {
   const TemporaryFolder folder;
-  const std::string author = Description("[leds]\n2 = \"on\"\n3 = \"off\"\n6 = \"blink\"\n");
-  static_cast<void>(folder.Write("device.toml", author));
+  folder.Write("device.toml", "name = \"x\"\n[leds]\n2 = \"on\"\n3 = \"off\"\n6 = \"blink\"\n");
   const auto visit = [&](const std::function<void(sim::Leds&)>& change) {
     sim::Device device;
     sim::LoadDevice(device, folder.path());
@@ -343,40 +316,12 @@ TEST(LedDescription, KeepsWhatHasChanged) {
   });
   // An LED that is taken out is forgotten.
   const std::string kept = "\n# Kept by the simulator: do not edit below.\n[state]\nclock_ms = 0\n";
-  static_cast<void>(folder.Write("device.toml", Description("[leds]\n3 = \"off\"\n") + kept +
-                                                    "leds = { 3 = \"on\", 6 = \"off\" }\n"));
+  folder.Write("device.toml", "name = \"x\"\n[leds]\n3 = \"off\"\n" + kept +
+                                  "leds = { 3 = \"on\", 6 = \"off\" }\n");
   visit([](sim::Leds& leds) {
     EXPECT_EQ(leds.all().size(), 1u);
     EXPECT_EQ(leds.State(3), LedState::kOn);
   });
-}
-
-TEST(LedDescription, IsRefusedWithItsLine) {
-  struct Case {
-    std::string leds;
-    std::string message;
-  };
-  for (const Case& test : {
-           Case{"leds = 3", "2: expected a table of LEDs by their numbers"},
-           Case{"[leds]\nred = \"on\"", "3: 'red' is no LED number from 0 to 99"},
-           Case{"[leds]\n100 = \"on\"", "3: '100' is no LED number from 0 to 99"},
-           Case{"[leds]\n3 = 1", "3: expected a state: \"off\", \"on\" or \"blink\""},
-           Case{"[leds]\n3 = \"dim\"", "3: expected a state: \"off\", \"on\" or \"blink\""},
-           Case{"[vibrator]\npreset = 1", "3: unknown key 'preset'; allowed: number, length_ms"},
-           Case{"[vibrator]\nlength_ms = -1",
-                "3: expected a number from 0 to 60000: length_ms = 200"},
-           Case{"[vibrator]\nnumber = 3", "2: the number 3 is that of an LED"},
-       }) {
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("device.toml", Description(test.leds));
-    sim::Device device;
-    try {
-      sim::LoadDevice(device, folder.path());
-      ADD_FAILURE() << "taken: " << test.leds;
-    } catch (const sim::DeviceFolderError& error) {
-      EXPECT_EQ(error.what(), file + ":" + test.message);
-    }
-  }
 }
 
 }  // namespace

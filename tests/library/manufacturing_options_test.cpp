@@ -23,11 +23,6 @@ constexpr const char* kStates = "HKLM\\Software\\States";
 class ManufacturingOptions : public DeviceTest {
  protected:
   void SetUp() override { device.files().CreateFolder("\\ConfigStore"); }
-  void TearDown() override {
-    process.End();
-    DeviceTest::TearDown();
-  }
-
   using Query = sim::Export<HRESULT(DWORD*)>;
   // The result of a query with one answer, and that answer.
   static std::pair<HRESULT, DWORD> Ask(const Query& query) {
@@ -118,23 +113,10 @@ TEST_F(ManufacturingOptions, DatacollHasOrientationRotationAndTheSecondDevice) {
   }
   EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1023]=85").size(), 3u);
   EXPECT_EQ(TraceLines("LoadCFGDatacoll, rgucCFGData[1024]").size(), 0u);
-}
-
-TEST_F(ManufacturingOptions, DatacollThatCannotBeReadGivesDefaultsAndTheError) {
-  device.files().Write("\\ConfigStore\\datacoll", "\x01\x01\x01\x01\x01\x01");
-  struct Case {
-    const char* call;
-    std::uint32_t error;
-    HRESULT result;
-  };
-  for (const Case& test : {Case{"CreateFileW", 32, PAL_E_SHARING_VIOLATION},
-                           Case{"ReadFile", 31, PAL_E_WIN32(0x1F)}}) {
-    device.PlanFault({.call = test.call, .from_then_on = true, .error = test.error});
-    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(test.result, DWORD{255}));
-    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation), std::pair(test.result, DWORD{0}));
-    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2_MountingRotation),
-              std::pair(test.result, DWORD{0}));
-    EXPECT_EQ(process.new_handles(), 0u);
+  for (const auto& [call, error] : {std::pair{"CreateFileW", 32u}, {"ReadFile", 31u}}) {
+    device.PlanFault({.call = call, .from_then_on = true, .error = error});
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice2Type), std::pair(PAL_E_WIN32(error), DWORD{255}));
+    EXPECT_EQ(Ask(pal.PALMFGOpt_InternalDevice_ImageOrientation).first, PAL_E_WIN32(error));
     device.ClearFaults();
   }
 }
@@ -240,28 +222,6 @@ TEST_F(ManufacturingOptions, PoliciesAnswerByTheirResultAndCloseTheirKeys) {
   EXPECT_EQ(Texts(sim::Effect::kRegistry), std::vector<std::string>{});
 }
 
-TEST_F(ManufacturingOptions, PoliciesCloseTheirKeysWhereACallFails) {
-  struct Case {
-    sim::Fault fault;
-    HRESULT result;
-  };
-  SetPolicy(1);
-  for (const Case& test : {
-           Case{{.call = "RegOpenKeyExW", .on = "Policy\\Camera"}, PAL_MFGOPT_E_NO_SUCH_FEATURE},
-           Case{{.call = "RegQueryValueExW", .on = "PolicyLocation"},
-                PAL_MFGOPT_E_LOCATION_UNREADABLE},
-           Case{{.call = "RegOpenKeyExW", .on = "States"}, kEnabled},
-           Case{{.call = "RegQueryValueExW", .on = "PolicyKey"}, PAL_MFGOPT_E_VALUE_UNREADABLE},
-           Case{{.call = "RegQueryValueExW", .on = "CameraOff"}, PAL_MFGOPT_E_VALUE_UNREADABLE},
-       }) {
-    device.PlanFault(test.fault);
-    EXPECT_EQ(pal.PALMFGOpt_IsDisabledByPolicy(TEXT("Camera")), test.result)
-        << test.fault.call << test.fault.on;
-    EXPECT_EQ(process.new_handles(), 0u);
-    device.ClearFaults();
-  }
-}
-
 TEST_F(ManufacturingOptions, PoliciesHaveNamesOfAtMost234Units) {
   std::u16string name(234, u'f');
   device.registry().Create(kPolicy + ("\\" + std::string(234, 'f')));
@@ -327,70 +287,52 @@ TEST_F(ManufacturingOptions, DpmStatusTakesFilesThatAreShortOrLong) {
   }
 }
 
-struct DpmFault {
-  std::optional<std::string> file;  // before
-  sim::Fault fault;
-  HRESULT result;
-  std::optional<std::string> after;
-};
-
-TEST_F(ManufacturingOptions, DpmStatusThatCannotBeWrittenSaysWhy) {
+// A call that fails gives its error and stops there; one that moves no whole status does not.
+TEST_F(ManufacturingOptions, DpmStatusTellsWhatFailedInItsFile) {
   const std::string old = "\x05\x06";
-  const DpmFault cases[] = {
-      {old, {.call = "CreateFileW", .error = 5}, PAL_E_ACCESS_DENIED, old},
-      {std::nullopt,
-       {.call = "CreateFileW", .nth = 2, .error = 5},
-       PAL_E_ACCESS_DENIED,
-       std::nullopt},
-      {std::nullopt, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), ""},
-      {std::nullopt, {.call = "WriteFile", .nth = 2}, PAL_E_WIN32(0x1F), "\0\0"s},
-      {old, {.call = "SetFilePointer"}, PAL_E_WIN32(0x1F), old},
-      {old, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), old},
-      {old, {.call = "WriteFile", .transfers = 0}, E_FAIL, old},
-      {std::nullopt, {.call = "WriteFile", .transfers = 1}, S_OK, "\0\x09"s},
+  struct Case {
+    std::optional<std::string> file;  // before
+    sim::Fault fault;
+    HRESULT set;  // and its file after
+    std::optional<std::string> after;
+    HRESULT get;
+  };
+  const HRESULT denied = PAL_E_ACCESS_DENIED;
+  const HRESULT failure = PAL_E_WIN32(0x1F);
+  const Case cases[] = {
+      {old, {.call = "CreateFileW", .error = 5}, denied, old, denied},
+      {{}, {.call = "CreateFileW", .nth = 2, .error = 5}, denied, {}, denied},
+      {{}, {.call = "WriteFile"}, failure, "", failure},
+      {{}, {.call = "WriteFile", .nth = 2}, failure, "\0\0"s, S_OK},
+      {old, {.call = "SetFilePointer"}, failure, old, failure},
+      {old, {.call = "WriteFile", .transfers = 0}, E_FAIL, old, S_OK},
+      {{}, {.call = "WriteFile", .transfers = 1}, S_OK, "\0\x09"s, S_OK},
+      {old, {.call = "ReadFile"}, S_OK, "\x05\x09", failure},
+      {old, {.call = "ReadFile", .transfers = 1}, S_OK, "\x05\x09", S_OK},
       // Another process makes the file between the two opens.
-      {old, {.call = "CreateFileW", .error = 2}, PAL_E_WIN32(0x50), old},
+      {old, {.call = "CreateFileW", .error = 2}, PAL_E_WIN32(0x50), old, PAL_E_WIN32(0x50)},
   };
-  for (const DpmFault& test : cases) {
+  for (const Case& test : cases) {
     SCOPED_TRACE(&test - cases);
-    device.files().Remove(kDpmFile);
-    if (test.file) device.files().Write(kDpmFile, *test.file);
-    device.PlanFault(test.fault);
-    EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 9), test.result);
+    const auto arrange = [&] {
+      device.ClearFaults();
+      device.files().Remove(kDpmFile);
+      if (test.file) device.files().Write(kDpmFile, *test.file);
+      device.PlanFault(test.fault);
+    };
+    arrange();
+    EXPECT_EQ(pal.PALMFGOpt_SetDPMStatus(4, 9), test.set);
     EXPECT_EQ(File(kDpmFile), test.after);
-    EXPECT_EQ(process.new_handles(), 0u);
-    device.ClearFaults();
-  }
-  EXPECT_EQ(
-      TraceLines("PALMFGOpt_OpenDPMCStore. Failed to Write"),
-      std::vector<std::string>{"PALMFGOpt_OpenDPMCStore. Failed to Write Init value, error:31"});
-}
-
-TEST_F(ManufacturingOptions, DpmStatusThatCannotBeReadIsZero) {
-  const std::string old = "\x05\x06";
-  const DpmFault cases[] = {
-      {old, {.call = "CreateFileW", .error = 5}, PAL_E_ACCESS_DENIED, old},
-      {std::nullopt,
-       {.call = "CreateFileW", .nth = 2, .error = 5},
-       PAL_E_ACCESS_DENIED,
-       std::nullopt},
-      {std::nullopt, {.call = "WriteFile"}, PAL_E_WIN32(0x1F), ""},
-      {old, {.call = "SetFilePointer"}, PAL_E_WIN32(0x1F), old},
-      {old, {.call = "ReadFile"}, PAL_E_WIN32(0x1F), old},
-      {old, {.call = "ReadFile", .transfers = 1}, S_OK, old},
-  };
-  for (const DpmFault& test : cases) {
-    SCOPED_TRACE(&test - cases);
-    device.files().Remove(kDpmFile);
-    if (test.file) device.files().Write(kDpmFile, *test.file);
-    device.PlanFault(test.fault);
+    arrange();
     DWORD status = kUntouched;
-    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), test.result);
-    EXPECT_EQ(status, 0u);
-    EXPECT_EQ(File(kDpmFile), test.after);
-    EXPECT_EQ(process.new_handles(), 0u);
-    device.ClearFaults();
+    EXPECT_EQ(pal.PALMFGOpt_GetDPMStatus(4, &status), test.get);
+    const bool reads_on = test.get == S_OK && test.file && test.fault.call == "WriteFile";
+    EXPECT_EQ(status, reads_on ? 6u : 0u);
   }
+  device.ClearFaults();
+  const std::vector<std::string> lines = TraceLines("PALMFGOpt_OpenDPMCStore. Failed to Write");
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.front(), "PALMFGOpt_OpenDPMCStore. Failed to Write Init value, error:31");
 }
 
 TEST_F(ManufacturingOptions, NullPointersAreRefusedBeforeAnythingIsDone) {

@@ -36,17 +36,6 @@ class MutexHelpers : public DeviceTest {
   HANDLE mutex = nullptr;
 };
 
-TEST_F(MutexHelpers, WaitUntilTheMutexIsFree) {
-  Hold(1500);
-  OpenMutex();
-  process.Run([&] {
-    EXPECT_EQ(process->wait_for_mutex(kLed, mutex, kTimeout), S_OK);
-    EXPECT_EQ(GetTickCount(), 1500u);
-    EXPECT_EQ(process->release_mutex(kLed, mutex), S_OK);
-  });
-  EXPECT_EQ(TraceLines(), std::vector<std::string>{});
-}
-
 TEST_F(MutexHelpers, GoOnWithoutTheMutexAfterTheTimeout) {
   sim::Thread holder = Hold(60000);
   OpenMutex();
@@ -91,22 +80,6 @@ TEST_F(MutexHelpers, RefuseHandlesThatAreNone) {
                               "PALWaitForMutex - ERROR invalid mutex. hMutex: 0x0\\r\\n",
                           }));
   EXPECT_EQ(device.calls("WaitForSingleObject"), 0u);
-}
-
-TEST_F(MutexHelpers, GuardsNeverOverlapWhateverTheTurns) {
-  OpenMutex();
-  for (std::uint32_t seed = 0; seed < 20; ++seed) {
-    device.ShuffleTurns(seed);
-    const auto begin = device.now_ms();
-    std::vector<sim::Thread> threads;
-    threads.reserve(3);
-    for (int thread = 0; thread < 3; ++thread) {
-      threads.push_back(process.Start([&] { process->hold_mutex(kLed, mutex, kTimeout, 100); }));
-    }
-    for (sim::Thread& thread : threads) EXPECT_TRUE(thread.Join());
-    EXPECT_EQ(device.now_ms() - begin, 300u) << "three holders of 100 ms, one behind the other";
-  }
-  EXPECT_EQ(TraceLines(), std::vector<std::string>{});
 }
 
 TEST_F(MutexHelpers, ApplyAudioSettingSaysWhatIsMissing) {

@@ -1,10 +1,10 @@
 // Timeouts, power button, boot option, and the events that tell of changes.
 #include <fmt/format.h>
 
-#include <functional>
 #include <limits>
 #include <regex>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "platform/sim/hardware/configuration_driver.h"
@@ -34,12 +34,9 @@ class PowerSettings : public DeviceTest {
 
   // The lines at error severity, with every handle as "*".
   Lines ErrorLines() {
-    const std::string category = "0xC3EF0000 ";
-    Lines lines = CategorisedLines();
-    std::erase_if(lines, [&](const std::string& line) { return !line.starts_with(category); });
+    Lines lines = LinesBehind("0xC3EF0000 ");
     for (std::string& line : lines) {
-      line = std::regex_replace(line.substr(category.size()),
-                                std::regex("(event|handle): ?0x[1-9a-f][0-9a-f]*,"), "$1 *,");
+      line = std::regex_replace(line, std::regex("(event|handle): ?0x[1-9a-f][0-9a-f]*,"), "$1 *,");
     }
     return lines;
   }
@@ -49,77 +46,83 @@ class PowerSettings : public DeviceTest {
   const Exports& pal = process.exports();
 };
 
+// What is answered for other input, without an event, and where it cannot be set (error 0x12006).
+struct Results {
+  HRESULT refused, no_event, event_failed;
+};
+constexpr Results kDeviceOff{PAL_PWR_E_NO_SUCH_TIMEOUT, PAL_PWR_E_NO_EVENT,
+                             PAL_PWR_E_EVENT(0x2006)};
+constexpr Results kScreenOff{S_OK, S_OK, PAL_E_WIN32(0x2006)};
+
 struct Timeout {
   const char* value;
-  HRESULT (*set)(const Exports& pal, LONG value);
-  HRESULT (*get)(const Exports& pal, DWORD* value);
+  std::variant<sim::Export<HRESULT(DWORD)> Exports::*, sim::Export<HRESULT(LONG)> Exports::*>
+      setter;
+  sim::Export<HRESULT(DWORD*)> Exports::*getter;
   LONG seconds_per_unit;
   std::vector<LONG> allowed;
-  // What is answered for other input, without an event, and where it cannot be set (error 0x12006).
-  HRESULT refused;
-  HRESULT no_event;
-  HRESULT event_failed;
+  Results results;
   // The lines of a wrong 7, a failed write, no event, an event that cannot be set, a failed read.
   Lines lines;
+
+  HRESULT set(const Exports& pal, LONG number) const {
+    return std::visit(
+        [&]<class Argument>(sim::Export<HRESULT(Argument)> Exports::*member) {
+          return (pal.*member)(static_cast<Argument>(number));
+        },
+        setter);
+  }
+  HRESULT get(const Exports& pal, DWORD* number) const { return (pal.*getter)(number); }
 };
 
+Lines DeviceOffLines(const std::string& name, const std::string& getter) {
+  const std::string begin = "PALPWRSet" + name + " - ";
+  return {begin + "ERROR invalid input: 0x7\\r\\n", "",
+          begin + "ERROR Cannot signal driver of chg event: 0x0\\r\\n",
+          begin + "SetEvent failed. event *, win32err: 0x12006\\r\\n",
+          getter + ": -2147024894\\r\\n"};
+}
+
+Lines ScreenOffLines(const std::string& name, const std::string& value) {
+  const std::string path =
+      "HKLM\\System\\CurrentControlSet\\Control\\Power\\Timeouts\\" + value + "\\r\\n";
+  return {"Set" + name + " - Invalid input. input: 7\\r\\n",
+          "Set" + name + " - Error writing to: " + path,
+          "Set" + name + " - Error event invalid: 0x0\\r\\n",
+          "Set" + name + " - Error setting event. win32err: 0x12006\\r\\n",
+          "Get" + name + " - Error reading: " + path};
+}
+
 const std::vector<Timeout>& Timeouts() {
-  const std::string path = "HKLM\\System\\CurrentControlSet\\Control\\Power\\Timeouts\\";
   static const std::vector<Timeout> timeouts = {
       {"BattSuspendTimeout",
-       [](const Exports& pal, LONG value) {
-         return pal.PALPWRSetDeviceOff_Batt(static_cast<DWORD>(value));
-       },
-       [](const Exports& pal, DWORD* value) { return pal.PALPWRGetDeviceOff_Batt(value); },
+       &Exports::PALPWRSetDeviceOff_Batt,
+       &Exports::PALPWRGetDeviceOff_Batt,
        60,
        {0, 1, 2, 3, 4, 5, 6, 10, 11, 15, 30},
-       PAL_PWR_E_NO_SUCH_TIMEOUT,
-       PAL_PWR_E_NO_EVENT,
-       PAL_PWR_E_EVENT(0x2006),
-       {"PALPWRSetDeviceOff_Batt - ERROR invalid input: 0x7\\r\\n", "",
-        "PALPWRSetDeviceOff_Batt - ERROR Cannot signal driver of chg event: 0x0\\r\\n",
-        "PALPWRSetDeviceOff_Batt - SetEvent failed. event *, win32err: 0x12006\\r\\n",
-        "GetDeviceOff - DeviceOff_Batt disabled battsuspend: -2147024894\\r\\n"}},
+       kDeviceOff,
+       DeviceOffLines("DeviceOff_Batt", "GetDeviceOff - DeviceOff_Batt disabled battsuspend")},
       {"ACSuspendTimeout",
-       [](const Exports& pal, LONG value) {
-         return pal.PALPWRSetDeviceOff_ExtPwr(static_cast<DWORD>(value));
-       },
-       [](const Exports& pal, DWORD* value) { return pal.PALPWRGetDeviceOff_ExtPwr(value); },
+       &Exports::PALPWRSetDeviceOff_ExtPwr,
+       &Exports::PALPWRGetDeviceOff_ExtPwr,
        60,
        {0, 1, 2, 5, 6, 10, 11, 15, 30},
-       PAL_PWR_E_NO_SUCH_TIMEOUT,
-       PAL_PWR_E_NO_EVENT,
-       PAL_PWR_E_EVENT(0x2006),
-       {"PALPWRSetDeviceOff_ExtPwr - ERROR invalid input: 0x7\\r\\n", "",
-        "PALPWRSetDeviceOff_ExtPwr - ERROR Cannot signal driver of chg event: 0x0\\r\\n",
-        "PALPWRSetDeviceOff_ExtPwr - SetEvent failed. event *, win32err: 0x12006\\r\\n",
-        "GetDeviceOff_ExtPwr - ERROR reading reg ACsuspend: -2147024894\\r\\n"}},
+       kDeviceOff,
+       DeviceOffLines("DeviceOff_ExtPwr", "GetDeviceOff_ExtPwr - ERROR reading reg ACsuspend")},
       {"BattUserIdle",
-       [](const Exports& pal, LONG value) { return pal.PALPWRSetScreenOff_Batt(value); },
-       [](const Exports& pal, DWORD* value) { return pal.PALPWRGetScreenOff_Batt(value); },
+       &Exports::PALPWRSetScreenOff_Batt,
+       &Exports::PALPWRGetScreenOff_Batt,
        1,
        {0, 60, 120, 180, 240, 300, 360, 660},
-       S_OK,
-       S_OK,
-       PAL_E_WIN32(0x2006),
-       {"SetScreenOff_Batt - Invalid input. input: 7\\r\\n",
-        "SetScreenOff_Batt - Error writing to: " + path + "BattUserIdle\\r\\n",
-        "SetScreenOff_Batt - Error event invalid: 0x0\\r\\n",
-        "SetScreenOff_Batt - Error setting event. win32err: 0x12006\\r\\n",
-        "GetScreenOff_Batt - Error reading: " + path + "BattUserIdle\\r\\n"}},
+       kScreenOff,
+       ScreenOffLines("ScreenOff_Batt", "BattUserIdle")},
       {"ACUserIdle",
-       [](const Exports& pal, LONG value) { return pal.PALPWRSetScreenOff_ExtPwr(value); },
-       [](const Exports& pal, DWORD* value) { return pal.PALPWRGetScreenOff_ExtPwr(value); },
+       &Exports::PALPWRSetScreenOff_ExtPwr,
+       &Exports::PALPWRGetScreenOff_ExtPwr,
        1,
        {0, 60, 120, 121, 180, 240, 300, 360, 600, 660, 900, 1800},
-       S_OK,
-       S_OK,
-       PAL_E_WIN32(0x2006),
-       {"SetScreenOff_ExtPwr - Invalid input. input: 7\\r\\n",
-        "SetScreenOff_ExtPwr - Error writing to: " + path + "ACUserIdle\\r\\n",
-        "SetScreenOff_ExtPwr - Error event invalid: 0x0\\r\\n",
-        "SetScreenOff_ExtPwr - Error setting event. win32err: 0x12006\\r\\n",
-        "GetScreenOff_ExtPwr - Error reading: " + path + "ACUserIdle\\r\\n"}},
+       kScreenOff,
+       ScreenOffLines("ScreenOff_ExtPwr", "ACUserIdle")},
   };
   return timeouts;
 }
@@ -136,7 +139,7 @@ TEST_F(PowerSettings, TimeoutsTakeTheirValuesAndNoOther) {
       const HRESULT result = timeout.set(pal, value);
       const DWORD stored = device.registry().GetDword(kTimeouts, timeout.value).value_or(0);
       if (stored == kUntouched) {
-        EXPECT_EQ(result, timeout.refused) << timeout.value << ' ' << value;
+        EXPECT_EQ(result, timeout.results.refused) << timeout.value << ' ' << value;
         continue;
       }
       taken.push_back(value);
@@ -156,7 +159,7 @@ TEST_F(PowerSettings, TimeoutsAnswerEachFailureInTheirWay) {
     SCOPED_TRACE(timeout.value);
     device.journal().Clear();
     const auto stored = [&] { return device.registry().GetDword(kTimeouts, timeout.value); };
-    EXPECT_EQ(timeout.set(pal, 7), timeout.refused);
+    EXPECT_EQ(timeout.set(pal, 7), timeout.results.refused);
     device.PlanFault({.call = "RegSetValueExW", .error = 5});
     EXPECT_EQ(timeout.set(pal, 0), PAL_E_ACCESS_DENIED);
     EXPECT_EQ(stored(), std::nullopt);
@@ -164,12 +167,12 @@ TEST_F(PowerSettings, TimeoutsAnswerEachFailureInTheirWay) {
     EXPECT_EQ(EventLines(), Lines());
 
     pal.PALPWRTerm();
-    EXPECT_EQ(timeout.set(pal, 0), timeout.no_event);
+    EXPECT_EQ(timeout.set(pal, 0), timeout.results.no_event);
     EXPECT_EQ(stored(), 0u);
     pal.PALPWRInit();
     device.registry().SetDword(kTimeouts, timeout.value, kUntouched);
     device.PlanFault({.call = "EventModify", .error = 0x12006});
-    EXPECT_EQ(timeout.set(pal, 0), timeout.event_failed);
+    EXPECT_EQ(timeout.set(pal, 0), timeout.results.event_failed);
     EXPECT_EQ(stored(), 0u);
     device.ClearFaults();
 
@@ -336,23 +339,6 @@ TEST_F(PowerSettings, InitKeepsBothEventsOrNone) {
                    cannot_signal,
                    "PALPWRInit - ERROR display event. win32err: 0x12008, hr: 0x83ef2008\\r\\n",
                    cannot_signal}));
-}
-
-TEST_F(PowerSettings, TheConfigurationDriverHasOneUser) {
-  const auto driver = std::make_shared<sim::ConfigurationDriver>(std::uint8_t{3});
-  device.hardware().drivers = {driver};
-  HANDLE opened = INVALID_HANDLE_VALUE;
-  process.Run([&] {
-    opened = CreateFileW(TEXT("CFG1:"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
-                         nullptr);
-  });
-  DWORD option = kUntouched;
-  EXPECT_EQ(pal.PALPWRSetBootOption(4), PAL_E_SHARING_VIOLATION);
-  EXPECT_EQ(pal.PALPWRGetBootOption(&option), PAL_E_SHARING_VIOLATION);
-  EXPECT_EQ(option, kUntouched);
-  EXPECT_EQ(driver->boot_option(), 3);
-  process.Run([&] { CloseHandle(opened); });
-  EXPECT_EQ(pal.PALPWRGetBootOption(&option), S_OK);
 }
 
 // An auto-reset event wakes one of those that wait for a change.

@@ -12,11 +12,6 @@ using Lines = std::vector<std::string>;
 
 class RegistryPersistence : public DeviceTest {
  protected:
-  void TearDown() override {
-    process.End();  // what is left open is misuse
-    DeviceTest::TearDown();
-  }
-
   HRESULT Persist() {
     device.journal().Clear();
     return process.exports().PALMFGOpt_PersistRegistry();
@@ -62,30 +57,22 @@ TEST_F(RegistryPersistence, GoesOnBehindARootThatCannotBeFlushed) {
 }
 
 TEST_F(RegistryPersistence, LeavesTheFlushToAServiceThatHoldsTheEvent) {
-  sim::Process service(device, "flushd.exe");
-  int wakes = 0;
-  sim::Thread waiting = service.Start([&] {
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, TEXT("DVLRegFlushKeyAll"));
-    if (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0) ++wakes;
-    ResetEvent(event);
-    Sleep(10);
-    CloseHandle(event);
-  });
-  device.Advance(0);
-
+  device.StartProgram(sim::FlushService());
   EXPECT_EQ(Persist(), S_OK);
   EXPECT_EQ(Flushes(), Lines{});
   EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent), Lines{"DVLRegFlushKeyAll set"});
   EXPECT_EQ(CategorisedLines(), Lines{"0x43F00000 PALMFGOpt_PersistRegistry - SetEvent(D)\\r\\n"});
   EXPECT_EQ(device.journal().Texts(sim::Effect::kDebug).size(), 1u);
+  device.RunUntilIdle();
+  EXPECT_EQ(Flushes(), kAllFlushed) << "the service's";
 
   device.PlanFault({.call = "EventModify", .error = 31});
   EXPECT_EQ(Persist(), E_FAIL);
   EXPECT_EQ(Flushes(), Lines{});
   EXPECT_EQ(CategorisedLines().back(),
             "0xC3F00000 PALMFGOpt_PersistRegistry - ERROR SetEvent(D).  win32err:0x1f\\r\\n");
-  EXPECT_TRUE(waiting.Join());
-  EXPECT_EQ(wakes, 1);
+  device.RunUntilIdle();
+  EXPECT_EQ(Flushes(), Lines{}) << "it was not woken";
 }
 
 TEST_F(RegistryPersistence, FailsWithoutItsEvent) {
@@ -105,20 +92,6 @@ TEST_F(RegistryPersistence, PlaceholdersSayThatTheyAreNone) {
             (Lines{"0x43F00000 PALMFGOpt_RestoreDefaults - Placeholder",
                    "0x83F00000 PALMFGOpt_GetConfigString - Not yet implemented for P7. Returned "
                    "E_FAIL"}));
-}
-
-// The service of a device, and not a thread of the test that stands for one.
-TEST_F(RegistryPersistence, LeavesTheFlushToTheServiceOfTheDevice) {
-  device.StartProgram(sim::FlushService());
-  device.journal().Clear();
-  EXPECT_EQ(process.exports().PALMFGOpt_PersistRegistry(), S_OK);
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kEvent),
-            std::vector<std::string>{"DVLRegFlushKeyAll set"});
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry), std::vector<std::string>{});
-  device.RunUntilIdle();
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kRegistry),
-            (std::vector<std::string>{"HKEY_LOCAL_MACHINE flushed", "HKEY_CURRENT_USER flushed",
-                                      "HKEY_CLASSES_ROOT flushed", "HKEY_USERS flushed"}));
 }
 
 }  // namespace

@@ -294,28 +294,24 @@ TEST_F(Scanner, HasOneHandleHoweverOftenItIsOpened) {
   EXPECT_EQ(process->new_handles(), 0U);
 }
 
-TEST_F(Scanner, BringsACommonEngineUpWithoutMutex) {
-  Fit(kEng17);
-  Start();
-  EXPECT_EQ(exports().PALSysio_InternalScannerInterfaceInit(), S_OK);
-  EXPECT_TRUE(device.journal().Texts(sim::Effect::kMutex).empty());
-  EXPECT_EQ(TakeSent(), (Lines{"set download 00", "set power 01", "enable 01"}));
-}
-
-TEST_F(Scanner, BringsAnEngineOnTheSpiClockUpUnderTheMutex) {
-  for (const BYTE code : {kEng14, kEng13}) {
+TEST_F(Scanner, BringsAnEngineOnTheSpiClockAloneUpUnderTheMutex) {
+  const std::string mutex = kMutexName;
+  const Lines on_clock{mutex + " taken", "set download 00", "set SPI clock 01",
+                       "enable 01",      "set power 01",    mutex + " released"};
+  for (const auto& [code, expected] :
+       {std::pair{kEng17, Lines{"set download 00", "set power 01", "enable 01"}},
+        {kEng14, on_clock},
+        {kEng13, on_clock}}) {
     Fit(code);
     Start();
     EXPECT_EQ(exports().PALSysio_InternalScannerInterfaceInit(), S_OK);
-    std::vector<std::string> order;
+    Lines order;
     for (const sim::JournalEntry& entry : device.journal().entries()) {
-      if (entry.effect == sim::Effect::kMutex) order.push_back(entry.text);
-      if (entry.text.ends_with(" 00 00 00")) order.push_back(entry.text.substr(6, 11));
+      const std::string& text = entry.text;
+      if (entry.effect == sim::Effect::kMutex) order.push_back(text);
+      if (text.ends_with(" 00 00 00")) order.push_back(text.substr(6, text.size() - 15));
     }
-    EXPECT_EQ(order, (Lines{std::string(kMutexName) + " taken", "set downloa", "set SPI clo",
-                            "enable 01 0", "set power 0", std::string(kMutexName) + " released"}));
-    EXPECT_EQ(TakeSent(),
-              (Lines{"set download 00", "set SPI clock 01", "enable 01", "set power 01"}));
+    EXPECT_EQ(order, expected);
     EXPECT_EQ(process->new_handles(), 1U) << "the driver's alone";
     exports().PALSysio_Close();
   }
@@ -419,8 +415,7 @@ TEST_F(Scanner, AnswersTheBaudRates) {
 
 TEST(ScannerDescription, KeepsTheEngineFromRunToRun) {
   const TemporaryFolder folder;
-  static_cast<void>(
-      folder.Write("device.toml", "name = \"x\"\n[scanner]\npower = true\ntrigger = true\n"));
+  folder.Write("device.toml", "name = \"x\"\n[scanner]\npower = true\ntrigger = true\n");
   struct Run {
     DWORD mode;
     sim::ScanEngineState before;
@@ -437,32 +432,6 @@ TEST(ScannerDescription, KeepsTheEngineFromRunToRun) {
     process.exports().PALSysio_Close();
     process.End();
     sim::SaveDevice(device, folder.path());
-  }
-}
-
-TEST(ScannerDescription, IsRefusedWithItsLine) {
-  struct Case {
-    std::string text;
-    std::string message;
-  };
-  const std::string kept = "# Kept by the simulator: do not edit below.\n[state]\n";
-  for (const Case& test : {
-           Case{"scanner = 1", "2: expected a table: [scanner]"},
-           Case{"[scanner]\npower = 1", "3: expected true or false: power = true"},
-           Case{"[scanner]\nlaser = true",
-                "3: unknown key 'laser'; allowed: power, enabled, download, trigger"},
-           Case{"[scanner]\n" + kept + "scanner = { trigger = \"on\" }",
-                "5: expected true or false: trigger = true"},
-       }) {
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("device.toml", "name = \"x\"\n" + test.text);
-    sim::Device device;
-    try {
-      sim::LoadDevice(device, folder.path());
-      ADD_FAILURE() << "taken: " << test.text;
-    } catch (const sim::DeviceFolderError& error) {
-      EXPECT_EQ(error.what(), file + ":" + test.message);
-    }
   }
 }
 

@@ -23,11 +23,6 @@ class Switches : public DeviceTest {
   void SetAit(std::vector<std::uint8_t> bytes) {
     device.hardware().parameters[0xD7] = {std::move(bytes)};
   }
-  void TearDown() override {
-    process.End();
-    DeviceTest::TearDown();
-  }
-
   sim::Process process{device};
 };
 

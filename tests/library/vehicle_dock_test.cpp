@@ -33,15 +33,7 @@ class VehicleDock : public DeviceTest {
     return answer;
   }
   std::vector<std::string> ErrorLines() {
-    const std::string category = "0xC45C0000 PALOneWire::FindVehicleDock(): ";
-    std::vector<std::string> lines = CategorisedLines();
-    std::erase_if(lines, [&](const std::string& line) { return !line.starts_with(category); });
-    for (std::string& line : lines) line.erase(0, category.size());
-    return lines;
-  }
-  void TearDown() override {
-    process.End();
-    DeviceTest::TearDown();
+    return LinesBehind("0xC45C0000 PALOneWire::FindVehicleDock(): ");
   }
 
   sim::Process process{device};
@@ -168,44 +160,11 @@ TEST(VehicleDockDescription, GivesTheBusItsDevicesAndFailures) {
            Case{fmt::format("devices = [{0}, {0}]\n{1}nth = 1, status = 5 }}]", dock, failure), 1},
        }) {
     const TemporaryFolder folder;
-    static_cast<void>(folder.Write("device.toml", kDescription + test.bus));
+    folder.Write("device.toml", kDescription + test.bus);
     sim::Device device;
     sim::LoadDevice(device, folder.path());
     sim::Process process(device);
     EXPECT_EQ(process.exports().PALOneWire_IsVehicleDockAttached(), test.attached) << test.bus;
-  }
-}
-
-TEST(VehicleDockDescription, IsRefusedWithItsLine) {
-  struct Case {
-    std::string bus;
-    std::string message;
-  };
-  for (const Case& test : {
-           Case{"colour = 1", "3: unknown key 'colour'; allowed: devices, failures"},
-           Case{"devices = 1", "3: expected a list: devices = [{ ... }]"},
-           Case{"devices = [\n{ memory = \"\" }]", "4: the key 'id' is missing"},
-           Case{"devices = [{ id = \"0102\", memory = \"\" }]",
-                "3: expected 8 bytes as hexadecimal digits: id = \"14 00 00 01 7A 3F 52 C9\""},
-           Case{"devices = [\n{ id = \"0102030405060708\", memory = \"0 1\" }]",
-                "4: expected at most 65536 bytes as hexadecimal digits: memory = \"01 38 37\""},
-           Case{"failures = [{ call = \"reset\", status = 1 }]",
-                "3: no call 'reset'; allowed: search, get_device_count, get_device_id, "
-                "get_memory_size, read_memory"},
-           Case{"failures = [{ call = \"search\" }]",
-                "3: expected one of the keys 'error' and 'status'"},
-           Case{"failures = [{ call = \"search\", status = -1 }]",
-                "3: expected a number from 1 to 0xFFFFFFFF: status = 1"},
-       }) {
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("device.toml", kDescription + test.bus);
-    sim::Device device;
-    try {
-      sim::LoadDevice(device, folder.path());
-      ADD_FAILURE() << "taken: " << test.bus;
-    } catch (const sim::DeviceFolderError& error) {
-      EXPECT_EQ(error.what(), file + ":" + test.message);
-    }
   }
 }
 

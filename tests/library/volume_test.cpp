@@ -13,10 +13,6 @@ constexpr DWORD kUntouched = 0xABCD;
 class Volume : public DeviceTest {
  protected:
   Volume() { FurnishBeeper(device); }
-  void TearDown() override {
-    process.End();
-    DeviceTest::TearDown();
-  }
   std::uint32_t Value(const char* name) {
     return device.registry().GetDword(kBeeperKey, name).value_or(kUntouched);
   }

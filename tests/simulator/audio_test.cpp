@@ -164,7 +164,7 @@ TEST_F(SimAudio, RecordsMisuse) {
 TEST(SimAudioFolder, KeepsTheLevels) {
   const TemporaryFolder folder;
   const std::string author = "name = \"x\"\n[audio]\nvolume = 0x66666666\ngain = 40\n";
-  const std::string file = folder.Write("device.toml", author);
+  folder.Write("device.toml", author);
   const auto run = [&](DWORD volume_before, DWORD volume, DWORD gain) {
     sim::Device device;
     sim::LoadDevice(device, folder.path());
@@ -188,17 +188,6 @@ TEST(SimAudioFolder, KeepsTheLevels) {
   run(0x66666666, 0x0000ABCD, 100);
   run(0x0000ABCD, 0x00000000, 100);
   run(0x00000000, 0x66666666, 40);
-
-  for (const char* wrong : {"volume = -1", "gain = 4294967296", "gain = \"50\""}) {
-    sim::Device device;
-    static_cast<void>(folder.Write("device.toml", std::string("name = \"x\"\n[audio]\n") + wrong));
-    try {
-      sim::LoadDevice(device, folder.path());
-      ADD_FAILURE() << wrong;
-    } catch (const sim::DeviceFolderError& error) {
-      EXPECT_EQ(error.what(), file + ":3: expected a number from 0 to 4294967295");
-    }
-  }
 }
 
 }  // namespace

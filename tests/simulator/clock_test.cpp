@@ -32,17 +32,6 @@ TEST_F(SimClock, WakesThreadsInTheOrderOfTheirDeadlines) {
   EXPECT_EQ(device.now_ms(), 65u);
 }
 
-TEST_F(SimClock, StandsStillWhileAnyThreadRuns) {
-  sim::Process process(device);
-  sim::Thread sleeper = process.Start([] { Sleep(1000); });
-  process.Run([] {
-    for (int call = 0; call < 100; ++call) EXPECT_EQ(GetTickCount(), 0u);
-  });
-  EXPECT_FALSE(sleeper.ended());
-  EXPECT_TRUE(sleeper.Join());
-  EXPECT_EQ(device.now_ms(), 1000u);
-}
-
 TEST_F(SimClock, ShuffledTurnsFollowFromTheSeed) {
   const auto run = [](std::uint32_t seed) {
     sim::Device shuffled;
@@ -91,30 +80,6 @@ TEST_F(SimClock, HandsAMutexOverInTheOrderOfArrival) {
   device.RunUntilIdle();
   EXPECT_EQ(order, "bca");
   EXPECT_EQ(device.now_ms(), 301u);
-}
-
-TEST_F(SimClock, AbandonsTheMutexesOfAKilledProcess) {
-  sim::Process victim(device, "victim.exe");
-  sim::Process heir(device, "heir.exe");
-  victim.Start([] {
-    WaitForSingleObject(NamedMutex(TEXT("M")), 0);
-    Sleep(INFINITE);
-    ADD_FAILURE() << "a killed thread went on";
-  });
-  DWORD result = 0;
-  sim::Thread waiter = heir.Start([&] {
-    const HANDLE mutex = NamedMutex(TEXT("M"));
-    result = WaitForSingleObject(mutex, 2000);
-    EXPECT_NE(ReleaseMutex(mutex), FALSE) << "who gets it abandoned owns it";
-    CloseHandle(mutex);
-  });
-  device.Advance(500);
-  victim.Kill();
-  EXPECT_TRUE(waiter.Join());
-  EXPECT_EQ(result, WAIT_ABANDONED);
-  EXPECT_EQ(device.now_ms(), 500u);
-  EXPECT_EQ(device.journal().Texts(sim::Effect::kMutex),
-            (std::vector<std::string>{"M taken", "M abandoned", "M taken", "M released"}));
 }
 
 TEST_F(SimClock, TimesOutAtTheDeadlineAndNotLater) {

@@ -143,19 +143,6 @@ TEST_F(SimPlatform, FailsTheCallsThatAreToFail) {
   EXPECT_THROW(device.PlanFault({.call = "RegFlush"}), std::invalid_argument);
 }
 
-TEST_F(SimPlatform, EndsAProcessBetweenTwoCalls) {
-  sim::Process process(device);
-  device.PlanFault({.nth = 3, .kill = true});
-  int calls = 0;
-  EXPECT_THROW(process.Run([&] {
-    for (;; ++calls) GetTickCount();
-  }),
-               sim::ProcessKilled);
-  EXPECT_EQ(calls, 2);
-  EXPECT_FALSE(process.alive());
-  EXPECT_THROW(process.exports().PALMFGOpt_ConfigStoreRegUpdate(), std::logic_error);
-}
-
 TEST_F(SimPlatform, CountsLoadedLibrariesPerProcess) {
   sim::Process process(device);
   process.Run([] {
@@ -197,25 +184,6 @@ TEST_F(SimPlatform, GivesALoadedLibraryAgainForEveryPathWithItsName) {
     EXPECT_NE(other, nullptr);
     EXPECT_NE(other, module) << "none is loaded any more";
     FreeLibrary(other);
-  });
-}
-
-// So does the library that every process is made with.
-TEST_F(SimPlatform, GivesTheLibraryAgainUnderItsName) {
-  device.InstallModule({"library.dll", {}});
-  device.set_library_path("\\Tools\\Library.dll");
-  sim::Process process(device);
-  process.Run([] {
-    const HMODULE own = LoadLibraryW(TEXT("library.dll"));
-    ASSERT_NE(own, nullptr);
-    EXPECT_NE(GetProcAddressW(own, TEXT("PALVER_LogVersion")), nullptr);
-    EXPECT_EQ(LoadLibraryW(TEXT("\\Windows\\library.dll")), own);
-    const HMODULE provider = LoadLibraryW(TEXT("DVLORQPAL.dll"));
-    EXPECT_NE(provider, nullptr);
-    EXPECT_NE(provider, own);
-    FreeLibrary(own);
-    FreeLibrary(own);
-    FreeLibrary(provider);
   });
 }
 
@@ -270,16 +238,6 @@ TEST_F(SimPlatform, TellsObjectsOfTwoTypesApartThatHaveOneName) {
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     for (const HANDLE handle : {mutex, event, again}) CloseHandle(handle);
   });
-}
-
-TEST_F(SimPlatform, GivesEveryProcessItsOwnStatics) {
-  InternalsProcess first(device, "first.exe");
-  InternalsProcess second(device, "second.exe");
-  first.Run([&] { first->trace(0, 0, "one"); });
-  second.Run([&] { second->trace(0, 0, "two"); });
-  first.Run([&] { first->trace(0, 0, "three"); });
-  EXPECT_EQ(device.calls("LoadLibraryW"), 2u) << "each process loads the event log once";
-  EXPECT_EQ(TraceLines(), (std::vector<std::string>{"one", "two", "three"}));
 }
 
 }  // namespace

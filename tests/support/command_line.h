@@ -15,7 +15,7 @@ class TemporaryFolder {
 
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   // Writes a file into it and gives its path.
-  [[nodiscard]] std::string Write(const std::string& name, const std::string& content) const;
+  std::string Write(const std::string& name, const std::string& content) const;
 
  private:
   std::filesystem::path path_;

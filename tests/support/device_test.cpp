@@ -48,3 +48,10 @@ std::vector<std::string> DeviceTest::CategorisedLines() {
   }
   return lines;
 }
+
+std::vector<std::string> DeviceTest::LinesBehind(std::string_view prefix) {
+  std::vector<std::string> lines = CategorisedLines();
+  std::erase_if(lines, [&](const std::string& line) { return !line.starts_with(prefix); });
+  for (std::string& line : lines) line.erase(0, prefix.size());
+  return lines;
+}

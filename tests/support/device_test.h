@@ -29,6 +29,8 @@ class DeviceTest : public ::testing::Test {
   [[nodiscard]] std::vector<std::string> TraceLines(std::string_view prefix = {});
   // "0xC3F00000 the line" for each.
   [[nodiscard]] std::vector<std::string> CategorisedLines();
+  // What follows a beginning, of those that begin so.
+  [[nodiscard]] std::vector<std::string> LinesBehind(std::string_view prefix);
 
   sim::Device device;
 

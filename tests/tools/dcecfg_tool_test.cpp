@@ -13,7 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/sim/device_folder.h"
 #include "tools/dcecfg/check.h"
 #include "tools/dcecfg/text_form.h"
 
@@ -223,15 +222,6 @@ TEST(DcecfgTool, DumpShowsWellFormedStatementsAroundTheFaultyOnes) {
 
 TEST(DcecfgTool, TheSamplesTextAndFileAgree) {
   EXPECT_EQ(dcecfg::Build(ReadSample("dcecfg.txt")), SampleFile());
-}
-
-TEST(DcecfgTool, TheSampleDeviceLoads) {
-  sim::Device device;
-  EXPECT_EQ(sim::LoadDevice(device, PROJECT_DIR "/devices/rm21").name, "rm21");
-  EXPECT_EQ(
-      device.registry().GetString(R"(HKLM\Hardware\Devicemap\Keybd)", "CurrentActiveLayoutKey"),
-      R"(Hardware\Devicemap\Keybd\Layout\Numeric)");
-  EXPECT_TRUE(device.files().Find(R"(\ConfigStore\dcecfg)"));
 }
 
 TEST(DcecfgTool, ChecksADamagedFile) {
