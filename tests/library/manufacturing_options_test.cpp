@@ -83,6 +83,19 @@ TEST_F(ManufacturingOptions, InternalDeviceTypeComesFromItsParameter) {
   }
 }
 
+TEST_F(ManufacturingOptions, InternalDeviceCodesStandForTheirTypes) {
+  constexpr std::array<DWORD, 32> kTypes{255, 11, 15,  8,   16,  10, 10, 27,  28,  30,  31,
+                                         254, 34, 254, 254, 254, 37, 38, 254, 42,  254, 254,
+                                         47,  50, 51,  52,  54,  55, 56, 254, 254, 53};
+  for (std::size_t code = 0; code < kTypes.size(); ++code) {
+    SetParameter(kInternalDeviceCode, sim::QueryAnswer{.bytes = {static_cast<BYTE>(code)}});
+    DWORD type = kUntouched;
+    DWORD s6_installed = kUntouched;
+    EXPECT_EQ(pal.PALMFGOpt_InternalDeviceType(&type, &s6_installed), S_OK);
+    EXPECT_EQ(type, kTypes.at(code)) << code;
+  }
+}
+
 TEST_F(ManufacturingOptions, DatacollHasOrientationRotationAndTheSecondDevice) {
   struct Answers {
     HRESULT result;

@@ -321,14 +321,15 @@ struct FailingCall {
   std::string call;
   HRESULT result;  // where its first call fails
   bool stores;     // a checksum
+  bool is_zero = false;
 };
 
 // Only what the import needs fails it, and what is not stored is imported again.
 TEST_F(RegistryFiles, GoesOnWithoutWhatItCanDoWithout) {
   const std::vector<FailingCall> calls = {
-      {"KernelIoControl", E_FAIL, false}, {"CreateFileW", S_OK, true},
-      {"GetFileSize", S_OK, true},        {"malloc", S_OK, true},
-      {"ReadFile", S_OK, true},           {"RegCreateKeyExW", S_OK, false},
+      {"KernelIoControl", E_FAIL, false}, {"CreateFileW", S_OK, true, true},
+      {"GetFileSize", S_OK, true, true},  {"malloc", S_OK, true, true},
+      {"ReadFile", S_OK, true, true},     {"RegCreateKeyExW", S_OK, false},
       {"RegQueryValueExW", S_OK, true},   {"RegOpenKeyExW", S_OK, true},
       {"RegEnumKeyExW", S_OK, true},      {"RegDeleteKeyW", S_OK, true},
       {"CreateProcessW", E_FAIL, false},  {"WaitForSingleObject", E_FAIL, false},
@@ -343,6 +344,7 @@ TEST_F(RegistryFiles, GoesOnWithoutWhatItCanDoWithout) {
               test.result);
     device.ClearFaults();
     EXPECT_EQ(Stored("stack.reg").has_value(), test.stores);
+    EXPECT_EQ(Stored("stack.reg") == 0U, test.is_zero);
     device.RunUntilIdle();  // an importer that nobody waited for
   }
 }
