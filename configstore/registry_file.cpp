@@ -65,7 +65,7 @@ bool IsForModel(std::string_view upper_case_name, const char* model) {
   return std::any_of(kFileTags.begin(), kFileTags.end(), [&](const FileTag& row) {
     const size_t length = std::strlen(row.model_prefix);
     return length != 0 && _strnicmp(model, row.model_prefix, length) == 0 &&
-           HasTag(upper_case_name, row.tag, std::equal_to<char>());
+           HasTag(upper_case_name, row.tag, std::equal_to<>());
   });
 }
 

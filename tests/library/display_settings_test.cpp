@@ -1,5 +1,7 @@
 // Brightness and keypad backlight, input panel, clicks of screen and keys: what is kept and what is
 // not.
+#include <fmt/format.h>
+
 #include <string>
 #include <vector>
 
@@ -123,8 +125,8 @@ TEST_F(DisplaySettings, LevelsAnswerAndTraceTheirFailures) {
         level.key == kKeyboard ? std::string("AmbientDeltaIndex") : level.value;
     const std::string setter = Named(level.name, "Set");
     const std::string getter = Named(level.name, "Get");
-    const std::string write_failed =
-        level.severity + setter + " - ERROR setting reg key " + value + ". hr: 0x83ee0008\\r\\n";
+    const std::string write_failed = fmt::format(
+        "{}{} - ERROR setting reg key {}. hr: 0x83ee0008\\r\\n", level.severity, setter, value);
     const std::string set = kInfo + setter + " - cur_level: ";
     EXPECT_EQ(CategorisedLines(),
               (Lines{kInfo + getter + " - cur_level: 9\\r\\n",
@@ -213,13 +215,13 @@ TEST_F(DisplaySettings, AClickFails) {
     EXPECT_EQ((pal.*click.get)(&read), PAL_E_FILE_NOT_FOUND);
     EXPECT_EQ(read, kUntouched);
     EXPECT_EQ(device.journal().Texts(sim::Effect::kAudio), Lines());
-    const std::string does = click.category + "PALDISPSet" + click.name + "TapVol - ";
-    const std::string key = " reg key: ControlPanel\\Volume\\" + click.name + "\\r\\n";
+    const std::string does = fmt::format("{}PALDISPSet{}TapVol - ", click.category, click.name);
+    const std::string key = fmt::format(" reg key: ControlPanel\\Volume\\{}\\r\\n", click.name);
     EXPECT_EQ(
         CategorisedLines(),
         (Lines{does + "Input invalid.  input:3\\r\\n", does + "Input invalid.  input:65538\\r\\n",
-               does + "Input invalid.  input:-1\\r\\n", does + "Could not set" + key,
-               does + "Could not read" + key}));
+               does + "Input invalid.  input:-1\\r\\n", fmt::format("{}Could not set{}", does, key),
+               fmt::format("{}Could not read{}", does, key)}));
     device.registry().Create(kVolume);
   }
   device.RemoveModule("coredll.dll");
