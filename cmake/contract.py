@@ -348,7 +348,8 @@ def main():
             "exports.inc": "".join(f"PAL_EXPORT({name})\n" for name in names),
             # The entry is found by name here; on the device the loader knows it.
             "exports.map": f"{{ global: DllMain; CountersBegin; CountersEnd; {'; '.join(names)}; local: *; }};\n",
-            "exports.cmake": f"set(PAL_EXPORT_ALIASES {' '.join(aliases)})\n"}.items():
+            "exports.cmake": f"set(PAL_EXPORT_ALIASES {' '.join(aliases)})\n"
+                             f"set(PAL_EXPORTED_FUNCTIONS {' '.join(sorted(set(contract.functions.values())))})\n"}.items():
         if not (folder / file).exists() or (folder / file).read_text() != text:
             (folder / file).write_text(text)
 
