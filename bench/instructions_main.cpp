@@ -49,7 +49,7 @@ constexpr Shape kShapes[] = {
     {"PALBEEPKeyClick", "a tone played", 2.4},
     {"PALSysinfo_GetSerialNumberExA", "a text that the process has kept", 7},
     {"PALMFGOpt_InternalDeviceType", "a parameter of the device looked up", 3.8},
-    {"PALMFGOpt_IsDisabledByPolicy", "keys whose paths are put together", 1.5},
+    {"PALMFGOpt_IsDisabledByPolicy", "keys whose paths are put together", 1.7},
     {"PALSysio_SetScanTrigger", "a driver told", 3.6},
     {"PALSysio_MmMapIoSpace", "a service passed on to a kept target", 1.2},
     {"PALPWRSuspendCtrl: stop", "a flag set", 1.6},
