@@ -18,6 +18,7 @@ namespace {
 
 constexpr const WCHAR* kDoneFlag = TEXT("FixActive");
 
+constexpr const ButtonRecord& kLayoutButton = *FindButton(PAL_BUTTON_LEFT_SIDE_TOP);
 constexpr const ButtonRecord& kScanButton = *FindButton(PAL_BUTTON_LEFT_SIDE_BOTTOM);
 constexpr size_t kScan = PAL_KEY_ACTION_SCAN - 1;
 constexpr size_t kCameraScan = PAL_KEY_ACTION_CAMERA_SCAN - 1;
@@ -77,7 +78,7 @@ HRESULT Repair() {
   };
   kKeypadTrace.Info("FixScanKeyEvents: Modifying registry for side buttons\r\n");
   LayoutPath layout;
-  HRESULT result = ResolveButtonKeyPath(layout, kScanButton);
+  HRESULT result = ResolveButtonKeyPath(layout, kLayoutButton);
   if (Failed(result)) return result;
   WriteEvents(layout);
   for (size_t plane = 0; plane < kShiftPlanes.size(); ++plane) {
