@@ -1,4 +1,6 @@
 // What the simulated device answers to the questions that palcheck.exe puts to a handheld.
+#include <fmt/format.h>
+
 #include <string>
 
 #include "platform/conformance/rows.h"
