@@ -1,7 +1,7 @@
 # Sourced by the scripts at the root: what they install and build with.
 packages=(  # of every build
   g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
-  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libssl-dev libedit-dev
+  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev
 )
 
 # install_packages PACKAGE...: those that are not there yet.
