@@ -3,6 +3,9 @@ packages=(  # of every build
   g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
   libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev
 )
+device_packages=(  # of the build for the handheld
+  gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm
+)
 
 # install_packages PACKAGE...: those that are not there yet.
 install_packages() {
