@@ -45,7 +45,7 @@ TEST(PalsimFacts, ShowsWhatAHandheldAnswersOtherwise) {
            Case{Replaced(same, flush, flush + "PALNew = 0x0\n"), "", 0,
                 "0 not in the file, 1 unknown\n"},
            Case{same.substr(0, same.find(flush) + 18), "", 1,
-                " is cut, palcheck.exe did not end. Its last question: registry: flush\n"},
+                "The file is cut, palcheck.exe did not end. Its last question: registry: flush\n"},
            Case{same.substr(0, 20), "", 1, " did not end. Its last question: none\n"},
            Case{"", "", 2, " is not from palcheck.exe"},
            Case{std::string("MZ\0\x03", 4), "", 2, " is not from palcheck.exe"},

@@ -74,20 +74,22 @@ Report ParseReport(const std::string& name, std::string_view text) {
   return report;
 }
 
-// A report has some ten thousand bytes.
-std::string ReadReportFile(const std::string& file) {
-  constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+constexpr std::size_t kMostBytes = std::size_t{1} << 20;  // a report has some ten thousand
+
+std::string ReadInput() {
   std::string text;
-  try {
-    if (file != "-") text = sim::ReadHostFile(file);
-  } catch (const sim::DeviceFolderError& error) {
-    throw UsageError(error.what());
-  }
-  if (file == "-") {
-    for (char byte = 0; text.size() <= kMostBytes && std::cin.get(byte);) text += byte;
-  }
-  if (text.size() > kMostBytes) throw UsageError(file + " is larger than any report");
+  for (char byte = 0; text.size() <= kMostBytes && std::cin.get(byte);) text += byte;
   return text;
+}
+
+Report ReadReport(const std::string& file) try {
+  const bool is_input = file == "-";
+  const std::string text = is_input ? ReadInput() : sim::ReadHostFile(file);
+  const std::string name = is_input ? "standard input" : file;
+  if (text.size() > kMostBytes) throw UsageError(name + " is larger than any report");
+  return ParseReport(name, text);
+} catch (const sim::DeviceFolderError& error) {
+  throw UsageError(error.what());
 }
 
 // A sample's name, or a folder.
@@ -159,8 +161,7 @@ void PrintCounts(std::string_view what, const Comparison& counts) {
 }  // namespace
 
 int CompareFacts(const FactsOptions& options) {
-  const std::string name = options.file == "-" ? "standard input" : options.file;
-  const Report handheld = ParseReport(name, ReadReportFile(options.file));
+  const Report handheld = ReadReport(options.file);
   const Report simulated = AskSimulatedDevice(FolderOf(options.device));
   const Comparison facts = Compare(handheld, simulated, true);
   const Comparison library = Compare(handheld, simulated, false);
@@ -169,7 +170,7 @@ int CompareFacts(const FactsOptions& options) {
   PrintCounts("Facts of the platform", facts);
   PrintCounts("Exports of the library", library);
   if (!handheld.complete) {
-    fmt::print("{} is cut, palcheck.exe did not end. Its last question: {}\n", name,
+    fmt::print("The file is cut, palcheck.exe did not end. Its last question: {}\n",
                sim::Escape(handheld.last));
   }
   const bool agrees = handheld.complete && facts.otherwise == 0 && facts.missing == 0;
