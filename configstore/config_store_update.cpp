@@ -1,7 +1,5 @@
 // Writing the settings of the configuration store to the registry.
-#include <charconv>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -50,13 +48,11 @@ void WriteValue(const DcecfgKeyRecord& record) {
 }
 
 void TraceValue(const DcecfgKeyRecord& record) {
-  char decimal[12] = {};
-  const char* text = record.value_text;
   if (record.type == DcecfgValueType::kDword) {
-    std::to_chars(decimal, std::end(decimal) - 1, record.dword);
-    text = decimal;
+    kTrace.Info("%s:%s=%d", record.key_path, record.value_name, record.dword);
+  } else {
+    kTrace.Info("%s:%s=%s", record.key_path, record.value_name, record.value_text);
   }
-  kTrace.Info("%s:%s=%s", record.key_path, record.value_name, text);
 }
 
 // Where there is no memory for the parser nothing is written, and this is no failure.

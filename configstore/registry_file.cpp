@@ -48,21 +48,23 @@ constexpr char UpperCase(char character) {
 }
 
 template <typename IsSame>
-bool HasTag(std::string_view upper_case_name, std::string_view tag, IsSame is_same) {
-  return std::search(upper_case_name.begin(), upper_case_name.end(), tag.begin(), tag.end(),
-                     is_same) != upper_case_name.end();
+bool HasTag(std::string_view name, std::string_view tag, IsSame is_same) {
+  for (; name.size() >= tag.size(); name.remove_prefix(1)) {
+    if (std::equal(tag.begin(), tag.end(), name.begin(), is_same)) return true;
+  }
+  return false;
 }
 
 bool IsPlatformSpecific(std::string_view upper_case_name) {
-  const auto is_same = [](char of_name, char of_tag) { return of_name == UpperCase(of_tag); };
-  return std::any_of(kFileTags.begin(), kFileTags.end(),
-                     [&](const FileTag& row) { return HasTag(upper_case_name, row.tag, is_same); });
+  const auto is_same = [](char of_tag, char of_name) { return of_name == UpperCase(of_tag); };
+  return std::ranges::any_of(
+      kFileTags, [&](const FileTag& row) { return HasTag(upper_case_name, row.tag, is_same); });
 }
 
 // The case of the tag counts here. A tag with a small letter is never part of a name in upper case:
 // the files with "RMx14" are imported on no model, on purpose.
 bool IsForModel(std::string_view upper_case_name, const char* model) {
-  return std::any_of(kFileTags.begin(), kFileTags.end(), [&](const FileTag& row) {
+  return std::ranges::any_of(kFileTags, [&](const FileTag& row) {
     const size_t length = std::strlen(row.model_prefix);
     return length != 0 && _strnicmp(model, row.model_prefix, length) == 0 &&
            HasTag(upper_case_name, row.tag, std::equal_to<>());

@@ -14,9 +14,8 @@ inline constexpr std::array<std::string_view, 4> kRegistryRootNames = {
 
 // The index of the root name that `path` begins with; the size of the table where there is none.
 constexpr size_t FindRegistryRoot(std::string_view path) {
-  const auto* const root =
-      std::find_if(kRegistryRootNames.begin(), kRegistryRootNames.end(),
-                   [path](std::string_view name) { return path.starts_with(name); });
+  const auto* const root = std::ranges::find_if(
+      kRegistryRootNames, [path](std::string_view name) { return path.starts_with(name); });
   return static_cast<size_t>(root - kRegistryRootNames.begin());
 }
 

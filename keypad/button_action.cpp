@@ -37,9 +37,9 @@ void TakeRightScanForLeft(const EventKind& kind, EventName& name) {
   kKeypadTrace.Info("Changed to %ls\r\n", name.data());
 }
 
-std::optional<size_t> FindAction(const ButtonRecord& button, const EventName& delta) {
+std::optional<size_t> FindAction(const ButtonRecord& button, WideText delta) {
   for (size_t action = 0; action < kActionCount; ++action) {
-    if (WideText(delta.data()) == button.action_events[action].delta) return action;
+    if (delta == button.action_events[action].delta) return action;
   }
   return std::nullopt;
 }
@@ -65,7 +65,7 @@ std::optional<size_t> ReadDelta(const ButtonRecord& button, const LayoutPath& la
   kKeypadTrace.Info("\"%s\", %ls=%ls, %ls\r\n", button.name, button.event_value_name, name.data(),
                     path.data());
   TakeRightScanForLeft(kDelta, name);
-  return FindAction(button, name);
+  return FindAction(button, name.data());
 }
 
 std::optional<size_t> ConfirmState(const ButtonRecord& button, const LayoutPath& layout,

@@ -104,9 +104,7 @@ HRESULT SetProgram(const WCHAR* path, WideText program) {
 
 HRESULT PALAPI PALSecurity_GetCabFilePasswordProtect(DWORD* enabled) {
   if (enabled == nullptr) return E_FAIL;
-  *enabled =
-      std::any_of(pal::kCommandPaths.begin(), pal::kCommandPaths.end(), &pal::AsksForPassword) ? 1
-                                                                                               : 0;
+  *enabled = std::ranges::any_of(pal::kCommandPaths, &pal::AsksForPassword) ? 1 : 0;
   return S_OK;
 }
 

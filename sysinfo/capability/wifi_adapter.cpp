@@ -18,7 +18,7 @@ constexpr DWORD kMaxInterfaces = 256;
 bool IsWifiAdapter(const MIB_IFROW& row) {
   if (row.dwType != kEthernet) return false;
   const auto* const description = reinterpret_cast<const char*>(row.bDescr);
-  return std::any_of(kAdapterNames.begin(), kAdapterNames.end(), [description](const char* name) {
+  return std::ranges::any_of(kAdapterNames, [description](const char* name) {
     return _strnicmp(description, name, sizeof(row.bDescr)) == 0;
   });
 }
