@@ -34,9 +34,9 @@ FLAGS = {
 }
 UNWINDING = (".ARM.extab", ".ARM.exidx")
 ABSOLUTE = {"R_ARM_ABS32"}
-# Distances within the image: they stay as they are wherever it is loaded.
-RELATIVE = {"R_ARM_NONE", "R_ARM_PC24", "R_ARM_REL32", "R_ARM_CALL", "R_ARM_JUMP24", "R_ARM_V4BX", "R_ARM_PREL31",
-            "R_ARM_THM_PC22", "R_ARM_THM_JUMP11", "R_ARM_THM_JUMP8"}
+# Distances within the image: they stay as they are wherever it is loaded. Those of Thumb code are not known: an export
+# in Thumb code has an odd address, which not every caller can jump to.
+RELATIVE = {"R_ARM_NONE", "R_ARM_PC24", "R_ARM_REL32", "R_ARM_CALL", "R_ARM_JUMP24", "R_ARM_V4BX", "R_ARM_PREL31"}
 
 
 def align(number, to):
