@@ -6,9 +6,7 @@ packages=(  # of every build
 device_packages=(  # of the build for the handheld
   gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm
 )
-device_test_packages=(  # of what runs the handheld's DLL on a host
-  "${device_packages[@]}" g++-arm-linux-gnueabi qemu-user googletest
-)
+device_test_packages=(g++-arm-linux-gnueabi qemu-user googletest)  # of the tests that run its DLL
 
 # install_packages PACKAGE...: those that are not there yet.
 install_packages() {
