@@ -22,6 +22,11 @@ install_packages() {
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# What builds the library for a PC, and runs it.
+install_windows_packages() {
+  install_packages g++-mingw-w64-x86-64-posix wine wine64
+}
+
 # configure PRESET: installs what is missing, and configures a build that is not there yet.
 configure() {
   local log=build/$1.log

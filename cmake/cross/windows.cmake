@@ -6,3 +6,7 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_OBJCOPY x86_64-w64-mingw32-objcopy)
 # Else the compiler's headers declare the C runtime's functions as imports.
 set(CMAKE_CXX_FLAGS_INIT "-D_CRTIMP=")
+# A program and the files beside it are all that is needed.
+foreach(kind EXE SHARED MODULE)
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static")
+endforeach()

@@ -90,8 +90,7 @@ DWORD Win32SetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options) {
 }
 
 int Win32AudioUpdateFromRegistry() {
-  sim::Call call(sim::CallId::NKDbgPrintfW);
-  call.Log(sim::Effect::kAudio, "settings read from the registry");
+  win32::TheMachine().device().Note(sim::Effect::kAudio, "settings read from the registry");
   return 0;
 }
 

@@ -10,6 +10,7 @@ namespace win32 {
 class Machine {
  public:
   Machine();
+  [[nodiscard]] sim::Device& device() { return device_; }
   // Of all threads of this process: the device's hardware does not tell them apart.
   [[nodiscard]] sim::ThreadState& thread() { return thread_; }
 

@@ -31,6 +31,26 @@ std::optional<DWORD> SoundLength(const std::wstring& path) {
   return std::nullopt;
 }
 
+// Windows' library of sounds, which takes its time to load and stays: for a program that plays one.
+struct Sounds {
+  HMODULE library = LoadLibraryW(L"winmm.dll");
+  decltype(&waveOutGetNumDevs) count_outputs =
+      Find<decltype(&waveOutGetNumDevs)>("waveOutGetNumDevs");
+  decltype(&PlaySoundW) play = Find<decltype(&PlaySoundW)>("PlaySoundW");
+  bool has_output = count_outputs != nullptr && play != nullptr && count_outputs() != 0;
+
+ private:
+  template <typename Function>
+  [[nodiscard]] Function Find(const char* name) const {
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+  }
+};
+
+const Sounds& TheSounds() {
+  static const Sounds sounds;
+  return sounds;
+}
+
 }  // namespace
 }  // namespace win32
 
@@ -101,11 +121,12 @@ void Win32NKDbgPrintfW(LPCWSTR format, ...) {
 
 // A PC without a sound output is silent for the length of the sound.
 BOOL Win32PlaySoundW(LPCWSTR sound, HMODULE /*module*/, DWORD flags) {
-  if (sound == nullptr) return waveOutGetNumDevs() == 0 || PlaySoundW(nullptr, nullptr, 0);
+  const win32::Sounds& sounds = win32::TheSounds();
+  if (sound == nullptr) return !sounds.has_output || sounds.play(nullptr, nullptr, 0);
   const std::wstring path = win32::HostPath(sound);
   const std::optional<DWORD> length_ms = win32::SoundLength(path);
   if (!length_ms) return win32::Refuse(ERROR_FILE_NOT_FOUND);
-  if (waveOutGetNumDevs() != 0) return PlaySoundW(path.c_str(), nullptr, flags | SND_NODEFAULT);
+  if (sounds.has_output) return sounds.play(path.c_str(), nullptr, flags | SND_NODEFAULT);
   if ((flags & SND_ASYNC) == 0) Sleep(*length_ms);
   return TRUE;
 }

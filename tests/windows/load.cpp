@@ -1,14 +1,16 @@
 // Loads and frees the library a thousand times in one process.
 #include <windows.h>
 
+#include <cstdint>
 #include <cstdio>
 
 namespace {
 
-DWORD OpenHandles() {
-  DWORD count = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &count);
-  return count;
+// A new handle takes the first place that is free.
+std::uintptr_t FirstFreeHandle() {
+  const HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  CloseHandle(probe);
+  return reinterpret_cast<std::uintptr_t>(probe);
 }
 
 bool LoadAndFree() {
@@ -24,10 +26,11 @@ int main() {
   constexpr int kTimes = 1000;
   int well = 0;
   LoadAndFree();  // what Windows opens for a process once is open then
-  const DWORD before = OpenHandles();
+  const std::uintptr_t before = FirstFreeHandle();
   for (int time = 0; time < kTimes; ++time) well += LoadAndFree() ? 1 : 0;
-  const DWORD after = OpenHandles();
-  std::printf("loaded and freed %d times; open handles before and after: %lu, %lu\n", well, before,
-              after);
+  const std::uintptr_t after = FirstFreeHandle();
+  std::printf("loaded and freed %d times; the first free handle before and after: %#llx, %#llx\n",
+              well, static_cast<unsigned long long>(before),
+              static_cast<unsigned long long>(after));
   return well == kTimes && before != 0 && after <= before ? 0 : 1;
 }

@@ -120,9 +120,9 @@ struct Counts {
 // The lines of the event log by process; a line that is not whole is a fault.
 std::map<std::string, Counts> ReadLog() {
   std::map<std::string, Counts> counts;
-  const std::regex form(R"(\[(\d+)\] [0-9a-f]{8} (\S.*)\r)");
-  const std::regex entry(R"(PALBEEP\w+\(.*\) - Entry)");
-  const std::regex exit(R"(0x0=PALBEEP\w+\(.*\) - Exit)");
+  const std::regex form(R"(\[(\d+)\] [0-9a-f]{8} (.*\S)\r)");
+  const std::regex entry(R"(PALBEEP(GoodReadEx|ChangeConfig)\(.*\) - Entry)");
+  const std::regex exit(R"(0x0=PALBEEP(GoodReadEx|ChangeConfig)\(.*\) - Exit)");
   std::ifstream log("eventlog.txt", std::ios::binary);
   int torn = 0;
   for (std::string line; std::getline(log, line);) {
