@@ -12,12 +12,12 @@
 
 // The simulated device's functions, which are the platform's under other names.
 extern "C" {
-HANDLE sim_CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+HANDLE SimulatedCreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                        DWORD disposition, DWORD flags, HANDLE unused);
-BOOL sim_CloseHandle(HANDLE handle);
-BOOL sim_DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
+BOOL SimulatedCloseHandle(HANDLE handle);
+BOOL SimulatedDeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
                          DWORD out_bytes, LPDWORD returned, LPOVERLAPPED unused);
-DWORD sim_SetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options);
+DWORD SimulatedSetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options);
 }
 
 namespace win32 {
@@ -59,7 +59,7 @@ bool IsDriver(const void* handle) {
 
 void* OpenDriver(const wchar_t* name, unsigned long access, unsigned long share,
                  unsigned long disposition) {
-  const HANDLE opened = sim_CreateFileW(reinterpret_cast<LPCWSTR>(name), static_cast<DWORD>(access),
+  const HANDLE opened = SimulatedCreateFileW(reinterpret_cast<LPCWSTR>(name), static_cast<DWORD>(access),
                                         static_cast<DWORD>(share), nullptr,
                                         static_cast<DWORD>(disposition), 0, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return opened;
@@ -67,7 +67,7 @@ void* OpenDriver(const wchar_t* name, unsigned long access, unsigned long share,
 }
 
 int CloseDriver(void* handle) {
-  return sim_CloseHandle(SimulatedHandle(handle));
+  return SimulatedCloseHandle(SimulatedHandle(handle));
 }
 
 }  // namespace win32
@@ -76,14 +76,14 @@ extern "C" {
 
 BOOL Win32DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
                           DWORD out_bytes, LPDWORD returned, LPOVERLAPPED overlapped) {
-  return sim_DeviceIoControl(win32::SimulatedHandle(device), code, in, in_bytes, out, out_bytes,
+  return SimulatedDeviceIoControl(win32::SimulatedHandle(device), code, in, in_bytes, out, out_bytes,
                              returned, overlapped);
 }
 
 // A PC goes on where a device would restart.
 DWORD Win32SetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options) {
   try {
-    return sim_SetSystemPowerState(state, flags, options);
+    return SimulatedSetSystemPowerState(state, flags, options);
   } catch (const sim::ProcessKilled&) {
     return ERROR_SUCCESS;
   }
