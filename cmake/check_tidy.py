@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Runs clang-tidy over the sources of a build.
 
-usage: check_tidy.py BUILD_DIRECTORY PROJECT_ROOT
+usage: check_tidy.py BUILD_DIRECTORY PROJECT_ROOT [FOLDER...]
+
+With folders of the project only their sources are read.
 
 Precompiled headers are left aside: a source is read by what it includes itself.
 A source whose text, headers and configuration are as at its last clean run is not read again.
@@ -16,6 +18,7 @@ import subprocess
 import sys
 
 build, root = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+folders = [root / folder for folder in sys.argv[3:]] or [root]
 stamps = build / "tidy"
 stamps.mkdir(exist_ok=True)
 HOST_FOLDERS = {"platform", "tools", "tests", "bench"}
@@ -58,10 +61,11 @@ for entry in json.loads((build / "compile_commands.json").read_text()):
     commands.setdefault(entry["file"], entry)
 commands = list(commands.values())
 for entry in commands:
-    entry["command"] = re.sub(r" -Xclang -include(-pch)? -Xclang \S+", "", entry["command"])
+    entry["command"] = re.sub(r" (-Xclang -include(-pch)? -Xclang|-Winvalid-pch -include) \S+", "", entry["command"])
 (stamps / "compile_commands.json").write_text(json.dumps(commands))
 sources = sorted({pathlib.Path(entry["file"]) for entry in commands
-                  if build not in pathlib.Path(entry["file"]).parents})
+                  if build not in pathlib.Path(entry["file"]).parents
+                  and any(folder in pathlib.Path(entry["file"]).parents for folder in folders)})
 if not sources:
     sys.exit("no sources to check")
 with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

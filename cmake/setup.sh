@@ -1,8 +1,13 @@
 # Sourced by the scripts at the root: what they install and build with.
 packages=(  # of every build
   g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
-  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libssl-dev libedit-dev
+  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev
 )
+device_packages=(  # of the build for the handheld
+  gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm
+)
+windows_packages=(g++-mingw-w64-x86-64-posix wine wine64)  # of the build for a PC, and of its tests
+device_test_packages=(g++-arm-linux-gnueabi qemu-user googletest)  # of the tests that run its DLL
 
 # install_packages PACKAGE...: those that are not there yet.
 install_packages() {
@@ -20,11 +25,6 @@ install_packages() {
   export DEBIAN_FRONTEND=noninteractive
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-}
-
-# What builds the library for a PC, and runs it.
-install_windows_packages() {
-  install_packages g++-mingw-w64-x86-64-posix wine wine64
 }
 
 # configure PRESET: installs what is missing, and configures a build that is not there yet.

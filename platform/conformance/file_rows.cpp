@@ -1,3 +1,4 @@
+#include "platform/conformance/report.h"
 #include "platform/conformance/rows.h"
 
 namespace conformance {
@@ -16,18 +17,32 @@ void AddOpen(Answer& answer, const WCHAR* path) {
   answer.Add("opened");
 }
 
+// The platform has a call for it, which no program here needs otherwise.
+void DeleteAgain(const WCHAR* path) {
+  using AnyFunction = void (*)();  // the one that compilers let a function pointer pass through
+  const HMODULE coredll = LoadLibraryW(TEXT("coredll.dll"));
+  const auto entry = reinterpret_cast<AnyFunction>(GetProcAddressW(coredll, TEXT("DeleteFileW")));
+  if (entry != nullptr) reinterpret_cast<BOOL(WINAPI*)(LPCWSTR)>(entry)(path);
+  FreeLibrary(coredll);
+}
+
 void CreateInMissingFolder(Answer& answer) {
+  constexpr const WCHAR* kPath = TEXT("\\none such\\file");
   SetLastError(0);
-  const HANDLE file =
-      CreateFileW(TEXT("\\none such\\file"), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  const HANDLE file = CreateFileW(kPath, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
   answer.Add("%d error %d", file != INVALID_HANDLE_VALUE, GetLastError());
+  if (file == INVALID_HANDLE_VALUE) return;
+  CloseHandle(file);
+  DeleteAgain(kPath);
 }
 
 void GetAttributes(Answer& answer) {
   SetLastError(0);
   answer.Add("%x", GetFileAttributesW(TEXT("\\none such")));
   answer.Add("error %d", GetLastError());
-  answer.Add("folder %x", GetFileAttributesW(TEXT("\\Windows")) & FILE_ATTRIBUTE_DIRECTORY);
+  for (const WCHAR* path : {TEXT("\\Windows"), TEXT("\\wINDOWS")}) {
+    answer.Add("folder %x", GetFileAttributesW(path) & FILE_ATTRIBUTE_DIRECTORY);
+  }
 }
 
 constexpr Row kFileRows[] = {
@@ -36,6 +51,8 @@ constexpr Row kFileRows[] = {
     {"file: open one in a missing folder", Basis::kChosen,
      [](Answer& answer) { AddOpen(answer, TEXT("\\none such\\file")); }},
     {"file: create one in a missing folder", Basis::kDocumented, &CreateInMissingFolder},
+    {"file: open this report, which is open without sharing", Basis::kDocumented,
+     [](Answer& answer) { AddOpen(answer, kReportPath); }},
     {"file: attributes", Basis::kDocumented, &GetAttributes},
     {"driver: open a missing one", Basis::kChosen,
      [](Answer& answer) { AddOpen(answer, TEXT("ZZZ9:")); }},

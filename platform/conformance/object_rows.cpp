@@ -47,12 +47,23 @@ DWORD WINAPI TakeAndEnd(LPVOID mutex) {
 void Abandon(Answer& answer) {
   const TestMutex mutex;
   const HANDLE thread = CreateThread(nullptr, 0, &TakeAndEnd, mutex.get(), 0, nullptr);
-  WaitForSingleObject(thread, 5000);
+  WaitForSingleObject(thread, 500);
   CloseHandle(thread);
-  answer.Add("%d", WaitForSingleObject(mutex.get(), 1000));
+  answer.Add("%d", WaitForSingleObject(mutex.get(), 500));
   answer.Add("then %d", WaitForSingleObject(mutex.get(), 0));
   ReleaseMutex(mutex.get());
   ReleaseMutex(mutex.get());
+}
+
+void CreateEventTwice(Answer& answer) {
+  const HANDLE first = CreateEventW(nullptr, FALSE, TRUE, kName);
+  SetLastError(0);
+  const HANDLE second = CreateEventW(nullptr, TRUE, FALSE, kName);
+  answer.Add("error %d", GetLastError());
+  answer.Add("%d", WaitForSingleObject(second, 0));
+  answer.Add("%d", WaitForSingleObject(second, 0));
+  CloseHandle(second);
+  CloseHandle(first);
 }
 
 void SetAutoResetEvent(Answer& answer) {
@@ -86,6 +97,7 @@ constexpr Row kObjectRows[] = {
     {"mutex: release without owning", Basis::kDocumented, &ReleaseUnowned},
     {"mutex: take twice, release three times", Basis::kDocumented, &TakeTwice},
     {"mutex: its owner ends", Basis::kDocumented, &Abandon},
+    {"event: create twice, otherwise the second time", Basis::kDocumented, &CreateEventTwice},
     {"event: wait, set, wait twice, pulse, wait", Basis::kDocumented, &SetAutoResetEvent},
     {"event: modify with 9", Basis::kChosen, &ModifyEventOtherwise},
     {"names: a mutex with the name of an event", Basis::kDocumented, &ShareName},

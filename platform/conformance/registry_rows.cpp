@@ -3,7 +3,7 @@
 namespace conformance {
 namespace {
 
-constexpr const WCHAR* kPath = TEXT("Software\\DVLORQPALcheck");
+constexpr const WCHAR* kPath = TEXT("DVLORQPALcheck");
 
 HKEY Open(HKEY parent, const WCHAR* path) {
   HKEY key = nullptr;
@@ -17,16 +17,25 @@ HKEY Create(HKEY parent, const WCHAR* path) {
   return key;
 }
 
-// A key of the row's own under HKEY_CURRENT_USER, gone with the row.
+// With its subkeys one by one: a platform may delete no key that has some.
+void RemoveTestKey() {
+  for (const WCHAR* path : {TEXT("DVLORQPALcheck\\zebra\\deep"), TEXT("DVLORQPALcheck\\zebra"),
+                            TEXT("DVLORQPALcheck\\ant"), kPath}) {
+    RegDeleteKeyW(HKEY_CURRENT_USER, path);
+  }
+}
+
+// A key of the row's own under HKEY_CURRENT_USER, gone with the row. Another one that a program has
+// left there when it was ended goes first.
 class TestKey {
  public:
-  TestKey() : key_(Create(HKEY_CURRENT_USER, kPath)) {}
+  TestKey() {
+    RemoveTestKey();
+    key_ = Create(HKEY_CURRENT_USER, kPath);
+  }
   ~TestKey() {
-    RegDeleteKeyW(key_, TEXT("zebra\\deep"));
-    RegDeleteKeyW(key_, TEXT("zebra"));
-    RegDeleteKeyW(key_, TEXT("ant"));
     RegCloseKey(key_);
-    RegDeleteKeyW(HKEY_CURRENT_USER, kPath);
+    RemoveTestKey();
   }
   TestKey(const TestKey&) = delete;
   TestKey& operator=(const TestKey&) = delete;
@@ -47,11 +56,12 @@ class TestKey {
   }
 
  private:
-  HKEY key_;
+  HKEY key_ = nullptr;
 };
 
 void AddOpen(Answer& answer, const WCHAR* path) {
   const TestKey own;
+  own.AddSubkeys();
   HKEY key = nullptr;
   const LONG error = RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_QUERY_VALUE, &key);
   if (error == ERROR_SUCCESS) RegCloseKey(key);
@@ -73,8 +83,8 @@ void CreateTwice(Answer& answer) {
   const TestKey own;
   HKEY key = nullptr;
   DWORD disposition = 0;
-  const LONG error = RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("SOFTWARE\\dvlorqpalCHECK"), 0,
-                                     nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, &disposition);
+  const LONG error = RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("dvlorqpalCHECK"), 0, nullptr, 0,
+                                     KEY_ALL_ACCESS, nullptr, &key, &disposition);
   if (error == ERROR_SUCCESS) RegCloseKey(key);
   answer.Add("%d disposition %d", error, disposition);
 }
@@ -86,10 +96,9 @@ void SetLastErrorOfOpen(Answer& answer) {
   answer.Add("%d last error %d", error, GetLastError());
 }
 
-void SetNull(Answer& answer) {
+void SetEmpty(Answer& answer) {
   const TestKey key;
   answer.Add("%d", key.Set(TEXT("empty"), REG_BINARY, nullptr, 0));
-  answer.Add("%d", key.Set(TEXT("bad"), REG_BINARY, nullptr, 4));
 }
 
 void QueryWithoutCount(Answer& answer) {
@@ -186,6 +195,22 @@ void Flush(Answer& answer) {
   answer.Add("%d", RegFlushKey(key.get()));
 }
 
+void AddCreate(Answer& answer, HKEY parent, const WCHAR* path) {
+  HKEY key = nullptr;
+  const LONG error =
+      RegCreateKeyExW(parent, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+  if (error == ERROR_SUCCESS) RegCloseKey(key);
+  answer.Add("%d", error);
+}
+
+void AddNameLength(Answer& answer, size_t units) {
+  const TestKey key;
+  WCHAR name[300] = {};
+  for (size_t unit = 0; unit < units; ++unit) name[unit] = TEXT('k');
+  AddCreate(answer, key.get(), name);
+  RegDeleteKeyW(key.get(), name);
+}
+
 // A path of `levels` keys below the row's own.
 void AddDepth(Answer& answer, size_t levels) {
   const TestKey key;
@@ -194,11 +219,7 @@ void AddDepth(Answer& answer, size_t levels) {
     path[2 * level] = TEXT('a');
     path[2 * level + 1] = level + 1 < levels ? TEXT('\\') : WCHAR{};
   }
-  HKEY deepest = nullptr;
-  const LONG error =
-      RegCreateKeyExW(key.get(), path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &deepest, nullptr);
-  if (error == ERROR_SUCCESS) RegCloseKey(deepest);
-  answer.Add("%d", error);
+  AddCreate(answer, key.get(), path);
   for (size_t end = 2 * levels; end > 0; end -= 2) {  // from the deepest to the first
     path[end - 1] = WCHAR{};
     RegDeleteKeyW(key.get(), path);
@@ -208,15 +229,15 @@ void AddDepth(Answer& answer, size_t levels) {
 constexpr Row kRegistryRows[] = {
     {"registry: create a key again, in other case", Basis::kDocumented, &CreateTwice},
     {"registry: open a path with a leading backslash", Basis::kChosen,
-     [](Answer& answer) { AddOpen(answer, TEXT("\\Software\\DVLORQPALcheck")); }},
+     [](Answer& answer) { AddOpen(answer, TEXT("\\DVLORQPALcheck")); }},
     {"registry: open a path with a doubled backslash", Basis::kChosen,
-     [](Answer& answer) { AddOpen(answer, TEXT("Software\\\\DVLORQPALcheck")); }},
+     [](Answer& answer) { AddOpen(answer, TEXT("DVLORQPALcheck\\\\ant")); }},
     {"registry: open a missing key", Basis::kDocumented,
-     [](Answer& answer) { AddOpen(answer, TEXT("Software\\none such")); }},
+     [](Answer& answer) { AddOpen(answer, TEXT("DVLORQPALcheck\\none such")); }},
     {"registry: open without a path", Basis::kChosen,
      [](Answer& answer) { AddOpen(answer, nullptr); }},
     {"registry: the last error after a failed open", Basis::kChosen, &SetLastErrorOfOpen},
-    {"registry: set null data of 0 and of 4 bytes", Basis::kChosen, &SetNull},
+    {"registry: set null data of 0 bytes", Basis::kChosen, &SetEmpty},
     {"registry: query in other case", Basis::kDocumented,
      [](Answer& answer) { AddQuery(answer, TEXT("ZTEXT"), 64); }},
     {"registry: query into 6 of 8 bytes", Basis::kDocumented,
@@ -237,9 +258,12 @@ constexpr Row kRegistryRows[] = {
     {"registry: write through query access", Basis::kDocumented, &WriteThroughQueryAccess},
     {"registry: delete a value twice", Basis::kDocumented, &DeleteValueTwice},
     {"registry: flush", Basis::kDocumented, &Flush},
-    {"registry: 14 levels below two", Basis::kDocumented,
-     [](Answer& answer) { AddDepth(answer, 14); }},
-    {"registry: 15 levels below two", Basis::kChosen, [](Answer& answer) { AddDepth(answer, 15); }},
+    {"registry: 16 levels", Basis::kDocumented, [](Answer& answer) { AddDepth(answer, 15); }},
+    {"registry: 17 levels", Basis::kChosen, [](Answer& answer) { AddDepth(answer, 16); }},
+    {"registry: a key's name of 255 letters", Basis::kDocumented,
+     [](Answer& answer) { AddNameLength(answer, 255); }},
+    {"registry: a key's name of 256 letters", Basis::kChosen,
+     [](Answer& answer) { AddNameLength(answer, 256); }},
 };
 
 }  // namespace

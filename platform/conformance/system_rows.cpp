@@ -16,9 +16,11 @@ void AddFormatted(Answer& answer, const char* format, ...) {
 }
 
 void LoadMissing(Answer& answer) {
-  SetLastError(0);
-  answer.Add("%d", LoadLibraryW(TEXT("none_such.dll")) != nullptr);
-  answer.Add("error %d", GetLastError());
+  for (const WCHAR* name : {TEXT("none_such.dll"), TEXT("\\none such\\none_such.dll")}) {
+    SetLastError(0);
+    answer.Add("%d", LoadLibraryW(name) != nullptr);
+    answer.Add("error %d", GetLastError());
+  }
 }
 
 void LoadTwice(Answer& answer) {
@@ -55,18 +57,43 @@ void ConvertText(Answer& answer) {
   answer.Add("%x", static_cast<unsigned char>(narrow[1]));
 }
 
+// Gives the text a buffer of its very length, and one that is a unit shorter. The length is in
+// bytes; there is room for one in units.
 void ReadSystemText(Answer& answer, UINT action) {
-  WCHAR text[130] = {};
-  SetLastError(0);
-  const BOOL read = SystemParametersInfoW(action, sizeof(text), text, 0);
+  constexpr UINT kBytes = 260;
+  WCHAR text[kBytes + 1] = {};
+  const BOOL read = SystemParametersInfoW(action, kBytes, text, 0);
   answer.Add("%d some %d", read, text[0] != WCHAR{});
+  const auto length = static_cast<UINT>(wcslen(text) * sizeof(WCHAR));
+  answer.Add("exact %d", SystemParametersInfoW(action, length + sizeof(WCHAR), text, 0));
   SetLastError(0);
-  answer.Add("short %d", SystemParametersInfoW(action, 2 * sizeof(WCHAR), text, 0));
+  answer.Add("short %d", SystemParametersInfoW(action, length, text, 0));
   answer.Add("error %d", GetLastError());
 }
 
+void ReadVersion(Answer& answer) {
+  OSVERSIONINFOW version{};
+  version.dwOSVersionInfoSize = sizeof(version);
+  answer.Add("%d", GetVersionExW(&version));
+  answer.Add("platform %d major %d", version.dwPlatformId, version.dwMajorVersion);
+}
+
+// A platform may play a sound of its own for a file that is missing: the volume is 0 meanwhile.
 void PlayMissingSound(Answer& answer) {
+  DWORD volume = 0;
+  if (waveOutGetVolume(nullptr, &volume) != 0 || waveOutSetVolume(nullptr, 0) != 0) {
+    answer.Add("no volume");
+    return;
+  }
   answer.Add("%d", PlaySoundW(TEXT("\\none such.wav"), nullptr, SND_FILENAME));
+  waveOutSetVolume(nullptr, volume);
+}
+
+void ReadGain(Answer& answer) {
+  constexpr UINT kGetGain = 0x114;
+  constexpr uintptr_t kCodec = 2;
+  DWORD gain = 0;
+  answer.Add("%d", waveInMessage(nullptr, kGetGain, kCodec, reinterpret_cast<uintptr_t>(&gain)));
 }
 
 void StopNoSound(Answer& answer) {
@@ -113,8 +140,12 @@ constexpr Row kSystemRows[] = {
      [](Answer& answer) { ReadSystemText(answer, SPI_GETPLATFORMTYPE); }},
     {"system: OEM information", Basis::kChosen,
      [](Answer& answer) { ReadSystemText(answer, SPI_GETOEMINFO); }},
+    {"system: version", Basis::kDocumented, &ReadVersion},
+    {"system: the process has a number", Basis::kDocumented,
+     [](Answer& answer) { answer.Add("%d", GetCurrentProcessId() != 0); }},
     {"sound: play a missing file", Basis::kDocumented, &PlayMissingSound},
     {"sound: stop where none plays", Basis::kChosen, &StopNoSound},
+    {"sound: read the gain", Basis::kChosen, &ReadGain},
     {"LED: set one that is not there", Basis::kChosen, &SetMissingLed},
     {"LED: ask for one that is not there", Basis::kChosen, &AskMissingLed},
     {"cryptography: a missing key set", Basis::kDocumented, &AcquireMissingKeySet},

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes a Windows CE image of a linked ELF file.
 
-usage: pack.py ELF OUTPUT --imports DEFINITION... [--exports DEFINITION] [--machine 0x1C2]
+usage: pack.py ELF OUTPUT --imports DEFINITION... [--exports DEFINITION...] [--machine 0x1C2]
 
 The ELF file is linked with image.ld, with its relocations kept (ld --emit-relocs). With exports the image is a DLL,
 else a program. What the packer does not know (a section, a relocation, an undefined symbol) is an error that names it.
@@ -150,9 +150,10 @@ class Image:
         slots = [at for name, at in self.program.symbols.items() if name.startswith(("import_", "end_of_"))]
         self.directories[12] = (min(slots), max(slots) + 4 - min(slots))
 
-    def add_exports(self, definition, library):
+    def add_exports(self, definitions, library):
         """The export directory, sorted by name."""
-        exports = sorted((name.encode(), function) for name, function in read_exports(definition).items())
+        exports = sorted((name.encode(), function) for definition in definitions
+                         for name, function in read_exports(definition).items())
         for _, function in exports:
             if function not in self.program.symbols:
                 sys.exit(f"{function}: an export that the program does not have")
@@ -213,7 +214,7 @@ def main():
     parser.add_argument("elf", type=pathlib.Path)
     parser.add_argument("output", type=pathlib.Path)
     parser.add_argument("--imports", type=pathlib.Path, nargs="+", required=True)
-    parser.add_argument("--exports", type=pathlib.Path)
+    parser.add_argument("--exports", type=pathlib.Path, nargs="+")
     parser.add_argument("--machine", type=lambda text: int(text, 0), choices=(0x1C0, 0x1C2), default=0x1C2)
     options = parser.parse_args()
     with options.elf.open("rb") as file:

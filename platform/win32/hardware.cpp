@@ -13,10 +13,10 @@
 // The simulated device's functions, which are the platform's under other names.
 extern "C" {
 HANDLE SimulatedCreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                       DWORD disposition, DWORD flags, HANDLE unused);
+                            DWORD disposition, DWORD flags, HANDLE unused);
 BOOL SimulatedCloseHandle(HANDLE handle);
 BOOL SimulatedDeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
-                         DWORD out_bytes, LPDWORD returned, LPOVERLAPPED unused);
+                              DWORD out_bytes, LPDWORD returned, LPOVERLAPPED unused);
 DWORD SimulatedSetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options);
 }
 
@@ -59,9 +59,9 @@ bool IsDriver(const void* handle) {
 
 void* OpenDriver(const wchar_t* name, unsigned long access, unsigned long share,
                  unsigned long disposition) {
-  const HANDLE opened = SimulatedCreateFileW(reinterpret_cast<LPCWSTR>(name), static_cast<DWORD>(access),
-                                        static_cast<DWORD>(share), nullptr,
-                                        static_cast<DWORD>(disposition), 0, nullptr);
+  const HANDLE opened = SimulatedCreateFileW(reinterpret_cast<LPCWSTR>(name),
+                                             static_cast<DWORD>(access), static_cast<DWORD>(share),
+                                             nullptr, static_cast<DWORD>(disposition), 0, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return opened;
   return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(opened) | kDriverBit);
 }
@@ -76,8 +76,8 @@ extern "C" {
 
 BOOL Win32DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out,
                           DWORD out_bytes, LPDWORD returned, LPOVERLAPPED overlapped) {
-  return SimulatedDeviceIoControl(win32::SimulatedHandle(device), code, in, in_bytes, out, out_bytes,
-                             returned, overlapped);
+  return SimulatedDeviceIoControl(win32::SimulatedHandle(device), code, in, in_bytes, out,
+                                  out_bytes, returned, overlapped);
 }
 
 // A PC goes on where a device would restart.
@@ -104,7 +104,6 @@ void Kernel::Restart(const ThreadState& thread, RestartKind kind) {
   for (const auto& each : hardware.drivers) each->Restart();
 }
 
-LoadedLibrary::~LoadedLibrary() = default;
 LibraryCopy::~LibraryCopy() = default;
 
 std::shared_ptr<ProcessState> StartProgram(Kernel& /*kernel*/, const Program& /*program*/,

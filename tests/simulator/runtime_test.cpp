@@ -38,7 +38,7 @@ TEST(Vsnprintf, FollowsThePlatformsRules) {
   const char* no_text = nullptr;
   const char open_end[3] = {'a', 'b', 'c'};
   const WCHAR open_wide[2] = {u'x', u'y'};
-  void* pointer = reinterpret_cast<void*>(uintptr_t{0x12300ABCDEF});
+  void* pointer = reinterpret_cast<void*>(static_cast<uintptr_t>(0x12300ABCDEF));
   const std::vector<Row> rows = {
       {Format("%s|%ls|%S|%ws|%hs|%hS", "narrow", wide, wide, wide, "h", "hS"),
        "narrow|wide\xE9?|wide\xE9?|wide\xE9?|h|hS"},

@@ -8,7 +8,9 @@
 
 #include "platform/sim/device_folder.h"
 #include "tests/support/device_test.h"
+#include "tools/palsim/commands.h"
 #include "tools/palsim/scenario/stage.h"
+#include "tools/palsim/session.h"
 
 namespace {
 
@@ -275,11 +277,19 @@ class ScenarioFile : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ScenarioFile, IsAsExpected) {
   const palsim::Scenario scenario = palsim::ReadScenario(GetParam());
-  sim::Device device;
-  sim::LoadDevice(device, std::filesystem::path(PROJECT_DIR "/devices") / scenario.device);
-  palsim::Stage stage(device, [](const std::string& message) { ADD_FAILURE() << message; });
-  stage.Play(scenario);
-  EXPECT_GT(stage.expectations(), 0u);
+  // The device stays there, so that two builds can be compared.
+  const auto folder = std::filesystem::path(BINARY_DIR).parent_path() / "played" /
+                      std::filesystem::path(GetParam()).stem();
+  std::filesystem::create_directories(folder.parent_path());
+  palsim::NewDevice(folder, {.sample = scenario.device, .force = true, .quiet = true});
+  palsim::Session session(folder);
+  {
+    palsim::Stage stage(session.device(),
+                        [](const std::string& message) { ADD_FAILURE() << message; });
+    stage.Play(scenario);
+    EXPECT_GT(stage.expectations(), 0u);
+  }
+  session.Save();
 }
 
 INSTANTIATE_TEST_SUITE_P(Shipped, ScenarioFile, ::testing::ValuesIn(ScenarioFiles()),

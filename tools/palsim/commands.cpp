@@ -76,12 +76,15 @@ std::vector<std::string> SampleNames() {
   return names;
 }
 
-int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
-  const std::filesystem::path sample = kSamples / options.sample;
-  if (!std::filesystem::exists(sample / "device.toml")) {
-    throw UsageError("there is no sample device '" + options.sample +
-                     "'; 'palsim --help' lists them");
+std::filesystem::path SampleFolder(const std::string& name) {
+  if (!std::filesystem::exists(kSamples / name / "device.toml")) {
+    throw UsageError("there is no sample device '" + name + "'; 'palsim new --help' lists them");
   }
+  return kSamples / name;
+}
+
+int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
+  const std::filesystem::path sample = SampleFolder(options.sample);
   const bool exists = std::filesystem::exists(folder);
   const bool is_device = std::filesystem::exists(folder / "device.toml");
   if (exists && !is_device && !std::filesystem::is_empty(folder)) {

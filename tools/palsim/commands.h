@@ -20,6 +20,8 @@ struct NewOptions {
 };
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 [[nodiscard]] std::vector<std::string> SampleNames();
+// The folder of a sample device. Throws UsageError where there is none of this name.
+[[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
 
 struct CallOptions {
   std::string name;
@@ -72,6 +74,15 @@ int ShowKeys(const std::filesystem::path& folder);
 // The scan engine and how it stands; fails where the device has none.
 int ShowScanEngine(const std::filesystem::path& folder);
 int Shell(const std::filesystem::path& folder);
+
+struct FactsOptions {
+  std::string file;             // from palcheck.exe; "-" is standard input
+  std::string device = "rm21";  // a sample, or a device's folder; it is not changed
+  bool library = false;         // list also what the exports answered otherwise
+};
+// Shows where the platform answered otherwise than the simulated device; kFailure where it did so
+// for a fact, and where the file lacks one.
+int CompareFacts(const FactsOptions& options);
 
 }  // namespace palsim
 

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <functional>
 
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
@@ -26,8 +27,20 @@ Examples:
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
   palsim /tmp/unit shell                                   one process, many calls
+  palsim facts palcheck.txt                                where a handheld answers otherwise
 
 Exit status: 0 done, 1 the call failed or the device cannot be used, 2 wrong usage.
+)";
+
+constexpr const char* kFacts = R"(
+palcheck.exe writes FILE on a handheld. The same questions are put to a new
+simulated device. Each fact that the two answer otherwise is listed; a fact
+marked [chosen] is one that no document settles. What the exports of the library
+answer depends on the model and on its settings, not on the platform: it is
+counted apart.
+
+Exit status: 0 every fact is the same, 1 one is not, or is not in FILE, 2 FILE is
+not from palcheck.exe or cannot be read.
 )";
 
 class CommandLine {
@@ -38,7 +51,7 @@ class CommandLine {
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
     app_.add_option_function<std::string>("--usage", &PrintUsage, "How to call an export");
     app_.add_flag_callback("--statements", &PrintStatements, "List what a scenario can say");
-    app_.add_option("DEVICE", folder_, "The device's folder")->required();
+    device_ = app_.add_option("DEVICE", folder_, "The device's folder");
     app_.require_subcommand(1);
     AddNew();
     AddCall();
@@ -47,14 +60,14 @@ class CommandLine {
     AddJournal();
     AddTrace();
     AddRegistry();
-    auto* info = app_.add_subcommand("info", "Show which device this is, as the library tells it");
-    info->callback([this] { status_ = palsim::ShowInfo(folder_); });
-    auto* keys = app_.add_subcommand("keys", "Show the buttons and the shift planes of the keypad");
-    keys->callback([this] { status_ = palsim::ShowKeys(folder_); });
-    auto* scan = app_.add_subcommand("scan", "Show the scan engine");
-    scan->callback([this] { status_ = palsim::ShowScanEngine(folder_); });
-    auto* shell = app_.add_subcommand("shell", "Type calls into one attached process");
-    shell->callback([this] { status_ = palsim::Shell(folder_); });
+    AddOnDevice("info", "Show which device this is, as the library tells it",
+                [this] { return palsim::ShowInfo(folder_); });
+    AddOnDevice("keys", "Show the buttons and the shift planes of the keypad",
+                [this] { return palsim::ShowKeys(folder_); });
+    AddOnDevice("scan", "Show the scan engine", [this] { return palsim::ShowScanEngine(folder_); });
+    AddOnDevice("shell", "Type calls into one attached process",
+                [this] { return palsim::Shell(folder_); });
+    AddFacts();
   }
 
   int Run(int argc, char** argv) {
@@ -82,18 +95,39 @@ class CommandLine {
     throw CLI::Success();
   }
 
+  using Command = std::function<int()>;  // gives the exit status
+
+  // A command on the device, which is named before it.
+  CLI::App* AddOnDevice(const char* name, const char* what, const Command& run) {
+    auto* command = app_.add_subcommand(name, what)->group("Commands on a DEVICE");
+    return command->callback([this, run] {
+      if (device_->empty()) throw CLI::RequiredError("DEVICE");
+      status_ = run();
+    });
+  }
+
+  // A command that stands alone.
+  CLI::App* AddAlone(const char* name, const char* what, const Command& run) {
+    auto* command = app_.add_subcommand(name, what)->group("Commands without a DEVICE");
+    return command->callback([this, name, run] {
+      if (!device_->empty()) throw CLI::ExtrasError(name, {folder_});
+      status_ = run();
+    });
+  }
+
   void AddNew() {
-    auto* command = app_.add_subcommand("new", "Make a device from a sample");
+    auto* command = AddOnDevice("new", "Make a device from a sample",
+                                [this] { return palsim::NewDevice(folder_, new_); });
     command
         ->add_option("--sample", new_.sample,
                      fmt::format("The sample: {}", fmt::join(palsim::SampleNames(), ", ")))
         ->capture_default_str();
     command->add_flag("--force", new_.force, "Replace a device that is there");
-    command->callback([this] { status_ = palsim::NewDevice(folder_, new_); });
   }
 
   void AddCall() {
-    auto* command = app_.add_subcommand("call", "Call an export of the library");
+    auto* command = AddOnDevice("call", "Call an export of the library",
+                                [this] { return palsim::Call(folder_, call_); });
     command->add_option("EXPORT", call_.name, "Its name")->required();
     command->add_option(
         "ARGUMENTS", call_.arguments,
@@ -106,26 +140,24 @@ class CommandLine {
     command->add_flag("--journal", call_.journal, "Print every effect as it comes");
     command->add_option("--only", call_.only, "Print only this effect, such as registry or trace");
     command->add_flag("--real-time", call_.real_time, "Run in step with the wall clock");
-    command->callback([this] { status_ = palsim::Call(folder_, call_); });
   }
 
   void AddRun() {
-    auto* command = app_.add_subcommand("run", "Play a scenario");
+    auto* command =
+        AddOnDevice("run", "Play a scenario", [this] { return palsim::Run(folder_, run_); });
     command->add_option("FILE", run_.file, "The scenario's text")->required();
     command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
     command->add_flag("--journal", run_.journal, "Print every effect as it comes");
     command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
     AddFiles(*command, run_.timeline);
-    command->callback([this] { status_ = palsim::Run(folder_, run_); });
   }
 
   void AddTimeline() {
-    auto* command = app_.add_subcommand("timeline", "Show the last run on a time axis");
-    AddFiles(*command, timeline_);
-    command->callback([this] {
+    auto* command = AddOnDevice("timeline", "Show the last run on a time axis", [this] {
       timeline_.text = timeline_.html.empty() && timeline_.wav.empty();
-      status_ = palsim::ShowTimeline(folder_, timeline_);
+      return palsim::ShowTimeline(folder_, timeline_);
     });
+    AddFiles(*command, timeline_);
   }
 
   static void AddFiles(CLI::App& command, palsim::TimelineOptions& options) {
@@ -134,27 +166,39 @@ class CommandLine {
   }
 
   void AddJournal() {
-    auto* command = app_.add_subcommand("journal", "Show the effects of all runs");
+    auto* command = AddOnDevice("journal", "Show the effects of all runs",
+                                [this] { return palsim::ShowJournal(folder_, journal_); });
     command->add_option("--effect", journal_.effect, "Only this kind, such as registry or trace");
     command->add_option("--last", journal_.last, "Only the last N");
     command->add_flag("--clear", journal_.clear, "Forget them afterwards");
-    command->callback([this] { status_ = palsim::ShowJournal(folder_, journal_); });
   }
 
   void AddTrace() {
-    auto* command = app_.add_subcommand("trace", "Show the event log with families by name");
+    auto* command = AddOnDevice("trace", "Show the event log with families by name",
+                                [this] { return palsim::ShowTrace(folder_, trace_); });
     command->add_option("--last", trace_.last, "Only the last N");
     command->add_flag("--errors", trace_.errors, "Only warnings and errors");
-    command->callback([this] { status_ = palsim::ShowTrace(folder_, trace_); });
   }
 
   void AddRegistry() {
-    auto* command = app_.add_subcommand("registry", "Show the registry as import text");
+    auto* command = AddOnDevice("registry", "Show the registry as import text",
+                                [this] { return palsim::ShowRegistry(folder_, registry_path_); });
     command->add_option("KEY", registry_path_, "A key, such as HKLM\\Software\\Dravonel");
-    command->callback([this] { status_ = palsim::ShowRegistry(folder_, registry_path_); });
+  }
+
+  void AddFacts() {
+    auto* command = AddAlone("facts", "Compare a handheld with the simulated device",
+                             [this] { return palsim::CompareFacts(facts_); });
+    command->add_option("FILE", facts_.file, "\\palcheck.txt of the handheld; - is standard input")
+        ->required();
+    command->add_option("--device", facts_.device, "A sample device, or a device's folder")
+        ->capture_default_str();
+    command->add_flag("--library", facts_.library, "List also what the exports answer otherwise");
+    command->footer(kFacts);
   }
 
   CLI::App app_{"Runs DVLORQPAL.dll on a simulated device.", "palsim"};
+  CLI::Option* device_ = nullptr;
   std::string folder_;
   palsim::NewOptions new_;
   palsim::CallOptions call_;
@@ -163,6 +207,7 @@ class CommandLine {
   palsim::JournalOptions journal_;
   palsim::TraceOptions trace_;
   std::string registry_path_;
+  palsim::FactsOptions facts_;
   int status_ = palsim::kSuccess;
 };
 

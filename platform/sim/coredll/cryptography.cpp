@@ -1,8 +1,9 @@
 // The part of CryptoAPI that SHA-1 needs: contexts for key sets, and hashes.
 #include <fmt/format.h>
-#include <openssl/evp.h>
 
-#include <cstring>
+#include <algorithm>
+#include <boost/endian/conversion.hpp>
+#include <boost/uuid/detail/sha1.hpp>
 
 #include "platform/sim/coredll/call.h"
 
@@ -29,30 +30,28 @@ class CryptHash : public Object {
  public:
   static constexpr ObjectKind kKind = ObjectKind::kCryptHash;
   explicit CryptHash(const std::shared_ptr<CryptContext>& context)
-      : Object(kKind), context_(context), digest_(EVP_MD_CTX_new(), &EVP_MD_CTX_free) {
-    EVP_DigestInit_ex(digest_.get(), EVP_sha1(), nullptr);
-  }
+      : Object(kKind), context_(context) {}
 
   // A hash must not outlive its context.
   [[nodiscard]] bool is_orphan() const { return context_.expired(); }
   // After the first request for its value, a hash takes no more data.
-  [[nodiscard]] bool is_finished() const { return !value_.empty(); }
-  void Add(const BYTE* data, DWORD bytes) { EVP_DigestUpdate(digest_.get(), data, bytes); }
-  const std::vector<BYTE>& Finish() {
-    if (!is_finished()) {
-      value_.resize(static_cast<std::size_t>(EVP_MD_CTX_get_size(digest_.get())));
-      EVP_DigestFinal_ex(digest_.get(), value_.data(), nullptr);
+  [[nodiscard]] bool is_finished() const { return is_finished_; }
+  void Add(const BYTE* data, DWORD bytes) { digest_.process_bytes(data, bytes); }
+  const BYTE* Finish() {
+    if (!is_finished_) {
+      digest_.get_digest(value_);
+      for (unsigned& word : value_) boost::endian::native_to_big_inplace(word);
+      is_finished_ = true;
     }
-    return value_;
+    return reinterpret_cast<const BYTE*>(value_);
   }
-  [[nodiscard]] DWORD size() const {
-    return static_cast<DWORD>(EVP_MD_CTX_get_size(digest_.get()));
-  }
+  [[nodiscard]] DWORD size() const { return sizeof(value_); }
 
  private:
   std::weak_ptr<CryptContext> context_;
-  std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> digest_;
-  std::vector<BYTE> value_;
+  boost::uuids::detail::sha1 digest_;
+  boost::uuids::detail::sha1::digest_type value_{};
+  bool is_finished_ = false;
 };
 
 template <class Kind>
@@ -83,11 +82,11 @@ LONG TakeKeySet(Call& call, std::u16string_view container, DWORD flags) {
 }
 
 // Copies a parameter. `bytes`: in, the size of the buffer; out, the size of the parameter.
-LONG CopyParameter(const void* from, DWORD size, BYTE* data, DWORD& bytes) {
+LONG CopyParameter(const BYTE* from, DWORD size, BYTE* data, DWORD& bytes) {
   const DWORD room = std::exchange(bytes, size);
   if (data == nullptr) return ERROR_SUCCESS;
   if (room < size) return ERROR_MORE_DATA;
-  std::memcpy(data, from, size);
+  std::copy_n(from, size, data);
   return ERROR_SUCCESS;
 }
 
@@ -147,11 +146,12 @@ BOOL CryptGetHashParam(HCRYPTHASH handle, DWORD parameter, BYTE* data, DWORD* by
   if (flags != 0) return call.Fail(sim::kBadFlags, FALSE);
   const DWORD size = hash->size();
   if (parameter == HP_HASHSIZE) {
-    return sim::Finish(call, sim::CopyParameter(&size, sizeof(size), data, *bytes));
+    return sim::Finish(
+        call, sim::CopyParameter(reinterpret_cast<const BYTE*>(&size), sizeof(size), data, *bytes));
   }
   if (parameter != HP_HASHVAL) return call.Fail(sim::kBadType, FALSE);
   if (data == nullptr) return sim::Finish(call, sim::CopyParameter(nullptr, size, data, *bytes));
-  return sim::Finish(call, sim::CopyParameter(hash->Finish().data(), size, data, *bytes));
+  return sim::Finish(call, sim::CopyParameter(hash->Finish(), size, data, *bytes));
 }
 
 BOOL CryptDestroyHash(HCRYPTHASH handle) {

@@ -91,7 +91,8 @@ void OneWireBus::AnswerForDevice(std::uint32_t code, Record& record) const {
   }
   for (std::uint32_t at = 0; at < record.bytes; ++at) {
     const std::uint64_t address = std::uint64_t{record.start_address} + at;
-    record.memory[at] = address < device.memory.size() ? device.memory[address] : kIdleBus;
+    const bool is_answered = address < device.memory.size();
+    record.memory[at] = is_answered ? device.memory[static_cast<std::size_t>(address)] : kIdleBus;
   }
 }
 

@@ -2,37 +2,12 @@
 #ifndef PLATFORM_SIM_KERNEL_LIBRARY_COPY_H_
 #define PLATFORM_SIM_KERNEL_LIBRARY_COPY_H_
 
-#include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <vector>
+
+#include "platform/sim/kernel/loaded_library.h"
 
 namespace sim {
-
-// A copy of the library's file, loaded on its own, and the first content of its writable data.
-class LoadedLibrary {
- public:
-  explicit LoadedLibrary(const std::filesystem::path& library);
-  ~LoadedLibrary();
-  LoadedLibrary(const LoadedLibrary&) = delete;
-  LoadedLibrary& operator=(const LoadedLibrary&) = delete;
-
-  [[nodiscard]] void* Symbol(const char* name) const;
-  [[nodiscard]] bool Contains(const void* address) const;
-  // Gives the writable data its first content again.
-  void Reset();
-
- private:
-  void KeepWritableData();
-
-  std::filesystem::path path_;
-  void* module_;
-  std::uint64_t* writable_ = nullptr;
-  std::vector<std::uint64_t> at_first_;
-  // The counters of a build for coverage, which a reset leaves as they are.
-  std::uint64_t* counters_ = nullptr;
-  std::vector<std::uint64_t> counted_;
-};
 
 class IdleCopies;
 
