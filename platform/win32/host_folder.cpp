@@ -35,7 +35,7 @@ void AppendLine(std::wstring_view file, std::string_view line) {
   text.erase(text.find_last_not_of(' ') + 1);
   text += "\r\n";
   const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"DVLORQPAL_LOG_FILE");
-  WaitForSingleObject(mutex, INFINITE);
+  WaitForSingleObject(mutex, 1000);  // not for ever: its owner may stand in a debugger
   const HANDLE log =
       CreateFileW(BesideLibrary(file).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                   nullptr, OPEN_ALWAYS, 0, nullptr);

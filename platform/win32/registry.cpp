@@ -42,18 +42,21 @@ void Fill(HKEY key, const sim::RegistryKey& from) {
   }
 }
 
-// The first program on a PC fills the registry from the device's registry.reg.
-void FillFromFile(const std::array<HKEY, 4>& roots) {
+// The first program on a PC fills the registry from the device's registry.reg. False where that
+// cannot be read: the next program tries it again.
+bool FillFromFile(const std::array<HKEY, 4>& roots) {
   sim::Registry registry;
   try {
-    for (const std::string& fault : sim::ImportRegistryText(
-             registry, sim::ReadHostFile(BesideLibrary(L"device\\registry.reg")))) {
+    const std::string text = sim::ReadHostFile(BesideLibrary(L"device\\registry.reg"));
+    for (const std::string& fault : sim::ImportRegistryText(registry, text)) {
       AppendLine(L"journal.txt", "registry.reg:" + fault);
     }
   } catch (const std::exception& error) {
     AppendLine(L"journal.txt", error.what());
+    return false;
   }
   for (unsigned index = 0; index < roots.size(); ++index) Fill(roots[index], *registry.root(index));
+  return true;
 }
 
 class Roots {
@@ -65,8 +68,9 @@ class Roots {
     for (std::size_t index = 0; index < keys_.size(); ++index) {
       keys_[index] = Create(above, kRootNames[index]);
     }
-    if (RegQueryValueExW(above, kIsFilled, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-      FillFromFile(keys_);
+    const bool is_filled =
+        RegQueryValueExW(above, kIsFilled, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    if (!is_filled && FillFromFile(keys_)) {
       RegSetValueExW(above, kIsFilled, 0, REG_SZ, reinterpret_cast<const BYTE*>(L""), 2);
     }
     RegCloseKey(above);
