@@ -55,13 +55,24 @@ def check(source):
     return run.returncode, run.stdout
 
 
+def for_clang(command):
+    """The command without precompiled headers. Of a compiler for Windows clang does not know target and headers."""
+    command = re.sub(r" (-Xclang -include(-pch)? -Xclang|-Winvalid-pch -include) \S+", "", command)
+    compiler = re.search(r"\S*-mingw32-g\+\+\S*", command)
+    if not compiler:
+        return command
+    said = subprocess.run([compiler[0], "-E", "-x", "c++", "-v", "/dev/null"], capture_output=True, text=True).stderr
+    folders = re.findall(r"^ (\S*(?:c\+\+|mingw-w64/include)\S*)$", said, re.MULTILINE)
+    return command.replace(compiler[0], " -isystem ".join([f"{compiler[0]} --target=x86_64-w64-windows-gnu", *folders]))
+
+
 # Of a source that several targets have, the first one's command: clang-tidy would read it once for each.
 commands = {}
 for entry in json.loads((build / "compile_commands.json").read_text()):
     commands.setdefault(entry["file"], entry)
 commands = list(commands.values())
 for entry in commands:
-    entry["command"] = re.sub(r" (-Xclang -include(-pch)? -Xclang|-Winvalid-pch -include) \S+", "", entry["command"])
+    entry["command"] = for_clang(entry["command"])
 (stamps / "compile_commands.json").write_text(json.dumps(commands))
 sources = sorted({pathlib.Path(entry["file"]) for entry in commands
                   if build not in pathlib.Path(entry["file"]).parents

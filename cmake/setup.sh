@@ -6,6 +6,7 @@ packages=(  # of every build
 device_packages=(  # of the build for the handheld
   gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm
 )
+windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest)  # of the build for a PC, and of its tests
 device_test_packages=(g++-arm-linux-gnueabi qemu-user googletest)  # of the tests that run its DLL
 
 # install_packages PACKAGE...: those that are not there yet.

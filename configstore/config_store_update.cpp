@@ -43,7 +43,7 @@ void WriteValue(const DcecfgKeyRecord& record) {
 
   const UniqueRegistryKey root(PALRegRootFromName(record.key_path));
   UniqueRegistryKey key;
-  if (CreateRegistryKey(root.get(), path, key) != ERROR_SUCCESS) return;
+  if (CreateRegistryKey(root.get(), path, KEY_SET_VALUE, key) != ERROR_SUCCESS) return;
   static_cast<void>(WriteData(key, name, record));  // a failed write is not reported
 }
 

@@ -143,7 +143,8 @@ HRESULT PALInitCheckAndLoadRegFile(const WCHAR* directory, const WCHAR* file_nam
 
   // Without the store each call imports; StoreChecksum traces that the checksum is lost.
   UniqueRegistryKey store;
-  static_cast<void>(CreateRegistryKey(HKEY_LOCAL_MACHINE, kChecksumStore, store));
+  static_cast<void>(CreateRegistryKey(HKEY_LOCAL_MACHINE, kChecksumStore,
+                                      KEY_QUERY_VALUE | KEY_SET_VALUE, store));
   if (store && IsUnchanged(store, file_name, checksum)) return S_OK;
 
   if (clear_trees != 0) {

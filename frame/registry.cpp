@@ -101,7 +101,7 @@ HRESULT PALRegSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD va
 HRESULT PALRegCreateSetDword(HKEY root, const WCHAR* path, const WCHAR* name, DWORD value) {
   if (path == nullptr || name == nullptr) return E_FAIL;
   UniqueRegistryKey key;
-  LONG error = CreateRegistryKey(root, path, key);
+  LONG error = CreateRegistryKey(root, path, KEY_SET_VALUE, key);
   if (error == ERROR_SUCCESS) error = WriteNumber(key, name, value);
   return HResultFromWin32(error);
 }

@@ -24,7 +24,8 @@ namespace pal {
 // The functions that take a key, or give one, return the system error of the call: ERROR_SUCCESS
 // where it is done. None of them traces.
 
-// `key` holds the key on ERROR_SUCCESS and nothing otherwise.
+// `key` holds the key on ERROR_SUCCESS and nothing otherwise. The platform ignores the access; ask
+// for what the key is used for all the same, because desktop Windows does not.
 [[nodiscard]] inline LONG OpenRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
                                           UniqueRegistryKey& key) {
   HKEY opened = nullptr;
@@ -34,11 +35,12 @@ namespace pal {
 }
 
 // Creates the key where it does not exist.
-[[nodiscard]] inline LONG CreateRegistryKey(HKEY root, const WCHAR* path, UniqueRegistryKey& key) {
+[[nodiscard]] inline LONG CreateRegistryKey(HKEY root, const WCHAR* path, REGSAM access,
+                                            UniqueRegistryKey& key) {
   HKEY created = nullptr;
   DWORD disposition = 0;
-  const LONG error = RegCreateKeyExW(root, WithoutLeadingBackslash(path), 0, nullptr, 0, 0, nullptr,
-                                     &created, &disposition);
+  const LONG error = RegCreateKeyExW(root, WithoutLeadingBackslash(path), 0, nullptr, 0, access,
+                                     nullptr, &created, &disposition);
   key.Reset(error == ERROR_SUCCESS ? created : nullptr);
   return error;
 }

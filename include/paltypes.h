@@ -2,15 +2,15 @@
  * @file paltypes.h
  * @brief The types of the exported interface.
  *
- * On the device and on desktop Windows they are the platform's own. Elsewhere they are declared
+ * Where <windows.h> was included before, they are the platform's own. Elsewhere they are declared
  * here with the platform's widths: `WCHAR` is a UTF-16 unit, `DWORD` and `HRESULT` have 32 bits.
  */
 #ifndef PALTYPES_H_
 #define PALTYPES_H_
 
-#if defined(_WIN32)
+/* The guards of <windows.h> on a desktop and on the device. */
+#if defined(_WINDOWS_) || defined(__WINDOWS__)
 
-#include <windows.h>
 #define PALAPI WINAPI
 
 #else
@@ -33,7 +33,7 @@ typedef char16_t WCHAR;
 typedef uint_least16_t WCHAR;
 #endif
 
-#endif /* _WIN32 */
+#endif /* <windows.h> */
 
 /* Around the declarations of a header: C linkage, and visible outside of the library. */
 #if defined(_WIN32)

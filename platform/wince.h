@@ -1,30 +1,17 @@
 // The calls and records of the platform, Windows CE 5, that the library uses: declarations only.
 //
-// On the device they come from the platform's headers. For any other build they are declared here
-// with the same names, widths and layouts. The linker decides which platform answers the calls.
+// They have the platform's names, widths and layouts on every machine. The linker decides which
+// platform answers the calls. No source may include <windows.h> as well.
 #ifndef PLATFORM_WINCE_H_
 #define PLATFORM_WINCE_H_
-
-#include "../include/palresult.h"
-#include "../include/paltypes.h"
-
-#if defined(_WIN32)
-
-#include <iphlpapi.h>
-#include <mmsystem.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-#include <wincrypt.h>
-
-#define VER_PLATFORM_WIN32_CE 3
-
-#else
 
 #include <stdarg.h>
 #include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
+
+#include "../include/palresult.h"
+#include "../include/paltypes.h"
 
 #define TEXT(literal) u##literal
 #define WINAPI
@@ -111,6 +98,7 @@ constexpr DWORD REG_DWORD = 4;
 constexpr DWORD REG_MULTI_SZ = 7;
 constexpr REGSAM KEY_QUERY_VALUE = 0x0001;
 constexpr REGSAM KEY_SET_VALUE = 0x0002;
+constexpr REGSAM KEY_ENUMERATE_SUB_KEYS = 0x0008;
 constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 
 constexpr DWORD DLL_PROCESS_DETACH = 0;
@@ -394,8 +382,6 @@ BOOL WINAPI CryptReleaseContext(HCRYPTPROV provider, DWORD flags);
 
 int _stricmp(const char* left, const char* right);
 int _strnicmp(const char* left, const char* right, size_t count);
-int _wcsicmp(const WCHAR* left, const WCHAR* right);
-int _wcsnicmp(const WCHAR* left, const WCHAR* right, size_t count);
 int _vsnprintf(char* buffer, size_t count, const char* format, va_list arguments);
 
 DWORD WINAPI GetAdaptersInfo(IP_ADAPTER_INFO* adapters, ULONG* bytes);
@@ -413,6 +399,8 @@ DWORD WINAPI GetCurrentProcessId();
 }  // extern "C"
 
 // The C runtime's functions for the platform's 16-bit characters. The host's own take wider ones.
+int _wcsicmp(const WCHAR* left, const WCHAR* right);
+int _wcsnicmp(const WCHAR* left, const WCHAR* right, size_t count);
 size_t wcslen(const WCHAR* text);
 size_t mbstowcs(WCHAR* wide, const char* narrow, size_t count);
 size_t wcstombs(char* narrow, const WCHAR* wide, size_t count);
@@ -424,7 +412,5 @@ inline BOOL SetEvent(HANDLE event) {
 inline BOOL ResetEvent(HANDLE event) {
   return EventModify(event, EVENT_RESET);
 }
-
-#endif  // _WIN32
 
 #endif  // PLATFORM_WINCE_H_

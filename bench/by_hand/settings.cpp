@@ -32,7 +32,7 @@ DWORD ReadStore(BYTE* data, DWORD room) {
 void Write(const IndexedKey& indexed, DWORD value) {
   HKEY key = nullptr;
   DWORD disposition = 0;
-  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, indexed.path, 0, nullptr, 0, 0, nullptr, &key,
+  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, indexed.path, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
                       &disposition) == ERROR_SUCCESS) {
     RegSetValueExW(key, indexed.name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
                    sizeof(value));

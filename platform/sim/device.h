@@ -151,8 +151,9 @@ class Device {
 
   // Mistakes of the programs: handles used after their close or by another process, double closes,
   // calls that are not simulated, buffers without an address, registry paths that begin with a
-  // backslash, handles and heap blocks left at the end of a process, a library unloaded while a
-  // thread runs in it. A write past a buffer's end is left to the address sanitizer.
+  // backslash, registry keys used for what they were not opened for, handles and heap blocks left
+  // at the end of a process, a library unloaded while a thread runs in it. A write past a buffer's
+  // end is left to the address sanitizer.
   [[nodiscard]] const std::vector<std::string>& misuse() const;
   [[nodiscard]] std::vector<std::string> TakeMisuse();
 

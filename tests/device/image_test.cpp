@@ -9,8 +9,8 @@
 
 #include "platform/conformance/report.h"
 #include "platform/sim/device_folder.h"
-#include "tests/support/command_line.h"
 #include "tests/support/device_test.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

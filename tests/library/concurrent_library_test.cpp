@@ -118,9 +118,9 @@ TEST_F(Concurrent, TwoProcessesImportRegistryFilesAtOnce) {
       for (int round = 0; round < 20; ++round) {
         EXPECT_EQ(process.exports().PALREG_LoadRegistry(TEXT(""), file, 1), S_OK);
         HKEY store = nullptr;
-        EXPECT_EQ(
-            RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\REGCHKSUMS"), 0, 0, &store),
-            ERROR_SUCCESS);
+        EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\Dravonel\\REGCHKSUMS"), 0,
+                                KEY_SET_VALUE, &store),
+                  ERROR_SUCCESS);
         EXPECT_EQ(RegDeleteValueW(store, file), ERROR_SUCCESS);
         RegCloseKey(store);
       }

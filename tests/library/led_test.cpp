@@ -7,8 +7,8 @@
 
 #include "platform/sim/device_folder.h"
 #include "platform/sim/hardware/hardware.h"
-#include "tests/support/command_line.h"
 #include "tests/support/device_test.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include "platform/sim/device_folder.h"
 #include "platform/sim/hardware/hardware.h"
 #include "platform/sim/hardware/scan_engine.h"
-#include "tests/support/command_line.h"
 #include "tests/support/device_test.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

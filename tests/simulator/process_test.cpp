@@ -10,8 +10,8 @@
 #include "platform/sim/hardware/hardware.h"
 #include "platform/sim/kernel/process_state.h"
 #include "platform/sim/programs/registry_importer.h"
-#include "tests/support/command_line.h"
 #include "tests/support/device_test.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

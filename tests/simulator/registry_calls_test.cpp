@@ -14,13 +14,13 @@ class SimRegistryCalls : public DeviceTest {
   // Of a key below HKEY_LOCAL_MACHINE.
   static HKEY Open(const WCHAR* path) {
     HKEY key = nullptr;
-    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, 0, &key), ERROR_SUCCESS);
+    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
     return key;
   }
   static LONG Create(HKEY from, const std::u16string& path) {
     HKEY key = nullptr;
     const LONG error =
-        RegCreateKeyExW(from, path.c_str(), 0, nullptr, 0, 0, nullptr, &key, nullptr);
+        RegCreateKeyExW(from, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
     if (error == ERROR_SUCCESS) RegCloseKey(key);
     return error;
   }
@@ -61,6 +61,22 @@ TEST_F(SimRegistryCalls, GiveTheirErrorAndSetTheLastErrorToIt) {
     RegCloseKey(key);
   });
   EXPECT_EQ(device.TakeMisuse(), Lines{"caller.exe: RegFlushKey handle 0x0 was never given"});
+}
+
+TEST_F(SimRegistryCalls, WorkOnAKeyOpenedForSomethingElseButRecordIt) {
+  device.registry().SetDword("HKLM\\Key", "Value", 5);
+  process.Run([] {
+    HKEY key = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Key"), 0, KEY_QUERY_VALUE, &key);
+    EXPECT_EQ(RegQueryValueExW(key, TEXT("Value"), nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(RegSetValueExW(key, TEXT("Other"), 0, REG_BINARY, nullptr, 0), 0);
+    EXPECT_EQ(RegDeleteValueW(key, TEXT("Value")), 0);
+    RegCloseKey(key);
+  });
+  const std::string kept = " was given a key that was opened with the access 0x1 alone: ";
+  EXPECT_EQ(device.TakeMisuse(),
+            (Lines{"caller.exe: RegSetValueExW" + kept + "HKEY_LOCAL_MACHINE\\Key",
+                   "caller.exe: RegDeleteValueW" + kept + "HKEY_LOCAL_MACHINE\\Key"}));
 }
 
 TEST_F(SimRegistryCalls, EnumerateInTheOrderOfCreation) {

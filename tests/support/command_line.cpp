@@ -3,23 +3,6 @@
 #include <sys/wait.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
-
-TemporaryFolder::TemporaryFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "pal_test_XXXXXX").string();
-  path_ = mkdtemp(name.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-std::string TemporaryFolder::Write(const std::string& name, const std::string& content) const {
-  std::ofstream(path_ / name, std::ios::binary) << content;
-  return (path_ / name).string();
-}
 
 CommandResult RunTool(const std::string& command_line, const std::string& input_file) {
   FILE* pipe = popen((BINARY_DIR "/" + command_line + " 2>&1 <" + input_file).c_str(), "r");

@@ -2,24 +2,7 @@
 #ifndef TESTS_SUPPORT_COMMAND_LINE_H_
 #define TESTS_SUPPORT_COMMAND_LINE_H_
 
-#include <filesystem>
 #include <string>
-
-// A folder of the test's own; gone with it.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-  // Writes a file into it and gives its path.
-  std::string Write(const std::string& name, const std::string& content) const;
-
- private:
-  std::filesystem::path path_;
-};
 
 struct CommandResult {
   int status;          // exit status

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/support/command_line.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/command_line.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "tests/support/command_line.h"
+#include "tests/support/temporary_folder.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/usage_error.h"
 

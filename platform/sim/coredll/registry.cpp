@@ -17,8 +17,9 @@ bool IsRoot(HKEY key) {
   return reinterpret_cast<std::uintptr_t>(key) - kFirstRoot < kRootCount;
 }
 
-// The key behind a handle. nullptr, with the error set, where there is none or it was deleted.
-std::shared_ptr<RegistryKey> KeyOf(Call& call, HKEY handle, LONG& error) {
+// The key behind a handle. nullptr, with the error set, where there is none or it was deleted. The
+// platform lets every handle do everything; a use that was not asked for is recorded as misuse.
+std::shared_ptr<RegistryKey> KeyOf(Call& call, HKEY handle, LONG& error, REGSAM use = 0) {
   if (IsRoot(handle)) {
     const auto index = reinterpret_cast<std::uintptr_t>(handle) - kFirstRoot;
     return call.kernel().registry.root(static_cast<unsigned>(index));
@@ -26,6 +27,10 @@ std::shared_ptr<RegistryKey> KeyOf(Call& call, HKEY handle, LONG& error) {
   const std::shared_ptr<KeyObject> object = call.Find<KeyObject>(handle);
   error = ERROR_INVALID_HANDLE;
   if (object == nullptr) return nullptr;
+  if ((object->access & use) != use) {
+    call.Misuse(fmt::format("was given a key that was opened with the access {:#x} alone: {}",
+                            object->access, ToUtf8(object->key->Path())));
+  }
   error = ERROR_KEY_DELETED;
   return object->key->deleted() ? nullptr : object->key;
 }
@@ -100,7 +105,7 @@ using sim::Call;
 using sim::CallId;
 using sim::Effect;
 
-LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHKEY result) {
+LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM access, PHKEY result) {
   Call call(CallId::RegOpenKeyExW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   if (result == nullptr || !sim::IsReservedEmpty(call, options == 0)) {
@@ -111,13 +116,13 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM /*access*/, PHK
   if (from == nullptr) return call.Fail(error);
   auto found = sim::Registry::Find(from, sim::PathOf(call, path));
   if (found == nullptr) return call.Fail(ERROR_FILE_NOT_FOUND);
-  *result = call.AddHandle<HKEY>(std::make_shared<sim::KeyObject>(std::move(found)));
+  *result = call.AddHandle<HKEY>(std::make_shared<sim::KeyObject>(std::move(found), access));
   return ERROR_SUCCESS;
 }
 
 LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR /*key_class*/,
-                     DWORD /*options*/, REGSAM /*access*/, LPSECURITY_ATTRIBUTES security,
-                     PHKEY result, LPDWORD disposition) {
+                     DWORD /*options*/, REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY result,
+                     LPDWORD disposition) {
   Call call(CallId::RegCreateKeyExW, sim::Below(key, path));
   if (call.fault() != 0) return call.Fail(call.fault());
   const bool usable = result != nullptr && path != nullptr &&
@@ -134,7 +139,7 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR /*key_class*
   if (disposition != nullptr) {
     *disposition = is_new ? sim::kCreatedNewKey : sim::kOpenedExistingKey;
   }
-  *result = call.AddHandle<HKEY>(std::make_shared<sim::KeyObject>(std::move(created)));
+  *result = call.AddHandle<HKEY>(std::make_shared<sim::KeyObject>(std::move(created), access));
   return ERROR_SUCCESS;
 }
 
@@ -155,7 +160,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LP
       (data == nullptr || bytes != nullptr) && sim::IsReservedEmpty(call, reserved == nullptr);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
-  const auto from = sim::KeyOf(call, key, error);
+  const auto from = sim::KeyOf(call, key, error, KEY_QUERY_VALUE);
   if (from == nullptr) return call.Fail(error);
   const sim::RegistryValue* value = from->FindValue(sim::OrEmpty(name));
   if (value == nullptr) return call.Fail(ERROR_FILE_NOT_FOUND);
@@ -172,7 +177,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BY
   const bool usable = (data != nullptr || bytes == 0) && sim::IsReservedEmpty(call, reserved == 0);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
-  const auto to = sim::KeyOf(call, key, error);
+  const auto to = sim::KeyOf(call, key, error, KEY_SET_VALUE);
   if (to == nullptr) return call.Fail(error);
   const std::u16string_view value_name = sim::OrEmpty(name);
   to->SetValue(value_name, type, std::vector<BYTE>(data, data + bytes));
@@ -186,7 +191,7 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
   Call call(CallId::RegDeleteValueW, sim::Below(key, name));
   if (call.fault() != 0) return call.Fail(call.fault());
   LONG error = ERROR_SUCCESS;
-  const auto from = sim::KeyOf(call, key, error);
+  const auto from = sim::KeyOf(call, key, error, KEY_SET_VALUE);
   if (from == nullptr) return call.Fail(error);
   if (!from->DeleteValue(sim::OrEmpty(name))) return call.Fail(ERROR_FILE_NOT_FOUND);
   call.Log(Effect::kRegistry, fmt::format("{} {} deleted", sim::ToUtf8(from->Path()),
@@ -224,7 +229,7 @@ LONG RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
       name != nullptr && name_units != nullptr && sim::IsReservedEmpty(call, reserved == nullptr);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
-  const auto from = sim::KeyOf(call, key, error);
+  const auto from = sim::KeyOf(call, key, error, KEY_ENUMERATE_SUB_KEYS);
   if (from == nullptr) return call.Fail(error);
   if (index >= from->keys().size()) return call.Fail(ERROR_NO_MORE_ITEMS);
   return sim::GiveError(call, sim::CopyName(from->keys()[index]->name(), name, *name_units));
@@ -239,7 +244,7 @@ LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_units, LPDWO
                       sim::IsReservedEmpty(call, reserved == nullptr);
   if (!usable) return call.Fail(ERROR_INVALID_PARAMETER);
   LONG error = ERROR_SUCCESS;
-  const auto from = sim::KeyOf(call, key, error);
+  const auto from = sim::KeyOf(call, key, error, KEY_QUERY_VALUE);
   if (from == nullptr) return call.Fail(error);
   if (index >= from->values().size()) return call.Fail(ERROR_NO_MORE_ITEMS);
   const sim::RegistryValue& value = from->values()[index];

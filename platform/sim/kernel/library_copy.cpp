@@ -1,13 +1,11 @@
 #include "platform/sim/kernel/library_copy.h"
 
-#include <dlfcn.h>
-
 #include <map>
 #include <mutex>
-#include <stdexcept>
 #include <vector>
 
 #include "platform/sim/kernel/kernel.h"
+#include "platform/sim/kernel/simulator_folder.h"
 
 namespace sim {
 
@@ -55,12 +53,7 @@ LibraryCopy::~LibraryCopy() {
 }
 
 std::filesystem::path DefaultLibrary() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<void*>(&DefaultLibrary), &info) == 0) {
-    throw std::runtime_error("cannot tell where the simulator's library lies");
-  }
-  const std::filesystem::path folder = std::filesystem::path(info.dli_fname).parent_path();
-  return folder / (std::string("DVLORQPAL") + kLibraryExtension);
+  return SimulatorFolder() / (std::string("DVLORQPAL") + kLibraryExtension);
 }
 
 }  // namespace sim

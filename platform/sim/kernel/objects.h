@@ -50,11 +50,13 @@ class Object {
 
 struct KeyObject : Object {
   static constexpr ObjectKind kKind = ObjectKind::kKey;
-  explicit KeyObject(std::shared_ptr<RegistryKey> opened) : Object(kKind), key(std::move(opened)) {
+  KeyObject(std::shared_ptr<RegistryKey> opened, std::uint32_t asked_access)
+      : Object(kKind), key(std::move(opened)), access(asked_access) {
     key->AddHandle();
   }
   ~KeyObject() override { key->RemoveHandle(); }
   const std::shared_ptr<RegistryKey> key;
+  const std::uint32_t access;
 };
 
 // An open file. Its sharing mode applies to other opens until it is closed.

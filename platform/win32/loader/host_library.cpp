@@ -1,0 +1,107 @@
+// Loads a DLL of a PC with Windows.
+#include <fmt/format.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <span>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/sim/kernel/loaded_library.h"
+
+namespace sim {
+namespace {
+
+// Unique on the host, also beside other devices and other test runs.
+std::filesystem::path CopyPath() {
+  static std::atomic<unsigned> copies = 0;
+  return std::filesystem::temp_directory_path() /
+         fmt::format("DVLORQPAL.{}.{}.dll", GetCurrentProcessId(), copies++);
+}
+
+struct Writable {
+  std::span<std::byte> section;
+  std::vector<std::byte> at_first;
+};
+
+IMAGE_NT_HEADERS& HeadersOf(void* image) {
+  const auto* const dos = static_cast<const IMAGE_DOS_HEADER*>(image);
+  return *reinterpret_cast<IMAGE_NT_HEADERS*>(static_cast<std::byte*>(image) + dos->e_lfanew);
+}
+
+std::string ReadFile(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class HostLibrary : public LoadedLibrary {
+ public:
+  explicit HostLibrary(const std::filesystem::path& library) : path_(CopyPath()) {
+    // The copy has no entry, so that Windows does not call it: the simulated device does.
+    std::string image = ReadFile(library);
+    if (image.size() < sizeof(IMAGE_DOS_HEADER)) throw std::runtime_error("the library is cut");
+    entry_ = std::exchange(HeadersOf(image.data()).OptionalHeader.AddressOfEntryPoint, 0);
+    std::ofstream(path_, std::ios::binary) << image;
+    module_ = LoadLibraryW(path_.c_str());
+    if (module_ == nullptr) {
+      const DWORD error = GetLastError();
+      std::filesystem::remove(path_);
+      throw std::runtime_error(fmt::format("cannot load the library: error {}", error));
+    }
+    KeepWritableData();
+  }
+  ~HostLibrary() override {
+    FreeLibrary(module_);
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+  }
+
+  [[nodiscard]] void* Symbol(const char* name) const override {
+    if (name == std::string_view("DllMain")) return &image_[entry_];
+    return reinterpret_cast<void*>(GetProcAddress(module_, name));
+  }
+  [[nodiscard]] bool Contains(const void* address) const override {
+    const auto* const at = static_cast<const std::byte*>(address);
+    return at >= image_.data() && at < image_.data() + image_.size();
+  }
+  void Reset() override {
+    for (const Writable& writable : writable_) {
+      std::ranges::copy(writable.at_first, writable.section.begin());
+    }
+  }
+
+ private:
+  void KeepWritableData();
+
+  std::filesystem::path path_;
+  HMODULE module_ = nullptr;
+  std::size_t entry_ = 0;
+  std::span<std::byte> image_;
+  std::vector<Writable> writable_;
+};
+
+void HostLibrary::KeepWritableData() {
+  const IMAGE_NT_HEADERS& headers = HeadersOf(module_);
+  image_ = {reinterpret_cast<std::byte*>(module_), headers.OptionalHeader.SizeOfImage};
+  const auto* const sections = reinterpret_cast<const IMAGE_SECTION_HEADER*>(&headers + 1);
+  for (const auto& header : std::span(sections, headers.FileHeader.NumberOfSections)) {
+    if ((header.Characteristics & IMAGE_SCN_MEM_WRITE) == 0) continue;
+    const auto section = image_.subspan(header.VirtualAddress, header.Misc.VirtualSize);
+    writable_.push_back({section, {section.begin(), section.end()}});
+  }
+}
+
+}  // namespace
+
+const char* const kLibraryExtension = ".dll";
+
+std::unique_ptr<LoadedLibrary> LoadLibraryFile(const std::filesystem::path& library) {
+  return std::make_unique<HostLibrary>(library);
+}
+
+}  // namespace sim

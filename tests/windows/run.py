@@ -1,0 +1,94 @@
+#!/usr/bin/env python3
+"""Runs one test under Wine: run.py BUILD_FOLDER PROJECT_ROOT first|conformance|processes|load
+
+Each test has a folder of its own with the files for a PC and the device rm21, and begins with no registry. Wine keeps
+everything in a prefix in the build folder; the user's own prefix is never touched.
+"""
+import os
+import pathlib
+import re
+import shutil
+import struct
+import subprocess
+import sys
+
+build, root, test = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3]
+folder = build / "run" / test
+REGISTRY = r"HKCU\Software\DVLORQPAL"
+# Without a display, and without the parts of Wine that would ask for more to be installed.
+WINE = {**{name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")},
+        "WINEPREFIX": str(build / "prefix"), "WINEDEBUG": "-all", "WINEDLLOVERRIDES": "mscoree,mshtml="}
+
+GUIDE = (root / "docs/windows.md").read_text()
+
+
+def wine(*command):
+    run = subprocess.run(["wine", *command], cwd=folder, env=WINE, capture_output=True, text=True, errors="replace",
+                         timeout=90)
+    return run.returncode, run.stdout
+
+
+def prepare():
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    for name in ("DVLORQPAL.dll", "coredll.dll", "DVLEventLog.dll"):
+        shutil.copy(build / name, folder)
+    shutil.copytree(root / "devices" / "rm21", folder / "device")
+    for program in (build / "bin").glob("*.exe"):
+        shutil.copy(program, folder)
+    wine("reg", "delete", REGISTRY, "/f")
+
+
+def give_long_sound():
+    """A sound that lasts until its player is ended."""
+    samples = bytes([128]) * (8000 * 60)
+    wave = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + len(samples), b"WAVE", b"fmt ", 16, 1, 1, 8000, 8000, 1, 8,
+                       b"data", len(samples)) + samples
+    (folder / "device/files/Windows/Sounds/long.wav").write_bytes(wave)
+    registry = folder / "device/registry.reg"
+    text = registry.read_text()
+    changed = text.replace("Sounds\\\\configchange.wav", "Sounds\\\\long.wav")
+    assert changed != text
+    registry.write_text(changed)
+
+
+def run_first():
+    code, output = wine("first.exe")
+    said = re.search(r"prints:\n+```\n(.*?)```", GUIDE, re.DOTALL)[1]
+    if output.replace("\r", "") != said:
+        sys.exit(f"{output}\ndocs/windows.md says otherwise:\n{said}")
+    return code
+
+
+def run_conformance():
+    """Where the answers differ from the simulated device's, the guide says so, and why that does not matter."""
+    code, _ = wine("palcheck.exe")
+    compared = subprocess.run([root / "build/release/bin/palsim", "facts", "--library", "device/files/palcheck.txt"],
+                              cwd=folder, capture_output=True, text=True).stdout
+    differing = dict(re.findall(r"^(\w.*?)(?: \[chosen\])?\n  handheld +(.*)\n", compared, re.MULTILINE))
+    declared = dict(re.findall(r"^\| (\w+: [^|]*) \| `([^`|]*)` \| \S", GUIDE, re.MULTILINE))
+    faults = [f"{row}: '{differing.get(row)}', and docs/windows.md says '{declared.get(row)}'"
+              for row in sorted(differing.keys() | declared.keys()) if differing.get(row) != declared.get(row)]
+    counts = re.findall(r"^(?:Facts|Exports) .*", compared, re.MULTILINE)
+    faults += [count for count in counts if not count.endswith(" 0 not in the file, 0 unknown")]
+    print("\n".join(counts + [f"FAILED: {fault}" for fault in faults]))
+    return code or len(faults) or len(counts) != 2
+
+
+def run_processes():
+    give_long_sound()
+    return show("processes.exe")
+
+
+def run_load():
+    return show("load.exe")
+
+
+def show(program):
+    code, output = wine(program)
+    print(output, end="")
+    return code
+
+
+prepare()
+sys.exit(min(1, globals()[f"run_{test}"]()))
