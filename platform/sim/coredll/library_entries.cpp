@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <array>
 #include <mutex>
 #include <string>
@@ -22,9 +23,28 @@ void LogFromEntry(Effect effect, std::string text, DWORD category = 0) {
   kernel.Log(thread, effect, std::move(text), category);
 }
 
+// The lines of the library that show where a caller's buffer and its length are.
+constexpr std::array<std::string_view, 2> kAddressLines{"PalProcessResultExA(fcn,",
+                                                        "PalSysIoRequestExW(fcn,"};
+
+// Those addresses are the host's, and others in each run. The journal has one number for each.
+std::string WithStableAddresses(std::string line) {
+  const auto* const begin = std::ranges::find_if(
+      kAddressLines, [&line](std::string_view each) { return line.starts_with(each); });
+  if (begin == kAddressLines.end()) return line;
+  std::size_t at = begin->size();
+  for (const std::string_view shown : {"0x1000", "0x2000"}) {
+    const std::size_t end = line.find_first_of(",)", at);
+    if (end == std::string::npos) break;
+    if (line.compare(at, end - at, "0x0") != 0) line.replace(at, end - at, shown);
+    at = line.find_first_of(",)", at) + 1;
+  }
+  return line;
+}
+
 // The event log keeps every line, whatever its category.
 DWORD LogString(DWORD category, const char* text) {
-  LogFromEntry(Effect::kTrace, Escape(text), category);
+  LogFromEntry(Effect::kTrace, WithStableAddresses(Escape(text)), category);
   return 0;
 }
 
