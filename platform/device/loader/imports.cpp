@@ -19,18 +19,28 @@ struct Import {
   void* function;
 };
 
+template <typename Function>
+void* AddressOf(Function* function) {
+  return reinterpret_cast<void*>(function);
+}
+
+using Compare = int(const WCHAR*, const WCHAR*);
+using CompareSome = int(const WCHAR*, const WCHAR*, size_t);
+using Measure = size_t(const WCHAR*);
+using Widen = size_t(WCHAR*, const char*, size_t);
+using Narrow = size_t(char*, const WCHAR*, size_t);
+
 // Those that the simulator has under another name than the image: the host has functions of the
 // same names, or C++ a name of its own.
 const Import kRenamed[] = {
-    {"bthutil.dll", "#2", reinterpret_cast<void*>(&BthGetMode)},
-    {"coredll.dll", "malloc", reinterpret_cast<void*>(&__wrap_malloc)},
-    {"coredll.dll", "free", reinterpret_cast<void*>(&__wrap_free)},
-    {"coredll.dll", "wcslen",
-     reinterpret_cast<void*>(static_cast<size_t (*)(const WCHAR*)>(&wcslen))},
-    {"coredll.dll", "mbstowcs",
-     reinterpret_cast<void*>(static_cast<size_t (*)(WCHAR*, const char*, size_t)>(&mbstowcs))},
-    {"coredll.dll", "wcstombs",
-     reinterpret_cast<void*>(static_cast<size_t (*)(char*, const WCHAR*, size_t)>(&wcstombs))},
+    {"bthutil.dll", "#2", AddressOf(&BthGetMode)},
+    {"coredll.dll", "malloc", AddressOf(&__wrap_malloc)},
+    {"coredll.dll", "free", AddressOf(&__wrap_free)},
+    {"coredll.dll", "_wcsicmp", AddressOf<Compare>(&_wcsicmp)},
+    {"coredll.dll", "_wcsnicmp", AddressOf<CompareSome>(&_wcsnicmp)},
+    {"coredll.dll", "wcslen", AddressOf<Measure>(&wcslen)},
+    {"coredll.dll", "mbstowcs", AddressOf<Widen>(&mbstowcs)},
+    {"coredll.dll", "wcstombs", AddressOf<Narrow>(&wcstombs)},
 };
 
 }  // namespace
