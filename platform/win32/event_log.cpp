@@ -8,10 +8,8 @@
 
 // The log keeps every line, whatever its category: the process, the category, the text.
 extern "C" __declspec(dllexport) DWORD DVLLogString(DWORD category, const char* text) {
-  const DWORD last_error = GetLastError();
   char head[32];
   std::snprintf(head, sizeof(head), "[%lu] %08lx ", GetCurrentProcessId(), category);
   win32::AppendLine(L"eventlog.txt", std::string(head) + text);
-  SetLastError(last_error);
   return 0;
 }

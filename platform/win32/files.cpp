@@ -10,6 +10,10 @@ extern "C" {
 
 HANDLE Win32CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                         DWORD disposition, DWORD flags, HANDLE unused) {
+  if (name == nullptr) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return INVALID_HANDLE_VALUE;
+  }
   const std::wstring_view path(name);
   if (path.starts_with(L'$') || path.ends_with(L':')) {
     return win32::OpenDriver(name, access, share, disposition);
@@ -19,6 +23,7 @@ HANDLE Win32CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTR
 }
 
 DWORD Win32GetFileAttributesW(LPCWSTR name) {
+  if (name == nullptr) return GetFileAttributesW(nullptr);
   return GetFileAttributesW(win32::HostPath(name).c_str());
 }
 

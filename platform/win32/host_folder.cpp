@@ -29,6 +29,7 @@ std::wstring HostPath(std::wstring_view path) {
 }
 
 void AppendLine(std::wstring_view file, std::string_view line) {
+  const DWORD last_error = GetLastError();
   std::string text(line);
   std::ranges::replace_if(
       text, [](char unit) { return static_cast<unsigned char>(unit) < 32; }, ' ');
@@ -46,6 +47,7 @@ void AppendLine(std::wstring_view file, std::string_view line) {
   }
   ReleaseMutex(mutex);
   CloseHandle(mutex);
+  SetLastError(last_error);
 }
 
 }  // namespace win32

@@ -9,6 +9,7 @@
 
 #include "platform/sim/host_file.h"
 #include "platform/sim/kernel/registry_text.h"
+#include "platform/sim/text.h"
 #include "platform/win32/host_folder.h"
 
 namespace win32 {
@@ -30,20 +31,27 @@ const wchar_t* Wide(const std::u16string& text) {
   return reinterpret_cast<const wchar_t*>(text.c_str());
 }
 
-void Fill(HKEY key, const sim::RegistryKey& from) {
+// False where something could not be written: the journal says what.
+bool Fill(HKEY key, const sim::RegistryKey& from) {
+  bool is_whole = key != nullptr;
   for (const sim::RegistryValue& value : from.values()) {
-    RegSetValueExW(key, Wide(value.name), 0, value.type, value.data.data(),
-                   static_cast<DWORD>(value.data.size()));
+    is_whole = RegSetValueExW(key, Wide(value.name), 0, value.type, value.data.data(),
+                              static_cast<DWORD>(value.data.size())) == ERROR_SUCCESS &&
+               is_whole;
+  }
+  if (!is_whole) {
+    AppendLine(L"journal.txt", "registry.reg: not whole at " + sim::ToUtf8(from.Path()));
   }
   for (const auto& subkey : from.keys()) {
     const HKEY below = Create(key, Wide(subkey->name()));
-    Fill(below, *subkey);
+    is_whole = Fill(below, *subkey) && is_whole;
     RegCloseKey(below);
   }
+  return is_whole;
 }
 
 // The first program on a PC fills the registry from the device's registry.reg. False where that
-// cannot be read: the next program tries it again.
+// cannot be read or written as a whole: the next program tries it again.
 bool FillFromFile(const std::array<HKEY, 4>& roots) {
   sim::Registry registry;
   try {
@@ -55,8 +63,11 @@ bool FillFromFile(const std::array<HKEY, 4>& roots) {
     AppendLine(L"journal.txt", error.what());
     return false;
   }
-  for (unsigned index = 0; index < roots.size(); ++index) Fill(roots[index], *registry.root(index));
-  return true;
+  bool is_whole = true;
+  for (unsigned index = 0; index < roots.size(); ++index) {
+    is_whole = Fill(roots[index], *registry.root(index)) && is_whole;
+  }
+  return is_whole;
 }
 
 class Roots {

@@ -58,6 +58,7 @@ extern "C" {
 
 // The device tells libraries apart by their file names alone.
 HMODULE Win32LoadLibraryW(LPCWSTR name) {
+  if (name == nullptr) return LoadLibraryW(nullptr);
   const std::wstring_view path(name);
   if (!path.starts_with(L'\\')) return LoadLibraryW(name);
   const std::wstring file(path.substr(path.rfind(L'\\') + 1));

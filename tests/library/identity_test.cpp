@@ -1,4 +1,6 @@
 // The identity of the device: lengths, sources in their order, and answers that cannot be trusted.
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <map>
 #include <string>

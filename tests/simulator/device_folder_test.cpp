@@ -50,7 +50,7 @@ class DeviceFolderTest : public ::testing::Test {
       sim::LoadDevice(device, folder);
       return "loaded";
     } catch (const sim::DeviceFolderError& error) {
-      const std::string message = error.what();
+      std::string message = error.what();
       const std::string prefix = (folder / "").string();
       if (!message.starts_with(prefix)) return message;
       // The file's name has the host's separators.

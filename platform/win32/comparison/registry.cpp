@@ -213,7 +213,7 @@ class Comparison {
     ++TheRoot().otherwise;
     fmt::print(stderr, "registry comparison: {} at {}: {}\n", call_, sim::ToUtf8(subject_), what);
   }
-  [[nodiscard]] bool is_comparable() const { return is_comparable_; }
+  [[nodiscard]] const std::u16string& path() const { return path_; }
 
  private:
   const char* call_;
@@ -334,8 +334,14 @@ LONG CompareRegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, c
     std::vector<BYTE> copy;
     if (data != nullptr) copy.assign(data, data + bytes);
     copy.insert(copy.end(), 4, 0xFF);  // no terminator behind the text
-    return RegSetValueExW(windows, name, reserved, type, data == nullptr ? nullptr : copy.data(),
-                          bytes);
+    const LONG error = RegSetValueExW(windows, name, reserved, type,
+                                      data == nullptr ? nullptr : copy.data(), bytes);
+    if (error == ERROR_SUCCESS && answer == ERROR_SUCCESS) {
+      const HKEY stored = win32::TheRoot().Open(comparison.path(), KEY_READ);
+      win32::CompareData(comparison, stored, name, type, data, bytes);
+      RegCloseKey(stored);
+    }
+    return error;
   });
   return answer;
 }

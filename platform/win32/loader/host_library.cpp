@@ -34,19 +34,31 @@ IMAGE_NT_HEADERS& HeadersOf(void* image) {
   return *reinterpret_cast<IMAGE_NT_HEADERS*>(static_cast<std::byte*>(image) + dos->e_lfanew);
 }
 
-std::string ReadFile(const std::filesystem::path& file) {
+// Throws std::runtime_error where the file cannot be read, or is no image.
+std::string ReadImage(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+  if (!stream)
+    throw std::runtime_error(fmt::format("cannot load {}: it cannot be read", file.string()));
+  std::string image{std::istreambuf_iterator<char>(stream), {}};
+  const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image.data());
+  const bool has_headers = image.size() > sizeof(*dos) && dos->e_magic == IMAGE_DOS_SIGNATURE &&
+                           dos->e_lfanew > 0 &&
+                           dos->e_lfanew + sizeof(IMAGE_NT_HEADERS) <= image.size();
+  if (!has_headers)
+    throw std::runtime_error(fmt::format("cannot load {}: it is no image", file.string()));
+  return image;
 }
 
 class HostLibrary : public LoadedLibrary {
  public:
   explicit HostLibrary(const std::filesystem::path& library) : path_(CopyPath()) {
     // The copy has no entry, so that Windows does not call it: the simulated device does.
-    std::string image = ReadFile(library);
-    if (image.size() < sizeof(IMAGE_DOS_HEADER)) throw std::runtime_error("the library is cut");
+    std::string image = ReadImage(library);
     entry_ = std::exchange(HeadersOf(image.data()).OptionalHeader.AddressOfEntryPoint, 0);
-    std::ofstream(path_, std::ios::binary) << image;
+    std::ofstream copy(path_, std::ios::binary);
+    copy << image;
+    copy.close();
+    if (!copy) throw std::runtime_error(fmt::format("cannot write {}", path_.string()));
     module_ = LoadLibraryW(path_.c_str());
     if (module_ == nullptr) {
       const DWORD error = GetLastError();
