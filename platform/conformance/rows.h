@@ -1,5 +1,6 @@
 // Questions to a platform about the facts that the library and the simulated device rest on. The
 // same rows run on the simulated device, on a handheld (palcheck.exe) and on any other platform.
+// docs/platform.md has every row, with the answers.
 //
 // Each row is harmless and undoes what it did. A row sees nothing of another.
 #ifndef PLATFORM_CONFORMANCE_ROWS_H_

@@ -13,6 +13,8 @@
 // The thread that makes a device is its driver. Only the driver may make processes and threads and
 // call into them, and its work between calls takes no time on the device. It may look at the
 // registry, files, journal and misuse whenever no other thread runs: with kParallel, after Join.
+//
+// docs/platform.md has the facts of the platform by which it was made.
 #ifndef PLATFORM_SIM_DEVICE_H_
 #define PLATFORM_SIM_DEVICE_H_
 
@@ -160,9 +162,8 @@ class Device {
   // Called with the bytes of each heap block that a library frees, just before it is gone.
   void set_on_free(std::function<void(std::string_view bytes)> on_free);
 
-  // Libraries that LoadLibraryW finds: in \Windows by name, in any folder by path. The platform
-  // tells the libraries of a process apart by their file name without extension: once one is
-  // loaded, every path with this file name gives it again. A new device has
+  // Libraries that LoadLibraryW finds: in \Windows by name, in any folder by path. Once one is
+  // loaded, every path with its file name gives it again. A new device has
   //   coredll.dll      with its entry "AudioUpdateFromRegistry";
   //   DVLEventLog.dll  which writes trace lines into the journal;
   //   DVLORQPAL.dll    the provider, which does the services that the library passes on.
@@ -212,7 +213,7 @@ class Thread {
 class Process {
  public:
   // `name` is that of the program's file, in "\Program Files", or its path. Throws std::logic_error
-  // where the device has 32 processes already, which is the platform's most.
+  // where the device has 32 processes already.
   // `library` is a build of the library; empty: the one that was built with the simulator.
   explicit Process(Device& device, const std::string& name = "caller.exe",
                    std::filesystem::path library = {});

@@ -23,7 +23,7 @@ struct CodePoint {
 // The bytes of a text file as UTF-8: UTF-16 by its byte-order mark, else UTF-8 with or without one.
 [[nodiscard]] std::string DecodeTextFile(std::string_view bytes);
 
-// ASCII and Latin-1 letters, which is what the platform folds for the names that occur.
+// Folds the letters of ASCII and Latin-1.
 [[nodiscard]] char16_t FoldCase(char16_t unit);
 [[nodiscard]] bool EqualNoCase(std::u16string_view left, std::u16string_view right);
 [[nodiscard]] bool EqualNoCase(std::string_view left, std::string_view right);  // UTF-8

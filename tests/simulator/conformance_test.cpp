@@ -1,80 +1,110 @@
-// What the simulated device answers to the questions that palcheck.exe puts to a handheld.
+// What the simulated device answers to the questions that palcheck.exe puts to a handheld, and what
+// docs/platform.md says that it answers.
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/conformance/queries.h"
 #include "platform/conformance/report.h"
 #include "platform/sim/device_folder.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/host_file.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "tests/support/device_test.h"
 
 namespace {
 
-constexpr const char* kAnswers = R"(
-palcheck: does not restart the device, makes no sound above the lowest volume, and leaves nothing behind but this file
-registry: create a key again, in other case = 0 disposition 2
-registry: open a path with a leading backslash = 0 [chosen]
-registry: open a path with a doubled backslash = 0 [chosen]
-registry: open a missing key = 2
-registry: open without a path = 0 [chosen]
-registry: the last error after a failed open = 2 last error 2 [chosen]
-registry: set null data of 0 bytes = 0 [chosen]
-registry: query in other case = 0 bytes 8
-registry: query into 6 of 8 bytes = 234 bytes 8
-registry: query the size alone = 0 bytes 8
-registry: query a missing value = 2 bytes 64
-registry: query the unnamed value = 2 bytes 64
-registry: query without a size = 87 [chosen]
-registry: size of a text set without terminator = 0 bytes 6 [chosen]
-registry: order of values = 0 zText units 5 0 aNumber units 7 259 [chosen]
-registry: order of keys = 0 zebra 0 ant 259 [chosen]
-registry: enumerate names without room for their ends = value 234 key 234
-registry: delete a key with subkeys = 0 left 0
-registry: delete a key that is open = 5 [chosen]
-registry: write through query access = 0
-registry: delete a value twice = 0 2
-registry: flush = 0
-registry: 16 levels = 0
-registry: 17 levels = 87 [chosen]
-registry: a key's name of 255 letters = 0
-registry: a key's name of 256 letters = 87 [chosen]
-file: open a missing one = error 2
-file: open one in a missing folder = error 2 [chosen]
-file: create one in a missing folder = 0 error 3
-file: open this report, which is open without sharing = error 32
-file: attributes = ffffffff error 2 folder 10 folder 10
-driver: open a missing one = error 55 [chosen]
-mutex: create twice = error 0 error 183 owned 0
-mutex: release without owning = 0 error 288
-mutex: take twice, release three times = 0 0 1 1 0
-mutex: its owner ends = 128 then 0
-event: create twice, otherwise the second time = error 183 0 258
-event: wait, set, wait twice, pulse, wait = 258 set 1 0 258 pulse 1 258
-event: modify with 9 = 0 [chosen]
-names: a mutex with the name of an event = 1 error 0
-module: load a missing one = 0 error 126 0 error 126
-module: load by two spellings = same 1
-module: load the same file name from a folder without it = same 1
-module: find a missing entry = 0 error 127
-text: _vsnprintf of 8-bit and wide text = 6 'ab cd|'
-text: _vsnprintf of a text that just fits = 8 '12345678.'
-text: _vsnprintf of a text that does not fit = -1 '12345678.'
-text: _vsnprintf of a padded number = 8 '0000ABCD.'
-text: conversion of other letters = 2 61 e9 3 3f [chosen]
-system: platform type = 1 some 1 exact 1 short 0 error 122 [chosen]
-system: OEM information = 1 some 1 exact 1 short 0 error 122 [chosen]
-system: version = 1 platform 3 major 5
-system: the process has a number = 1
-sound: play a missing file = 0
-sound: stop where none plays = 1 [chosen]
-sound: read the gain = 0 [chosen]
-LED: set one that is not there = 0 [chosen]
-LED: ask for one that is not there = 0 [chosen]
-cryptography: a missing key set = 0 error 80090016
-library: load DVLORQPAL.dll = error 0
-palcheck: done
-)";
+// A row of the tables in docs/platform.md.
+struct Fact {
+  std::string source;
+  std::string simulated;
+  std::vector<std::string> holders;  // questions of palcheck.exe, tests, files
+};
+
+// The cells of a table's line. "\\|" is a letter of a cell.
+std::vector<std::string> CellsOf(const std::string& line) {
+  std::vector<std::string> cells;
+  std::string cell;
+  for (std::size_t at = 1; at < line.size(); ++at) {
+    if (line.compare(at, 2, "\\|") == 0) {
+      cell += line[++at];
+    } else if (line[at] == '|') {
+      cells.push_back(std::exchange(cell, {}));
+    } else {
+      cell += line[at];
+    }
+  }
+  return cells;
+}
+
+std::vector<std::string> CodesOf(const std::string& cell) {
+  const std::regex code("`([^`]*)`");
+  return {std::sregex_token_iterator(cell.begin(), cell.end(), code, 1), {}};
+}
+
+bool IsBlank(const std::string& cell) {
+  return cell.find_first_not_of(' ') == std::string::npos;
+}
+
+std::vector<Fact> FactsOfTheGuide() {
+  constexpr std::size_t kColumns = 6;
+  std::istringstream guide(sim::ReadHostFile(PROJECT_DIR "/docs/platform.md"));
+  std::vector<Fact> facts;
+  bool is_in_table = false;
+  for (std::string line; std::getline(guide, line);) {
+    const bool is_heading = line.starts_with("| fact |");
+    is_in_table = is_heading || (is_in_table && line.starts_with('|'));
+    if (!is_in_table || is_heading || line.starts_with("|-")) continue;
+    std::vector<std::string> cells = CellsOf(line);
+    EXPECT_EQ(cells.size(), kColumns) << line;
+    EXPECT_TRUE(std::ranges::none_of(cells, &IsBlank)) << line;
+    cells.resize(kColumns);
+    facts.push_back({cells[1], cells[2], CodesOf(cells[5])});
+    EXPECT_FALSE(facts.back().holders.empty()) << line;
+  }
+  return facts;
+}
+
+bool IsQuestion(const std::string& holder) {
+  return holder.find(": ") != std::string::npos;
+}
+
+// The lines of a report that the guide expects.
+std::vector<std::string> AnswersOfTheGuide() {
+  std::vector<std::string> lines;
+  for (const Fact& fact : FactsOfTheGuide()) {
+    const auto answers = CodesOf(fact.simulated);
+    const char* const mark = fact.source.starts_with(" chosen") ? conformance::kChosenMark : "";
+    for (const std::string& holder : fact.holders) {
+      if (!IsQuestion(holder)) continue;
+      lines.push_back(fmt::format("{}{}{}{}", holder, conformance::kEquals,
+                                  answers.empty() ? "" : answers[0], mark));
+    }
+  }
+  return lines;
+}
+
+bool IsTest(const std::string& name) {
+  const auto& tests = *testing::UnitTest::GetInstance();
+  for (int suite = 0; suite < tests.total_test_suite_count(); ++suite) {
+    const auto& cases = *tests.GetTestSuite(suite);
+    for (int test = 0; test < cases.total_test_count(); ++test) {
+      if (name == fmt::format("{}.{}", cases.name(), cases.GetTestInfo(test)->name())) return true;
+    }
+  }
+  return false;
+}
+
+std::string Sorted(std::vector<std::string> lines) {
+  std::ranges::sort(lines);
+  return fmt::format("{}\n", fmt::join(lines, "\n"));
+}
 
 std::string ReportOf(sim::Device& device) {
   sim::Process process(device, "palcheck.exe");
@@ -83,25 +113,38 @@ std::string ReportOf(sim::Device& device) {
   return bytes == nullptr ? "" : std::string(bytes->begin(), bytes->end());
 }
 
-// Some rows ask what a mistake is answered: it is recorded as one.
-TEST(Conformance, SimulatedDeviceAnswersAsItIsMeantTo) {
+// Some questions ask what a mistake is answered: it is recorded as one.
+TEST(Conformance, GuideSaysWhatTheSimulatedDeviceAnswers) {
   sim::Device device;
   sim::LoadDevice(device, PROJECT_DIR "/devices/rm21");
   std::istringstream report(ReportOf(device));
-  std::string answers = "\n";
+  std::vector<std::string> answers;
   std::size_t queries = 0;
   for (std::string line; std::getline(report, line);) {
     EXPECT_TRUE(line.ends_with('\r')) << line;
     line.pop_back();
     EXPECT_EQ(line.find("not exported"), std::string::npos) << line;
-    if (line.find(": ") == std::string::npos) {
-      ++queries;
+    if (IsQuestion(line)) {
+      answers.push_back(line);
     } else {
-      answers += line + "\n";
+      ++queries;
     }
   }
-  EXPECT_EQ(answers, kAnswers);
+  std::vector<std::string> expected = AnswersOfTheGuide();
+  expected.insert(expected.end(), {conformance::kHeading, conformance::kEnd});
+  EXPECT_EQ(Sorted(answers), Sorted(expected));
   EXPECT_EQ(queries, conformance::Queries().size());
+}
+
+TEST(Conformance, GuideNamesTestsAndFilesThatThereAre) {
+  for (const Fact& fact : FactsOfTheGuide()) {
+    for (const std::string& holder : fact.holders) {
+      if (IsQuestion(holder)) continue;
+      const bool is_file = holder.find('/') != std::string::npos;
+      EXPECT_TRUE(is_file ? std::filesystem::exists(PROJECT_DIR "/" + holder) : IsTest(holder))
+          << holder;
+    }
+  }
 }
 
 TEST(Conformance, LeavesEveryDeviceAsItWas) {

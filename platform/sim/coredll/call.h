@@ -54,8 +54,7 @@ class Call {
     return Answer({reinterpret_cast<BYTE*>(&record), sizeof(record)}, error, returned);
   }
 
-  // False for an overlapped request, which the platform does not have: the last error is set and
-  // misuse is recorded.
+  // False for an overlapped request: the last error is set and misuse is recorded.
   bool IsNotOverlapped(const OVERLAPPED* overlapped);
 
   void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }

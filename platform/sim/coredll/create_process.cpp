@@ -23,8 +23,7 @@ const Program* FindProgram(const Kernel& kernel, const FileNode& file) {
 using sim::Call;
 using sim::CallId;
 
-// The platform has no security, inheritance, environment, directory and start-up information: these
-// arguments must be empty.
+// Security, inheritance, environment, directory and start-up information must be empty.
 BOOL CreateProcessW(LPCWSTR image, LPCWSTR command_line, LPSECURITY_ATTRIBUTES process_security,
                     LPSECURITY_ATTRIBUTES thread_security, BOOL inherit, DWORD flags,
                     LPVOID environment, LPWSTR directory, STARTUPINFOW* startup,

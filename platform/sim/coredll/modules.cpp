@@ -16,7 +16,7 @@ Loaded::iterator FindLoaded(Call& call, HMODULE module) {
   return found;
 }
 
-// The platform tells the libraries of a process apart by their file name without extension.
+// The part of a path that tells the libraries of a process apart.
 std::string_view StemOf(std::string_view path) {
   path.remove_prefix(path.rfind('\\') + 1);  // 0 without a backslash
   return path.substr(0, path.rfind('.'));

@@ -17,8 +17,8 @@ bool IsRoot(HKEY key) {
   return reinterpret_cast<std::uintptr_t>(key) - kFirstRoot < kRootCount;
 }
 
-// The key behind a handle. nullptr, with the error set, where there is none or it was deleted. The
-// platform lets every handle do everything; a use that was not asked for is recorded as misuse.
+// The key behind a handle. nullptr, with the error set, where there is none or it was deleted. A
+// use that was not asked for is recorded as misuse, and done.
 std::shared_ptr<RegistryKey> KeyOf(Call& call, HKEY handle, LONG& error, REGSAM use = 0) {
   if (IsRoot(handle)) {
     const auto index = reinterpret_cast<std::uintptr_t>(handle) - kFirstRoot;
@@ -39,8 +39,7 @@ std::u16string_view OrEmpty(LPCWSTR text) {
   return text == nullptr ? std::u16string_view() : std::u16string_view(text);
 }
 
-// The path of a key. The platform forbids a backslash at its beginning. Here the backslash is
-// skipped and recorded as misuse.
+// The path of a key. A backslash at its beginning is skipped and recorded as misuse.
 std::u16string_view PathOf(Call& call, LPCWSTR path) {
   const std::u16string_view text = OrEmpty(path);
   if (text.starts_with(u'\\')) {

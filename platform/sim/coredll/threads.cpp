@@ -6,8 +6,8 @@
 using sim::Call;
 using sim::CallId;
 
-// `security` must be empty: the platform has none. A thread that starts suspended (`flags`) is not
-// simulated. The stack has the host's size, whatever `stack_bytes` says.
+// `security` must be empty. A thread that starts suspended (`flags`) is not simulated. The stack
+// has the host's size, whatever `stack_bytes` says.
 HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, DWORD /*stack_bytes*/,
                     LPTHREAD_START_ROUTINE start, LPVOID argument, DWORD flags, LPDWORD thread_id) {
   Call call(CallId::CreateThread);

@@ -67,7 +67,7 @@ class Kernel {
   void EndThread(ThreadState& thread);
   // Stops the sound that the thread's process plays.
   void StopSound(const ThreadState& thread);
-  // Whether one more process may start: the platform has at most 32 at a time.
+  // Whether one more process may start.
   [[nodiscard]] bool HasRoomForProcess() const;
   // Marks a process as killed and wakes its threads: each one ends where it waits.
   void BeginKill(ProcessState& process);
