@@ -56,7 +56,7 @@ def check(source):
 
 
 def for_clang(command):
-    """The command without precompiled headers. Of a compiler for Windows clang does not know target and headers."""
+    """The command without precompiled headers. clang does not know the target and the headers of a compiler for Windows."""
     command = re.sub(r" (-Xclang -include(-pch)? -Xclang|-Winvalid-pch -include) \S+", "", command)
     compiler = re.search(r"\S*-mingw32-g\+\+\S*", command)
     if not compiler:

@@ -16,7 +16,7 @@ namespace conformance {
 
 inline constexpr const WCHAR* kReportPath = TEXT("\\palcheck.txt");
 
-// What frames the report, and what stands between a name and its answer and behind a chosen one.
+// The first and the last line; what separates a name from its answer, and what marks a chosen fact.
 inline constexpr char kHeading[] =
     "palcheck: does not restart the device, makes no sound above the lowest volume, and leaves "
     "nothing behind but this file";

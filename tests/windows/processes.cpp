@@ -113,6 +113,7 @@ void ExpectValue(const std::string& key, const std::string& name, const std::str
 struct Counts {
   int entries = 0;
   int exits = 0;
+  int others = 0;  // the last line of another call
   int abandoned = 0;
   int timeouts = 0;
 };
@@ -123,6 +124,7 @@ std::map<std::string, Counts> ReadLog() {
   const std::regex form(R"(\[(\d+)\] [0-9a-f]{8} (.*\S)\r)");
   const std::regex entry(R"(PALBEEP(GoodReadEx|ChangeConfig)\(.*\) - Entry)");
   const std::regex exit(R"(0x0=PALBEEP(GoodReadEx|ChangeConfig)\(.*\) - Exit)");
+  const std::regex other("0x00000000=SetButtonAction.*|Exit PALMFGOpt_ConfigStoreRegUpdate");
   std::ifstream log("eventlog.txt", std::ios::binary);
   int torn = 0;
   for (std::string line; std::getline(log, line);) {
@@ -135,6 +137,7 @@ std::map<std::string, Counts> ReadLog() {
     Counts& of_process = counts[parts[1]];
     if (std::regex_match(text, entry)) ++of_process.entries;
     if (std::regex_match(text, exit)) ++of_process.exits;
+    if (std::regex_match(text, other)) ++of_process.others;
     if (text.starts_with("PALWaitForMutex - ERROR abandoned")) ++of_process.abandoned;
     if (text.starts_with("PALWaitForMutex - ERROR timeout")) ++of_process.timeouts;
   }
@@ -167,6 +170,9 @@ void RunTogether() {
   Expect(held.entries == 1 && held.exits == 0, "the holder ended in its call");
   const Counts read = counts[std::to_string(others.front().dwProcessId)];
   Expect(read.entries == kReads && read.exits == kReads, "each line of the reader is there");
+  for (const PROCESS_INFORMATION& other : {others[1], others[2]}) {
+    Expect(counts[std::to_string(other.dwProcessId)].others == 1, "each call's last line is there");
+  }
   Expect(read.abandoned == 1 && read.timeouts == 0, "the reader got the beeper from the dead");
   ExpectValue(R"(SOFTWARE\Dravonel\PAL)", "VibratePresetIndex", "REG_DWORD    0x3");
   ExpectValue(R"(SOFTWARE\Dravonel\PAL)", "VibratePresetIndey", "REG_DWORD    0x7");

@@ -16,7 +16,7 @@ build, root, test = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.ar
 folder = build / "run" / test
 REGISTRY = r"HKCU\Software\DVLORQPAL"
 # Without a display, and without the parts of Wine that would ask for more to be installed.
-WINE = {**{name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")},
+WINE = {**{name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY", "WINEARCH")},
         "WINEPREFIX": str(build / "prefix"), "WINEDEBUG": "-all", "WINEDLLOVERRIDES": "mscoree,mshtml="}
 
 GUIDE = (root / "docs/windows.md").read_text()
@@ -25,7 +25,9 @@ FACTS = (root / "docs/platform.md").read_text()
 
 def wine(*command):
     run = subprocess.run(["wine", *command], cwd=folder, env=WINE, capture_output=True, text=True, errors="replace",
-                         timeout=90)
+                         timeout=240)
+    if run.returncode != 0:
+        print(run.stderr, end="", file=sys.stderr)
     return run.returncode, run.stdout
 
 
