@@ -56,7 +56,7 @@ def check(source):
 
 
 def for_clang(command):
-    """The command without precompiled headers. clang does not know the target and the headers of a compiler for Windows."""
+    """The command without precompiled headers; clang has to be told what a compiler for Windows is for and includes."""
     command = re.sub(r" (-Xclang -include(-pch)? -Xclang|-Winvalid-pch -include) \S+", "", command)
     compiler = re.search(r"\S*-mingw32-g\+\+\S*", command)
     if not compiler:
