@@ -105,11 +105,12 @@ class Builder {
       line->calls.push_back(std::move(call));
       return;
     }
-    for (CallSpan& call : line->calls) {
-      if (!call.open || call.thread != entry.thread_id) continue;
-      call.result = entry.text.substr(equals + 4);
-      Close(call, entry.time_ms);
-    }
+    const auto call = std::find_if(line->calls.rbegin(), line->calls.rend(), [&](const auto& each) {
+      return each.open && each.thread == entry.thread_id;
+    });
+    if (call == line->calls.rend()) return;
+    call->result = entry.text.substr(equals + 4);
+    Close(*call, entry.time_ms);
   }
 
   MutexLine& Mutex(const std::string& name) {
@@ -130,10 +131,11 @@ class Builder {
       mutex.holds.push_back(hold);
       return;
     }
-    for (HoldSpan& hold : mutex.holds) {
-      if (!hold.open || hold.process != entry.process_id) continue;
-      hold.abandoned = what == "abandoned";
-      Close(hold, entry.time_ms);
+    // One process after the other holds it, so that what is open stands at the end.
+    for (auto hold = mutex.holds.rbegin(); hold != mutex.holds.rend() && hold->open; ++hold) {
+      if (hold->process != entry.process_id) continue;
+      hold->abandoned = what == "abandoned";
+      Close(*hold, entry.time_ms);
     }
   }
 
