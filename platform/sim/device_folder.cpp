@@ -71,7 +71,7 @@ class Saver {
     SaveRegistry();
     const fs::path files = folder_ / "files";
     const FileNode& root = *device_.files().root();
-    if (!HasFiles(files) && root.children.empty()) return;
+    if (!HasFiles(files) && root.children.items().empty()) return;
     MakeFolder(files);
     SaveFolder(root, files);
   }
@@ -104,11 +104,10 @@ class Saver {
 
   void SaveFolder(const FileNode& node, const fs::path& folder) {
     for (const fs::path& entry : EntriesOf(folder)) {
-      const bool kept = std::any_of(node.children.begin(), node.children.end(),
-                                    [&](const auto& child) { return IsSame(*child, entry); });
-      if (!kept) fs::remove_all(entry);
+      const auto* const child = node.children.Find(entry.filename().string());
+      if (child == nullptr || !IsSame(**child, entry)) fs::remove_all(entry);
     }
-    for (const auto& child : node.children) SaveNode(*child, folder / child->name);
+    for (const auto& child : node.children.items()) SaveNode(*child, folder / child->name);
   }
 
   void SaveNode(const FileNode& node, const fs::path& path) {

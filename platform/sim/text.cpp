@@ -78,6 +78,12 @@ unsigned char FoldByte(unsigned char previous, unsigned char byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + 0x20) : byte;
 }
 
+// FNV-1a, of units.
+std::size_t MixedHash(std::size_t hash, std::uint32_t unit) {
+  constexpr std::uint64_t kPrime = 0x100000001B3;
+  return static_cast<std::size_t>((std::uint64_t{hash} ^ (unit + 1)) * kPrime);
+}
+
 }  // namespace
 
 CodePoint DecodeUtf8(std::string_view text) {
@@ -159,6 +165,22 @@ bool EqualNoCase(std::string_view left, std::string_view right) {
     previous = ByteAt(left, i);
   }
   return true;
+}
+
+std::size_t HashNoCase(std::u16string_view name) {
+  std::size_t hash = 0;
+  for (const char16_t unit : name) hash = MixedHash(hash, FoldCase(unit));
+  return hash;
+}
+
+std::size_t HashNoCase(std::string_view name) {
+  std::size_t hash = 0;
+  unsigned char previous = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    hash = MixedHash(hash, FoldByte(previous, ByteAt(name, i)));
+    previous = ByteAt(name, i);
+  }
+  return hash;
 }
 
 }  // namespace sim

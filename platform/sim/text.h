@@ -27,6 +27,9 @@ struct CodePoint {
 [[nodiscard]] char16_t FoldCase(char16_t unit);
 [[nodiscard]] bool EqualNoCase(std::u16string_view left, std::u16string_view right);
 [[nodiscard]] bool EqualNoCase(std::string_view left, std::string_view right);  // UTF-8
+// The same number for names that are equal so.
+[[nodiscard]] std::size_t HashNoCase(std::u16string_view name);
+[[nodiscard]] std::size_t HashNoCase(std::string_view name);
 
 }  // namespace sim
 

@@ -134,7 +134,7 @@ class Desk {
   // that was not written is read as zeros.
   [[nodiscard]] std::string stored() {
     std::string text = sim::ExportRegistryText(device_.registry());
-    for (const auto& file : device_.files().Find("\\ConfigStore")->children) {
+    for (const auto& file : device_.files().Find("\\ConfigStore")->children.items()) {
       const std::string data(file->data.begin(), file->data.end());
       text += file->name + "=" + data.substr(0, data.find_last_not_of('\0') + 1) + "\n";
     }

@@ -1,13 +1,18 @@
 // The simulated device's own rules: programs, and the processes that run them.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/sim/device_folder.h"
 #include "platform/sim/hardware/hardware.h"
+#include "platform/sim/kernel/kernel.h"
+#include "platform/sim/kernel/loaded_library.h"
 #include "platform/sim/kernel/process_state.h"
 #include "platform/sim/programs/registry_importer.h"
 #include "tests/support/device_test.h"
@@ -37,6 +42,26 @@ class SimProcess : public DeviceTest {
   }
   Lines ProcessLines() { return device.journal().Texts(sim::Effect::kProcess); }
 };
+
+// Not for the loaders of other systems' files.
+#if !defined(_WIN32) && !defined(PAL_IMAGES)
+TEST_F(SimProcess, LoadsCopiesOfTheLibraryThatNobodyElseCanNameOrFind) {
+  const TemporaryFolder temporary;
+  setenv("TMPDIR", temporary.path().c_str(), 1);
+  const auto first = sim::LoadLibraryFile(sim::DefaultLibrary());
+  const auto second = sim::LoadLibraryFile(sim::DefaultLibrary());
+  EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+  unsetenv("TMPDIR");
+  const void* const entry = first->Symbol("PALBEEPKeyClick");
+  EXPECT_NE(entry, second->Symbol("PALBEEPKeyClick"));
+  EXPECT_TRUE(first->Contains(entry));
+  EXPECT_FALSE(second->Contains(entry));
+  EXPECT_FALSE(first->Contains(&temporary));
+  const auto bytes = temporary.Write("broken", "no library");
+  EXPECT_THROW((void)sim::LoadLibraryFile(bytes), std::runtime_error);
+  EXPECT_THROW((void)sim::LoadLibraryFile(bytes + ".missing"), std::runtime_error);
+}
+#endif
 
 TEST_F(SimProcess, RunsAProgramBesideItsParent) {
   DWORD id = 0;

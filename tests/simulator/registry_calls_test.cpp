@@ -1,8 +1,11 @@
 // The simulated device's own rules: what the registry's calls answer, and which keys there can be.
+#include <fmt/format.h>
+
 #include <array>
 #include <string>
 #include <vector>
 
+#include "platform/sim/text.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -94,6 +97,34 @@ TEST_F(SimRegistryCalls, EnumerateInTheOrderOfCreation) {
     }
     EXPECT_EQ(names, u"ZebraappleMouse");
   });
+}
+
+// Where each of these were a search through the key, this would take minutes.
+TEST(RegistryKeys, KeepTheirOrderAndSpellingHoweverMany) {
+  constexpr unsigned kCount = 100000;
+  constexpr unsigned kStep = 1000;  // every such one goes again
+  sim::Registry registry;
+  const std::string many = "HKCU\\Many";
+  const auto key = registry.Create(many);
+  for (unsigned number = 0; number < kCount; ++number) {
+    registry.SetDword(many, fmt::format("\u00C4{}", number), number);
+    (void)registry.Create(fmt::format("{}\\Key{}", many, number));
+  }
+  for (unsigned number = 0; number < kCount; number += kStep) {
+    EXPECT_TRUE(key->DeleteValue(sim::ToUtf16(fmt::format("\u00E4{}", number))));
+    EXPECT_TRUE(registry.RemoveTree(fmt::format("{}\\KEY{}", many, number)));
+  }
+  registry.SetDword(many, "\u00E41", 5);
+  registry.SetDword(many, "last", 6);
+  ASSERT_EQ(key->keys().size(), kCount - kCount / kStep);
+  ASSERT_EQ(key->values().size(), key->keys().size() + 1);
+  for (unsigned place = 0; place < key->keys().size(); ++place) {
+    const unsigned number = place + 1 + place / (kStep - 1);
+    EXPECT_EQ(sim::ToUtf8(key->keys()[place]->name()), fmt::format("Key{}", number));
+    EXPECT_EQ(sim::ToUtf8(key->values()[place].name), fmt::format("\u00C4{}", number));
+  }
+  EXPECT_EQ(sim::DwordOf(key->values().front()), 5u);
+  EXPECT_EQ(key->values().back().name, u"last");
 }
 
 TEST_F(SimRegistryCalls, CreateNoKeyThatIsTooDeepOrHasTooLongAName) {

@@ -23,6 +23,23 @@ TEST(DcecfgCommand, AnswersWithItsExitStatus) {
   }
 }
 
+TEST(DcecfgCommand, ChecksNothingThatIsNoConfigurationStore) {
+  const TemporaryFolder folder;
+  constexpr const char* kNone = "No section is found; the device would write nothing\n";
+  constexpr const char* kText = "This is the text form; 'dcecfg build' makes the file of it\n";
+  struct Case {
+    std::string file;
+    std::string output;
+  };
+  for (const Case& test :
+       {Case{folder.Write("empty", ""), kNone}, Case{folder.Write("photo", "\x89PNG\r\n"), kNone},
+        Case{PROJECT_DIR "/devices/rm21/dcecfg.txt", kText}}) {
+    const CommandResult result = RunTool("dcecfg check " + test.file);
+    EXPECT_EQ(result.status, 1) << test.file;
+    EXPECT_EQ(result.output, test.output);
+  }
+}
+
 TEST(DcecfgCommand, LeavesNoFileOfAWrongText) {
   const TemporaryFolder folder;
   const std::string text = folder.Write("text", "direct {\n  indexed 9 1\n}\n");

@@ -73,8 +73,8 @@ TEST(PalsimFacts, TakesAFileAndNoDevice) {
   };
   for (const auto& [arguments, message] : {
            Case{"facts", "FILE is required"},
-           Case{"facts " + unit, "this is not a file"},
-           Case{"facts " + unit + "/none", "there is no such file"},
+           Case{"facts " + unit, ": Is a directory"},
+           Case{"facts " + unit + "/none", "/none: No such file or directory"},
            Case{unit + " facts -", "was not expected: " + unit},
            Case{"info", "DEVICE is required"},
        }) {

@@ -315,7 +315,7 @@ TEST_F(Palsim, SaysWhatIsWrongWithAScenarioAndPlaysNothing) {
   EXPECT_EQ(Run("run " + folder.Write("rx.scenario", "device rx\n")), 2);
   EXPECT_TRUE(Printed("rx.scenario is for the device rx, and this is rm21")) << output;
   EXPECT_EQ(Run("run none.scenario"), 2);
-  EXPECT_TRUE(Printed("none.scenario is no file that can be read")) << output;
+  EXPECT_TRUE(Printed("none.scenario: No such file or directory")) << output;
   EXPECT_EQ(Run("journal"), 0);
   EXPECT_EQ(output, before) << "nothing was played";
 }

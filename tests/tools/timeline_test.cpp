@@ -1,8 +1,12 @@
 // A run on a time axis: what is made of a journal, how long gaps are cut, the page, and the sound.
 #include "tools/palsim/timeline/timeline.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <random>
 #include <sstream>
 
 #include "platform/sim/hardware/wave_file.h"
@@ -85,6 +89,44 @@ TEST(TimelineModel, KnowsAWaitInVainFromTheEventLog) {
   ASSERT_EQ(timeline.mutexes.at(0).waits.size(), 1u);
   EXPECT_TRUE(timeline.mutexes[0].waits[0].in_vain);
   EXPECT_EQ(timeline.mutexes[0].waits[0].begin, 500u);
+}
+
+// Lines of a journal with wrong times, in any order, cut and with any bytes in them.
+std::string DamagedJournal(std::mt19937& random) {
+  constexpr std::array kTimes{"0", "5000", "5060", "18446744073709551", "junk", "-1"};
+  const auto below = [&](std::size_t count) { return random() % count; };
+  std::vector<std::string> lines;
+  std::istringstream text(kTwoBeeps);
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
+  std::string journal = "= run x\n";
+  for (const char* heading : {"start", "end", "volume", "gain"}) {
+    journal += fmt::format("= {} {}\n", heading, kTimes.at(below(kTimes.size())));
+  }
+  for (std::size_t count = below(40); count > 0; --count) {
+    std::string line = lines.at(below(lines.size()));
+    if (below(3) == 0) line.replace(0, 6, kTimes.at(below(kTimes.size())));
+    if (below(4) == 0) line.at(below(line.size())) = static_cast<char>(random());
+    if (below(8) == 0) line.resize(below(line.size()));
+    journal += line + '\n';
+  }
+  return journal;
+}
+
+TEST(TimelineModel, HasAPictureOfAnyJournal) {
+  std::vector<std::string> journals{
+      "= run empty\n= start 5000\n= end 5000\n     0.000 p1 t1 process a.exe started\n",
+      "= run back\n= start 5000\n= end 0\n", "     9.000 p1 t1 led LED 3 on\n"};
+  std::mt19937 random(1);  // the same journals each time
+  while (journals.size() < 300) journals.push_back(DamagedJournal(random));
+  for (const std::string& journal : journals) {
+    std::istringstream file(journal);
+    const Timeline timeline = MakeTimeline(palsim::ReadRuns(file).at(0));
+    EXPECT_NE(TimelineText(timeline), "");
+    const std::string page = TimelinePage(timeline);
+    for (const char* wrong : {"nan", "inf\"", "width=\"-"}) {
+      EXPECT_EQ(page.find(wrong), std::string::npos) << wrong << "\n" << journal;
+    }
+  }
 }
 
 TEST(RunRecords, KeepRunsApart) {

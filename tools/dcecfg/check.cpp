@@ -16,6 +16,7 @@
 #include "platform/sim/kernel/registry_text.h"
 #include "platform/sim/text.h"
 #include "tools/dcecfg/quote.h"
+#include "tools/dcecfg/syntax.h"
 
 namespace dcecfg {
 namespace {
@@ -144,9 +145,33 @@ std::string Count(std::size_t count, std::string_view noun) {
   return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
+// The device looks for a section's first byte everywhere.
+bool HasSection(std::span<const BYTE> file) {
+  return std::ranges::any_of(kSections, [&](const Section& section) {
+    return section.inside == Context::kFile && std::ranges::find(file, section.first) != file.end();
+  });
+}
+
+bool IsTextForm(std::span<const BYTE> file) {
+  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+  return std::ranges::any_of(kSections, [&](const Section& section) {
+    return section.inside == Context::kFile &&
+           text.find(fmt::format("{} {{", section.word)) != std::string_view::npos;
+  });
+}
+
+CheckReport OtherFile(std::span<const BYTE> file) {
+  CheckReport report;
+  report.is_other = true;
+  report.text = IsTextForm(file) ? "This is the text form; 'dcecfg build' makes the file of it\n"
+                                 : "No section is found; the device would write nothing\n";
+  return report;
+}
+
 }  // namespace
 
 CheckReport Check(std::span<const BYTE> file) {
+  if (!HasSection(file)) return OtherFile(file);
   const ParsedFile parsed(file);
   CheckReport report;
   report.refused = parsed.refused();

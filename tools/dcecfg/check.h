@@ -16,9 +16,10 @@ struct CheckReport {
   std::size_t values = 0;
   std::size_t errors = 0;
   std::size_t warnings = 0;
-  bool refused = false;  // nothing at all would be written
+  bool refused = false;   // nothing at all would be written
+  bool is_other = false;  // no section is in the file
 
-  [[nodiscard]] bool ok() const { return errors == 0 && !refused; }
+  [[nodiscard]] bool ok() const { return errors == 0 && !refused && !is_other; }
 };
 
 // Not for two threads at once: the parser's trace lines come through one function for all.

@@ -7,9 +7,9 @@
 #include <span>
 #include <string>
 
-#include "platform/sim/host_file.h"
 #include "tools/dcecfg/check.h"
 #include "tools/dcecfg/text_form.h"
+#include "tools/streams.h"
 
 namespace {
 
@@ -22,6 +22,7 @@ Examples:
   dcecfg build settings.txt -o dcecfg       write the file \ConfigStore\dcecfg
   dcecfg dump dcecfg > settings.txt         and back; building that gives the same bytes
   dcecfg check dcecfg                       what the device would write, and what is wrong
+  dcecfg build settings.txt -o - | dcecfg check -
 
   A text:
     direct {
@@ -39,23 +40,23 @@ std::span<const BYTE> BytesOf(const std::string& content) {
 
 int Build(const std::string& input, const std::string& output) {
   try {
-    const auto bytes = dcecfg::Build(sim::ReadHostFile(input));
-    sim::ReplaceHostFile(output, output + ".writing",
-                         {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const auto bytes = dcecfg::Build(tools::ReadInput(input));
+    tools::WriteOutput(output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     return kSuccess;
   } catch (const dcecfg::TextError& error) {
-    fmt::print(stderr, "{}:{}:{}: {}\n", input, error.line(), error.column(), error.what());
+    fmt::print(stderr, "{}:{}:{}: {}\n", tools::InputName(input), error.line(), error.column(),
+               error.what());
     return kFailure;
   }
 }
 
 int Dump(const std::string& file) {
-  fmt::print("{}", dcecfg::Dump(BytesOf(sim::ReadHostFile(file))));
+  fmt::print("{}", dcecfg::Dump(BytesOf(tools::ReadInput(file))));
   return kSuccess;
 }
 
 int Check(const std::string& file) {
-  const dcecfg::CheckReport report = dcecfg::Check(BytesOf(sim::ReadHostFile(file)));
+  const dcecfg::CheckReport report = dcecfg::Check(BytesOf(tools::ReadInput(file)));
   fmt::print("{}", report.text);
   return report.ok() ? kSuccess : kFailure;
 }
@@ -66,8 +67,9 @@ class CommandLine {
     app_.footer(kFooter);
     app_.require_subcommand(1);
     auto* build = app_.add_subcommand("build", "Write the file that a text describes");
-    build->add_option("TEXT", input_, "The text")->required();
-    build->add_option("-o,--output", output_, "The file to write")->required();
+    build->add_option("TEXT", input_, "The text; - is standard input")->required();
+    build->add_option("-o,--output", output_, "The file to write; - is standard output")
+        ->required();
     build->callback([this] { status_ = Build(input_, output_); });
     AddReader("dump", "Show a file, any file, as text", &Dump);
     AddReader("check", "Say what the device would do with a file", &Check);
@@ -85,7 +87,8 @@ class CommandLine {
  private:
   void AddReader(const char* name, const char* what, int (*command)(const std::string&)) {
     auto* subcommand = app_.add_subcommand(name, what);
-    subcommand->add_option("FILE", input_, "The configuration-store file")->required();
+    subcommand->add_option("FILE", input_, "The configuration-store file; - is standard input")
+        ->required();
     subcommand->callback([this, command] { status_ = command(input_); });
   }
 
@@ -99,7 +102,7 @@ class CommandLine {
 
 int main(int argc, char** argv) {
   try {
-    return CommandLine().Run(argc, argv);
+    return tools::CheckedOutput("dcecfg", [&] { return CommandLine().Run(argc, argv); });
   } catch (const std::exception& error) {
     fmt::print(stderr, "dcecfg: {}\n", error.what());
     return kFailure;

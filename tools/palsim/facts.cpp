@@ -2,14 +2,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iostream>
 #include <string_view>
 
 #include "platform/conformance/report.h"
 #include "platform/sim/device_folder.h"
-#include "platform/sim/host_file.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/usage_error.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -76,16 +75,9 @@ Report ParseReport(const std::string& name, std::string_view text) {
 
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;  // a report has some ten thousand
 
-std::string ReadInput() {
-  std::string text;
-  for (char byte = 0; text.size() <= kMostBytes && std::cin.get(byte);) text += byte;
-  return text;
-}
-
 Report ReadReport(const std::string& file) try {
-  const bool is_input = file == "-";
-  const std::string text = is_input ? ReadInput() : sim::ReadHostFile(file);
-  const std::string name = is_input ? "standard input" : file;
+  const std::string text = tools::ReadInput(file);
+  const std::string name = tools::InputName(file);
   if (text.size() > kMostBytes) throw UsageError(name + " is larger than any report");
   return ParseReport(name, text);
 } catch (const sim::DeviceFolderError& error) {

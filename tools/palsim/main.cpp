@@ -7,6 +7,7 @@
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/export_call.h"
+#include "tools/streams.h"
 
 namespace {
 
@@ -145,7 +146,7 @@ class CommandLine {
   void AddRun() {
     auto* command =
         AddOnDevice("run", "Play a scenario", [this] { return palsim::Run(folder_, run_); });
-    command->add_option("FILE", run_.file, "The scenario's text")->required();
+    command->add_option("FILE", run_.file, "The scenario's text; - is standard input")->required();
     command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
     command->add_flag("--journal", run_.journal, "Print every effect as it comes");
     command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
@@ -161,8 +162,9 @@ class CommandLine {
   }
 
   static void AddFiles(CLI::App& command, palsim::TimelineOptions& options) {
-    command.add_option("--html", options.html, "Write the timeline as a page for a browser");
-    command.add_option("--wav", options.wav, "Write the run's sound");
+    command.add_option("--html", options.html,
+                       "Write the timeline as a page for a browser; - is standard output");
+    command.add_option("--wav", options.wav, "Write the run's sound; - is standard output");
   }
 
   void AddJournal() {
@@ -215,7 +217,7 @@ class CommandLine {
 
 int main(int argc, char** argv) {
   try {
-    return CommandLine().Run(argc, argv);
+    return tools::CheckedOutput("palsim", [&] { return CommandLine().Run(argc, argv); });
   } catch (const palsim::UsageError& error) {
     fmt::print(stderr, "palsim: {}\n", error.what());
     return palsim::kUsage;

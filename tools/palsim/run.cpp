@@ -1,7 +1,6 @@
 // The commands that play a scenario and show what a run was.
 #include <fmt/format.h>
 
-#include "platform/sim/host_file.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/scenario/scenario.h"
 #include "tools/palsim/scenario/stage.h"
@@ -11,21 +10,18 @@
 #include "tools/palsim/timeline/text.h"
 #include "tools/palsim/timeline/timeline.h"
 #include "tools/palsim/usage_error.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
 
-void WriteFile(const std::string& file, std::string_view bytes) {
-  sim::ReplaceHostFile(file, file + ".new", bytes);
-}
-
 void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOptions& options) {
   const Timeline timeline = MakeTimeline(run);
   if (options.text) fmt::print("{}", TimelineText(timeline));
-  if (!options.html.empty()) WriteFile(options.html, TimelinePage(timeline));
+  if (!options.html.empty()) tools::WriteOutput(options.html, TimelinePage(timeline));
   if (options.wav.empty()) return;
   const RunSound sound = SoundOfRun(timeline, files);
-  WriteFile(options.wav, sound.wav);
+  tools::WriteOutput(options.wav, sound.wav);
   for (const std::string& path : sound.missing) {
     fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n", path);
   }
@@ -68,7 +64,10 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
                expectations);
     return kFailure;
   }
-  fmt::print("{}: {} expectations hold\n", scenario.name, expectations);
+  // Standard output can be the page's or the sound's.
+  const bool is_free = options.timeline.html != tools::kStandardStream &&
+                       options.timeline.wav != tools::kStandardStream;
+  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name, expectations);
   return kSuccess;
 }
 

@@ -1,10 +1,11 @@
 #include "tools/palsim/session.h"
 
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <fstream>
 
 #include "platform/sim/hardware/hardware.h"
+#include "tools/streams.h"
 
 namespace palsim {
 
@@ -30,8 +31,7 @@ sim::Process& Session::process() {
 void Session::PrintJournal(std::optional<sim::Effect> only) {
   device_.journal().set_listener([only](const sim::JournalEntry& entry) {
     if (only && entry.effect != *only) return;
-    fmt::print("  {}\n", sim::ToLine(entry));
-    std::fflush(stdout);
+    tools::PrintAtOnce(fmt::format("  {}\n", sim::ToLine(entry)));
   });
 }
 

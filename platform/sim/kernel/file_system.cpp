@@ -28,10 +28,8 @@ bool IsNameAllowed(std::string_view name) {
 }
 
 std::shared_ptr<FileNode> FindChild(const FileNode& folder, std::string_view name) {
-  for (const std::shared_ptr<FileNode>& child : folder.children) {
-    if (EqualNoCase(child->name, name)) return child;
-  }
-  return nullptr;
+  const std::shared_ptr<FileNode>* const found = folder.children.Find(name);
+  return found == nullptr ? nullptr : *found;
 }
 
 std::shared_ptr<FileNode> FindOrAdd(FileNode& folder, std::string_view name, bool is_folder) {
@@ -41,7 +39,7 @@ std::shared_ptr<FileNode> FindOrAdd(FileNode& folder, std::string_view name, boo
   auto child = std::make_shared<FileNode>();
   child->name = name;
   child->is_folder = is_folder;
-  folder.children.push_back(child);
+  folder.children.Add(name, child);
   return child;
 }
 
@@ -61,7 +59,7 @@ std::shared_ptr<FileNode> CopyOf(const FileNode& node) {
   copy->name = node.name;
   copy->is_folder = node.is_folder;
   copy->data = node.data;
-  for (const auto& child : node.children) copy->children.push_back(CopyOf(*child));
+  for (const auto& child : node.children.items()) copy->children.Add(child->name, CopyOf(*child));
   return copy;
 }
 
@@ -107,7 +105,7 @@ std::shared_ptr<FileNode> FileSystem::CreateFolder(std::string_view path) {
 bool FileSystem::Remove(std::string_view path) {
   const std::shared_ptr<FileNode> node = Find(path);
   if (!node || node == root_) return false;
-  return std::erase(Find(Split(path).folder)->children, node) != 0;
+  return Find(Split(path).folder)->children.Remove(node->name);
 }
 
 void FileSystem::Write(std::string_view path, std::vector<std::uint8_t> data) {

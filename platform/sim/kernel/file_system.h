@@ -8,13 +8,15 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/sim/kernel/named_list.h"
+
 namespace sim {
 
 struct FileNode {
   std::string name;  // in its first spelling, UTF-8
   bool is_folder = false;
   std::vector<std::uint8_t> data;
-  std::vector<std::shared_ptr<FileNode>> children;
+  NamedList<char, std::shared_ptr<FileNode>> children;
   // The open handles, for the sharing rules: how many read or write, and how many let others read
   // or write.
   int readers = 0;

@@ -39,19 +39,6 @@ bool IsAllowedBelow(unsigned depth, std::u16string_view path) {
   return true;
 }
 
-std::shared_ptr<RegistryKey> FindChild(const RegistryKey& key, std::u16string_view name) {
-  for (const std::shared_ptr<RegistryKey>& child : key.keys()) {
-    if (EqualNoCase(child->name(), name)) return child;
-  }
-  return nullptr;
-}
-
-template <typename Values>
-auto FindByName(Values& values, std::u16string_view name) {
-  return std::find_if(values.begin(), values.end(),
-                      [name](const RegistryValue& value) { return EqualNoCase(value.name, name); });
-}
-
 }  // namespace
 
 std::vector<std::uint8_t> DwordData(std::uint32_t number) {
@@ -90,7 +77,7 @@ std::u16string UnitsOf(const std::vector<std::uint8_t>& data) {
 }
 
 RegistryKey::~RegistryKey() {
-  for (const std::shared_ptr<RegistryKey>& child : keys_) child->parent_ = nullptr;
+  for (const std::shared_ptr<RegistryKey>& child : keys()) child->parent_ = nullptr;
 }
 
 std::u16string RegistryKey::Path() const {
@@ -103,47 +90,42 @@ std::u16string RegistryKey::Path() const {
 }
 
 const RegistryValue* RegistryKey::FindValue(std::u16string_view name) const {
-  const auto found = FindByName(values_, name);
-  return found == values_.end() ? nullptr : &*found;
+  return values_.Find(name);
 }
 
 void RegistryKey::SetValue(std::u16string_view name, std::uint32_t type,
                            std::vector<std::uint8_t> data) {
-  const auto found = FindByName(values_, name);
-  if (found == values_.end()) {
-    values_.push_back({std::u16string(name), type, std::move(data)});
+  RegistryValue* const value = values_.Find(name);
+  if (value == nullptr) {
+    values_.Add(name, {std::u16string(name), type, std::move(data)});
     return;
   }
-  found->type = type;
-  found->data = std::move(data);
+  value->type = type;
+  value->data = std::move(data);
 }
 
 bool RegistryKey::DeleteValue(std::u16string_view name) {
-  const auto found = FindByName(values_, name);
-  if (found == values_.end()) return false;
-  values_.erase(found);
-  return true;
+  return values_.Remove(name);
 }
 
 void RegistryKey::Detach() {
   deleted_ = true;
   parent_ = nullptr;
-  for (const std::shared_ptr<RegistryKey>& child : keys_) child->Detach();
-  keys_.clear();
-  values_.clear();
+  for (const std::shared_ptr<RegistryKey>& child : keys()) child->Detach();
+  keys_.Clear();
+  values_.Clear();
 }
 
 std::shared_ptr<RegistryKey> RegistryKey::CopyBelow(RegistryKey* parent) const {
   auto copy = std::make_shared<RegistryKey>(name_, parent);
   copy->values_ = values_;
-  copy->keys_.reserve(keys_.size());
-  for (const auto& key : keys_) copy->keys_.push_back(key->CopyBelow(copy.get()));
+  for (const auto& key : keys()) copy->keys_.Add(key->name(), key->CopyBelow(copy.get()));
   return copy;
 }
 
 bool RegistryKey::IsOpen() const {
   return handles_ > 0 ||
-         std::any_of(keys_.begin(), keys_.end(), [](const auto& child) { return child->IsOpen(); });
+         std::ranges::any_of(keys(), [](const auto& child) { return child->IsOpen(); });
 }
 
 unsigned RegistryKey::Depth() const {
@@ -162,7 +144,8 @@ std::shared_ptr<RegistryKey> Registry::Find(const std::shared_ptr<RegistryKey>& 
                                             std::u16string_view path) {
   std::shared_ptr<RegistryKey> key = from->deleted() ? nullptr : from;
   for (auto name = TakeName(path); key && !name.empty(); name = TakeName(path)) {
-    key = FindChild(*key, name);
+    const std::shared_ptr<RegistryKey>* const child = key->keys_.Find(name);
+    key = child == nullptr ? nullptr : *child;
   }
   return key;
 }
@@ -172,11 +155,12 @@ Registry::Created Registry::Create(const std::shared_ptr<RegistryKey>& from,
   if (from->deleted() || !IsAllowedBelow(from->Depth(), path)) return {};
   Created created{from, false};
   for (auto name = TakeName(path); !name.empty(); name = TakeName(path)) {
-    std::shared_ptr<RegistryKey> child = FindChild(*created.key, name);
+    const std::shared_ptr<RegistryKey>* const found = created.key->keys_.Find(name);
+    std::shared_ptr<RegistryKey> child = found == nullptr ? nullptr : *found;
     created.is_new = child == nullptr;
     if (created.is_new) {
       child = std::make_shared<RegistryKey>(std::u16string(name), created.key.get());
-      created.key->keys_.push_back(child);
+      created.key->keys_.Add(name, child);
     }
     created.key = std::move(child);
   }
@@ -195,7 +179,7 @@ Registry::Removal Registry::Remove(const std::shared_ptr<RegistryKey>& from,
 bool Registry::RemoveTree(const std::shared_ptr<RegistryKey>& from, std::u16string_view path) {
   const std::shared_ptr<RegistryKey> key = Find(from, path);
   if (!key || key->parent_ == nullptr) return false;
-  std::erase(key->parent_->keys_, key);
+  key->parent_->keys_.Remove(key->name_);
   key->Detach();
   return true;
 }

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/sim/kernel/named_list.h"
+
 namespace sim {
 
 struct RegistryValue {
@@ -48,8 +50,10 @@ class RegistryKey {
   void AddHandle() { ++handles_; }
   void RemoveHandle() { --handles_; }
 
-  [[nodiscard]] const std::vector<std::shared_ptr<RegistryKey>>& keys() const { return keys_; }
-  [[nodiscard]] const std::vector<RegistryValue>& values() const { return values_; }
+  [[nodiscard]] const std::vector<std::shared_ptr<RegistryKey>>& keys() const {
+    return keys_.items();
+  }
+  [[nodiscard]] const std::vector<RegistryValue>& values() const { return values_.items(); }
   [[nodiscard]] const RegistryValue* FindValue(std::u16string_view name) const;
 
   // A value that exists keeps its place and the spelling of its name.
@@ -66,8 +70,8 @@ class RegistryKey {
   RegistryKey* parent_;
   bool deleted_ = false;
   unsigned handles_ = 0;
-  std::vector<std::shared_ptr<RegistryKey>> keys_;
-  std::vector<RegistryValue> values_;
+  NamedList<char16_t, std::shared_ptr<RegistryKey>> keys_;
+  NamedList<char16_t, RegistryValue> values_;
 };
 
 class Registry {

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <atomic>
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <span>
@@ -17,11 +17,14 @@
 namespace sim {
 namespace {
 
-// Unique on the host, also beside other devices and other test runs.
-std::filesystem::path CopyPath() {
-  static std::atomic<unsigned> copies = 0;
-  return std::filesystem::temp_directory_path() /
-         fmt::format("DVLORQPAL.{}.{}.dll", GetCurrentProcessId(), copies++);
+// A new file in the user's own folder for such files: no other program has made it before.
+std::filesystem::path NewFile() {
+  std::array<wchar_t, MAX_PATH + 1> path{};
+  const auto folder = std::filesystem::temp_directory_path();
+  if (GetTempFileNameW(folder.c_str(), L"PAL", 0, path.data()) == 0) {
+    throw std::runtime_error(fmt::format("cannot make a file: error {}", GetLastError()));
+  }
+  return path.data();
 }
 
 struct Writable {
@@ -51,7 +54,7 @@ std::string ReadImage(const std::filesystem::path& file) {
 
 class HostLibrary : public LoadedLibrary {
  public:
-  explicit HostLibrary(const std::filesystem::path& library) : path_(CopyPath()) {
+  explicit HostLibrary(const std::filesystem::path& library) : path_(NewFile()) {
     // The copy has no entry, so that Windows does not call it: the simulated device does.
     std::string image = ReadImage(library);
     entry_ = std::exchange(HeadersOf(image.data()).OptionalHeader.AddressOfEntryPoint, 0);

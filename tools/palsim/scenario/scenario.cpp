@@ -4,10 +4,11 @@
 
 #include <algorithm>
 
-#include "platform/sim/host_file.h"
+#include "platform/sim/device_folder.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/scenario/values.h"
 #include "tools/palsim/usage_error.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -78,11 +79,12 @@ Scenario ParseScenario(const std::string& name, std::string_view text) {
   return scenario;
 }
 
-Scenario ReadScenario(const std::filesystem::path& file) {
-  if (!std::filesystem::is_regular_file(file)) {
-    throw UsageError(file.string() + " is no file that can be read");
-  }
-  return ParseScenario(file.filename().string(), sim::DecodeTextFile(sim::ReadHostFile(file)));
+Scenario ReadScenario(const std::filesystem::path& file) try {
+  const std::string name =
+      file == tools::kStandardStream ? tools::InputName(file.string()) : file.filename().string();
+  return ParseScenario(name, sim::DecodeTextFile(tools::ReadInput(file.string())));
+} catch (const sim::DeviceFolderError& error) {
+  throw UsageError(error.what());
 }
 
 }  // namespace palsim

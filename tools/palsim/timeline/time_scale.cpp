@@ -1,6 +1,7 @@
 #include "tools/palsim/timeline/time_scale.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "tools/palsim/scenario/values.h"
 #include "tools/palsim/timeline/timeline.h"
@@ -70,13 +71,11 @@ TimeScale::TimeScale(const std::vector<std::uint64_t>& moments, const ScaleSizes
 }
 
 double TimeScale::At(std::uint64_t time_ms) const {
-  for (const Interval& interval : intervals_) {
-    if (time_ms > interval.end) continue;
-    const double part = static_cast<double>(time_ms - interval.begin) /
-                        static_cast<double>(interval.end - interval.begin);
-    return interval.from + part * (interval.to - interval.from);
-  }
-  return width();
+  const auto interval = std::ranges::lower_bound(intervals_, time_ms, {}, &Interval::end);
+  if (interval == intervals_.end()) return width();
+  const double part = static_cast<double>(time_ms - interval->begin) /
+                      static_cast<double>(interval->end - interval->begin);
+  return interval->from + part * (interval->to - interval->from);
 }
 
 std::uint64_t TimeScale::TickStep(double least) const {
@@ -93,11 +92,12 @@ std::vector<TimeScale::Tick> TimeScale::Ticks(double character_width) const {
   const std::uint64_t step = TickStep(room);
   std::vector<Tick> ticks;
   double free = 0;
+  auto cut = intervals_.begin();  // the next one
   for (std::size_t index = 0; index < intervals_.size(); ++index) {
     const Interval& interval = intervals_[index];
     if (interval.cut) continue;
-    const auto cut = std::find_if(intervals_.begin() + static_cast<std::ptrdiff_t>(index),
-                                  intervals_.end(), [](const Interval& next) { return next.cut; });
+    const auto here = intervals_.begin() + static_cast<std::ptrdiff_t>(index);
+    cut = std::find_if(std::max(cut, here), intervals_.end(), std::mem_fn(&Interval::cut));
     const double end = cut == intervals_.end() ? width() + room : cut->from;
     const auto add = [&](std::uint64_t time) {
       Tick tick{time, At(time), MomentText(time)};

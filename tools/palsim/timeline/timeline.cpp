@@ -21,7 +21,7 @@ class Builder {
     timeline_.run = run;
     if (run.volume) timeline_.volume.push_back({0, *run.volume});
     if (run.gain) timeline_.gain.push_back({0, *run.gain});
-    for (JournalEntry& entry : timeline_.run.entries) entry.time_ms -= run.start_ms;
+    SetTimes();
   }
 
   Timeline Build() {
@@ -32,7 +32,6 @@ class Builder {
       if (entry.process_id == 0) TakeOutside(entry);
       last_seen_[{entry.process_id, entry.thread_id}] = entry.time_ms;
     }
-    timeline_.length_ms = timeline_.run.end_ms - timeline_.run.start_ms;
     CloseWhatIsOpen();
     return std::move(timeline_);
   }
@@ -43,6 +42,21 @@ class Builder {
     void (Builder::*take)(const JournalEntry& entry);
   };
   static const std::array<Row, 7> kRows;
+
+  // Times from the start of the run. What a device does before its clock is set stands before the
+  // start, and a journal can be edited: no time goes back, and none is beyond what can be drawn.
+  void SetTimes() {
+    static constexpr std::uint64_t kLongestMs = std::uint64_t{1} << 40;  // 34 years
+    const std::uint64_t start = timeline_.run.start_ms;
+    const auto since_start = [start](std::uint64_t time_ms) {
+      return time_ms < start ? 0 : std::min(time_ms - start, kLongestMs);
+    };
+    std::uint64_t last = 0;
+    for (JournalEntry& entry : timeline_.run.entries) {
+      entry.time_ms = last = std::max(last, since_start(entry.time_ms));
+    }
+    timeline_.length_ms = std::max(last, since_start(timeline_.run.end_ms));
+  }
 
   template <class Kind>
   static Kind Begun(const JournalEntry& entry) {
@@ -91,11 +105,12 @@ class Builder {
       line->calls.push_back(std::move(call));
       return;
     }
-    for (CallSpan& call : line->calls) {
-      if (!call.open || call.thread != entry.thread_id) continue;
-      call.result = entry.text.substr(equals + 4);
-      Close(call, entry.time_ms);
-    }
+    const auto call = std::find_if(line->calls.rbegin(), line->calls.rend(), [&](const auto& each) {
+      return each.open && each.thread == entry.thread_id;
+    });
+    if (call == line->calls.rend()) return;
+    call->result = entry.text.substr(equals + 4);
+    Close(*call, entry.time_ms);
   }
 
   MutexLine& Mutex(const std::string& name) {
@@ -116,10 +131,11 @@ class Builder {
       mutex.holds.push_back(hold);
       return;
     }
-    for (HoldSpan& hold : mutex.holds) {
-      if (!hold.open || hold.process != entry.process_id) continue;
-      hold.abandoned = what == "abandoned";
-      Close(hold, entry.time_ms);
+    // One process after the other holds it, so that what is open stands at the end.
+    for (auto hold = mutex.holds.rbegin(); hold != mutex.holds.rend() && hold->open; ++hold) {
+      if (hold->process != entry.process_id) continue;
+      hold->abandoned = what == "abandoned";
+      Close(*hold, entry.time_ms);
     }
   }
 

@@ -1,0 +1,102 @@
+#include "tools/streams.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "platform/sim/device_folder.h"
+#include "platform/sim/host_file.h"
+
+namespace tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kMostBytes = std::size_t{64} * 1024 * 1024;
+
+int first_error = 0;  // of standard output
+
+struct Close {
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+using File = std::unique_ptr<std::FILE, Close>;
+
+[[noreturn]] void Fail(const std::string& name, int error) {
+  throw sim::DeviceFolderError(name + ": " + std::generic_category().message(error));
+}
+
+std::string ReadAll(std::FILE* file, const std::string& name) {
+  std::string bytes;
+  std::array<char, 65536> block{};
+  while (const std::size_t count = std::fread(block.data(), 1, block.size(), file)) {
+    bytes.append(block.data(), count);
+    if (bytes.size() > kMostBytes) throw sim::DeviceFolderError(name + ": more than 64 MB");
+  }
+  if (std::ferror(file) != 0) Fail(name, errno);
+  return bytes;
+}
+
+void Keep(bool succeeded) {
+  if (!succeeded && first_error == 0) first_error = errno;
+}
+
+// The work's exit status. Where a print failed there is none, and the error is kept.
+int StatusOf(const std::function<int()>& work) {
+  try {
+    return work();
+  } catch (const std::system_error& error) {
+    if (std::ferror(stdout) == 0) throw;
+    errno = error.code().value();
+    Keep(false);
+    return 1;
+  }
+}
+
+}  // namespace
+
+std::string InputName(const std::string& file) {
+  return file == kStandardStream ? "standard input" : file;
+}
+
+std::string ReadInput(const std::string& file) {
+  if (file == kStandardStream) return ReadAll(stdin, InputName(file));
+  const File opened(std::fopen(file.c_str(), "rb"));
+  if (opened == nullptr) Fail(file, errno);
+  return ReadAll(opened.get(), file);
+}
+
+void WriteOutput(const std::string& file, std::string_view bytes) {
+  if (file == kStandardStream) return PrintAtOnce(bytes);
+  std::error_code ignored;
+  const fs::path path = fs::is_symlink(file, ignored) ? fs::weakly_canonical(file) : fs::path(file);
+  if (!fs::exists(path, ignored) || fs::is_regular_file(path, ignored)) {
+    return sim::ReplaceHostFile(path, path.string() + ".writing", bytes);
+  }
+  File opened(std::fopen(path.c_str(), "wb"));
+  if (opened == nullptr) Fail(file, errno);
+  const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) == bytes.size();
+  if (!taken || std::fflush(opened.get()) != 0) Fail(file, errno);
+}
+
+void PrintAtOnce(std::string_view text) {
+  Keep(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+  Keep(std::fflush(stdout) == 0);
+}
+
+int CheckedOutput(const char* tool, const std::function<int()>& work) {
+  const int status = StatusOf(work);
+  Keep(std::fflush(stdout) == 0);
+  if (first_error == 0) return status;
+  if (first_error != EPIPE) {
+    fmt::print(stderr, "{}: standard output: {}\n", tool,
+               std::generic_category().message(first_error));
+  }
+  return 1;
+}
+
+}  // namespace tools
