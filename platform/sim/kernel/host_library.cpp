@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <mutex>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string_view>
@@ -113,12 +115,20 @@ int FindRanges(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
   for (const volatile std::uint64_t* const end = from + count; from != end;) *to++ = *from++;
 }
 
+// The first that loads a file needs no copy of it, and every tool of the host finds its symbols.
+bool IsFirst(const std::filesystem::path& library) {
+  static std::mutex mutex;
+  static std::set<std::filesystem::path> loaded;
+  const std::lock_guard lock(mutex);
+  return loaded.insert(library).second;
+}
+
 class HostLibrary : public LoadedLibrary {
  public:
   explicit HostLibrary(const std::filesystem::path& library) {
-    const std::string image = ReadHostFile(std::filesystem::canonical(library));
-    std::string reason;
-    if (!Load(FileInMemory(), image, reason)) LoadFromFolder(image, reason);
+    const std::filesystem::path path = std::filesystem::canonical(library);
+    if (IsFirst(path)) module_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module_ == nullptr) LoadCopy(ReadHostFile(path));
     KeepWritableData();
   }
   ~HostLibrary() override { dlclose(module_); }
@@ -136,7 +146,7 @@ class HostLibrary : public LoadedLibrary {
 
  private:
   bool Load(std::unique_ptr<PrivateFile> file, std::string_view image, std::string& reason);
-  void LoadFromFolder(std::string_view image, std::string& reason);
+  void LoadCopy(std::string_view image);
   void KeepWritableData();
 
   std::unique_ptr<PrivateFile> file_;  // open as long as it is loaded: no other gets its path
@@ -161,7 +171,9 @@ bool HostLibrary::Load(std::unique_ptr<PrivateFile> file, std::string_view image
   return module_ != nullptr;
 }
 
-void HostLibrary::LoadFromFolder(std::string_view image, std::string& reason) {
+void HostLibrary::LoadCopy(std::string_view image) {
+  std::string reason;
+  if (Load(FileInMemory(), image, reason)) return;
   for (const std::filesystem::path& folder : Folders()) {
     std::unique_ptr<PrivateFile> file = FileInFolder(folder);
     const std::string path = file == nullptr ? "" : file->path();
