@@ -11,6 +11,7 @@
 
 #include "platform/sim/device_folder.h"
 #include "platform/sim/host_file.h"
+#include "platform/sim/journal.h"
 
 namespace tools {
 namespace {
@@ -81,6 +82,15 @@ void WriteOutput(const std::string& file, std::string_view bytes) {
   if (opened == nullptr) Fail(file, errno);
   const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) == bytes.size();
   if (!taken || std::fflush(opened.get()) != 0) Fail(file, errno);
+}
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+    printable += sim::Escape(text.substr(0, end)) + '\n';
+    text.remove_prefix(end + 1);
+  }
+  return printable + sim::Escape(text);
 }
 
 void PrintAtOnce(std::string_view text) {
