@@ -78,7 +78,7 @@ void WriteOutput(const std::string& file, std::string_view bytes) {
   if (!fs::exists(path, ignored) || fs::is_regular_file(path, ignored)) {
     return sim::ReplaceHostFile(path, path.string() + ".writing", bytes);
   }
-  File opened(std::fopen(path.c_str(), "wb"));
+  File opened(std::fopen(path.string().c_str(), "wb"));
   if (opened == nullptr) Fail(file, errno);
   const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) == bytes.size();
   if (!taken || std::fflush(opened.get()) != 0) Fail(file, errno);
@@ -101,6 +101,7 @@ void PrintAtOnce(std::string_view text) {
 int CheckedOutput(const char* tool, const std::function<int()>& work) {
   const int status = StatusOf(work);
   Keep(std::fflush(stdout) == 0);
+  if (first_error == 0 && std::ferror(stdout) != 0) first_error = EIO;  // of an unknown cause
   if (first_error == 0) return status;
   if (first_error != EPIPE) {
     fmt::print(stderr, "{}: standard output: {}\n", tool,

@@ -107,7 +107,7 @@ class CommandLine {
     std::vector<std::string> words = app_.remaining();
     words.push_back(folder_);
     for (const std::string& word : words) {
-      const std::string hint = palsim::DidYouMean(word, {names.begin(), names.end()});
+      std::string hint = palsim::DidYouMean(word, {names.begin(), names.end()});
       if (!hint.empty()) return hint;
     }
     return {};
