@@ -11,6 +11,7 @@
 
 #include "platform/sim/device_folder.h"
 #include "platform/sim/host_file.h"
+#include "platform/sim/journal.h"
 
 namespace tools {
 namespace {
@@ -77,10 +78,19 @@ void WriteOutput(const std::string& file, std::string_view bytes) {
   if (!fs::exists(path, ignored) || fs::is_regular_file(path, ignored)) {
     return sim::ReplaceHostFile(path, path.string() + ".writing", bytes);
   }
-  File opened(std::fopen(path.c_str(), "wb"));
+  File opened(std::fopen(path.string().c_str(), "wb"));
   if (opened == nullptr) Fail(file, errno);
   const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) == bytes.size();
   if (!taken || std::fflush(opened.get()) != 0) Fail(file, errno);
+}
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+    printable += sim::Escape(text.substr(0, end)) + '\n';
+    text.remove_prefix(end + 1);
+  }
+  return printable + sim::Escape(text);
 }
 
 void PrintAtOnce(std::string_view text) {
@@ -91,6 +101,7 @@ void PrintAtOnce(std::string_view text) {
 int CheckedOutput(const char* tool, const std::function<int()>& work) {
   const int status = StatusOf(work);
   Keep(std::fflush(stdout) == 0);
+  if (first_error == 0 && std::ferror(stdout) != 0) first_error = EIO;  // of an unknown cause
   if (first_error == 0) return status;
   if (first_error != EPIPE) {
     fmt::print(stderr, "{}: standard output: {}\n", tool,

@@ -20,6 +20,9 @@ inline constexpr std::string_view kStandardStream = "-";
 // device; "-" is standard output. Throws sim::DeviceFolderError with the cause.
 void WriteOutput(const std::string& file, std::string_view bytes);
 
+// A text for the terminal: what would control it stands as \x1B; lines stay lines.
+[[nodiscard]] std::string Printable(std::string_view text);
+
 // Prints to standard output at once. An error is kept for CheckedOutput.
 void PrintAtOnce(std::string_view text);
 

@@ -103,6 +103,11 @@ void Device::ClearFaults() {
   kernel_->faults.Clear();
 }
 
+std::vector<std::string> Device::faults_not_reached() const {
+  const Scheduler::Lock lock(kernel_->mutex);
+  return kernel_->faults.NotReached();
+}
+
 std::vector<std::string> Device::faulted_calls() const {
   const Scheduler::Lock lock(kernel_->mutex);
   const std::vector<CallId>& faulted = kernel_->faults.faulted();

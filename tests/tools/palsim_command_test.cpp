@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string>
 
+#include "platform/sim/journal.h"
 #include "tests/support/command_line.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/palsim/names.h"
@@ -45,7 +46,7 @@ TEST_F(Palsim, KeepsADeviceFromCommandToCommand) {
   EXPECT_TRUE(Printed("\"OneByteAfterFidFmt\"=hex:41,01")) << output;
   EXPECT_EQ(Run("journal --effect process"), 0);
   EXPECT_EQ(output,
-            "     0.000 p1 t1 process dvlkbd.exe started: \n"
+            "     0.000 p1 t1 process dvlkbd.exe started\n"
             "     0.000 p2 t1 process palsim.exe started\n"
             "     0.000 p2 t1 process palsim.exe attached\n"
             "     0.000 p2 t1 process palsim.exe detaches\n"
@@ -320,6 +321,52 @@ TEST_F(Palsim, SaysWhatIsWrongWithAScenarioAndPlaysNothing) {
   EXPECT_EQ(output, before) << "nothing was played";
 }
 
+TEST_F(Palsim, ListsSamplesAndEffectsAndSuggestsWhatWasMeant) {
+  const std::string samples = RunTool("palsim samples").output;
+  EXPECT_NE(samples.find("rm23     The smaller sister of the rm21"), std::string::npos) << samples;
+  const std::string effects = RunTool("palsim --effects").output;
+  for (unsigned effect = 0; effect <= static_cast<unsigned>(sim::Effect::kDebug); ++effect) {
+    const std::string_view name = sim::EffectName(static_cast<sim::Effect>(effect));
+    EXPECT_NE(effects.find(fmt::format("  {:<10} ", name)), std::string::npos) << name;
+  }
+  ASSERT_EQ(Run("new"), 0);
+  struct Case {
+    std::string scenario, message;
+  };
+  for (const Case& test : {
+           Case{"scanner start\n", "did you mean:\n    PROCESS starts\n"},
+           Case{"expect nobody returned S_OK\n", ":1: no process nobody has started\n"},
+           Case{"fail call 3 of Sleep\n", ": not reached: Sleep:3, of 0 calls\n"},
+           Case{"fail call 3 of Sleep\nno more faults\n", ":2: not reached: Sleep:3, of 0 calls\n"},
+       }) {
+    Run("run -", test.scenario);
+    EXPECT_TRUE(Printed(test.message)) << output;
+  }
+  Run("call PALBEEPKeyClick --fail RegSetValueExW:900");
+  EXPECT_TRUE(Printed("palsim: not reached: RegSetValueExW:900, of ")) << output;
+  Run("shell", "hlep\n");
+  EXPECT_TRUE(Printed("there is no command 'hlep'; did you mean help?")) << output;
+}
+
+TEST_F(Palsim, PrintsAndKeepsNoPasswordNoForgedLineAndNoControlCharacter) {
+  ASSERT_EQ(Run("new"), 0);
+  Run("call PALSecurity_CheckPx member geheim");
+  EXPECT_TRUE(Printed("PALSecurity_CheckPx = ")) << output;
+  Run("run -", "rig starts\nrig calls PALSecurity_CheckPx member geheim\n");
+  EXPECT_EQ(Run("call PALBEEPKeyClick --process 'a\n     0.000 p9 t9 led x.exe'"), 2);
+  EXPECT_TRUE(Printed("is no name of a process")) << output;
+  Run("run - --timeline", "title \x1B[31m\nset HKLM\\A\\\x1B[31mB = 5\n");
+  EXPECT_TRUE(Printed("\\x1B[31m\n") && !Printed("\x1B")) << output;
+  Run("run -", "\x1B[31m\n");
+  EXPECT_FALSE(Printed("\x1B")) << output;
+  std::ofstream(unit / "journal.log", std::ios::app) << "     0.000 p1 t1 led \x1B[31m\n";
+  Run("journal");
+  EXPECT_TRUE(Printed("PALSecurity_CheckPx(member, ***) = ")) << output;
+  EXPECT_FALSE(Printed("\x1B") || Printed("geheim") || Printed(" p9 ")) << output;
+  Run("timeline --html -");
+  EXPECT_FALSE(Printed("\x1B") || Printed("geheim"));
+}
+
 TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
   struct Case {
     std::string arguments;
@@ -331,6 +378,9 @@ TEST_F(Palsim, TellsWrongUseFromAnUnusableDevice) {
            Case{"new", 2, "is a device already; --force makes it anew"},
            Case{"new --force --sample none", 2, "there is no sample device 'none'"},
            Case{"call ConfigStore", 2, "did you mean PALMFGOpt_ConfigStoreRegUpdate?"},
+           Case{"call PALBEEPGoodRed 1", 2, "did you mean PALBEEPGoodReadEx?"},
+           Case{"cal PALBEEPKeyClick", 2, "did you mean call?"},
+           Case{"journal --effect mutx", 2, "did you mean mutex?"},
            Case{"call PALMFGOpt_ConfigStoreRegUpdate 1", 2, "takes 0 argument(s), 1 given"},
            Case{"call PALMFGOpt_ConfigStoreRegUpdate --fail Reg:1", 2, "Reg is no platform call"},
            Case{"journal --effect none", 2, "there is no effect 'none'"},

@@ -256,12 +256,11 @@ TEST_F(ScenarioStage, WhatComesFromOutsideStandsInTheJournal) {
       "write \\Windows\\note.txt = \"two  blanks\"\nset HKLM\\System\\New\\Value = \"text\"\n"
       "delete HKLM\\System\\New\\Value\nremove \\Windows\\note.txt\n");
   EXPECT_EQ(said, std::vector<std::string>{});
-  EXPECT_EQ(
-      device.journal().Texts(),
-      (std::vector<std::string>{"dvlkbd.exe started: ", "\\Windows\\note.txt written: 11 bytes",
-                                "HKEY_LOCAL_MACHINE\\System\\New \"Value\"=\"text\"",
-                                "HKEY_LOCAL_MACHINE\\System\\New \"Value\" deleted",
-                                "\\Windows\\note.txt removed"}));
+  EXPECT_EQ(device.journal().Texts(),
+            (std::vector<std::string>{"dvlkbd.exe started", "\\Windows\\note.txt written: 11 bytes",
+                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\"=\"text\"",
+                                      "HKEY_LOCAL_MACHINE\\System\\New \"Value\" deleted",
+                                      "\\Windows\\note.txt removed"}));
 }
 
 std::vector<std::string> ScenarioFiles() {

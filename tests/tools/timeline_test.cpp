@@ -206,6 +206,12 @@ TEST(TimelinePage, StandsAloneAndEscapesWhatItShows) {
   }
 }
 
+TEST(TimelinePage, LabelsALevelThatLastsNoTime) {
+  const std::string page = TimelinePage(
+      FromJournal("     5.100 p0 t0 audio gain 85\n     5.100 p0 t0 audio gain 60\n", 30100));
+  EXPECT_NE(page.find(">85, 60<"), std::string::npos);
+}
+
 TEST(TimelineText, ShowsLevelsBeforeAndAfterAndEveryEffectInOrder) {
   const std::string text = TimelineText(FromJournal(kTwoBeeps, 30100));
   std::size_t from = 0;

@@ -45,7 +45,7 @@ int Build(const std::string& input, const std::string& output) {
     return kSuccess;
   } catch (const dcecfg::TextError& error) {
     fmt::print(stderr, "{}:{}:{}: {}\n", tools::InputName(input), error.line(), error.column(),
-               error.what());
+               tools::Printable(error.what()));
     return kFailure;
   }
 }
@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("dcecfg", [&] { return CommandLine().Run(argc, argv); });
   } catch (const std::exception& error) {
-    fmt::print(stderr, "dcecfg: {}\n", error.what());
+    fmt::print(stderr, "dcecfg: {}\n", tools::Printable(error.what()));
     return kFailure;
   }
 }

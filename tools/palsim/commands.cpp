@@ -11,6 +11,7 @@
 #include "platform/sim/kernel/registry_text.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
+#include "tools/palsim/nearest.h"
 #include "tools/palsim/session.h"
 
 namespace palsim {
@@ -42,7 +43,10 @@ sim::Fault ParseFault(const std::string& text) {
 std::optional<sim::Effect> ParseEffect(const std::string& name) {
   if (name.empty()) return std::nullopt;
   const std::optional<sim::Effect> effect = sim::EffectFromName(name);
-  if (!effect) throw UsageError("there is no effect '" + name + "'");
+  if (!effect) {
+    throw UsageError(
+        fmt::format("there is no effect '{}'{}", name, DidYouMean(name, EffectNames())));
+  }
   return effect;
 }
 
@@ -78,9 +82,17 @@ std::vector<std::string> SampleNames() {
 
 std::filesystem::path SampleFolder(const std::string& name) {
   if (!std::filesystem::exists(kSamples / name / "device.toml")) {
-    throw UsageError("there is no sample device '" + name + "'; 'palsim new --help' lists them");
+    throw UsageError("there is no sample device '" + name + "'; 'palsim samples' lists them");
   }
   return kSamples / name;
+}
+
+int ListSamples() {
+  for (const std::string& name : SampleNames()) {
+    sim::Device device;
+    fmt::print("{:<8} {}\n", name, sim::LoadDevice(device, SampleFolder(name)).description);
+  }
+  return kSuccess;
 }
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
@@ -106,9 +118,13 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
 }
 
 int Call(const std::filesystem::path& folder, const CallOptions& options) {
+  if (!sim::FileSystem::IsPathAllowed(options.process_name)) {
+    throw UsageError("'" + options.process_name + "' is no name of a process");
+  }
   Session session(folder);
   session.set_process_name(options.process_name);
-  session.set_title(fmt::format("{} {}", options.name, fmt::join(options.arguments, " ")));
+  session.set_title(fmt::format("{} {}", options.name,
+                                fmt::join(ShownArguments(options.name, options.arguments), " ")));
   const std::optional<sim::Effect> only = ParseEffect(options.only);
   if (options.journal || only) session.PrintJournal(only);
   if (options.real_time) {
@@ -118,6 +134,9 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
   sim::Process& process = session.process();
   PlanFaults(session.device(), options.faults);
   const CallOutcome outcome = CallExport(process, options.name, options.arguments);
+  for (const std::string& fault : session.device().faults_not_reached()) {
+    fmt::print(stderr, "palsim: not reached: {}\n", fault);
+  }
   session.device().ClearFaults();
   session.Save();
   PrintOutcome(options.name, outcome);

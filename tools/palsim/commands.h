@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace palsim {
@@ -20,6 +21,7 @@ struct NewOptions {
 };
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 [[nodiscard]] std::vector<std::string> SampleNames();
+int ListSamples();
 // The folder of a sample device. Throws UsageError where there is none of this name.
 [[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
 
@@ -52,6 +54,9 @@ struct RunOptions {
 // Plays a scenario; kFailure where an expectation does not hold.
 int Run(const std::filesystem::path& folder, const RunOptions& options);
 void PrintStatements();
+// The journal's effects with the forms of their texts.
+void PrintEffects();
+[[nodiscard]] std::vector<std::string_view> EffectNames();
 
 struct JournalOptions {
   std::string effect;    // empty: all

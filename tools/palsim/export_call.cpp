@@ -15,6 +15,7 @@
 #include "tools/palsim/argument.h"
 #include "tools/palsim/declarations.h"
 #include "tools/palsim/names.h"
+#include "tools/palsim/nearest.h"
 
 namespace palsim {
 namespace {
@@ -161,6 +162,16 @@ char16_t FoldedUnit(char character) {
   return sim::FoldCase(static_cast<unsigned char>(character));
 }
 
+}  // namespace
+
+std::vector<std::string_view> ExportNames() {
+  std::vector<std::string_view> names(kExports.size());
+  std::ranges::transform(kExports, names.begin(), &ExportRow::name);
+  return names;
+}
+
+namespace {
+
 // The export that a mistyped name may have meant: one that holds it, whatever its case.
 std::string Suggestion(std::string_view name) {
   for (const ExportRow& row : kExports) {
@@ -170,7 +181,8 @@ std::string Suggestion(std::string_view name) {
     if (!name.empty() && found != row.name.end())
       return fmt::format("; did you mean {}?", row.name);
   }
-  return "; 'palsim --exports' lists them";
+  const std::string nearest = DidYouMean(name, ExportNames());
+  return nearest.empty() ? "; 'palsim --exports' lists them" : nearest;
 }
 
 const ExportRow& Find(std::string_view name) {
@@ -181,12 +193,6 @@ const ExportRow& Find(std::string_view name) {
 
 }  // namespace
 
-std::vector<std::string_view> ExportNames() {
-  std::vector<std::string_view> names(kExports.size());
-  std::ranges::transform(kExports, names.begin(), &ExportRow::name);
-  return names;
-}
-
 std::string UsageText(std::string_view name) {
   return Find(name).usage();
 }
@@ -195,11 +201,21 @@ void CheckCall(std::string_view name, const std::vector<std::string>& arguments)
   Find(name).check(arguments);
 }
 
+std::vector<std::string> ShownArguments(std::string_view name, std::vector<std::string> arguments) {
+  const Declaration* declaration = FindDeclaration(name);
+  if (declaration == nullptr) return arguments;
+  for (std::size_t at = 0; at < std::min(arguments.size(), declaration->parameters.size()); ++at) {
+    if (declaration->parameters.at(at).name == "password") arguments[at] = "***";
+  }
+  return arguments;
+}
+
 CallOutcome CallExport(sim::Process& process, std::string_view name,
                        const std::vector<std::string>& arguments) {
   const ExportRow& row = Find(name);
   row.check(arguments);
-  const std::string call = fmt::format("{}({})", name, fmt::join(arguments, ", "));
+  const std::string call =
+      fmt::format("{}({})", name, fmt::join(ShownArguments(name, arguments), ", "));
   process.Note(sim::Effect::kCall, sim::Escape(call));
   const std::size_t restarts_before = process.device().restarts().size();
   try {

@@ -33,6 +33,9 @@ struct CallOutcome {
 [[nodiscard]] std::string UsageText(std::string_view name);
 
 // Throws UsageError for a name that is no export and for arguments that do not fit its declaration.
+// The arguments as a journal may show them: a password is not shown.
+[[nodiscard]] std::vector<std::string> ShownArguments(std::string_view name,
+                                                      std::vector<std::string> arguments);
 void CheckCall(std::string_view name, const std::vector<std::string>& arguments);
 
 // Throws as CheckCall does. The call and its answer stand in the journal.

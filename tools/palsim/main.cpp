@@ -7,6 +7,7 @@
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/export_call.h"
+#include "tools/palsim/nearest.h"
 #include "tools/streams.h"
 
 namespace {
@@ -28,6 +29,7 @@ Examples:
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
   palsim /tmp/unit shell                                   one process, many calls
+  palsim samples                                           the sample devices
   palsim facts palcheck.txt                                where a handheld answers otherwise
 
 Exit status: 0 done, 1 the call failed or the device cannot be used, 2 wrong usage.
@@ -52,6 +54,11 @@ class CommandLine {
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
     app_.add_option_function<std::string>("--usage", &PrintUsage, "How to call an export");
     app_.add_flag_callback("--statements", &PrintStatements, "List what a scenario can say");
+    app_.add_flag_callback("--effects", &PrintEffects, "List the journal's effects");
+    app_.failure_message([this](const CLI::App* /*app*/, const CLI::Error& error) {
+      return fmt::format("{}{}\nRun with --help or --help-all for more information.\n",
+                         tools::Printable(error.what()), CommandHint());
+    });
     device_ = app_.add_option("DEVICE", folder_, "The device's folder");
     app_.require_subcommand(1);
     AddNew();
@@ -69,6 +76,7 @@ class CommandLine {
     AddOnDevice("shell", "Type calls into one attached process",
                 [this] { return palsim::Shell(folder_); });
     AddFacts();
+    AddAlone("samples", "List the sample devices", &palsim::ListSamples);
   }
 
   int Run(int argc, char** argv) {
@@ -84,6 +92,25 @@ class CommandLine {
   static void PrintStatements() {
     palsim::PrintStatements();
     throw CLI::Success();
+  }
+
+  static void PrintEffects() {
+    palsim::PrintEffects();
+    throw CLI::Success();
+  }
+
+  // Where no command was understood, the one that a word may have meant.
+  [[nodiscard]] std::string CommandHint() const {
+    if (!app_.get_subcommands().empty()) return {};
+    std::vector<std::string> names;
+    for (const CLI::App* command : app_.get_subcommands({})) names.push_back(command->get_name());
+    std::vector<std::string> words = app_.remaining();
+    words.push_back(folder_);
+    for (const std::string& word : words) {
+      std::string hint = palsim::DidYouMean(word, {names.begin(), names.end()});
+      if (!hint.empty()) return hint;
+    }
+    return {};
   }
 
   static void PrintUsage(const std::string& name) {
@@ -219,10 +246,10 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("palsim", [&] { return CommandLine().Run(argc, argv); });
   } catch (const palsim::UsageError& error) {
-    fmt::print(stderr, "palsim: {}\n", error.what());
+    fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
     return palsim::kUsage;
   } catch (const std::exception& error) {
-    fmt::print(stderr, "palsim: {}\n", error.what());
+    fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
     return palsim::kFailure;
   }
 }

@@ -51,8 +51,9 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
   std::size_t expectations = 0;
   std::size_t failures = 0;
   {
-    Stage stage(session.device(),
-                [](const std::string& message) { fmt::print(stderr, "{}\n", message); });
+    Stage stage(session.device(), [](const std::string& message) {
+      fmt::print(stderr, "{}\n", tools::Printable(message));
+    });
     stage.Play(scenario);
     expectations = stage.expectations();
     failures = stage.failures();

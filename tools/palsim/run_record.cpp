@@ -72,6 +72,7 @@ std::vector<RunRecord> ReadRuns(std::istream& file) {
   constexpr std::string_view kHeading = "= ";
   std::vector<RunRecord> runs;
   for (std::string line; std::getline(file, line);) {
+    line = sim::Escape(line);  // a hand may have edited it
     if (line.starts_with(kHeading)) {
       ReadHeading(runs, std::string_view(line).substr(kHeading.size()));
     } else if (std::optional<sim::JournalEntry> entry = sim::FromLine(line)) {

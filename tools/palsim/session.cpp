@@ -17,9 +17,9 @@ Session::Session(std::filesystem::path folder) : folder_(std::move(folder)) {
   record_.gain = device_.hardware().audio.levels.gain;
 }
 
-void Session::set_title(std::string title, std::vector<std::string> about) {
-  record_.title = std::move(title);
-  record_.about = std::move(about);
+void Session::set_title(std::string_view title, const std::vector<std::string>& about) {
+  record_.title = sim::Escape(title);
+  for (const std::string& paragraph : about) record_.about.push_back(sim::Escape(paragraph));
 }
 
 sim::Process& Session::process() {

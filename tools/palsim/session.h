@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/sim/device.h"
@@ -24,7 +25,7 @@ class Session {
   // The calling process, attached at its first use; another one after a restart of the device.
   [[nodiscard]] sim::Process& process();
   // What is played, for the journal's heading.
-  void set_title(std::string title, std::vector<std::string> about = {});
+  void set_title(std::string_view title, const std::vector<std::string>& about = {});
   void set_process_name(std::string name) { process_name_ = std::move(name); }
   // Prints each journal line as it comes, of one effect or of all.
   void PrintJournal(std::optional<sim::Effect> only = std::nullopt);

@@ -1,5 +1,5 @@
 // The interactive shell: one process stays attached while commands are typed.
-#include <fmt/core.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,7 +12,9 @@
 #include "tools/palsim/completion.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/line_editor.h"
+#include "tools/palsim/nearest.h"
 #include "tools/palsim/session.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -73,17 +75,19 @@ void RunHelp(Session& /*session*/, const ShellWords& /*words*/) {
   fmt::print("  quit                        detach, save the device and leave\n");
 }
 
-void RunLine(Session& session, const ShellWords& words) {
-  for (const ShellCommand& command : kCommands) {
-    if (command.name == words[0]) return command.run(session, words);
-  }
-  throw UsageError("there is no command '" + words[0] + "'; 'help' lists them");
-}
-
 std::vector<std::string_view> CommandNames() {
   std::vector<std::string_view> names{"quit"};
   for (const ShellCommand& command : kCommands) names.push_back(command.name);
   return names;
+}
+
+void RunLine(Session& session, const ShellWords& words) {
+  for (const ShellCommand& command : kCommands) {
+    if (command.name == words[0]) return command.run(session, words);
+  }
+  const std::string nearest = DidYouMean(words[0], CommandNames());
+  throw UsageError(fmt::format("there is no command '{}'{}", words[0],
+                               nearest.empty() ? "; 'help' lists them" : nearest));
 }
 
 // At a terminal lines are edited; from a pipe or a file they are read as they are.
@@ -129,7 +133,7 @@ int Shell(const std::filesystem::path& folder) {
     try {
       RunLine(session, words);
     } catch (const UsageError& error) {
-      fmt::print(stderr, "palsim: {}\n", error.what());
+      fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
       if (!interactive) status = kUsage;
     }
   }

@@ -1,5 +1,7 @@
 #include "platform/sim/kernel/faults.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -51,6 +53,16 @@ const Fault* Faults::Count(CallId id, const std::function<std::string()>& subjec
   }
   if (due != nullptr) faulted_.push_back(id);
   return due;
+}
+
+std::vector<std::string> Faults::NotReached() const {
+  std::vector<std::string> texts;
+  for (const Planned& planned : plans_) {
+    if (planned.seen >= planned.fault.nth) continue;
+    texts.push_back(fmt::format("{}:{}, of {} call{}", planned.fault.call, planned.fault.nth,
+                                planned.seen, planned.seen == 1 ? "" : "s"));
+  }
+  return texts;
 }
 
 }  // namespace sim

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +39,7 @@ class Faults {
   const Fault* Count(CallId id, const std::function<std::string()>& subject);
   // The calls that had a fault, in their order, since the plans were cleared.
   [[nodiscard]] const std::vector<CallId>& faulted() const { return faulted_; }
+  [[nodiscard]] std::vector<std::string> NotReached() const;
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
   [[nodiscard]] unsigned calls() const { return total_; }
 

@@ -16,7 +16,7 @@ Kernel::Kernel(Concurrency concurrency)
       modules(BuiltInModules()),
       programs{RegistryImporter()} {}
 
-void Kernel::Log(const ThreadState* thread, Effect effect, std::string text,
+void Kernel::Log(const ThreadState* thread, Effect effect, std::string_view text,
                  std::uint32_t category) {
   JournalEntry entry;
   entry.time_ms = scheduler.now_ms();
@@ -24,7 +24,7 @@ void Kernel::Log(const ThreadState* thread, Effect effect, std::string text,
   entry.thread_id = thread != nullptr ? thread->id : 0;
   entry.effect = effect;
   entry.category = category;
-  entry.text = std::move(text);
+  entry.text = Escape(text);  // one line, whatever names stand in it
   journal.Add(std::move(entry));
 }
 

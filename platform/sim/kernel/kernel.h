@@ -54,7 +54,8 @@ class Kernel {
   std::map<std::u16string, std::weak_ptr<Event>> events;
 
   // Notes an effect of a thread (nullptr: of the device itself) at the present time.
-  void Log(const ThreadState* thread, Effect effect, std::string text, std::uint32_t category = 0);
+  void Log(const ThreadState* thread, Effect effect, std::string_view text,
+           std::uint32_t category = 0);
   void Misuse(const ThreadState& thread, std::string_view text);
 
   // Lets other threads run until this one is woken, or until the time has passed. Throws

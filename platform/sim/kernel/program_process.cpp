@@ -41,8 +41,9 @@ std::shared_ptr<ProcessState> StartProgram(Kernel& kernel, const Program& progra
   process->main_thread = thread;
   process->threads.push_back(thread);
   kernel.program_processes.push_back(process);
-  kernel.Log(thread.get(), Effect::kProcess,
-             fmt::format("{} started: {}", process->name, Escape(command_line)));
+  kernel.Log(
+      thread.get(), Effect::kProcess,
+      fmt::format("{} started{}{}", process->name, command_line.empty() ? "" : ": ", command_line));
   StartHostThread(thread, [state = process.get(), run = program.run, command_line] {
     const std::uint32_t exit_code = run(command_line);
     const Scheduler::Lock lock(state->kernel.mutex);

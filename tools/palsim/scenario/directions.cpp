@@ -159,6 +159,7 @@ void PlayKillAtCall(Stage& stage, const Filled& filled) {
 }
 
 void PlayNoMoreFaults(Stage& stage, const Filled& /*filled*/) {
+  stage.SayWhatWasNotReached();
   stage.device().ClearFaults();
 }
 

@@ -4,6 +4,7 @@
 #include <span>
 #include <stdexcept>
 
+#include "tools/palsim/nearest.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
@@ -52,6 +53,13 @@ bool IsFilledIn(std::string_view word) {
 
 bool Stands(std::string_view word, const Word& in_line) {
   return !in_line.quoted && in_line.text == word;
+}
+
+// Also where it is mistyped by a letter.
+bool MayStand(std::string_view word, const Word& in_line) {
+  constexpr std::size_t kLeastLetters = 4;
+  return Stands(word, in_line) ||
+         (!in_line.quoted && word.size() >= kLeastLetters && LettersApart(word, in_line.text) == 1);
 }
 
 using PatternRest = std::span<const std::string_view>;
@@ -124,7 +132,7 @@ std::size_t WordsInCommon(std::string_view pattern, const Words& line) {
   for (const std::string_view word : PatternWords(pattern)) {
     if (IsFilledIn(word)) continue;
     const bool found =
-        std::ranges::any_of(line, [&](const Word& in_line) { return Stands(word, in_line); });
+        std::ranges::any_of(line, [&](const Word& in_line) { return MayStand(word, in_line); });
     count += found ? 1 : 0;
   }
   return count;

@@ -42,9 +42,16 @@ void Stage::PlayStatement(const Statement& statement) {
 
 void Stage::Finish() {
   while (!running_.empty()) AwaitCall(running_.begin()->first);
+  SayWhatWasNotReached();
   for (const auto& process : processes_) process->End();
   for (const std::string& misuse : device_.TakeMisuse()) {
     Expect(false, "no misuse of the platform", misuse);
+  }
+}
+
+void Stage::SayWhatWasNotReached() const {
+  for (const std::string& fault : device_.faults_not_reached()) {
+    on_failure_(fmt::format("{}: not reached: {}", place_, fault));
   }
 }
 
@@ -132,7 +139,10 @@ const std::optional<CallOutcome>& Stage::outcome(const std::string& of) {
     AwaitCall(of);
   }
   const auto found = outcomes_.find(of);
-  if (found == outcomes_.end()) throw UsageError(of + " has made no call");
+  if (found == outcomes_.end()) {
+    static_cast<void>(ProcessId(of));  // throws where no process has the name either
+    throw UsageError(of + " has made no call");
+  }
   return found->second;
 }
 

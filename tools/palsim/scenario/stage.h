@@ -53,6 +53,8 @@ class Stage {
   // it still runs.
   [[nodiscard]] const std::optional<CallOutcome>& outcome(const std::string& of);
 
+  // Says which of the planned faults have not come due.
+  void SayWhatWasNotReached() const;
   // Counts an expectation; where it does not hold, says so.
   void Expect(bool holds, const std::string& expected, const std::string& found);
 

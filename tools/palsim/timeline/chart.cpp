@@ -211,6 +211,7 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
   plot_.Text(kMargin, y_of(levels[0].value) - 5, text(levels[0].value), "level", "before the run");
   const double last = kLeft + scale_.At(timeline_.length_ms);
   double label_end = kMargin;
+  std::string passing;  // levels that lasted no time
   for (std::size_t index = 0; index < levels.size(); ++index) {
     const Level& level = levels[index];
     const bool is_last = index + 1 == levels.size();
@@ -219,12 +220,13 @@ void Chart::AddSteps(const std::vector<Level>& levels, double most, const std::s
     const double end = kLeft + scale_.At(until);
     const double y = y_of(level.value);
     line += fmt::format("H{:.1f}V{:.1f}H{:.1f}", x, y, end);
-    const std::string label = text(level.value);
+    const std::string label = passing + text(level.value);
     plot_.Rectangle(x, top_, std::max(kLeastBar, end - x), height_, "hit",
                     SpanTitle(label, level.time, until));
     const bool changes = index > 0 && levels[index - 1].value != level.value;
+    passing = changes && until == level.time ? label + ", " : "";
     const bool runs_into_last = x + 3 + TextWidth(label) > last;
-    if (!changes || until == level.time || x + 3 < label_end || runs_into_last) continue;
+    if (!changes || !passing.empty() || x + 3 < label_end || runs_into_last) continue;
     plot_.Text(x + 3, y - 5, label, "level");
     label_end = x + 3 + TextWidth(label) + kTextGap;
   }
