@@ -62,9 +62,9 @@ void Device::ShuffleTurns(std::uint32_t seed) {
   kernel_->scheduler.Shuffle(seed);
 }
 
-void Device::Note(Effect effect, std::string text) {
+void Device::Note(Effect effect, std::string_view text) {
   const Scheduler::Lock lock(kernel_->mutex);
-  kernel_->Log(nullptr, effect, std::move(text));
+  kernel_->Log(nullptr, effect, text);
 }
 
 bool Device::SetEvent(std::string_view name) {

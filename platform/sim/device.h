@@ -130,7 +130,7 @@ class Device {
   void ShuffleTurns(std::uint32_t seed);
 
   // Adds a line to the journal that belongs to the device and to no process.
-  void Note(Effect effect, std::string text);
+  void Note(Effect effect, std::string_view text);
   // Sets a named event, as something outside of the processes would. False where no process has an
   // event of this name.
   bool SetEvent(std::string_view name);
@@ -238,7 +238,7 @@ class Process {
   Thread Start(std::function<void()> body);
 
   // Adds a line to the journal, as from the thread of this process that runs now.
-  void Note(Effect effect, std::string text) const;
+  void Note(Effect effect, std::string_view text) const;
 
   // Detaches and unloads. What is still open is recorded as misuse.
   void End();

@@ -57,7 +57,7 @@ class Call {
   // False for an overlapped request: the last error is set and misuse is recorded.
   bool IsNotOverlapped(const OVERLAPPED* overlapped);
 
-  void Log(Effect effect, std::string text) { kernel_.Log(&thread_, effect, std::move(text)); }
+  void Log(Effect effect, std::string_view text) { kernel_.Log(&thread_, effect, text); }
   // Records that this call was used wrongly.
   void Misuse(std::string_view what);
 

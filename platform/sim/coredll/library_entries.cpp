@@ -15,12 +15,12 @@
 namespace sim {
 namespace {
 
-void LogFromEntry(Effect effect, std::string text, DWORD category = 0) {
+void LogFromEntry(Effect effect, std::string_view text, DWORD category = 0) {
   const ThreadState* thread = CurrentThread();
   if (thread == nullptr) return;
   Kernel& kernel = thread->process.kernel;
   const Scheduler::Lock lock(kernel.mutex);
-  kernel.Log(thread, effect, std::move(text), category);
+  kernel.Log(thread, effect, text, category);
 }
 
 // The lines of the library that show where a caller's buffer and its length are.

@@ -171,11 +171,11 @@ Thread Process::Start(std::function<void()> body) {
   return {thread, state_};
 }
 
-void Process::Note(Effect effect, std::string text) const {
+void Process::Note(Effect effect, std::string_view text) const {
   const ThreadState* current = CurrentThread();
   const bool is_own = current != nullptr && &current->process == state_.get();
   const Scheduler::Lock lock(state_->kernel.mutex);
-  state_->kernel.Log(is_own ? current : state_->main_thread.get(), effect, std::move(text));
+  state_->kernel.Log(is_own ? current : state_->main_thread.get(), effect, text);
 }
 
 void Process::End() {
