@@ -44,9 +44,9 @@ std::string ReadImage(const std::filesystem::path& file) {
     throw std::runtime_error(fmt::format("cannot load {}: it cannot be read", file.string()));
   std::string image{std::istreambuf_iterator<char>(stream), {}};
   const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image.data());
-  const bool has_headers = image.size() > sizeof(*dos) && dos->e_magic == IMAGE_DOS_SIGNATURE &&
-                           dos->e_lfanew > 0 &&
-                           dos->e_lfanew + sizeof(IMAGE_NT_HEADERS) <= image.size();
+  const bool has_headers =
+      image.size() > sizeof(*dos) && dos->e_magic == IMAGE_DOS_SIGNATURE && dos->e_lfanew > 0 &&
+      static_cast<std::size_t>(dos->e_lfanew) + sizeof(IMAGE_NT_HEADERS) <= image.size();
   if (!has_headers)
     throw std::runtime_error(fmt::format("cannot load {}: it is no image", file.string()));
   return image;
