@@ -42,7 +42,7 @@ void PlayThrough(Call& call, std::string_view path, std::uint32_t length_ms,
   // It may also have been stopped at the very moment at which its time was up.
   if (wait == WAIT_OBJECT_0 || stopped->signalled()) return;
   kernel.hardware.audio.sounds.erase(call.process().id);
-  call.Log(Effect::kAudio, fmt::format("sound ends {}", Escape(path)));
+  call.Log(Effect::kAudio, fmt::format("sound ends {}", path));
 }
 
 BOOL Play(Call& call, std::string_view path, bool loops) {
@@ -53,8 +53,8 @@ BOOL Play(Call& call, std::string_view path, bool loops) {
   kernel.StopSound(call.thread());
   const auto stopped = std::make_shared<Event>(u"", true, false);
   kernel.hardware.audio.sounds[call.process().id] = {std::string(path), stopped};
-  call.Log(Effect::kAudio, fmt::format("sound begins {} {} ms{}", Escape(path), length_ms,
-                                       loops ? ", looping" : ""));
+  call.Log(Effect::kAudio,
+           fmt::format("sound begins {} {} ms{}", path, length_ms, loops ? ", looping" : ""));
   if (!loops) PlayThrough(call, path, length_ms, stopped);
   return TRUE;
 }

@@ -44,7 +44,7 @@ std::string WithStableAddresses(std::string line) {
 
 // The event log keeps every line, whatever its category.
 DWORD LogString(DWORD category, const char* text) {
-  LogFromEntry(Effect::kTrace, WithStableAddresses(Escape(text)), category);
+  LogFromEntry(Effect::kTrace, WithStableAddresses(text), category);
   return 0;
 }
 

@@ -28,7 +28,7 @@ DWORD GetCurrentProcessId() {
 void NKDbgPrintfW(LPCWSTR format, ...) {
   Call call(CallId::NKDbgPrintfW);
   if (call.fault() != 0 || format == nullptr) return;
-  call.Log(Effect::kDebug, sim::Escape(sim::FormatDebugLine(format)));
+  call.Log(Effect::kDebug, sim::FormatDebugLine(format));
 }
 
 // The library's malloc and free are linked to these two; the host's own are not. The runtime of a

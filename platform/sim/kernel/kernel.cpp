@@ -100,7 +100,7 @@ void Kernel::StopSound(const ThreadState& thread) {
   if (playing == hardware.audio.sounds.end()) return;
   const Sound sound = std::move(playing->second);
   hardware.audio.sounds.erase(playing);
-  Log(&thread, Effect::kAudio, fmt::format("sound stops {}", Escape(sound.path)));
+  Log(&thread, Effect::kAudio, "sound stops " + sound.path);
   sound.stopped->set_signalled(true);
   sound.stopped->ServeWaiters(scheduler);
 }

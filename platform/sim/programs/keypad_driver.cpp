@@ -40,7 +40,7 @@ void Reload() {
   Kernel& kernel = thread->process.kernel;
   const Scheduler::Lock lock(kernel.mutex);
   kernel.Log(thread, Effect::kDriver,
-             fmt::format("keypad reloaded, {}", Escape(LayoutText(kernel.registry))));
+             fmt::format("keypad reloaded, {}", LayoutText(kernel.registry)));
 }
 
 }  // namespace

@@ -38,9 +38,9 @@ std::uint32_t Import(const std::string& path) {
   Kernel& kernel = thread->process.kernel;
   const Scheduler::Lock lock(kernel.mutex);
   for (const std::string& fault : ImportRegistryText(kernel.registry, *text)) {
-    kernel.Log(thread, Effect::kRegistry, fmt::format("{}:{}", Escape(path), Escape(fault)));
+    kernel.Log(thread, Effect::kRegistry, fmt::format("{}:{}", path, fault));
   }
-  kernel.Log(thread, Effect::kRegistry, Escape(path) + " imported");
+  kernel.Log(thread, Effect::kRegistry, fmt::format("{} imported", path));
   return kImported;
 }
 
