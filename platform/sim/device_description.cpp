@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <iterator>
 #include <string_view>
 #include <vector>
@@ -65,6 +66,23 @@ Description Split(const std::string& text) {
   return {text.substr(0, begin), text.substr(begin)};
 }
 
+std::size_t ReadRunsKept(const Part& part, const toml::node& node) {
+  constexpr std::string_view kExpected = R"(a number of runs from 1 up: keep = "20 runs")";
+  constexpr std::size_t kMost = 999999;
+  const auto& table = part.As<toml::table>(node, "a table: [journal]");
+  part.Allow(table, {"keep"});
+  const toml::node* keep = table.get("keep");
+  if (keep == nullptr) return DeviceIdentity().runs_kept;
+  const std::string& text = part.As<toml::value<std::string>>(*keep, kExpected).get();
+  std::size_t runs = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), runs);
+  const std::string_view unit(end, text.data() + text.size());
+  if (error != std::errc() || runs == 0 || runs > kMost || (unit != " runs" && unit != " run")) {
+    part.Fail(keep->source(), fmt::format("expected {}", kExpected));
+  }
+  return runs;
+}
+
 DeviceIdentity ReadIdentity(const Part& part, const fs::path& file) {
   DeviceIdentity identity;
   const toml::node* name = part.table().get("name");
@@ -74,6 +92,9 @@ DeviceIdentity ReadIdentity(const Part& part, const fs::path& file) {
   if (const toml::node* description = part.table().get("description")) {
     identity.description =
         part.As<toml::value<std::string>>(*description, "a text: description = \"...\"").get();
+  }
+  if (const toml::node* journal = part.table().get("journal")) {
+    identity.runs_kept = ReadRunsKept(part, *journal);
   }
   return identity;
 }
@@ -157,6 +178,7 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   const Part author(file, description.author, 0);
   std::vector<std::string_view> allowed{"name", "description"};
   for (const DescriptionSection& section : kSections) allowed.push_back(section.key);
+  allowed.emplace_back("journal");
   author.Allow(author.table(), allowed);
   DeviceIdentity identity = ReadIdentity(author, file);
   for (const DescriptionSection& section : kSections) {
@@ -167,6 +189,12 @@ DeviceIdentity LoadDescription(Device& device, const fs::path& file) {
   const Part kept(file, description.kept, static_cast<std::size_t>(lines));
   ReadState(kept, device);
   return identity;
+}
+
+std::string AuthorsPart(const std::string& text) {
+  std::string part = Split(text).author;
+  part.erase(part.find_last_not_of("\r\n") + 1);
+  return part;
 }
 
 std::string WithState(const std::string& text, Device& device) {

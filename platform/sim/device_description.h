@@ -13,6 +13,9 @@ namespace sim {
 // Fills a new device as the file says. Throws DeviceFolderError; the device cannot be used then.
 DeviceIdentity LoadDescription(Device& device, const std::filesystem::path& file);
 
+// The author's part of such a text, without the blank lines at its end.
+[[nodiscard]] std::string AuthorsPart(const std::string& text);
+
 // The text of such a file with the present state of a device. The author's part stays as it is. A
 // text without state stays as it is where there is nothing to keep.
 [[nodiscard]] std::string WithState(const std::string& text, Device& device);

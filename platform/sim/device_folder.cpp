@@ -16,8 +16,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The author's part of the description as the device got it from a sample.
+constexpr const char* kOriginalDescription = ".sample";
+
 void LoadRegistry(Registry& registry, const fs::path& file) {
-  if (!fs::exists(fs::symlink_status(file))) return;
+  if (!IsThere(file)) return;
   const std::vector<std::string> errors = ImportRegistryText(registry, ReadHostFile(file));
   if (errors.empty()) return;
   const std::string more =
@@ -26,23 +29,14 @@ void LoadRegistry(Registry& registry, const fs::path& file) {
 }
 
 bool HasFiles(const fs::path& folder) {
-  const fs::file_status status = fs::symlink_status(folder);
-  if (fs::exists(status) && !fs::is_directory(status)) {
+  if (IsThere(folder) && !IsHostFolder(folder)) {
     throw DeviceFolderError(folder.string() + ": this is not a folder");
   }
-  return fs::exists(status);
-}
-
-// Sorted, so that the device lists its files in the same order on every host.
-std::vector<fs::path> EntriesOf(const fs::path& folder) {
-  std::vector<fs::path> entries;
-  for (const auto& entry : fs::directory_iterator(folder)) entries.push_back(entry.path());
-  std::sort(entries.begin(), entries.end());
-  return entries;
+  return IsThere(folder);
 }
 
 void LoadFiles(FileSystem& files, const std::string& device_path, const fs::path& folder) {
-  for (const fs::path& entry : EntriesOf(folder)) {
+  for (const fs::path& entry : HostEntries(folder)) {
     const std::string path = device_path + '\\' + entry.filename().string();
     const auto fail = [&](std::string_view what) {
       throw DeviceFolderError(fmt::format("{}: {}", entry.string(), what));
@@ -52,7 +46,7 @@ void LoadFiles(FileSystem& files, const std::string& device_path, const fs::path
       fail("a file of the device cannot have this name");
     }
     if (files.Find(path)) fail("another name differs from this one by upper and lower case only");
-    if (fs::is_directory(fs::symlink_status(entry))) {
+    if (IsHostFolder(entry)) {
       files.CreateFolder(path);
       LoadFiles(files, path, entry);
     } else {
@@ -63,66 +57,56 @@ void LoadFiles(FileSystem& files, const std::string& device_path, const fs::path
 
 class Saver {
  public:
-  Saver(Device& device, fs::path folder)
-      : device_(device), folder_(std::move(folder)), temporary_(folder_ / ".saving") {}
+  Saver(Device& device, fs::path origin, FolderChange& change)
+      : device_(device), origin_(std::move(origin)), change_(change) {}
 
   void Save() {
     SaveDescription();
     SaveRegistry();
-    const fs::path files = folder_ / "files";
+    const bool has_files = HasFiles(change_.folder() / "files");
     const FileNode& root = *device_.files().root();
-    if (!HasFiles(files) && root.children.items().empty()) return;
-    MakeFolder(files);
-    SaveFolder(root, files);
+    if (has_files || !root.children.items().empty()) SaveFolder(root, "files");
   }
 
  private:
   void SaveDescription() {
-    const fs::path file = folder_ / "device.toml";
-    ReplaceHostFile(file, temporary_, WithState(ReadHostFile(file), device_));
+    const std::string text = ReadHostFile(origin_ / "device.toml");
+    change_.Put("device.toml", WithState(text, device_));
+    if (origin_ != change_.folder()) change_.Put(kOriginalDescription, AuthorsPart(text));
   }
 
   // A file with the same content stays as it is, with its author's comments.
   void SaveRegistry() {
-    const fs::path file = folder_ / "registry.reg";
+    const fs::path file = origin_ / "registry.reg";
     const std::string text = ExportRegistryText(device_.registry());
+    const bool is_there = IsThere(file);
+    const std::string present = is_there ? ReadHostFile(file) : std::string();
     Registry on_disk;
-    LoadRegistry(on_disk, file);
-    if (ExportRegistryText(on_disk) != text) ReplaceHostFile(file, temporary_, text);
+    if (present != text) LoadRegistry(on_disk, file);
+    const bool is_same = present == text || ExportRegistryText(on_disk) == text;
+    if (is_same && !is_there) return change_.Remove("registry.reg");
+    change_.Put("registry.reg", is_same ? present : text);
   }
 
-  static void MakeFolder(const fs::path& folder) {
-    if (!fs::is_directory(fs::symlink_status(folder))) fs::remove_all(folder);
-    fs::create_directory(folder);
-  }
-
-  static bool IsSame(const FileNode& node, const fs::path& entry) {
-    const fs::file_status status = fs::symlink_status(entry);
-    const bool same_kind = node.is_folder ? fs::is_directory(status) : fs::is_regular_file(status);
-    return same_kind && node.name == entry.filename().string();
-  }
-
-  void SaveFolder(const FileNode& node, const fs::path& folder) {
-    for (const fs::path& entry : EntriesOf(folder)) {
-      const auto* const child = node.children.Find(entry.filename().string());
-      if (child == nullptr || !IsSame(**child, entry)) fs::remove_all(entry);
+  // What another kind of entry takes the place of is not listed: it goes when that one comes.
+  void SaveFolder(const FileNode& node, const fs::path& name) {
+    change_.PutFolder(name);
+    for (const fs::path& entry : HostEntries(change_.folder() / name)) {
+      const std::string entry_name = entry.filename().string();
+      const auto* const child = node.children.Find(entry_name);
+      if (child == nullptr || (*child)->name != entry_name) change_.Remove(name / entry_name);
     }
-    for (const auto& child : node.children.items()) SaveNode(*child, folder / child->name);
+    for (const auto& child : node.children.items()) SaveNode(*child, name / child->name);
   }
 
-  void SaveNode(const FileNode& node, const fs::path& path) {
-    if (node.is_folder) {
-      MakeFolder(path);
-      SaveFolder(node, path);
-    } else {
-      ReplaceHostFile(path, temporary_,
-                      {reinterpret_cast<const char*>(node.data.data()), node.data.size()});
-    }
+  void SaveNode(const FileNode& node, const fs::path& name) {
+    if (node.is_folder) return SaveFolder(node, name);
+    change_.Put(name, {reinterpret_cast<const char*>(node.data.data()), node.data.size()});
   }
 
   Device& device_;
-  fs::path folder_;
-  fs::path temporary_;
+  fs::path origin_;
+  FolderChange& change_;
 };
 
 }  // namespace
@@ -138,12 +122,25 @@ DeviceIdentity LoadDevice(Device& device, const fs::path& folder) {
   }
 }
 
-void SaveDevice(Device& device, const fs::path& folder) {
+void PutDevice(Device& device, const fs::path& origin, FolderChange& change) {
   try {
-    Saver(device, folder).Save();
+    Saver(device, origin, change).Save();
   } catch (const fs::filesystem_error& error) {
     throw DeviceFolderError(error.what());
   }
+}
+
+void SaveDevice(Device& device, const fs::path& folder) {
+  FolderChange change(folder);
+  PutDevice(device, folder, change);
+  change.Commit();
+}
+
+bool IsDescriptionEdited(const fs::path& folder) {
+  const fs::path file = folder / "device.toml";
+  const fs::path original = folder / kOriginalDescription;
+  if (!IsThere(file)) return false;
+  return !IsThere(original) || ReadHostFile(original) != AuthorsPart(ReadHostFile(file));
 }
 
 }  // namespace sim

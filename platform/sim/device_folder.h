@@ -2,11 +2,13 @@
 #ifndef PLATFORM_SIM_DEVICE_FOLDER_H_
 #define PLATFORM_SIM_DEVICE_FOLDER_H_
 
+#include <cstddef>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 
 #include "platform/sim/device.h"
+#include "platform/sim/folder_change.h"
 
 namespace sim {
 
@@ -17,17 +19,25 @@ class DeviceFolderError : public std::runtime_error {
 };
 
 struct DeviceIdentity {
-  std::string name;         // "rm21"
-  std::string description;  // a sentence
+  std::string name;             // "rm21"
+  std::string description;      // a sentence
+  std::size_t runs_kept = 100;  // in its journal
 };
 
 // Fills a new device from a folder. Throws DeviceFolderError.
 DeviceIdentity LoadDevice(Device& device, const std::filesystem::path& folder);
 
-// Writes the device's state back: the registry, the files, and in device.toml what the simulator
-// keeps there (below the line "# Kept by the simulator"); the rest of device.toml stays as its
-// author wrote it. Files are written anew and renamed into place. Throws DeviceFolderError.
+// Makes a folder hold the device's state: the registry, the files, and in device.toml what the
+// simulator keeps there (below the line "# Kept by the simulator"). The rest of device.toml, and
+// the comments of a registry that has not changed, are those of the origin: the folder itself, or
+// the sample of which a new device is made. Throws DeviceFolderError.
+void PutDevice(Device& device, const std::filesystem::path& origin, FolderChange& change);
+// Writes the device's state back, as a whole or not at all. Throws DeviceFolderError.
 void SaveDevice(Device& device, const std::filesystem::path& folder);
+
+// Whether the author's part of device.toml is another than the device was made with. Of a device
+// that an older version made nobody knows, and it counts as edited.
+[[nodiscard]] bool IsDescriptionEdited(const std::filesystem::path& folder);
 
 }  // namespace sim
 

@@ -1,5 +1,8 @@
 #include "platform/sim/host_file.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <system_error>
 
@@ -16,13 +19,30 @@ constexpr std::uintmax_t kLargestFile = std::uintmax_t{64} * 1024 * 1024;
   throw DeviceFolderError(file.string() + ": " + what);
 }
 
-bool HasBytes(const fs::path& file, std::string_view bytes) {
-  std::error_code error;
-  if (!fs::is_regular_file(fs::symlink_status(file, error))) return false;
-  return fs::file_size(file, error) == bytes.size() && !error && ReadHostFile(file) == bytes;
+}  // namespace
+
+bool IsThere(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
 }
 
-}  // namespace
+bool IsHostFile(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_regular_file(fs::symlink_status(path, ignored));
+}
+
+bool IsHostFolder(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_directory(fs::symlink_status(path, ignored));
+}
+
+std::vector<fs::path> HostEntries(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  if (!IsHostFolder(folder)) return entries;
+  for (const auto& entry : fs::directory_iterator(folder)) entries.push_back(entry.path());
+  std::ranges::sort(entries);
+  return entries;
+}
 
 std::string ReadHostFile(const fs::path& file) {
   std::error_code error;
@@ -42,19 +62,35 @@ std::string ReadHostFile(const fs::path& file) {
   return bytes;
 }
 
+bool HasBytes(const fs::path& file, std::string_view bytes) {
+  if (!IsHostFile(file)) return false;
+  std::error_code error;
+  return fs::file_size(file, error) == bytes.size() && !error && ReadHostFile(file) == bytes;
+}
+
+void WriteHostFile(const fs::path& file, std::string_view bytes) {
+  std::FILE* const stream = std::fopen(file.string().c_str(), "wb");
+  int error = stream == nullptr ? errno : 0;
+  if (stream != nullptr) {
+    const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
+    if (!taken || std::fflush(stream) != 0) error = errno;
+    if (std::fclose(stream) != 0 && error == 0) error = errno;
+  }
+  if (error == 0) return;
+  throw fs::filesystem_error("write", file, {error, std::generic_category()});
+}
+
 void ReplaceHostFile(const fs::path& file, const fs::path& temporary, std::string_view bytes) {
   if (HasBytes(file, bytes)) return;
-  std::error_code error;
-  fs::remove(temporary, error);
-  std::ofstream stream(temporary, std::ios::binary);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  const bool written = !stream.fail();
-  if (written) fs::rename(temporary, file, error);
-  if (written && !error) return;
   std::error_code ignored;
   fs::remove(temporary, ignored);
-  Fail(file, "the file cannot be written: " + (error ? error.message() : "no room or no access"));
+  try {
+    WriteHostFile(temporary, bytes);
+    fs::rename(temporary, file);
+  } catch (const fs::filesystem_error& error) {
+    fs::remove(temporary, ignored);
+    Fail(file, "the file cannot be written: " + error.code().message());
+  }
 }
 
 }  // namespace sim

@@ -173,15 +173,16 @@ TEST_F(DeviceFolderTest, SaveKeepsTheDevicesStateAndTheAuthorsText) {
                                     "\n\n# Kept by the simulator: do not edit below.\n[state]\n");
 }
 
-TEST_F(DeviceFolderTest, ASaveThatFailsLeavesTheOldFile) {
+TEST_F(DeviceFolderTest, ASaveThatFailsLeavesTheOldFiles) {
   Put("device.toml", kDescription);
   Put("registry.reg", "[HKLM\\Old]\n");
   sim::Device device;
   sim::LoadDevice(device, folder);
   device.registry().SetDword("HKLM\\New", "n", 1);
-  Put(".saving/in_the_way", "");
+  Put(".saved/removed/device.toml", "");
   EXPECT_THROW(sim::SaveDevice(device, folder), sim::DeviceFolderError);
   EXPECT_EQ(Get("registry.reg"), "[HKLM\\Old]\n");
+  EXPECT_FALSE(fs::exists(folder / ".saving"));
   EXPECT_THROW(sim::SaveDevice(device, folder / "nowhere"), sim::DeviceFolderError);
 }
 
@@ -241,6 +242,12 @@ TEST_F(DeviceFolderTest, BadPartsAreRefusedWithTheirLine) {
       "expected a mode of the radio: mode = \"off\", \"connectable\" or \"discoverable\"";
   const std::string kept = "# Kept by the simulator: do not edit below.\n[state]\n";
   const std::pair<std::string, std::string> rows[] = {
+      {"journal = 20", "2: expected a table: [journal]"},
+      {"[journal]\nkeep = 20", R"(3: expected a number of runs from 1 up: keep = "20 runs")"},
+      {"[journal]\nkeep = \"0 runs\"",
+       R"(3: expected a number of runs from 1 up: keep = "20 runs")"},
+      {"[journal]\nkeep = \"20 days\"",
+       R"(3: expected a number of runs from 1 up: keep = "20 runs")"},
       {"description = []", "2: expected a text: description = \"...\""},
       {"modules = 1", "2: expected a table of libraries with lists of their entries"},
       {"library = 5", R"(2: expected a path from the root: library = '\Windows\library.dll')"},
