@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -99,6 +100,10 @@ void PrintAtOnce(std::string_view text) {
 }
 
 int CheckedOutput(const char* tool, const std::function<int()>& work) {
+#ifdef SIGPIPE
+  // A closed pipe is an error of the writing, and not the end of work that is not saved yet.
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+#endif
   const int status = StatusOf(work);
   Keep(std::fflush(stdout) == 0);
   if (first_error == 0 && std::ferror(stdout) != 0) first_error = EIO;  // of an unknown cause
