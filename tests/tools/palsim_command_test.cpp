@@ -156,9 +156,10 @@ TEST_F(Palsim, CompletesAndRemembersLinesAtATerminal) {
     return std::system(command.c_str());
   };
   EXPECT_EQ(type("cal\tPALKEYGetNumB\tout\nregistry HKL\tHard\t\n"
-                 "call PALStore_SetUsbFuncDriver PAL_USB_RN\t\nquit\n"),
+                 "call PALStore_SetUsbFuncDriver PAL_USB_RN\t\ncall PALLEDGrLedOn\nquit\n"),
             0);
-  EXPECT_EQ(type("\x1b[A\x1b[A\n quit\n"), 0);  // the line before the last
+  EXPECT_EQ(type("\x1b[A\x1b[A\x1b[A\ncall PALLEDGrLedOff\n quit\n"),
+            0);  // two lines before the last
   Run("journal --effect call");
   EXPECT_TRUE(Printed("PALKEYGetNumButtons(out) = 0x00000000 S_OK")) << output;
   const std::string set = "PALStore_SetUsbFuncDriver(PAL_USB_RNDIS) = 0x00000000 S_OK";

@@ -280,8 +280,8 @@ TEST_P(ScenarioFile, IsAsExpected) {
   const auto folder = std::filesystem::path(BINARY_DIR).parent_path() / "played" /
                       std::filesystem::path(GetParam()).stem();
   std::filesystem::create_directories(folder.parent_path());
-  palsim::NewDevice(folder, {.sample = scenario.device, .force = true, .quiet = true});
-  palsim::Session session(folder);
+  palsim::Session session(palsim::LockForNewDevice(folder, palsim::Replace::kAny),
+                          palsim::SampleFolder(scenario.device));
   {
     palsim::Stage stage(session.device(),
                         [](const std::string& message) { ADD_FAILURE() << message; });

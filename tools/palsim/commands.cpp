@@ -4,14 +4,20 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <cstdio>
+#include <functional>
+#include <system_error>
 #include <thread>
 
 #include "platform/sim/kernel/registry_text.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/nearest.h"
+#include "tools/palsim/run_store.h"
 #include "tools/palsim/session.h"
 
 namespace palsim {
@@ -50,10 +56,42 @@ std::optional<sim::Effect> ParseEffect(const std::string& name) {
   return effect;
 }
 
-template <class Entry>
-void KeepLast(std::vector<Entry>& entries, std::size_t count) {
-  if (count == 0 || count >= entries.size()) return;
-  entries.erase(entries.begin(), entries.end() - static_cast<std::ptrdiff_t>(count));
+using IsWanted = std::function<bool(const sim::JournalEntry& entry)>;
+using EntryText = std::function<std::string(const sim::JournalEntry& entry)>;
+
+// The last of the wanted entries, the last one first. What stands before them is not read.
+std::vector<sim::JournalEntry> LastEntries(const std::vector<StoredRun>& runs, std::size_t count,
+                                           const IsWanted& is_wanted) {
+  std::vector<sim::JournalEntry> entries;
+  const auto take = [&](sim::JournalEntry&& entry) {
+    if (is_wanted(entry)) entries.push_back(std::move(entry));
+    return entries.size() < count;
+  };
+  static_cast<void>(std::find_if_not(runs.rbegin(), runs.rend(), [&](const StoredRun& run) {
+    return ReadEntriesFromEnd(run, take);
+  }));
+  return entries;
+}
+
+// Of all runs, or the last ones where a number is given.
+void PrintEntries(const std::vector<StoredRun>& runs, std::size_t last, const IsWanted& is_wanted,
+                  const EntryText& text) {
+  const auto print = [&](const sim::JournalEntry& entry) {
+    if (is_wanted(entry)) fmt::print("{}\n", text(entry));
+  };
+  if (last == 0) {
+    for (const StoredRun& run : runs) ReadEntries(run, print);
+    return;
+  }
+  const std::vector<sim::JournalEntry> entries = LastEntries(runs, last, is_wanted);
+  std::for_each(entries.rbegin(), entries.rend(), print);
+}
+
+// Without what an interrupted command of an older version can leave.
+bool IsEmpty(const std::filesystem::path& folder) {
+  return std::ranges::all_of(std::filesystem::directory_iterator(folder), [](const auto& entry) {
+    return entry.path().filename() == ".saving";
+  });
 }
 
 void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) {
@@ -95,25 +133,34 @@ int ListSamples() {
   return kSuccess;
 }
 
+sim::FolderLock LockForNewDevice(const std::filesystem::path& folder, Replace replace) {
+  const auto require = [&](bool holds, const char* otherwise) {
+    if (!holds) throw UsageError(folder.string() + otherwise);
+  };
+  constexpr const char* kOther = " exists and is no device; choose another folder";
+  require(!std::filesystem::exists(folder) || std::filesystem::is_directory(folder), kOther);
+  std::filesystem::create_directories(folder);
+  sim::FolderLock lock = LockFolder(folder, Use::kChange);
+  require(WasDevice(folder) || IsEmpty(folder), kOther);
+  if (replace == Replace::kAny) return lock;
+  require(replace == Replace::kUnedited || !WasDevice(folder),
+          " is a device already; --force makes it anew");
+  require(!sim::IsDescriptionEdited(folder),
+          "/device.toml may have been edited; --force makes the device anew all the same");
+  return lock;
+}
+
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
   const std::filesystem::path sample = SampleFolder(options.sample);
-  const bool exists = std::filesystem::exists(folder);
-  const bool is_device = std::filesystem::exists(folder / "device.toml");
-  if (exists && !is_device && !std::filesystem::is_empty(folder)) {
-    throw UsageError(folder.string() + " exists and is no device; choose another folder");
-  }
-  if (is_device && !options.force) {
-    throw UsageError(folder.string() + " is a device already; --force makes it anew");
-  }
-  if (is_device) std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
-  for (const char* part : {"device.toml", "registry.reg", "files"}) {
-    if (!std::filesystem::exists(sample / part)) continue;
-    std::filesystem::copy(sample / part, folder / part, std::filesystem::copy_options::recursive);
-  }
-  Session session(folder);  // what is not sound is said now and not at the first call
-  if (options.quiet) return kSuccess;
-  fmt::print("{}: a new device of model {}\n", folder.string(), session.identity().name);
+  sim::Device device;
+  const sim::DeviceIdentity identity = sim::LoadDevice(device, sample);
+  const sim::FolderLock lock =
+      LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kNone);
+  sim::FolderChange change(folder);
+  sim::PutDevice(device, sample, change);
+  RemoveRuns(change);
+  change.Commit();
+  fmt::print("{}: a new device of model {}\n", folder.string(), identity.name);
   return kSuccess;
 }
 
@@ -138,38 +185,56 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
     fmt::print(stderr, "palsim: not reached: {}\n", fault);
   }
   session.device().ClearFaults();
-  session.Save();
+  try {
+    session.Save();
+  } catch (const sim::DeviceFolderError&) {
+    PrintOutcome(options.name, outcome);
+    throw;
+  }
   PrintOutcome(options.name, outcome);
   return outcome.failed ? kFailure : kSuccess;
 }
 
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options) {
-  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
   const std::optional<sim::Effect> effect = ParseEffect(options.effect);
-  std::erase_if(entries,
-                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
-  if (options.clear) std::filesystem::remove(JournalFile(folder));
+  const sim::FolderLock lock = LockDevice(folder, options.clear ? Use::kChange : Use::kRead);
+  std::vector<StoredRun> runs = StoredRuns(folder);
+  if (options.run != 0) runs = {FindRun(folder, options.run)};
+  if (options.runs) {
+    for (const StoredRun& run : runs) fmt::print("{:6}  {}\n", run.number, ReadTitle(run));
+  } else {
+    PrintEntries(
+        runs, options.last,
+        [&](const sim::JournalEntry& entry) { return !effect || entry.effect == *effect; },
+        &sim::ToLine);
+  }
+  if (!options.clear) return kSuccess;
+  if (std::fflush(stdout) != 0) throw std::system_error(errno, std::generic_category());
+  sim::FolderChange change(folder);
+  RemoveRuns(change);
+  change.Commit();
   return kSuccess;
 }
 
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
   constexpr std::uint32_t kWarning = 0x80000000;
-  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
-  std::erase_if(entries, [&](const sim::JournalEntry& entry) {
-    return entry.effect != sim::Effect::kTrace || (options.errors && entry.category < kWarning);
-  });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) {
-    fmt::print("{:6}.{:03} p{} t{} {:<22} {}\n", entry.time_ms / 1000, entry.time_ms % 1000,
-               entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
-  }
+  const sim::FolderLock lock = LockDevice(folder, Use::kRead);
+  PrintEntries(
+      StoredRuns(folder), options.last,
+      [&](const sim::JournalEntry& entry) {
+        return entry.effect == sim::Effect::kTrace &&
+               (!options.errors || entry.category >= kWarning);
+      },
+      [](const sim::JournalEntry& entry) {
+        return fmt::format("{:6}.{:03} p{} t{} {:<22} {}", entry.time_ms / 1000,
+                           entry.time_ms % 1000, entry.process_id, entry.thread_id,
+                           CategoryText(entry.category), entry.text);
+      });
   return kSuccess;
 }
 
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path) {
-  Session session(folder);
+  Session session(folder, Use::kRead);
   if (path.empty()) {
     fmt::print("{}", sim::ExportRegistryText(session.device().registry()));
     return kSuccess;

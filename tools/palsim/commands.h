@@ -3,10 +3,13 @@
 #define TOOLS_PALSIM_COMMANDS_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/sim/host_disk.h"
 
 namespace palsim {
 
@@ -17,9 +20,14 @@ constexpr int kUsage = 2;
 struct NewOptions {
   std::string sample = "rm21";
   bool force = false;
-  bool quiet = false;
 };
+// Which device a new one may take the place of.
+enum class Replace : std::uint8_t { kNone, kUnedited, kAny };
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
+// Locks the folder for a new device, and makes it if there is none. Throws UsageError where it has
+// something else, or where it has a device and that may not be replaced.
+[[nodiscard]] sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
+                                               Replace replace);
 [[nodiscard]] std::vector<std::string> SampleNames();
 int ListSamples();
 // The folder of a sample device. Throws UsageError where there is none of this name.
@@ -38,16 +46,17 @@ int Call(const std::filesystem::path& folder, const CallOptions& options);
 
 // What is made of a run: each file where it has a name.
 struct TimelineOptions {
-  bool text = false;  // on the terminal
+  std::size_t run = 0;  // its number; 0: the last
+  bool text = false;    // on the terminal
   std::string html;
   std::string wav;
 };
-// Of the device's last run.
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
 
 struct RunOptions {
   std::string file;
   bool fresh = false;    // on a new device, of the sample that the scenario is for
+  bool force = false;    // also in place of one whose description was edited
   bool journal = false;  // print every effect as it comes
   TimelineOptions timeline;
 };
@@ -60,7 +69,9 @@ void PrintEffects();
 
 struct JournalOptions {
   std::string effect;    // empty: all
+  std::size_t run = 0;   // 0: all
   std::size_t last = 0;  // 0: all
+  bool runs = false;     // list the runs in place of the effects
   bool clear = false;
 };
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options);

@@ -7,6 +7,7 @@
 #include "platform/conformance/report.h"
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 
@@ -92,7 +93,10 @@ std::filesystem::path FolderOf(const std::string& device) {
 
 Report AskSimulatedDevice(const std::filesystem::path& folder) {
   sim::Device device;
-  sim::LoadDevice(device, folder);
+  {
+    const sim::FolderLock lock = LockDevice(folder, Use::kRead);
+    sim::LoadDevice(device, folder);
+  }
   device.set_library_path(std::string(sim::kLibraryPath));  // palcheck.exe knows it by this name
   sim::Process process(device, "palcheck.exe");
   process.Run([] { static_cast<void>(conformance::WriteReport()); });

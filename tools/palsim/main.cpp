@@ -6,6 +6,7 @@
 
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
 #include "tools/streams.h"
@@ -128,8 +129,12 @@ class CommandLine {
   // A command on the device, which is named before it.
   CLI::App* AddOnDevice(const char* name, const char* what, const Command& run) {
     auto* command = app_.add_subcommand(name, what)->group("Commands on a DEVICE");
+    command->add_option("--wait", wait_, "Seconds to wait for another command on the device")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
     return command->callback([this, run] {
       if (device_->empty()) throw CLI::RequiredError("DEVICE");
+      palsim::SetLockWait(wait_);
       status_ = run();
     });
   }
@@ -175,16 +180,18 @@ class CommandLine {
         AddOnDevice("run", "Play a scenario", [this] { return palsim::Run(folder_, run_); });
     command->add_option("FILE", run_.file, "The scenario's text; - is standard input")->required();
     command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
+    command->add_flag("--force", run_.force, "With --new: also where device.toml was edited");
     command->add_flag("--journal", run_.journal, "Print every effect as it comes");
     command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
     AddFiles(*command, run_.timeline);
   }
 
   void AddTimeline() {
-    auto* command = AddOnDevice("timeline", "Show the last run on a time axis", [this] {
+    auto* command = AddOnDevice("timeline", "Show a run on a time axis", [this] {
       timeline_.text = timeline_.html.empty() && timeline_.wav.empty();
       return palsim::ShowTimeline(folder_, timeline_);
     });
+    command->add_option("--run", timeline_.run, "Its number, of journal --runs; else the last run");
     AddFiles(*command, timeline_);
   }
 
@@ -198,7 +205,9 @@ class CommandLine {
     auto* command = AddOnDevice("journal", "Show the effects of all runs",
                                 [this] { return palsim::ShowJournal(folder_, journal_); });
     command->add_option("--effect", journal_.effect, "Only this kind, such as registry or trace");
+    command->add_option("--run", journal_.run, "Only the run of this number");
     command->add_option("--last", journal_.last, "Only the last N");
+    command->add_flag("--runs", journal_.runs, "List the runs: number, length, title");
     command->add_flag("--clear", journal_.clear, "Forget them afterwards");
   }
 
@@ -229,6 +238,7 @@ class CommandLine {
   CLI::App app_{"Runs DVLORQPAL.dll on a simulated device.", "palsim"};
   CLI::Option* device_ = nullptr;
   std::string folder_;
+  double wait_ = palsim::kDefaultWait;
   palsim::NewOptions new_;
   palsim::CallOptions call_;
   palsim::RunOptions run_;

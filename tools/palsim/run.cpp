@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "tools/palsim/commands.h"
+#include "tools/palsim/run_store.h"
 #include "tools/palsim/scenario/scenario.h"
 #include "tools/palsim/scenario/stage.h"
 #include "tools/palsim/session.h"
@@ -27,10 +28,12 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   }
 }
 
-void MakeDeviceFor(const Scenario& scenario, const std::filesystem::path& folder) {
-  NewOptions options{.force = true, .quiet = true};
-  if (!scenario.device.empty()) options.sample = scenario.device;
-  NewDevice(folder, options);
+Session OpenSession(const Scenario& scenario, const std::filesystem::path& folder,
+                    const RunOptions& options) {
+  if (!options.fresh) return Session(folder);
+  const std::filesystem::path sample =
+      SampleFolder(scenario.device.empty() ? NewOptions().sample : scenario.device);
+  return {LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kUnedited), sample};
 }
 
 void CheckDevice(const Scenario& scenario, const Session& session) {
@@ -43,8 +46,7 @@ void CheckDevice(const Scenario& scenario, const Session& session) {
 
 int Run(const std::filesystem::path& folder, const RunOptions& options) {
   const Scenario scenario = ReadScenario(options.file);
-  if (options.fresh) MakeDeviceFor(scenario, folder);
-  Session session(folder);
+  Session session = OpenSession(scenario, folder, options);
   CheckDevice(scenario, session);
   session.set_title(scenario.title, scenario.about);
   if (options.journal) session.PrintJournal();
@@ -58,7 +60,7 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
     expectations = stage.expectations();
     failures = stage.failures();
   }
-  session.Save();
+  session.Save(true);
   Show(session.record(), session.device().files(), options.timeline);
   if (failures > 0) {
     fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, failures,
@@ -73,10 +75,8 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
 }
 
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options) {
-  const std::vector<RunRecord> runs = ReadRuns(folder);
-  if (runs.empty()) throw UsageError(folder.string() + " has no run to show");
-  Session session(folder);
-  Show(runs.back(), session.device().files(), options);
+  Session session(folder, Use::kRead);
+  Show(ReadRun(FindRun(folder, options.run)), session.device().files(), options);
   return kSuccess;
 }
 

@@ -2,13 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
 #include <istream>
-#include <iterator>
 #include <ostream>
 #include <string_view>
-
-#include "platform/sim/device_folder.h"
 
 namespace palsim {
 namespace {
@@ -59,7 +55,7 @@ void AddEntry(std::vector<RunRecord>& runs, sim::JournalEntry entry) {
 }  // namespace
 
 void WriteRun(std::ostream& file, const RunRecord& run) {
-  file << "= run " << sim::Escape(run.title) << '\n';
+  file << kRunHeading << sim::Escape(run.title) << '\n';
   for (const std::string& about : run.about) file << "= about " << sim::Escape(about) << '\n';
   file << "= device " << sim::Escape(run.device) << '\n';
   file << "= start " << run.start_ms << "\n= end " << run.end_ms << '\n';
@@ -80,26 +76,6 @@ std::vector<RunRecord> ReadRuns(std::istream& file) {
     }
   }
   return runs;
-}
-
-std::filesystem::path JournalFile(const std::filesystem::path& folder) {
-  return folder / "journal.log";
-}
-
-std::vector<RunRecord> ReadRuns(const std::filesystem::path& folder) {
-  if (!std::filesystem::exists(folder / "device.toml")) {
-    throw sim::DeviceFolderError(folder.string() + " is no device: it has no device.toml");
-  }
-  std::ifstream file(JournalFile(folder));
-  return ReadRuns(file);
-}
-
-std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder) {
-  std::vector<sim::JournalEntry> entries;
-  for (RunRecord& run : ReadRuns(folder)) {
-    std::ranges::move(run.entries, std::back_inserter(entries));
-  }
-  return entries;
 }
 
 }  // namespace palsim

@@ -1,13 +1,12 @@
-// The journal file of a device: one run after the other, each with what was played in lines that
-// begin with "=".
+// A run in the journal: what was played in lines that begin with "=", then its entries.
 #ifndef TOOLS_PALSIM_RUN_RECORD_H_
 #define TOOLS_PALSIM_RUN_RECORD_H_
 
 #include <cstdint>
-#include <filesystem>
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/sim/journal.h"
@@ -26,16 +25,12 @@ struct RunRecord {
   std::vector<sim::JournalEntry> entries;
 };
 
+inline constexpr std::string_view kRunHeading = "= run ";  // the first line, before the title
+
 void WriteRun(std::ostream& file, const RunRecord& run);
 // Lines that are no entries are left out; entries before the first run's heading are a run without
 // one.
 [[nodiscard]] std::vector<RunRecord> ReadRuns(std::istream& file);
-
-// The journal of all runs of a device, kept beside its state.
-[[nodiscard]] std::filesystem::path JournalFile(const std::filesystem::path& folder);
-// Throws sim::DeviceFolderError where the folder is no device; a device without runs has none.
-[[nodiscard]] std::vector<RunRecord> ReadRuns(const std::filesystem::path& folder);
-[[nodiscard]] std::vector<sim::JournalEntry> ReadJournal(const std::filesystem::path& folder);
 
 }  // namespace palsim
 

@@ -24,7 +24,7 @@ std::string EngineText(sim::Process& process) {
 }  // namespace
 
 int ShowScanEngine(const std::filesystem::path& folder) {
-  Session session(folder);
+  Session session(folder, Use::kRead);
   const sim::ScanDriver* driver = sim::FindScanDriver(session.device().hardware());
   if (driver == nullptr) {
     fmt::print(stderr,
@@ -35,7 +35,7 @@ int ShowScanEngine(const std::filesystem::path& folder) {
   for (const EnginePart& part : kEngineParts) {
     fmt::print("{:<11}{}\n", part.label, part.StateIn(driver->state()));
   }
-  session.Save();
+  session.End();
   return kSuccess;
 }
 

@@ -2,15 +2,36 @@
 
 #include <fmt/format.h>
 
-#include <fstream>
+#include <algorithm>
+#include <array>
+#include <utility>
 
 #include "platform/sim/hardware/hardware.h"
+#include "tools/palsim/run_store.h"
 #include "tools/streams.h"
 
 namespace palsim {
 
-Session::Session(std::filesystem::path folder) : folder_(std::move(folder)) {
-  identity_ = sim::LoadDevice(device_, folder_);
+namespace {
+
+constexpr std::uint32_t kWarning = 0x80000000;  // the lowest category of a warning or an error
+
+// What any call leaves behind, also one that only asks.
+bool IsOfAnyCall(const sim::JournalEntry& entry) {
+  constexpr std::array kOfAnyCall{sim::Effect::kProcess, sim::Effect::kCall,  sim::Effect::kModule,
+                                  sim::Effect::kMutex,   sim::Effect::kDebug, sim::Effect::kDriver};
+  if (entry.effect == sim::Effect::kTrace) return entry.category < kWarning;
+  return std::ranges::find(kOfAnyCall, entry.effect) != kOfAnyCall.end();
+}
+
+}  // namespace
+
+Session::Session(const std::filesystem::path& folder, Use use)
+    : Session(LockDevice(folder, use), folder) {}
+
+Session::Session(sim::FolderLock folder, std::filesystem::path sample)
+    : lock_(std::move(folder)), origin_(std::move(sample)) {
+  identity_ = sim::LoadDevice(device_, origin_);
   record_.device = fmt::format("{}: {}", identity_.name, identity_.description);
   record_.start_ms = device_.now_ms();
   record_.volume = device_.hardware().audio.levels.volume;
@@ -35,21 +56,27 @@ void Session::PrintJournal(std::optional<sim::Effect> only) {
   });
 }
 
-void Session::Save() {
+void Session::End() {
   process_.reset();
   device_.Advance(0);  // services of the device go on with what they were asked for
-  record_.entries = device_.journal().entries();
-  record_.end_ms = device_.now_ms();
-  std::ofstream file(JournalFile(folder_), std::ios::app);
-  WriteRun(file, record_);
-  if (!file.flush()) {
-    throw sim::DeviceFolderError(JournalFile(folder_).string() + " cannot be written");
-  }
-  device_.journal().Clear();
-  sim::SaveDevice(device_, folder_);
   for (const std::string& misuse : device_.TakeMisuse()) {
     fmt::print(stderr, "palsim: misuse of the platform: {}\n", misuse);
   }
+}
+
+void Session::Save(bool keeps_every_run) {
+  End();
+  record_.entries = device_.journal().entries();
+  record_.end_ms = device_.now_ms();
+  sim::FolderChange change(folder());
+  sim::PutDevice(device_, origin_, change);
+  const bool has_effects = !std::ranges::all_of(record_.entries, &IsOfAnyCall);
+  if (keeps_every_run || has_effects || !change.empty()) {
+    PutRun(record_, origin_ == folder() ? identity_.runs_kept - 1 : 0, change);
+  }
+  change.Commit();
+  origin_ = folder();
+  device_.journal().Clear();
 }
 
 }  // namespace palsim

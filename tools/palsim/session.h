@@ -1,4 +1,4 @@
-// A device folder that is open: the device runs in memory and is saved at the end.
+// A device folder that is open and locked: the device runs in memory and is saved at the end.
 #ifndef TOOLS_PALSIM_SESSION_H_
 #define TOOLS_PALSIM_SESSION_H_
 
@@ -11,6 +11,7 @@
 
 #include "platform/sim/device.h"
 #include "platform/sim/device_folder.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/run_record.h"
 
 namespace palsim {
@@ -18,7 +19,9 @@ namespace palsim {
 class Session {
  public:
   // Throws sim::DeviceFolderError.
-  explicit Session(std::filesystem::path folder);
+  explicit Session(const std::filesystem::path& folder, Use use = Use::kChange);
+  // A new device, made of a sample; it is in the folder once it is saved.
+  Session(sim::FolderLock folder, std::filesystem::path sample);
 
   [[nodiscard]] sim::Device& device() { return device_; }
   [[nodiscard]] const sim::DeviceIdentity& identity() const { return identity_; }
@@ -30,14 +33,19 @@ class Session {
   // Prints each journal line as it comes, of one effect or of all.
   void PrintJournal(std::optional<sim::Effect> only = std::nullopt);
 
-  // Detaches, appends the run to the journal and saves the device. What was done wrong is said on
-  // stderr.
-  void Save();
+  // Detaches. What was done wrong is said on stderr.
+  void End();
+  // Ends, and saves the device and the run as one change. A run that changed nothing on the device
+  // and has no effect that a person could notice is kept only where this is asked for.
+  void Save(bool keeps_every_run = false);
   // The run that was saved.
   [[nodiscard]] const RunRecord& record() const { return record_; }
 
  private:
-  std::filesystem::path folder_;
+  [[nodiscard]] const std::filesystem::path& folder() const { return lock_.folder(); }
+
+  sim::FolderLock lock_;
+  std::filesystem::path origin_;  // where the device was loaded from: its folder, or a sample
   sim::Device device_;
   sim::DeviceIdentity identity_;
   RunRecord record_;
