@@ -63,7 +63,7 @@ class LinesFromEnd {
     const auto size = std::min(left_, static_cast<std::streamoff>(most));
     left_ -= size;
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    file_.seekg(left_).read(bytes.data(), size);
+    file_.seekg(left_).read(bytes.data(), static_cast<std::streamsize>(size));
     return bytes;
   }
 
