@@ -110,7 +110,7 @@ void FolderChange::Commit() {
     SyncFolders(folder_ / kSaving);
     fs::rename(folder_ / kSaving, folder_ / kSaved);
     begun_ = false;
-    SyncToDisk(folder_);
+    SyncToDisk(folder_ / ".");  // the user may name it by a link
   });
   FinishChange(folder_);
 }

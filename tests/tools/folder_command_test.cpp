@@ -285,7 +285,12 @@ TEST_F(DeviceCommands, FollowNoLinksAndAreNotStoppedByLeftovers) {
     fs::create_directory_symlink(elsewhere.path(), unit / name);
   };
   const char* call = "call PALLEDGrLedOn";
+  fs::create_directory_symlink(unit, folder.path() / "link");
+  EXPECT_EQ(RunTool(fmt::format("palsim {} {}", (folder.path() / "link").string(), call)).output,
+            "PALLEDGrLedOn = 0x00000000 S_OK\n");
+  EXPECT_EQ(Run("call PALLEDIsGrLedOn"), 0) << "the user's own link to the device";
   Put(".saving", "of an older version");
+  EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;
   EXPECT_EQ(Run(call), 0) << output;
   Put(".saving/put/device.toml/inside", "of an interrupted command");
   EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;

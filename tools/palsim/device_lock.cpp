@@ -10,6 +10,7 @@
 #include "platform/sim/device_folder.h"
 #include "platform/sim/folder_change.h"
 #include "platform/sim/host_file.h"
+#include "platform/sim/journal.h"
 
 namespace palsim {
 namespace {
@@ -33,7 +34,7 @@ void Wait(sim::FolderLock& lock, Use use) {
       throw sim::DeviceFolderError(in_use("gave up after") + " (--wait SECONDS)");
     }
     if (!said && waited >= kUnsaid) {
-      fmt::print(stderr, "palsim: {}\n", in_use("waiting up to"));
+      fmt::print(stderr, "palsim: {}\n", sim::Escape(in_use("waiting up to")));
       said = true;
     }
     std::this_thread::sleep_for(kPause);

@@ -11,7 +11,6 @@
 #include "tools/streams.h"
 
 namespace palsim {
-
 namespace {
 
 constexpr std::uint32_t kWarning = 0x80000000;  // the lowest category of a warning or an error
