@@ -38,9 +38,11 @@ int Call(const std::filesystem::path& folder, const CallOptions& options);
 
 // What is made of a run: each file where it has a name.
 struct TimelineOptions {
-  bool text = false;  // on the terminal
+  bool text = false;        // on the terminal
+  std::size_t columns = 0;  // that it has; 0: it is none
   std::string html;
   std::string wav;
+  std::string trace;  // in the Chrome trace event format
 };
 // Of the device's last run.
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
