@@ -64,8 +64,8 @@ Lanes::Placed Lanes::Measure(const Bar& bar) const {
   return placed;
 }
 
-// Each bar with its text in the first row where there is room for both. Behind the last row texts
-// are left out: they still show under the pointer.
+// Each bar with its text in the first row where there is room for both. Where there is none, it
+// stands in one more row, without its text, which still shows under the pointer.
 std::vector<Lanes::Placed> Lanes::Place(const std::vector<Bar>& bars) {
   std::vector<double> row_ends;
   std::vector<Placed> all;
@@ -75,7 +75,7 @@ std::vector<Lanes::Placed> Lanes::Place(const std::vector<Bar>& bars) {
         row_ends, [&](double end) { return end + kTextGap <= placed.from + 0.01; });
     placed.row = static_cast<std::size_t>(row - row_ends.begin());
     if (placed.row >= kMostRows) {
-      placed.row = kMostRows - 1;
+      placed.row = kMostRows;
       placed.has_text = false;
     } else if (row == row_ends.end()) {
       row_ends.push_back(placed.to);

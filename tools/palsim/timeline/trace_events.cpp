@@ -54,12 +54,15 @@ class TraceWriter {
     Add("M", pid, tid, 0, what)["args"] = {{"name", name}};
   }
 
-  Json& AddSpan(std::string_view category, std::uint64_t pid, std::uint64_t tid, const Span& span,
-                std::string_view name) {
-    Json& event = Add("X", pid, tid, span.begin, name);
-    event["dur"] = (span.end - span.begin) * 1000;
-    event["cat"] = category;
-    return event;
+  // As a beginning and an end: those of one time stay in their order. Readers find the two by all
+  // that they have in common.
+  void AddSpan(std::string_view category, std::uint64_t pid, std::uint64_t tid, const Span& span,
+               std::string_view name, const Json& args = Json::object()) {
+    for (const auto& [phase, time] : {std::pair{"B", span.begin}, std::pair{"E", span.end}}) {
+      Json& event = Add(phase, pid, tid, time, name);
+      event["cat"] = category;
+      if (!args.empty()) event["args"] = args;
+    }
   }
 
   void AddProcesses() {
@@ -68,12 +71,11 @@ class TraceWriter {
     for (const ProcessLine& process : timeline_.processes) {
       Name("process_name", process.process, 1, process.name);
       for (const CallSpan& call : process.calls) {
-        Json& event = AddSpan("call", process.process, call.thread, call,
-                              (call.failed ? std::string(kFailedMark) : std::string()) +
-                                  call.call.substr(0, call.call.find('(')));
-        event["args"] = {{"call", call.call},
-                         {"result", call.result.empty() ? "did not return" : call.result}};
-        if (call.failed) event["cname"] = "terrible";
+        const std::string name = call.call.substr(0, call.call.find('('));
+        AddSpan("call", process.process, call.thread, call,
+                (call.failed ? std::string(kFailedMark) : std::string()) + name,
+                {{"call", call.call},
+                 {"result", call.result.empty() ? "did not return" : call.result}});
       }
     }
   }
