@@ -297,7 +297,7 @@ TEST(TimelineText, HasALineForEachOwnerAndFitsTheTerminal) {
                       "\n    c.exe", "✗ PALLEDGrLedOn() returns", "the scenario   ✓ s:7 held"}));
   for (const std::size_t columns : {40u, 80u, 160u}) {
     std::istringstream lines(TimelineText(timeline, columns));
-    for (std::string line; std::getline(lines, line) && line.find("before") == line.npos;) {
+    for (std::string line; std::getline(lines, line) && line.find("before") == std::string::npos;) {
       EXPECT_LE(palsim::TextWidth(line) / palsim::TextWidth(" "),
                 static_cast<double>(std::max<std::size_t>(columns, 62)))
           << line;

@@ -37,7 +37,7 @@ std::string EscapeHtml(std::string_view text) {
 }
 
 double TextWidth(std::string_view text) {
-  constexpr double kCharacter = 6.9;  // at 12 px, a little generous
+  constexpr double kCharacter = 7.7;  // at 12 px; capitals are many in names of calls
   const auto characters = std::ranges::count_if(
       text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
   return kCharacter * static_cast<double>(characters);

@@ -196,6 +196,11 @@ std::string Shortened(std::string text, std::size_t most) {
   return text + " ...";
 }
 
+// The one that must be readable on any terminal.
+bool IsFailedExpectation(const sim::JournalEntry& entry) {
+  return entry.effect == Effect::kExpect && !ExpectationIn(entry.text).held;
+}
+
 std::string Entries(const Timeline& timeline, std::size_t most) {
   std::string lines;
   std::string last_time;
@@ -206,8 +211,9 @@ std::string Entries(const Timeline& timeline, std::size_t most) {
     std::string name = timeline.Actor(entry);
     const bool same_time = time == last_time;
     const bool same_name = same_time && name == last_name;
-    lines += fmt::format("  {:>9}  {:<14} {}\n", same_time ? "" : time, same_name ? "" : name,
-                         Shortened(ReadableText(entry), most));
+    lines += fmt::format(
+        "  {:>9}  {:<14} {}\n", same_time ? "" : time, same_name ? "" : name,
+        IsFailedExpectation(entry) ? ReadableText(entry) : Shortened(ReadableText(entry), most));
     last_time = std::move(time);
     last_name = std::move(name);
   }
