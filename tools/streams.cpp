@@ -107,15 +107,17 @@ void WriteOutputInBlocks(const std::string& file,
   const fs::path path = Target(file);
   if (!IsReplaced(path)) return FillFile(path.string(), file, fill);
   const fs::path temporary = path.string() + kTemporary;
-  std::error_code error;
+  std::error_code ignored;
+  fs::remove(temporary, ignored);
   try {
     FillFile(temporary.string(), file, fill);
+    std::error_code error;
     fs::rename(temporary, path, error);
+    if (error) Fail(file, error.value());
   } catch (...) {
-    fs::remove(temporary, error);
+    fs::remove(temporary, ignored);
     throw;
   }
-  if (error) Fail(file, error.value());
 }
 
 std::string Printable(std::string_view text) {

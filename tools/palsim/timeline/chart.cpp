@@ -73,14 +73,14 @@ std::vector<Bar> BarsOfUser(const MutexLine& mutex, std::uint32_t process, const
     if (hold.process != process) continue;
     const std::string how = hold.abandoned ? "held it and was killed" : "holds it";
     const std::string text = hold.abandoned ? "abandoned" : TimeText(hold.end - hold.begin);
-    bars.push_back(
-        {hold.begin, hold.end, text, colour, SpanTitle(name + " " + how, hold.begin, hold.end)});
+    bars.push_back({hold.begin, hold.end, text, colour,
+                    SpanTitle(fmt::format("{} {}", name, how), hold.begin, hold.end)});
   }
   for (const WaitSpan& wait : mutex.waits) {
     if (wait.process != process) continue;
     const std::string text = wait.in_vain ? "waits in vain" : "waits";
     bars.push_back({wait.begin, wait.end, text, "wait " + colour,
-                    SpanTitle(name + " " + text, wait.begin, wait.end)});
+                    SpanTitle(fmt::format("{} {}", name, text), wait.begin, wait.end)});
   }
   std::ranges::stable_sort(bars, {}, &Bar::begin);
   return bars;
