@@ -59,6 +59,29 @@ int StatusOf(const std::function<int()>& work) {
   }
 }
 
+constexpr const char* kTemporary = ".writing";
+
+fs::path Target(const std::string& file) {
+  std::error_code ignored;
+  return fs::is_symlink(file, ignored) ? fs::weakly_canonical(file) : fs::path(file);
+}
+
+// Whether it is a file, or becomes one; not a pipe or a device.
+bool IsReplaced(const fs::path& path) {
+  std::error_code ignored;
+  return !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
+}
+
+void FillFile(const std::string& path, const std::string& name,
+              const std::function<void(const WriteBlock& write)>& fill) {
+  File opened(std::fopen(path.c_str(), "wb"));
+  if (opened == nullptr) Fail(name, errno);
+  fill([&](std::string_view bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) != bytes.size()) Fail(name, errno);
+  });
+  if (std::fflush(opened.get()) != 0) Fail(name, errno);
+}
+
 }  // namespace
 
 std::string InputName(const std::string& file) {
@@ -73,16 +96,29 @@ std::string ReadInput(const std::string& file) {
 }
 
 void WriteOutput(const std::string& file, std::string_view bytes) {
-  if (file == kStandardStream) return PrintAtOnce(bytes);
-  std::error_code ignored;
-  const fs::path path = fs::is_symlink(file, ignored) ? fs::weakly_canonical(file) : fs::path(file);
-  if (!fs::exists(path, ignored) || fs::is_regular_file(path, ignored)) {
-    return sim::ReplaceHostFile(path, path.string() + ".writing", bytes);
+  if (const fs::path path = Target(file); file != kStandardStream && IsReplaced(path)) {
+    return sim::ReplaceHostFile(path, path.string() + kTemporary, bytes);
   }
-  File opened(std::fopen(path.string().c_str(), "wb"));
-  if (opened == nullptr) Fail(file, errno);
-  const bool taken = std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) == bytes.size();
-  if (!taken || std::fflush(opened.get()) != 0) Fail(file, errno);
+  WriteOutputInBlocks(file, [bytes](const WriteBlock& write) { write(bytes); });
+}
+
+void WriteOutputInBlocks(const std::string& file,
+                         const std::function<void(const WriteBlock& write)>& fill) {
+  if (file == kStandardStream) return fill(&PrintAtOnce);
+  const fs::path path = Target(file);
+  if (!IsReplaced(path)) return FillFile(path.string(), file, fill);
+  const fs::path temporary = path.string() + kTemporary;
+  std::error_code ignored;
+  fs::remove(temporary, ignored);
+  try {
+    FillFile(temporary.string(), file, fill);
+    std::error_code error;
+    fs::rename(temporary, path, error);
+    if (error) Fail(file, error.value());
+  } catch (...) {
+    fs::remove(temporary, ignored);
+    throw;
+  }
 }
 
 std::string Printable(std::string_view text) {

@@ -19,6 +19,10 @@ inline constexpr std::string_view kStandardStream = "-";
 // Replaces a file, or what a link leads to, as a whole or not at all; writes into a pipe or a
 // device; "-" is standard output. Throws sim::DeviceFolderError with the cause.
 void WriteOutput(const std::string& file, std::string_view bytes);
+// The same in blocks, for what memory has no room for: `fill` gives them one after the other.
+using WriteBlock = std::function<void(std::string_view bytes)>;
+void WriteOutputInBlocks(const std::string& file,
+                         const std::function<void(const WriteBlock& write)>& fill);
 
 // A text for the terminal: what would control it stands as \x1B; lines stay lines.
 [[nodiscard]] std::string Printable(std::string_view text);

@@ -17,7 +17,7 @@ struct EffectRow {
   Effect effect;
   std::string_view name;
 };
-constexpr std::array<EffectRow, 15> kEffects{{
+constexpr std::array<EffectRow, 16> kEffects{{
     {Effect::kProcess, "process"},
     {Effect::kCall, "call"},
     {Effect::kRegistry, "registry"},
@@ -33,6 +33,7 @@ constexpr std::array<EffectRow, 15> kEffects{{
     {Effect::kDriver, "driver"},
     {Effect::kTrace, "trace"},
     {Effect::kDebug, "debug"},
+    {Effect::kExpect, "expect"},
 }};
 
 bool TakePrefix(std::string_view& text, std::string_view prefix) {

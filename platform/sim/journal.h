@@ -27,6 +27,7 @@ enum class Effect : std::uint8_t {
   kDriver,     // a driver gets an I/O control
   kTrace,      // a line in the event log, with its category word
   kDebug,      // a line on the kernel's debug output
+  kExpect,     // what was expected of the device held or failed; noted by whoever plays a scenario
 };
 
 // The word for an effect in a journal line, and back.

@@ -164,6 +164,19 @@ TEST_F(ScenarioStage, ExpectationsHoldOrSayWhatThereWas) {
   }
 }
 
+TEST_F(ScenarioStage, TheJournalHasWhatHeldAndWhatFailed) {
+  Play(
+      "set volume = 7\nwait 20 ms\nexpect audio volume * at 0 ms\nexpect audio sound *\n"
+      "expect 1 times audio *\nexpect volume 7\n");
+  EXPECT_EQ(
+      device.journal().Texts(sim::Effect::kExpect),
+      (std::vector<std::string>{"s:3 held, seen at 0 ms: expected audio 'volume *' at 0 ms",
+                                "s:4 failed: expected audio 'sound *'; there was no audio line",
+                                "s:5 held: expected 1 times audio '*'",
+                                "s:6 held: expected the volume to be 0x00000007"}));
+  EXPECT_NE(ParseFailure("expect 1 times expect *").find("nothing is expected"), std::string::npos);
+}
+
 TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
   struct Case {
     std::string text, said;

@@ -39,8 +39,9 @@ TEST_F(ToolStreams, AnOutputThatIsNotTakenIsAnErrorWithItsCause) {
            palsim + " registry", palsim + " call PALBEEPKeyClick",
            palsim + " call PALBEEPKeyClick --journal", palsim + " journal", palsim + " timeline",
            palsim + " run --timeline " + kScenario, palsim + " timeline --html -",
-           palsim + " new --force", std::string("dcecfg dump ") + kStore,
-           std::string("dcecfg check ") + kStore, std::string("dcecfg build -o - ") + kText}) {
+           palsim + " timeline --wav -", palsim + " timeline --trace -", palsim + " new --force",
+           std::string("dcecfg dump ") + kStore, std::string("dcecfg check ") + kStore,
+           std::string("dcecfg build -o - ") + kText}) {
     const CommandResult full = RunTool(command + " 2>&1 >/dev/full #");
     EXPECT_EQ(full.status, 1) << command;
     EXPECT_NE(full.output.find(": standard output: No space left on device\n"), std::string::npos)

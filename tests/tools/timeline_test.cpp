@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <random>
+#include <set>
 #include <sstream>
 
 #include "platform/sim/hardware/wave_file.h"
@@ -14,8 +17,10 @@
 #include "tools/palsim/run_record.h"
 #include "tools/palsim/timeline/page.h"
 #include "tools/palsim/timeline/sound_of_run.h"
+#include "tools/palsim/timeline/svg.h"
 #include "tools/palsim/timeline/text.h"
 #include "tools/palsim/timeline/time_scale.h"
+#include "tools/palsim/timeline/trace_events.h"
 
 namespace {
 
@@ -200,10 +205,150 @@ TEST(TimelinePage, StandsAloneAndEscapesWhatItShows) {
   for (const char* foreign : {"<script", "http:", "https:", "@import", "<b> &", "nan", "inf\""}) {
     EXPECT_EQ(page.find(foreign), std::string::npos) << foreign;
   }
-  for (const char* shown : {"a.exe killed", "Headset = 1", "b.exe waits", "blinks 30 s",
-                            "loop.wav 40 ms, looping", "preset 2 250 ms", "prefers-color-scheme"}) {
+  for (const char* shown :
+       {"a.exe killed", "Headset = 1", "<small>b.exe</small>", ">waits<", "blinks 30 s",
+        "loop.wav 40 ms, looping", "preset 2 250 ms", "prefers-color-scheme"}) {
     EXPECT_NE(page.find(shown), std::string::npos) << shown;
   }
+}
+
+// Three processes share a mutex, a call fails, the device restarts, and an expectation fails.
+constexpr const char* kGoneWrong =
+    "     5.000 p1 t1 process a.exe started\n"
+    "     5.000 p2 t1 process b.exe started\n"
+    "     5.000 p3 t1 process c.exe started\n"
+    "     5.000 p1 t1 mutex M taken\n"
+    "     5.010 p2 t1 call PALLEDGrLedOn()\n"
+    "     5.010 p3 t1 call PALLEDGrLedOn()\n"
+    "     5.100 p1 t1 mutex M released\n"
+    "     5.100 p2 t1 mutex M taken\n"
+    "     5.200 p2 t1 mutex M released\n"
+    "     5.200 p3 t1 mutex M taken\n"
+    "     5.200 p2 t1 call PALLEDGrLedOn() = 0x80070005 PAL_E_ACCESS_DENIED\n"
+    "     5.200 p1 t1 process a.exe detaches\n"
+    "     5.200 p1 t1 mutex N taken\n"
+    "     5.200 p1 t1 mutex N released\n"
+    "     5.200 p1 t1 process a.exe ended\n"
+    "     5.200 p0 t0 expect s:7 held, seen at 100 ms: expected mutex 'M released' at 100 ms\n"
+    "     5.200 p0 t0 expect s:8 failed: expected <b> to return S_OK; there was E\n"
+    "     5.300 p2 t1 power restart, warm\n"
+    "     5.300 p2 t1 process b.exe killed\n"
+    "     5.300 p3 t1 process c.exe killed\n"
+    "     5.300 p4 t1 process a.exe started\n"
+    "     5.300 p4 t1 call PALDevInfo_GetDeviceIdentificationText()\n"
+    "     5.400 p4 t1 call PALDevInfo_GetDeviceIdentificationText() = 0x00000000 S_OK\n";
+
+TEST(TimelineModel, KnowsWhatFailedAndWhatARestartEnded) {
+  const Timeline timeline = FromJournal(kGoneWrong, 400);
+  EXPECT_TRUE(timeline.Failed());
+  EXPECT_EQ(timeline.Verdict(), "1 of 2 expectations do not hold; 1 call failed");
+  ASSERT_EQ(timeline.expectations.size(), 2u);
+  EXPECT_EQ(timeline.expectations[0].time, 100u) << "where the line stood";
+  EXPECT_EQ(timeline.expectations[1].time, 200u) << "where it was looked for";
+  ASSERT_EQ(timeline.restarts.size(), 1u);
+  EXPECT_TRUE(timeline.outside.empty()) << "nobody was killed but by the restart";
+  EXPECT_EQ(timeline.processes.at(2).calls.at(0).Text(), "PALLEDGrLedOn() did not return");
+  ASSERT_EQ(timeline.mutexes.size(), 1u) << "what is taken for a detach alone is no lane";
+  EXPECT_EQ(timeline.mutexes[0].Users(), (std::vector<std::uint32_t>{1, 2, 3}));
+  EXPECT_EQ(timeline.mutexes[0].holds.at(2).end, 300u);
+}
+
+bool HasAll(const std::string& text, std::initializer_list<const char*> parts) {
+  return std::ranges::all_of(parts, [&](const char* part) {
+    const bool found = text.find(part) != std::string::npos;
+    EXPECT_TRUE(found) << part;
+    return found;
+  });
+}
+
+TEST(TimelinePage, TellsHowItWent) {
+  const std::string page = TimelinePage(FromJournal(kGoneWrong, 400));
+  EXPECT_TRUE(HasAll(
+      page, {"<p class=\"verdict failed\">✗ 1 of 2", "class=\"bar failed p1\"",
+             ">✗ PALLEDGrLedOn() = PAL_E_ACCESS_DENIED<", "class=\"bar unfinished p2\"",
+             ">⟳ restart, warm<", "<small>a.exe</small>", "<small>c.exe</small>",
+             "<li id=\"x16\" class=\"failed\">✗ s:8 failed: expected &lt;b&gt;",
+             "<a href=\"#failed200\">", "<a href=\"#x16\" id=\"failed200\">", "href=\"#e16\"",
+             "<tr id=\"e16\">", "<a href=\"#x15\" id=\"held100\">", "<summary>mutexes</summary>"}));
+}
+
+// The place behind some words.
+double NumberBehind(const std::string& text, const std::string& words, std::size_t from) {
+  const std::size_t found = text.find(words, from);
+  return found == std::string::npos ? 0 : std::stod(text.substr(found + words.size()));
+}
+
+TEST(TimelinePage, CutsNoLabelAndDrawsNoLineThroughOne) {
+  const std::string page = TimelinePage(FromJournal(kGoneWrong, 400));
+  const double width = NumberBehind(page, "<svg class=\"plot\" width=\"", 0);
+  const std::size_t label = page.rfind("<text class=\"out p3");
+  ASSERT_NE(label, std::string::npos);
+  const double begin = NumberBehind(page, " x=\"", label);
+  EXPECT_LE(begin + palsim::TextWidth("PALDevInfo_GetDeviceIdentificationText() = S_OK"), width);
+  const std::size_t plate = page.rfind("<rect class=\"plate\"", label);
+  ASSERT_NE(plate, std::string::npos);
+  EXPECT_LE(NumberBehind(page, " x=\"", plate), begin);
+}
+
+TEST(TimelineText, HasALineForEachOwnerAndFitsTheTerminal) {
+  const Timeline timeline = FromJournal(kGoneWrong, 400);
+  EXPECT_TRUE(HasAll(TimelineText(timeline),
+                     {"✗ 1 of 2 expectations", "║", "\n  M ", "\n    a.exe", "\n    b.exe",
+                      "\n    c.exe", "✗ PALLEDGrLedOn() returns", "the scenario   ✓ s:7 held"}));
+  for (const std::size_t columns : {40u, 80u, 160u}) {
+    std::istringstream lines(TimelineText(timeline, columns));
+    for (std::string line; std::getline(lines, line) && line.find("before") == std::string::npos;) {
+      EXPECT_LE(palsim::TextWidth(line) / palsim::TextWidth(" "),
+                static_cast<double>(std::max<std::size_t>(columns, 62)))
+          << line;
+    }
+  }
+}
+
+using TraceEvents = std::vector<nlohmann::json>;
+
+// Readers sort by time and keep the file's order of one time; then each track's spans must nest.
+void CheckSpans(TraceEvents events) {
+  std::ranges::stable_sort(events, {},
+                           [](const auto& event) { return event.at("ts").template get<int>(); });
+  std::map<std::pair<int, int>, std::vector<std::string>> open;
+  for (const auto& event : events) {
+    auto& spans = open[{event.at("pid"), event.at("tid")}];
+    const std::string name =
+        event.at("name").get<std::string>() + event.value("args", nlohmann::json()).dump();
+    if (event.at("ph") == "B") spans.push_back(name);
+    if (event.at("ph") != "E") continue;
+    ASSERT_FALSE(spans.empty()) << event;
+    EXPECT_EQ(spans.back(), name) << event;
+    spans.pop_back();
+  }
+  for (const auto& [track, spans] : open) EXPECT_TRUE(spans.empty()) << track.second;
+}
+
+TEST(TimelineTrace, KeepsTheRulesOfTheFormat) {
+  for (const char* journal : {kTwoBeeps, kGoneWrong}) {
+    const auto file = nlohmann::json::parse(TraceEventsJson(FromJournal(journal, 30100)));
+    const TraceEvents events = file.at("traceEvents");
+    std::map<std::string, int> phases;
+    std::set<int> named;
+    for (const auto& event : events) {
+      const std::string phase = event.at("ph");
+      ++phases[phase];
+      EXPECT_FALSE(event.at("name").get<std::string>().empty());
+      EXPECT_TRUE(event.at("ts").is_number_unsigned());
+      EXPECT_GT(event.at("pid"), 0) << "that is the idle process";
+      EXPECT_TRUE(phase != "C" || event.at("args").begin()->is_number());
+      EXPECT_TRUE(phase != "i" || event.at("s") == "g" || event.at("s") == "t");
+      if (event.at("name") == "process_name") named.insert(event.at("pid").get<int>());
+      EXPECT_TRUE(phase == "M" || named.contains(event.at("pid"))) << event;
+    }
+    for (const char* phase : {"M", "B", "E", "C", "i"}) EXPECT_GT(phases[phase], 0) << phase;
+    CheckSpans(events);
+  }
+  const std::string text = TraceEventsJson(FromJournal(kGoneWrong, 400));
+  EXPECT_TRUE(HasAll(
+      text, {R"("ts":10000,"name":"✗ PALLEDGrLedOn")", R"("ts":200000,"name":"✗ PALLEDGrLedOn")",
+             R"("name":"restart, warm","s":"g")", R"("name":"c.exe")"}));
 }
 
 TEST(TimelinePage, LabelsALevelThatLastsNoTime) {
@@ -243,16 +388,19 @@ class RunSoundTest : public ::testing::Test {
   [[nodiscard]] int At(unsigned ms, unsigned channel) const {
     const std::size_t frame = ms * palsim::kSoundRate / 1000 + 1;
     const std::size_t at = 44 + frame * 4 + channel * 2;
-    return static_cast<std::int16_t>(static_cast<std::uint8_t>(sound.wav.at(at)) |
-                                     static_cast<std::uint8_t>(sound.wav.at(at + 1)) << 8);
+    return static_cast<std::int16_t>(static_cast<std::uint8_t>(wav.at(at)) |
+                                     static_cast<std::uint8_t>(wav.at(at + 1)) << 8);
   }
   void Render(const std::string& journal, unsigned end_ms) {
     files.Write("\\loud.wav", Tone(192, 100));  // half of the loudest, 100 ms
     files.Write("\\low.wav", Tone(64, 100));
-    sound = palsim::SoundOfRun(FromJournal(journal, end_ms), files);
+    wav.clear();
+    sound = palsim::WriteSoundOfRun(FromJournal(journal, end_ms), files,
+                                    [this](std::string_view bytes) { wav += bytes; });
   }
 
   sim::FileSystem files;
+  std::string wav;
   palsim::RunSound sound;
 };
 
@@ -265,8 +413,8 @@ TEST_F(RunSoundTest, HasTheLengthOfTheRunAndTheLevelsOfItsVolume) {
       "     5.300 p1 t1 audio sound begins \\loud.wav 100 ms\n"
       "     5.350 p1 t1 audio sound stops \\loud.wav\n",
       500);
-  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(sound.wav.data());
-  const auto wave = sim::ReadWaveFile({bytes, sound.wav.size()});
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(wav.data());
+  const auto wave = sim::ReadWaveFile({bytes, wav.size()});
   ASSERT_TRUE(wave.has_value());
   EXPECT_EQ(wave->length_ms(), 500u);
   EXPECT_EQ(wave->channels, 2);
@@ -295,6 +443,33 @@ TEST_F(RunSoundTest, RepeatsLoopsMixesAndSaysWhatIsMissing) {
   EXPECT_EQ(At(390, 0), 16384);
   EXPECT_EQ(At(410, 0), 0) << "stopped";
   EXPECT_EQ(sound.missing, std::vector<std::string>{"\\none.wav"});
+  EXPECT_EQ(sound.cut_at_ms, std::nullopt);
+}
+
+TEST_F(RunSoundTest, OfALongRunHoldsWhatTheFormatHasRoomFor) {
+  std::uint64_t size = 0;
+  std::size_t largest = 0;
+  std::string head;
+  const auto count = [&](std::string_view bytes) {
+    if (size == 0) head = bytes;
+    size += bytes.size();
+    largest = std::max(largest, bytes.size());
+  };
+  sound = palsim::WriteSoundOfRun(FromJournal("", 0xFFFFFFF), files, count);  // three days
+  constexpr std::uint64_t kMost = 0xFFFFFFFF;
+  EXPECT_LE(size, kMost + 8) << "the first size in the file is of what stands behind it";
+  EXPECT_GT(size, kMost);
+  EXPECT_LT(largest, 1000000u) << "memory has to hold it";
+  const auto size_at = [&](std::size_t at) {
+    std::uint64_t number = 0;
+    for (std::size_t index = 4; index-- > 0;) {
+      number = number << 8 | static_cast<std::uint8_t>(head.at(at + index));
+    }
+    return number;
+  };
+  EXPECT_EQ(size_at(4) + 8, size);
+  EXPECT_EQ(size_at(40) + 44, size);
+  EXPECT_EQ(sound.cut_at_ms, (size - 44) / 4 * 1000 / palsim::kSoundRate);
 }
 
 }  // namespace

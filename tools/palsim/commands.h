@@ -46,10 +46,12 @@ int Call(const std::filesystem::path& folder, const CallOptions& options);
 
 // What is made of a run: each file where it has a name.
 struct TimelineOptions {
-  std::size_t run = 0;  // its number; 0: the last
-  bool text = false;    // on the terminal
+  std::size_t run = 0;      // its number; 0: the last
+  bool text = false;        // on the terminal
+  std::size_t columns = 0;  // that it has; 0: it is none
   std::string html;
   std::string wav;
+  std::string trace;  // in the Chrome trace event format
 };
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
 

@@ -65,6 +65,9 @@ constexpr std::array kForms = std::to_array<EffectForm>({
     {Effect::kDriver, "keypad reloaded, LAYOUT"},
     {Effect::kTrace, "LINE"},
     {Effect::kDebug, "LINE"},
+    {Effect::kExpect, "FILE:LINE held: expected WHAT"},
+    {Effect::kExpect, "FILE:LINE held, seen at COUNT ms: expected LINE"},
+    {Effect::kExpect, "FILE:LINE failed: expected WHAT; there was WHAT"},
 });
 
 }  // namespace

@@ -1,5 +1,7 @@
 // palsim: runs the library on a simulated device that lives in a folder.
 #include <fmt/format.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -46,6 +48,12 @@ counted apart.
 Exit status: 0 every fact is the same, 1 one is not, or is not in FILE, 2 FILE is
 not from palcheck.exe or cannot be read.
 )";
+
+// 0 where standard output is no terminal.
+std::size_t TerminalColumns() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
 
 class CommandLine {
  public:
@@ -188,7 +196,7 @@ class CommandLine {
 
   void AddTimeline() {
     auto* command = AddOnDevice("timeline", "Show a run on a time axis", [this] {
-      timeline_.text = timeline_.html.empty() && timeline_.wav.empty();
+      timeline_.text = timeline_.html.empty() && timeline_.wav.empty() && timeline_.trace.empty();
       return palsim::ShowTimeline(folder_, timeline_);
     });
     command->add_option("--run", timeline_.run, "Its number, of journal --runs; else the last run");
@@ -199,6 +207,10 @@ class CommandLine {
     command.add_option("--html", options.html,
                        "Write the timeline as a page for a browser; - is standard output");
     command.add_option("--wav", options.wav, "Write the run's sound; - is standard output");
+    command.add_option("--trace", options.trace,
+                       "Write the Chrome trace event format, which Perfetto opens; - is standard "
+                       "output");
+    options.columns = TerminalColumns();
   }
 
   void AddJournal() {

@@ -5,27 +5,39 @@
 #include "tools/palsim/run_store.h"
 #include "tools/palsim/scenario/scenario.h"
 #include "tools/palsim/scenario/stage.h"
+#include "tools/palsim/scenario/values.h"
 #include "tools/palsim/session.h"
 #include "tools/palsim/timeline/page.h"
 #include "tools/palsim/timeline/sound_of_run.h"
 #include "tools/palsim/timeline/text.h"
 #include "tools/palsim/timeline/timeline.h"
+#include "tools/palsim/timeline/trace_events.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 
 namespace palsim {
 namespace {
 
+void WriteSound(const Timeline& timeline, const sim::FileSystem& files, const std::string& file) {
+  RunSound sound;
+  tools::WriteOutputInBlocks(file, [&](const tools::WriteBlock& write) {
+    sound = WriteSoundOfRun(timeline, files, write);
+  });
+  for (const std::string& path : sound.missing) {
+    fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n",
+               tools::Printable(path));
+  }
+  if (!sound.cut_at_ms) return;
+  fmt::print(stderr, "palsim: the sound is cut at {} of {}: a WAV file has no room for more\n",
+             TimeText(*sound.cut_at_ms), TimeText(timeline.length_ms));
+}
+
 void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOptions& options) {
   const Timeline timeline = MakeTimeline(run);
-  if (options.text) fmt::print("{}", TimelineText(timeline));
+  if (options.text) fmt::print("{}", TimelineText(timeline, options.columns));
   if (!options.html.empty()) tools::WriteOutput(options.html, TimelinePage(timeline));
-  if (options.wav.empty()) return;
-  const RunSound sound = SoundOfRun(timeline, files);
-  tools::WriteOutput(options.wav, sound.wav);
-  for (const std::string& path : sound.missing) {
-    fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n", path);
-  }
+  if (!options.trace.empty()) tools::WriteOutput(options.trace, TraceEventsJson(timeline));
+  if (!options.wav.empty()) WriteSound(timeline, files, options.wav);
 }
 
 Session OpenSession(const Scenario& scenario, const std::filesystem::path& folder,
@@ -67,9 +79,10 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
                expectations);
     return kFailure;
   }
-  // Standard output can be the page's or the sound's.
+  // Standard output can be the page's, the sound's or the trace's.
   const bool is_free = options.timeline.html != tools::kStandardStream &&
-                       options.timeline.wav != tools::kStandardStream;
+                       options.timeline.wav != tools::kStandardStream &&
+                       options.timeline.trace != tools::kStandardStream;
   fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name, expectations);
   return kSuccess;
 }

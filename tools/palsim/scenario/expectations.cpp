@@ -152,9 +152,9 @@ void ExpectLine(Stage& stage, const Filled& filled) {
   }
   stage.position = static_cast<std::size_t>(entry - entries.begin()) + 1;
   stage.matched_ms = stage.TimeOf(*entry);
-  stage.Expect(!time || stage.matched_ms == *time,
-               fmt::format("{} at {}", line.Description(), TimeText(time.value_or(0))),
-               "it at " + TimeText(stage.matched_ms));
+  const std::string when = time ? " at " + TimeText(*time) : "";
+  stage.Expect(!time || stage.matched_ms == *time, line.Description() + when,
+               "it at " + TimeText(stage.matched_ms), stage.matched_ms);
 }
 
 void LookFromHere(Stage& stage, const Filled& /*filled*/) {

@@ -7,6 +7,25 @@
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
+namespace {
+
+// The lines of a message, indented as they are, as the parts of one.
+std::string InOneLine(const std::string& message) {
+  std::string line;
+  bool at_start = false;
+  for (const char character : message) {
+    if (character == '\n') line += " | ";
+    if (character == '\n' || (at_start && character == ' ')) {
+      at_start = true;
+      continue;
+    }
+    line += character;
+    at_start = false;
+  }
+  return line;
+}
+
+}  // namespace
 
 std::string ProcessFileName(const std::string& name) {
   return name.find('.') == std::string::npos ? name + ".exe" : name;
@@ -146,11 +165,17 @@ const std::optional<CallOutcome>& Stage::outcome(const std::string& of) {
   return found->second;
 }
 
-void Stage::Expect(bool holds, const std::string& expected, const std::string& found) {
+void Stage::Expect(bool holds, const std::string& expected, const std::string& found,
+                   std::optional<std::uint64_t> seen_ms) {
   ++expectations_;
+  const std::string seen = seen_ms ? fmt::format(", seen at {} ms", *seen_ms) : "";
+  const std::string instead = holds ? "" : "; there was " + found;
+  device_.Note(sim::Effect::kExpect,
+               InOneLine(fmt::format("{} {}{}: expected {}{}", place_, holds ? "held" : "failed",
+                                     seen, expected, instead)));
   if (holds) return;
   ++failures_;
-  on_failure_(fmt::format("{}: expected {}; there was {}", place_, expected, found));
+  on_failure_(fmt::format("{}: expected {}{}", place_, expected, instead));
 }
 
 const std::vector<sim::JournalEntry>& Stage::journal() const {

@@ -55,8 +55,9 @@ class Stage {
 
   // Says which of the planned faults have not come due.
   void SayWhatWasNotReached() const;
-  // Counts an expectation; where it does not hold, says so.
-  void Expect(bool holds, const std::string& expected, const std::string& found);
+  // Counts an expectation and notes it in the journal; where it does not hold, says so.
+  void Expect(bool holds, const std::string& expected, const std::string& found,
+              std::optional<std::uint64_t> seen_ms = std::nullopt);
 
   // The journal as expectations read it: from where they look, and how far they have come.
   [[nodiscard]] const std::vector<sim::JournalEntry>& journal() const;

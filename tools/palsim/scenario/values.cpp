@@ -29,7 +29,9 @@ void CheckExport(const Filled& filled) {
 
 void CheckEffect(const Filled& filled) {
   const std::string name = filled.Text("EFFECT");
-  if (sim::EffectFromName(name)) return;
+  const std::optional<sim::Effect> effect = sim::EffectFromName(name);
+  if (effect == sim::Effect::kExpect) throw UsageError("of an expectation nothing is expected");
+  if (effect) return;
   throw UsageError("'" + name +
                    "' is no effect in the journal, and as a whole the line is no other statement; "
                    "'palsim --statements' lists them");

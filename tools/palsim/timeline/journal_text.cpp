@@ -75,4 +75,11 @@ std::optional<SoundEnding> SoundEnded(std::string_view text) {
   return std::nullopt;
 }
 
+ExpectationResult ExpectationIn(std::string_view text) {
+  constexpr std::string_view kSeen = ", seen at ";
+  text = text.substr(0, text.find(": expected "));
+  const std::optional<std::uint32_t> seen_ms = NumberAfter(text, kSeen);
+  return {.held = text.substr(0, text.rfind(kSeen)).ends_with(" held"), .seen_ms = seen_ms};
+}
+
 }  // namespace palsim

@@ -38,6 +38,13 @@ struct SoundEnding {
 };
 [[nodiscard]] std::optional<SoundEnding> SoundEnded(std::string_view text);
 
+// "good-read.scenario:7 held, seen at 300 ms: expected led 'LED 3 on'"
+struct ExpectationResult {
+  bool held = false;
+  std::optional<std::uint32_t> seen_ms;
+};
+[[nodiscard]] ExpectationResult ExpectationIn(std::string_view text);
+
 }  // namespace palsim
 
 #endif  // TOOLS_PALSIM_TIMELINE_JOURNAL_TEXT_H_

@@ -4,18 +4,32 @@
 #include <array>
 
 #include "platform/sim/hardware/wave_file.h"
-#include "tools/palsim/usage_error.h"
 
 namespace palsim {
 namespace {
 
 constexpr std::size_t kChannels = 2;
-constexpr std::uint64_t kLongestRunMs = 30ULL * 60 * 1000;
+constexpr std::uint32_t kFrameSize = kChannels * 2;
+constexpr std::uint32_t kHeadSize = 44;
+// The sizes in a WAV file have 32 bits; the first one is of all behind it.
+constexpr std::uint64_t kMostFrames = (0xFFFFFFFF - (kHeadSize - 8)) / kFrameSize;
+constexpr std::uint64_t kBlockFrames = 1 << 16;
 
 using Frame = std::array<std::int32_t, kChannels>;
 
-std::size_t FrameAt(std::uint64_t time_ms) {
-  return static_cast<std::size_t>(time_ms * kSoundRate / 1000);
+// A block of the sound, from one frame on.
+struct Block {
+  std::uint64_t begin = 0;
+  std::vector<Frame> frames;
+
+  [[nodiscard]] std::uint64_t end() const { return begin + frames.size(); }
+  [[nodiscard]] Frame& At(std::uint64_t frame) {
+    return frames[static_cast<std::size_t>(frame - begin)];
+  }
+};
+
+std::uint64_t FrameAt(std::uint64_t time_ms) {
+  return time_ms * kSoundRate / 1000;
 }
 
 // A sample as a number of 16 bits. Samples of 8 bits are unsigned.
@@ -31,18 +45,16 @@ std::size_t FramesOf(const sim::WaveFile& wave) {
   return wave.samples.size() / (wave.channels * (wave.bits_per_sample / 8U));
 }
 
-void Mix(std::vector<Frame>& frames, const SoundSpan& sound, const sim::WaveFile& wave) {
-  const std::size_t source_frames = FramesOf(wave);
-  if (source_frames == 0) return;
-  const std::size_t begin = FrameAt(sound.begin);
-  const std::size_t end = std::min(FrameAt(sound.end), frames.size());
-  for (std::size_t at = begin; at < end; ++at) {
-    std::size_t source =
-        static_cast<std::size_t>(std::uint64_t{at - begin} * wave.samples_per_second / kSoundRate);
+void Mix(Block& block, const SoundSpan& sound, const sim::WaveFile& wave) {
+  const std::uint64_t source_frames = FramesOf(wave);
+  const std::uint64_t begin = FrameAt(sound.begin);
+  const std::uint64_t end = std::min(FrameAt(sound.end), block.end());
+  for (std::uint64_t at = std::max(begin, block.begin); at < end; ++at) {
+    const std::uint64_t source = (at - begin) * wave.samples_per_second / kSoundRate;
     if (source >= source_frames && !sound.looping) return;
-    source %= source_frames;
     for (std::size_t channel = 0; channel < kChannels; ++channel) {
-      frames[at][channel] += SampleOf(wave, source, channel);
+      block.At(at)[channel] +=
+          SampleOf(wave, static_cast<std::size_t>(source % source_frames), channel);
     }
   }
 }
@@ -55,12 +67,13 @@ void ScaleFrame(Frame& frame, std::uint32_t volume) {
   }
 }
 
-void Scale(std::vector<Frame>& frames, const std::vector<Level>& volume) {
+void Scale(Block& block, const std::vector<Level>& volume) {
   for (std::size_t index = 0; index < volume.size(); ++index) {
     const bool is_last = index + 1 == volume.size();
-    const std::size_t end = is_last ? frames.size() : FrameAt(volume[index + 1].time);
-    for (std::size_t at = FrameAt(volume[index].time); at < std::min(end, frames.size()); ++at) {
-      ScaleFrame(frames[at], volume[index].value);
+    const std::uint64_t end =
+        is_last ? block.end() : std::min(FrameAt(volume[index + 1].time), block.end());
+    for (std::uint64_t at = std::max(FrameAt(volume[index].time), block.begin); at < end; ++at) {
+      ScaleFrame(block.At(at), volume[index].value);
     }
   }
 }
@@ -71,11 +84,10 @@ void Append(std::string& bytes, std::uint32_t number, std::size_t size) {
   }
 }
 
-std::string WaveBytes(const std::vector<Frame>& frames) {
-  constexpr std::uint32_t kFrameSize = kChannels * 2;
-  const auto size = static_cast<std::uint32_t>(frames.size() * kFrameSize);
+std::string Head(std::uint64_t frames) {
+  const auto size = static_cast<std::uint32_t>(frames * kFrameSize);
   std::string bytes = "RIFF";
-  Append(bytes, 36 + size, 4);
+  Append(bytes, kHeadSize - 8 + size, 4);
   bytes += "WAVEfmt ";
   Append(bytes, 16, 4);
   Append(bytes, 1, 2);  // uncompressed
@@ -86,7 +98,12 @@ std::string WaveBytes(const std::vector<Frame>& frames) {
   Append(bytes, 16, 2);
   bytes += "data";
   Append(bytes, size, 4);
-  for (const Frame& frame : frames) {
+  return bytes;
+}
+
+std::string BytesOf(const Block& block) {
+  std::string bytes;
+  for (const Frame& frame : block.frames) {
     for (const std::int32_t sample : frame) {
       Append(bytes, static_cast<std::uint32_t>(std::clamp(sample, -32768, 32767)), 2);
     }
@@ -94,23 +111,48 @@ std::string WaveBytes(const std::vector<Frame>& frames) {
   return bytes;
 }
 
+struct HeardSound {
+  SoundSpan span;
+  sim::WaveFile wave;
+};
+
+std::string BytesOfBlock(std::uint64_t begin, std::uint64_t end,
+                         const std::vector<HeardSound>& sounds, const std::vector<Level>& volume) {
+  const auto is_heard = [&](const HeardSound& sound) {
+    return FrameAt(sound.span.begin) < end && FrameAt(sound.span.end) > begin;
+  };
+  const auto count = static_cast<std::size_t>(end - begin);
+  if (std::ranges::none_of(sounds, is_heard)) return std::string(count * kFrameSize, '\0');
+  Block block{begin, std::vector<Frame>(count)};
+  for (const HeardSound& sound : sounds) {
+    if (is_heard(sound)) Mix(block, sound.span, sound.wave);
+  }
+  Scale(block, volume);
+  return BytesOf(block);
+}
+
 }  // namespace
 
-RunSound SoundOfRun(const Timeline& timeline, const sim::FileSystem& files) {
-  if (timeline.length_ms > kLongestRunMs) throw UsageError("the run is too long for a WAV file");
+RunSound WriteSoundOfRun(const Timeline& timeline, const sim::FileSystem& files,
+                         const std::function<void(std::string_view bytes)>& write) {
   RunSound result;
-  std::vector<Frame> frames(FrameAt(timeline.length_ms));
+  std::vector<HeardSound> sounds;
   for (const SoundSpan& sound : timeline.sounds) {
     const std::vector<std::uint8_t>* file = files.Read(sound.path);
     const auto wave = file != nullptr ? sim::ReadWaveFile(*file) : std::nullopt;
     if (!wave) {
       result.missing.push_back(sound.path);
-      continue;
+    } else if (FramesOf(*wave) > 0) {
+      sounds.push_back({sound, *wave});
     }
-    Mix(frames, sound, *wave);
   }
-  Scale(frames, timeline.volume);
-  result.wav = WaveBytes(frames);
+  const std::uint64_t length = FrameAt(timeline.length_ms);
+  const std::uint64_t frames = std::min(length, kMostFrames);
+  if (frames < length) result.cut_at_ms = frames * 1000 / kSoundRate;
+  write(Head(frames));
+  for (std::uint64_t at = 0; at < frames; at += kBlockFrames) {
+    write(BytesOfBlock(at, std::min(at + kBlockFrames, frames), sounds, timeline.volume));
+  }
   return result;
 }
 

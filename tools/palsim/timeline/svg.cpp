@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace palsim {
 namespace {
 
@@ -35,8 +37,10 @@ std::string EscapeHtml(std::string_view text) {
 }
 
 double TextWidth(std::string_view text) {
-  constexpr double kCharacter = 6.9;  // at 12 px, a little generous
-  return kCharacter * static_cast<double>(text.size());
+  constexpr double kCharacter = 7.7;  // at 12 px; capitals are many in names of calls
+  const auto characters = std::ranges::count_if(
+      text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
+  return kCharacter * static_cast<double>(characters);
 }
 
 void Svg::Rectangle(double x, double y, double width, double height, std::string_view classes,
@@ -63,12 +67,25 @@ void Svg::Text(double x, double y, std::string_view text, std::string_view class
                        EscapeHtml(text), TitleElement(title));
 }
 
+void Svg::BeginLink(std::string_view place, std::string_view id) {
+  body_ += fmt::format("<a href=\"#{}\" id=\"{}\">", place, id);
+}
+
+void Svg::EndLink() {
+  body_ += "</a>";
+}
+
 std::string Svg::Element(double width, double height, std::string_view classes,
                          std::string_view label) const {
   return fmt::format(
       "<svg class=\"{0}\" width=\"{1:.0f}\" height=\"{2:.0f}\" viewBox=\"0 0 {1:.0f} {2:.0f}\" "
       "role=\"img\" aria-label=\"{3}\">\n{4}</svg>\n",
       classes, width, height, EscapeHtml(label), body_);
+}
+
+std::string Svg::Backdrop(double width, std::string_view classes) const {
+  return fmt::format("<svg class=\"{}\" width=\"{:.0f}\" aria-hidden=\"true\">\n{}</svg>\n",
+                     classes, width, body_);
 }
 
 }  // namespace palsim

@@ -21,9 +21,14 @@ class Svg {
   void Path(std::string_view data, std::string_view classes);
   void Text(double x, double y, std::string_view text, std::string_view classes,
             std::string_view title = {});
+  // What is added until EndLink leads to a place in the page, and is one itself.
+  void BeginLink(std::string_view place, std::string_view id);
+  void EndLink();
   // The whole element.
   [[nodiscard]] std::string Element(double width, double height, std::string_view classes,
                                     std::string_view label) const;
+  // The whole element without a height of its own, for what only decorates.
+  [[nodiscard]] std::string Backdrop(double width, std::string_view classes) const;
 
  private:
   std::string body_;

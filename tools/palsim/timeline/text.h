@@ -8,8 +8,9 @@
 
 namespace palsim {
 
-// A chart of a line for each lane, then everything in order, without what is for the event log.
-[[nodiscard]] std::string TimelineText(const Timeline& timeline);
+// A chart of a line for each lane, then everything in order, without what is for the event log. It
+// is as wide as a terminal with so many columns; 0: there is none.
+[[nodiscard]] std::string TimelineText(const Timeline& timeline, std::size_t columns = 0);
 
 // What a journal line says to a reader: "calls PALBEEPKeyClick()", "volume 80 % (0xCCCCCCCC)".
 [[nodiscard]] std::string ReadableText(const sim::JournalEntry& entry);

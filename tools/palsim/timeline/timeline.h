@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/palsim/run_record.h"
@@ -23,17 +24,23 @@ struct CallSpan : Span {
   std::uint32_t thread = 0;
   std::string call;    // "PALBEEPGoodReadEx(1)"
   std::string result;  // empty where it did not return
+  bool failed = false;
+
+  // "PALBEEPKeyClick() = S_OK", with a cross in front where it failed.
+  [[nodiscard]] std::string Text() const;
 };
 
 struct ProcessLine : Span {
   std::string name;
-  bool killed = false;
+  bool killed = false;  // and not by a restart of the device
+  bool detaching = false;
   std::vector<CallSpan> calls;
 };
 
 struct HoldSpan : Span {
   std::uint32_t thread = 0;
   bool abandoned = false;
+  bool at_detach = false;
 };
 
 struct WaitSpan : Span {
@@ -44,6 +51,9 @@ struct MutexLine {
   std::string name;
   std::vector<HoldSpan> holds;
   std::vector<WaitSpan> waits;  // as far as the journal shows them
+
+  // The processes that held it or waited for it, in order.
+  [[nodiscard]] std::vector<std::uint32_t> Users() const;
 };
 
 struct SoundSpan : Span {
@@ -78,6 +88,16 @@ struct OutsideEvent {
   std::string text;
 };
 
+struct Expectation {
+  std::uint64_t time = 0;  // of the line that was expected, else of its check
+  bool held = false;
+  std::string text;
+  std::size_t entry = 0;  // of the run
+
+  // The id that its mark in the page's chart has.
+  [[nodiscard]] std::string MarkId() const;
+};
+
 struct Timeline {
   RunRecord run;  // entries with their times in the run
   std::uint64_t length_ms = 0;
@@ -89,10 +109,24 @@ struct Timeline {
   std::vector<Level> volume;  // the first at 0 where it was known then
   std::vector<Level> gain;
   std::vector<OutsideEvent> outside;
+  std::vector<OutsideEvent> restarts;
+  std::vector<Expectation> expectations;
 
   // "scanner.exe", or "the device" for 0.
   [[nodiscard]] std::string ProcessName(std::uint32_t id) const;
+  // Who an entry is of.
+  [[nodiscard]] std::string Actor(const sim::JournalEntry& entry) const;
+  // "2 of 11 expectations do not hold; 1 call failed"; empty where there is nothing to say.
+  [[nodiscard]] std::string Verdict() const;
+  [[nodiscard]] bool Failed() const;
 };
+
+// Before a text that something held, or failed: nobody needs to tell colours apart.
+constexpr std::string_view kHeldMark = "✓ ";
+constexpr std::string_view kFailedMark = "✗ ";
+
+// Whether a result is the code of an error: "0x80004005 E_FAIL".
+[[nodiscard]] bool IsFailure(std::string_view result);
 
 [[nodiscard]] Timeline MakeTimeline(const RunRecord& run);
 
