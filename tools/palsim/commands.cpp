@@ -87,6 +87,11 @@ std::filesystem::path SampleFolder(const std::string& name) {
   return kSamples / name;
 }
 
+std::filesystem::path FolderOf(const std::string& device) {
+  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
+  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
+}
+
 int ListSamples() {
   for (const std::string& name : SampleNames()) {
     sim::Device device;
@@ -96,8 +101,11 @@ int ListSamples() {
 }
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
-  const std::filesystem::path sample = SampleFolder(options.sample);
+  const std::filesystem::path sample = FolderOf(options.sample);
   const bool exists = std::filesystem::exists(folder);
+  if (exists && std::filesystem::equivalent(folder, sample)) {
+    throw UsageError(folder.string() + " cannot be made from itself");
+  }
   const bool is_device = std::filesystem::exists(folder / "device.toml");
   if (exists && !is_device && !std::filesystem::is_empty(folder)) {
     throw UsageError(folder.string() + " exists and is no device; choose another folder");

@@ -3,7 +3,9 @@
 #define TOOLS_PALSIM_COMMANDS_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +26,9 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 int ListSamples();
 // The folder of a sample device. Throws UsageError where there is none of this name.
 [[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
+// The folder of a device that is named by its folder, or by its sample. Throws as SampleFolder
+// does.
+[[nodiscard]] std::filesystem::path FolderOf(const std::string& device);
 
 struct CallOptions {
   std::string name;
@@ -47,13 +52,30 @@ int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& opt
 
 struct RunOptions {
   std::string file;
-  bool fresh = false;    // on a new device, of the sample that the scenario is for
-  bool journal = false;  // print every effect as it comes
+  bool fresh = false;                 // on a new device
+  std::string sample;                 // of which; empty: the one that the scenario is for
+  std::optional<std::uint32_t> seed;  // threads also change turns at platform calls
+  bool journal = false;               // print every effect as it comes
   TimelineOptions timeline;
 };
 // Plays a scenario; kFailure where an expectation does not hold.
 int Run(const std::filesystem::path& folder, const RunOptions& options);
 void PrintStatements();
+
+struct TestOptions {
+  std::vector<std::string> paths;    // scenarios, and folders of them
+  std::vector<std::string> devices;  // samples, or devices' folders; empty: every sample
+  std::optional<std::string> seeds;  // A-B; without it one run, in which threads only wait
+  std::string shard = "1/1";         // I/N
+  unsigned jobs = 0;                 // at once; 0: as many as the machine has processors
+  unsigned most_seconds = 60;        // of a case
+  std::string junit;                 // the reports' files
+  std::string json;
+  std::string program = "palsim";  // as it was called, for the commands that repeat a case
+};
+// Plays every scenario on a copy of every device; kFailure where one does not pass.
+int Test(const TestOptions& options);
+
 // The journal's effects with the forms of their texts.
 void PrintEffects();
 [[nodiscard]] std::vector<std::string_view> EffectNames();

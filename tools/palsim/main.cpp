@@ -29,6 +29,7 @@ Examples:
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
   palsim /tmp/unit shell                                   one process, many calls
+  palsim test scenarios --seeds 1-20 --junit report.xml    play all, on every sample device
   palsim samples                                           the sample devices
   palsim facts palcheck.txt                                where a handheld answers otherwise
 
@@ -75,11 +76,13 @@ class CommandLine {
     AddOnDevice("scan", "Show the scan engine", [this] { return palsim::ShowScanEngine(folder_); });
     AddOnDevice("shell", "Type calls into one attached process",
                 [this] { return palsim::Shell(folder_); });
+    AddTest();
     AddFacts();
     AddAlone("samples", "List the sample devices", &palsim::ListSamples);
   }
 
   int Run(int argc, char** argv) {
+    if (argc > 0) test_.program = argv[0];
     try {
       app_.parse(argc, argv);
       return status_;
@@ -174,7 +177,12 @@ class CommandLine {
     auto* command =
         AddOnDevice("run", "Play a scenario", [this] { return palsim::Run(folder_, run_); });
     command->add_option("FILE", run_.file, "The scenario's text; - is standard input")->required();
-    command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
+    auto* fresh =
+        command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
+    command->add_option("--sample", run_.sample, "With --new: another sample, or a device's folder")
+        ->needs(fresh);
+    command->add_option("--seed", run_.seed,
+                        "Threads also change turns at platform calls, as SEED has it");
     command->add_flag("--journal", run_.journal, "Print every effect as it comes");
     command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
     AddFiles(*command, run_.timeline);
@@ -215,6 +223,29 @@ class CommandLine {
     command->add_option("KEY", registry_path_, "A key, such as HKLM\\Software\\Dravonel");
   }
 
+  void AddTest() {
+    auto* command = AddAlone("test", "Play many scenarios on copies of many devices",
+                             [this] { return palsim::Test(test_); });
+    command->add_option("PATH", test_.paths, "Scenarios, and folders of them; - is standard input")
+        ->required();
+    command
+        ->add_option("--device", test_.devices,
+                     "A sample, or a device's folder; without it every sample")
+        ->expected(1)
+        ->take_all();
+    command->add_option("--seeds", test_.seeds,
+                        "A-B: play each once for each seed, which says how threads change turns");
+    command->add_option("--jobs", test_.jobs, "How many at once; without it as many as processors")
+        ->check(CLI::Range(1, 256));
+    command->add_option("--shard", test_.shard, "I/N: only this machine's part, from 1/N to N/N")
+        ->capture_default_str();
+    command->add_option("--timeout", test_.most_seconds, "The most seconds for one")
+        ->check(CLI::Range(1, 86400))
+        ->capture_default_str();
+    command->add_option("--junit", test_.junit, "Write a JUnit report; - is standard output");
+    command->add_option("--json", test_.json, "Write a report as JSON; - is standard output");
+  }
+
   void AddFacts() {
     auto* command = AddAlone("facts", "Compare a handheld with the simulated device",
                              [this] { return palsim::CompareFacts(facts_); });
@@ -236,6 +267,7 @@ class CommandLine {
   palsim::JournalOptions journal_;
   palsim::TraceOptions trace_;
   std::string registry_path_;
+  palsim::TestOptions test_;
   palsim::FactsOptions facts_;
   int status_ = palsim::kSuccess;
 };

@@ -27,27 +27,35 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   }
 }
 
-void MakeDeviceFor(const Scenario& scenario, const std::filesystem::path& folder) {
-  NewOptions options{.force = true, .quiet = true};
-  if (!scenario.device.empty()) options.sample = scenario.device;
-  NewDevice(folder, options);
+void CheckDevice(const Scenario& scenario, const std::string& device) {
+  if (scenario.device.empty() || scenario.device == device) return;
+  throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
+                               scenario.device, device));
 }
 
-void CheckDevice(const Scenario& scenario, const Session& session) {
-  if (scenario.device.empty() || scenario.device == session.identity().name) return;
-  throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
-                               scenario.device, session.identity().name));
+void MakeDeviceFor(const Scenario& scenario, const std::string& sample,
+                   const std::filesystem::path& folder) {
+  NewOptions options{.force = true, .quiet = true};
+  if (!sample.empty()) {
+    sim::Device device;  // before the old one is gone
+    CheckDevice(scenario, sim::LoadDevice(device, FolderOf(sample)).name);
+    options.sample = sample;
+  } else if (!scenario.device.empty()) {
+    options.sample = scenario.device;
+  }
+  NewDevice(folder, options);
 }
 
 }  // namespace
 
 int Run(const std::filesystem::path& folder, const RunOptions& options) {
   const Scenario scenario = ReadScenario(options.file);
-  if (options.fresh) MakeDeviceFor(scenario, folder);
+  if (options.fresh) MakeDeviceFor(scenario, options.sample, folder);
   Session session(folder);
-  CheckDevice(scenario, session);
+  CheckDevice(scenario, session.identity().name);
   session.set_title(scenario.title, scenario.about);
   if (options.journal) session.PrintJournal();
+  if (options.seed) session.device().ShuffleTurns(*options.seed);
   std::size_t expectations = 0;
   std::size_t failures = 0;
   {
