@@ -87,6 +87,14 @@ struct JournalOptions {
 };
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options);
 
+struct DiffOptions {
+  std::string left;  // each a number of the device's runs, or a journal's file with its last run
+  std::string right;
+};
+// Shows where two runs part, by the times since their starts; kFailure where they do. Without a
+// folder there are files alone. Throws UsageError where a run cannot be read.
+int Diff(const std::filesystem::path& folder, const DiffOptions& options);
+
 struct TraceOptions {
   std::size_t last = 0;
   bool errors = false;  // warnings and errors alone

@@ -28,6 +28,7 @@ Examples:
   palsim /tmp/unit registry 'HKLM\Software\Dravonel'       what the registry holds now
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
+  palsim /tmp/unit diff 1 2                                where two runs part
   palsim /tmp/unit shell                                   one process, many calls
   palsim test scenarios --seeds 1-20 --junit report.xml    play all, on every sample device
   palsim samples                                           the sample devices
@@ -68,6 +69,7 @@ class CommandLine {
     AddTimeline();
     AddJournal();
     AddTrace();
+    AddDiff();
     AddRegistry();
     AddOnDevice("info", "Show which device this is, as the library tells it",
                 [this] { return palsim::ShowInfo(folder_); });
@@ -217,6 +219,15 @@ class CommandLine {
     command->add_flag("--errors", trace_.errors, "Only warnings and errors");
   }
 
+  void AddDiff() {
+    auto* command =
+        app_.add_subcommand("diff", "Show where two runs part")->group("Commands on a DEVICE");
+    command->callback([this] { status_ = palsim::Diff(folder_, diff_); });
+    command->add_option("RUN", diff_.left, "A run's number, or a journal's file: its last run")
+        ->required();
+    command->add_option("OTHER", diff_.right, "The other one; files need no DEVICE")->required();
+  }
+
   void AddRegistry() {
     auto* command = AddOnDevice("registry", "Show the registry as import text",
                                 [this] { return palsim::ShowRegistry(folder_, registry_path_); });
@@ -266,6 +277,7 @@ class CommandLine {
   palsim::TimelineOptions timeline_;
   palsim::JournalOptions journal_;
   palsim::TraceOptions trace_;
+  palsim::DiffOptions diff_;
   std::string registry_path_;
   palsim::TestOptions test_;
   palsim::FactsOptions facts_;
