@@ -12,6 +12,8 @@
 
 namespace palsim {
 
+class Session;
+
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;  // the call failed, or the device cannot be read or written
 constexpr int kUsage = 2;
@@ -40,6 +42,9 @@ struct CallOptions {
   bool real_time = false;
 };
 int Call(const std::filesystem::path& folder, const CallOptions& options);
+// In a session that goes on, as all that take one: with its process, and without saving it. Not all
+// options are for them.
+int Call(Session& session, const CallOptions& options);
 
 // What is made of a run: each file where it has a name.
 struct TimelineOptions {
@@ -49,6 +54,7 @@ struct TimelineOptions {
 };
 // Of the device's last run.
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
+int ShowTimeline(Session& session, const TimelineOptions& options);
 
 struct RunOptions {
   std::string file;
@@ -60,6 +66,7 @@ struct RunOptions {
 };
 // Plays a scenario; kFailure where an expectation does not hold.
 int Run(const std::filesystem::path& folder, const RunOptions& options);
+int Run(Session& session, const RunOptions& options);
 void PrintStatements();
 
 struct TestOptions {
@@ -84,8 +91,10 @@ struct JournalOptions {
   std::string effect;    // empty: all
   std::size_t last = 0;  // 0: all
   bool clear = false;
+  std::string print;  // of a session: "on" prints each effect from now on, "off" none
 };
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options);
+int ShowJournal(Session& session, const JournalOptions& options);
 
 struct DiffOptions {
   std::string left;  // each a number of the device's runs, or a journal's file with its last run
@@ -100,15 +109,21 @@ struct TraceOptions {
   bool errors = false;  // warnings and errors alone
 };
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
+int ShowTrace(Session& session, const TraceOptions& options);
 
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
+int ShowRegistry(Session& session, const std::string& path);
 // The device's identity; what cannot be told is shown as its result code.
 int ShowInfo(const std::filesystem::path& folder);
+int ShowInfo(Session& session);
 // The programmable buttons, and the shift planes of the active layout record by record.
 int ShowKeys(const std::filesystem::path& folder);
+int ShowKeys(Session& session);
 // The scan engine and how it stands; fails where the device has none.
 int ShowScanEngine(const std::filesystem::path& folder);
-int Shell(const std::filesystem::path& folder);
+int ShowScanEngine(Session& session);
+// Lets time pass on the device.
+int Advance(Session& session, std::uint32_t ms);
 
 struct FactsOptions {
   std::string file;             // from palcheck.exe; "-" is standard input

@@ -46,6 +46,42 @@ void MakeDeviceFor(const Scenario& scenario, const std::string& sample,
   NewDevice(folder, options);
 }
 
+struct Verdict {
+  std::size_t expectations = 0;
+  std::size_t failures = 0;
+};
+
+Verdict Play(Session& session, const Scenario& scenario) {
+  Stage stage(session.device(), [](const std::string& message) {
+    fmt::print(stderr, "{}\n", tools::Printable(message));
+  });
+  stage.Play(scenario);
+  return {stage.expectations(), stage.failures()};
+}
+
+// The exit status.
+int Tell(const Scenario& scenario, const Verdict& verdict, const TimelineOptions& timeline) {
+  if (verdict.failures > 0) {
+    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, verdict.failures,
+               verdict.expectations);
+    return kFailure;
+  }
+  // Standard output can be the page's or the sound's.
+  const bool is_free =
+      timeline.html != tools::kStandardStream && timeline.wav != tools::kStandardStream;
+  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name,
+             verdict.expectations);
+  return kSuccess;
+}
+
+// As it would be saved now.
+RunRecord RunSoFar(Session& session) {
+  RunRecord run = session.record();
+  run.entries = session.device().journal().entries();
+  run.end_ms = session.device().now_ms();
+  return run;
+}
+
 }  // namespace
 
 int Run(const std::filesystem::path& folder, const RunOptions& options) {
@@ -56,28 +92,18 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
   session.set_title(scenario.title, scenario.about);
   if (options.journal) session.PrintJournal();
   if (options.seed) session.device().ShuffleTurns(*options.seed);
-  std::size_t expectations = 0;
-  std::size_t failures = 0;
-  {
-    Stage stage(session.device(), [](const std::string& message) {
-      fmt::print(stderr, "{}\n", tools::Printable(message));
-    });
-    stage.Play(scenario);
-    expectations = stage.expectations();
-    failures = stage.failures();
-  }
+  const Verdict verdict = Play(session, scenario);
   session.Save();
   Show(session.record(), session.device().files(), options.timeline);
-  if (failures > 0) {
-    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, failures,
-               expectations);
-    return kFailure;
-  }
-  // Standard output can be the page's or the sound's.
-  const bool is_free = options.timeline.html != tools::kStandardStream &&
-                       options.timeline.wav != tools::kStandardStream;
-  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name, expectations);
-  return kSuccess;
+  return Tell(scenario, verdict, options.timeline);
+}
+
+int Run(Session& session, const RunOptions& options) {
+  const Scenario scenario = ReadScenario(options.file);
+  CheckDevice(scenario, session.identity().name);
+  const Verdict verdict = Play(session, scenario);
+  Show(RunSoFar(session), session.device().files(), options.timeline);
+  return Tell(scenario, verdict, options.timeline);
 }
 
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options) {
@@ -85,6 +111,11 @@ int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& opt
   if (runs.empty()) throw UsageError(folder.string() + " has no run to show");
   Session session(folder);
   Show(runs.back(), session.device().files(), options);
+  return kSuccess;
+}
+
+int ShowTimeline(Session& session, const TimelineOptions& options) {
+  Show(RunSoFar(session), session.device().files(), options);
   return kSuccess;
 }
 
