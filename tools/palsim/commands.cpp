@@ -68,7 +68,7 @@ CallOutcome CallWithFaults(Session& session, const CallOptions& options) {
   CheckCall(options.name, options.arguments);
   sim::Process& process = session.process();
   PlanFaults(session.device(), options.faults);
-  const CallOutcome outcome = CallExport(process, options.name, options.arguments);
+  CallOutcome outcome = CallExport(process, options.name, options.arguments);
   for (const std::string& fault : session.device().faults_not_reached()) {
     fmt::print(stderr, "palsim: not reached: {}\n", fault);
   }
