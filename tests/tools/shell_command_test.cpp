@@ -1,4 +1,5 @@
 // palsim's shell: what can be typed, and that nothing which ends it loses what was done.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -143,11 +144,11 @@ TEST_F(Shell, SavesAtASignalAlsoBehindAPipe) {
 
 TEST_F(Shell, SavesWhereNothingCanBePrinted) {
   const std::string lines = "echo call PALLEDGrLedOn; for i in {1..100}; do echo exports; done";
-  for (const std::string sink : {">/dev/full", "| head -c 1 >/dev/null"}) {
+  for (const char* sink : {">/dev/full", "| head -c 1 >/dev/null"}) {
     ASSERT_EQ(RunTool("palsim " + unit + " new --force").status, 0);
-    EXPECT_NE(
-        Script("set -o pipefail\n(" + lines + ") 2>/dev/null | $palsim shell 2>/dev/null " + sink),
-        0);
+    const std::string script = fmt::format(
+        "set -o pipefail\n({}) 2>/dev/null | $palsim shell 2>/dev/null {}", lines, sink);
+    EXPECT_NE(Script(script), 0);
     EXPECT_TRUE(IsSaved()) << sink;
   }
 }
