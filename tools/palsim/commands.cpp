@@ -94,14 +94,49 @@ bool IsEmpty(const std::filesystem::path& folder) {
   });
 }
 
-void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) {
-  for (const std::string& fault : faults) {
-    try {
-      device.PlanFault(ParseFault(fault));
-    } catch (const std::invalid_argument& error) {
-      throw UsageError(error.what());
-    }
+// All of them, or none.
+void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) try {
+  for (const std::string& fault : faults) device.PlanFault(ParseFault(fault));
+} catch (const std::exception& error) {
+  device.ClearFaults();
+  throw UsageError(error.what());
+}
+
+CallOutcome CallWithFaults(Session& session, const CallOptions& options) {
+  CheckCall(options.name, options.arguments);
+  sim::Process& process = session.process();
+  PlanFaults(session.device(), options.faults);
+  CallOutcome outcome = CallExport(process, options.name, options.arguments);
+  for (const std::string& fault : session.device().faults_not_reached()) {
+    fmt::print(stderr, "palsim: not reached: {}\n", fault);
   }
+  session.device().ClearFaults();
+  return outcome;
+}
+
+bool IsInTrace(const sim::JournalEntry& entry, const TraceOptions& options) {
+  constexpr std::uint32_t kWarning = 0x80000000;
+  return entry.effect == sim::Effect::kTrace && (!options.errors || entry.category >= kWarning);
+}
+
+std::string TraceLine(const sim::JournalEntry& entry) {
+  return fmt::format("{:6}.{:03} p{} t{} {:<22} {}", entry.time_ms / 1000, entry.time_ms % 1000,
+                     entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
+}
+
+void PrintJournalLines(std::vector<sim::JournalEntry> entries, const JournalOptions& options) {
+  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
+  std::erase_if(entries,
+                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
+}
+
+void PrintTraceLines(std::vector<sim::JournalEntry> entries, const TraceOptions& options) {
+  std::erase_if(entries,
+                [&](const sim::JournalEntry& entry) { return !IsInTrace(entry, options); });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", TraceLine(entry));
 }
 
 }  // namespace
@@ -123,6 +158,11 @@ std::filesystem::path SampleFolder(const std::string& name) {
     throw UsageError("there is no sample device '" + name + "'; 'palsim samples' lists them");
   }
   return kSamples / name;
+}
+
+std::filesystem::path FolderOf(const std::string& device) {
+  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
+  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
 }
 
 int ListSamples() {
@@ -151,7 +191,10 @@ sim::FolderLock LockForNewDevice(const std::filesystem::path& folder, Replace re
 }
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
-  const std::filesystem::path sample = SampleFolder(options.sample);
+  const std::filesystem::path sample = FolderOf(options.sample);
+  if (std::filesystem::exists(folder) && std::filesystem::equivalent(folder, sample)) {
+    throw UsageError(folder.string() + " cannot be made from itself");
+  }
   sim::Device device;
   const sim::DeviceIdentity identity = sim::LoadDevice(device, sample);
   const sim::FolderLock lock =
@@ -178,13 +221,7 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
     session.device().set_on_clock(
         [](std::uint64_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); });
   }
-  sim::Process& process = session.process();
-  PlanFaults(session.device(), options.faults);
-  const CallOutcome outcome = CallExport(process, options.name, options.arguments);
-  for (const std::string& fault : session.device().faults_not_reached()) {
-    fmt::print(stderr, "palsim: not reached: {}\n", fault);
-  }
-  session.device().ClearFaults();
+  const CallOutcome outcome = CallWithFaults(session, options);
   try {
     session.Save();
   } catch (const sim::DeviceFolderError&) {
@@ -193,6 +230,17 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
   }
   PrintOutcome(options.name, outcome);
   return outcome.failed ? kFailure : kSuccess;
+}
+
+int Call(Session& session, const CallOptions& options) {
+  const CallOutcome outcome = CallWithFaults(session, options);
+  PrintOutcome(options.name, outcome);
+  return outcome.failed ? kFailure : kSuccess;
+}
+
+int Advance(Session& session, std::uint32_t ms) {
+  session.device().Advance(ms);
+  return kSuccess;
 }
 
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options) {
@@ -216,25 +264,38 @@ int ShowJournal(const std::filesystem::path& folder, const JournalOptions& optio
   return kSuccess;
 }
 
+int ShowJournal(Session& session, const JournalOptions& options) {
+  if (options.print == "on") {
+    session.PrintJournal();
+  } else if (options.print == "off") {
+    session.device().journal().set_listener(nullptr);
+  } else {
+    PrintJournalLines(session.device().journal().entries(), options);
+  }
+  return kSuccess;
+}
+
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
-  constexpr std::uint32_t kWarning = 0x80000000;
   const sim::FolderLock lock = LockDevice(folder, Use::kRead);
   PrintEntries(
       StoredRuns(folder), options.last,
-      [&](const sim::JournalEntry& entry) {
-        return entry.effect == sim::Effect::kTrace &&
-               (!options.errors || entry.category >= kWarning);
-      },
-      [](const sim::JournalEntry& entry) {
-        return fmt::format("{:6}.{:03} p{} t{} {:<22} {}", entry.time_ms / 1000,
-                           entry.time_ms % 1000, entry.process_id, entry.thread_id,
-                           CategoryText(entry.category), entry.text);
-      });
+      [&](const sim::JournalEntry& entry) { return IsInTrace(entry, options); }, &TraceLine);
+  return kSuccess;
+}
+
+int ShowTrace(Session& session, const TraceOptions& options) {
+  PrintTraceLines(session.device().journal().entries(), options);
   return kSuccess;
 }
 
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path) {
   Session session(folder, Use::kRead);
+  const int status = ShowRegistry(session, path);
+  session.End();
+  return status;
+}
+
+int ShowRegistry(Session& session, const std::string& path) {
   if (path.empty()) {
     fmt::print("{}", sim::ExportRegistryText(session.device().registry()));
     return kSuccess;

@@ -40,18 +40,59 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   if (!options.wav.empty()) WriteSound(timeline, files, options.wav);
 }
 
+std::filesystem::path SampleFor(const Scenario& scenario, const RunOptions& options) {
+  if (!options.sample.empty()) return FolderOf(options.sample);
+  return SampleFolder(scenario.device.empty() ? NewOptions().sample : scenario.device);
+}
+
 Session OpenSession(const Scenario& scenario, const std::filesystem::path& folder,
                     const RunOptions& options) {
   if (!options.fresh) return Session(folder);
-  const std::filesystem::path sample =
-      SampleFolder(scenario.device.empty() ? NewOptions().sample : scenario.device);
-  return {LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kUnedited), sample};
+  return {LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kUnedited),
+          SampleFor(scenario, options)};
 }
 
-void CheckDevice(const Scenario& scenario, const Session& session) {
-  if (scenario.device.empty() || scenario.device == session.identity().name) return;
+void CheckDevice(const Scenario& scenario, const std::string& device) {
+  if (scenario.device.empty() || scenario.device == device) return;
   throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
-                               scenario.device, session.identity().name));
+                               scenario.device, device));
+}
+
+struct Verdict {
+  std::size_t expectations = 0;
+  std::size_t failures = 0;
+};
+
+Verdict Play(Session& session, const Scenario& scenario) {
+  Stage stage(session.device(), [](const std::string& message) {
+    fmt::print(stderr, "{}\n", tools::Printable(message));
+  });
+  stage.Play(scenario);
+  return {stage.expectations(), stage.failures()};
+}
+
+// The exit status.
+int Tell(const Scenario& scenario, const Verdict& verdict, const TimelineOptions& timeline) {
+  if (verdict.failures > 0) {
+    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, verdict.failures,
+               verdict.expectations);
+    return kFailure;
+  }
+  // Standard output can be the page's, the sound's or the trace's.
+  const bool is_free = timeline.html != tools::kStandardStream &&
+                       timeline.wav != tools::kStandardStream &&
+                       timeline.trace != tools::kStandardStream;
+  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name,
+             verdict.expectations);
+  return kSuccess;
+}
+
+// As it would be saved now.
+RunRecord RunSoFar(Session& session) {
+  RunRecord run = session.record();
+  run.entries = session.device().journal().entries();
+  run.end_ms = session.device().now_ms();
+  return run;
 }
 
 }  // namespace
@@ -59,37 +100,32 @@ void CheckDevice(const Scenario& scenario, const Session& session) {
 int Run(const std::filesystem::path& folder, const RunOptions& options) {
   const Scenario scenario = ReadScenario(options.file);
   Session session = OpenSession(scenario, folder, options);
-  CheckDevice(scenario, session);
+  CheckDevice(scenario, session.identity().name);
   session.set_title(scenario.title, scenario.about);
   if (options.journal) session.PrintJournal();
-  std::size_t expectations = 0;
-  std::size_t failures = 0;
-  {
-    Stage stage(session.device(), [](const std::string& message) {
-      fmt::print(stderr, "{}\n", tools::Printable(message));
-    });
-    stage.Play(scenario);
-    expectations = stage.expectations();
-    failures = stage.failures();
-  }
+  if (options.seed) session.device().ShuffleTurns(*options.seed);
+  const Verdict verdict = Play(session, scenario);
   session.Save(true);
   Show(session.record(), session.device().files(), options.timeline);
-  if (failures > 0) {
-    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, failures,
-               expectations);
-    return kFailure;
-  }
-  // Standard output can be the page's, the sound's or the trace's.
-  const bool is_free = options.timeline.html != tools::kStandardStream &&
-                       options.timeline.wav != tools::kStandardStream &&
-                       options.timeline.trace != tools::kStandardStream;
-  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name, expectations);
-  return kSuccess;
+  return Tell(scenario, verdict, options.timeline);
+}
+
+int Run(Session& session, const RunOptions& options) {
+  const Scenario scenario = ReadScenario(options.file);
+  CheckDevice(scenario, session.identity().name);
+  const Verdict verdict = Play(session, scenario);
+  Show(RunSoFar(session), session.device().files(), options.timeline);
+  return Tell(scenario, verdict, options.timeline);
 }
 
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options) {
   Session session(folder, Use::kRead);
   Show(ReadRun(FindRun(folder, options.run)), session.device().files(), options);
+  return kSuccess;
+}
+
+int ShowTimeline(Session& session, const TimelineOptions& options) {
+  Show(RunSoFar(session), session.device().files(), options);
   return kSuccess;
 }
 
