@@ -87,6 +87,11 @@ std::filesystem::path SampleFolder(const std::string& name) {
   return kSamples / name;
 }
 
+std::filesystem::path FolderOf(const std::string& device) {
+  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
+  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
+}
+
 int ListSamples() {
   for (const std::string& name : SampleNames()) {
     sim::Device device;

@@ -24,6 +24,8 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 int ListSamples();
 // The folder of a sample device. Throws UsageError where there is none of this name.
 [[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
+// Of a sample's name, or of a device's folder. Throws UsageError.
+[[nodiscard]] std::filesystem::path FolderOf(const std::string& device);
 
 struct CallOptions {
   std::string name;
@@ -79,6 +81,14 @@ int ShowKeys(const std::filesystem::path& folder);
 // The scan engine and how it stands; fails where the device has none.
 int ShowScanEngine(const std::filesystem::path& folder);
 int Shell(const std::filesystem::path& folder);
+
+struct ServeOptions {
+  bool stdio = false;           // the one way that there is
+  std::string device = "rm21";  // a sample, or a device's folder; it is not changed
+};
+// Answers each line of standard input, a request of JSON-RPC, by one of standard output
+// (docs/test-bench.md).
+int Serve(const ServeOptions& options);
 
 struct FactsOptions {
   std::string file;             // from palcheck.exe; "-" is standard input
