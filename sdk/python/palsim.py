@@ -156,11 +156,7 @@ class Device:
             self._stdin.close()
         except OSError:
             pass
-        try:
-            self._server.wait(self._timeout)
-        except subprocess.TimeoutExpired:
-            self._server.kill()
-            self._server.wait()
+        self._wait()
         self._reader.join()
         self._stdout.close()
         self._stderr.close()
@@ -248,8 +244,15 @@ class Device:
             raise self._gone(method, f"says what is no answer, {line!r},") from None
         return answer
 
+    def _wait(self) -> int:
+        try:
+            return self._server.wait(self._timeout)
+        except subprocess.TimeoutExpired:
+            self._server.kill()
+            return self._server.wait()
+
     def _gone(self, method: str, what: str = "has ended") -> ServerError:
-        status = self._server.wait()
+        status = self._wait()
         self._stderr.seek(0)
         said = self._stderr.read().decode(errors="replace").strip()
         self.close()

@@ -153,6 +153,10 @@ class Client(unittest.TestCase):
         device.finish()
         with self.assertRaisesRegex(palsim.ExpectationFailed, "^expected the volume to be 0x00000005; there was"):
             device.expect("volume 5")
+        with self.assertRaisesRegex(palsim.ExpectationFailed, "no audio line"):
+            device.expect("audio " + "*a" * 200000)  # neither depth nor time without end
+        with self.assertRaisesRegex(palsim.RequestError, "^play:1: .play play"):
+            device.play("play " * 100000)
 
     def test_saves_where_nothing_is_and_leaves_its_folder_alone(self):
         with tempfile.TemporaryDirectory() as name:
