@@ -4,11 +4,13 @@
 What a request is answered stands in docs/test-bench.md; what a device does is the scenarios' affair.
 """
 import json
+import os
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 ROOT, PALSIM = pathlib.Path(sys.argv.pop(1)).resolve(), sys.argv.pop(1)
 sys.dont_write_bytecode = True
@@ -98,6 +100,12 @@ class Protocol(unittest.TestCase):
         answers = [json.loads(line[2:]) for line in lines if line.startswith('< {"')]
         self.assertGreater(len(sent), 5)
         self.assertEqual(serve("\n".join(sent).encode()), answers)
+
+    def test_the_client_of_the_document(self):
+        example = (ROOT / "docs/test-bench.md").read_text().split("```")[1].removeprefix("python\n")
+        self.assertIn("device.expect", example)
+        with unittest.mock.patch.dict(os.environ, PALSIM=PALSIM):
+            exec(example, {})
 
     def test_an_output_that_is_closed_ends_it_quietly(self):
         with subprocess.Popen([PALSIM, "serve", "--stdio"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,

@@ -129,11 +129,13 @@ bool Matches(std::string_view pattern, const Words& line, Filled& filled) {
 }
 
 std::size_t WordsInCommon(std::string_view pattern, const Words& line) {
+  constexpr std::size_t kMostWords = 30;  // of a line that a person has typed
+  const LineRest begin(line.data(), std::min(line.size(), kMostWords));
   std::size_t count = 0;
   for (const std::string_view word : PatternWords(pattern)) {
     if (IsFilledIn(word)) continue;
     const bool found =
-        std::ranges::any_of(line, [&](const Word& in_line) { return MayStand(word, in_line); });
+        std::ranges::any_of(begin, [&](const Word& in_line) { return MayStand(word, in_line); });
     count += found ? 1 : 0;
   }
   return count;
