@@ -81,6 +81,8 @@ class Protocol(unittest.TestCase):
             ("expect", ["no restart\nwait 5 ms"], -32602, "one line"), ("play", [[1]], -32602, "array of texts"),
             ("play", [["wait 5 ms", "dance"]], -32602, "play:2: 'dance'"), ("start", [""], -32602, "no name"),
             ("journal", {"effect": "light"}, -32602, "no effect"),
+            ("set", ["HKLM" + r"\a" * 20, 1], -32000, "no key can have"),
+            ("play", ["\n".join(f"p{place} starts" for place in range(40))], -32000, "32 processes already"),
             ("call", ["q", "PALLEDInit"], -32000, "no process q runs"), ("start", ["p"], -32000, "started already"),
             ("await", ["p"], -32000, "no call p"), ("snapshot", [], -32000, "a process runs"),
             ("restore", [], -32000, "a process runs"), ("save", ["/tmp/x"], -32000, "a process runs"),

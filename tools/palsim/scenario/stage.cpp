@@ -64,7 +64,11 @@ void Stage::StartProcess(const std::string& name) {
   const bool lives = std::ranges::any_of(
       processes_, [&](const auto& process) { return process->name() == file && process->alive(); });
   if (lives) throw UsageError(name + " has started already");
-  processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  try {
+    processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  } catch (const std::logic_error& error) {
+    throw UsageError(error.what());
+  }
 }
 
 sim::Process& Stage::process(const std::string& name) {

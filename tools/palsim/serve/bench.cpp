@@ -104,6 +104,8 @@ Json Bench::Call(const std::string& method, const Json& parameters) {
     return (this->*row->run)(ByName(parameters, row->parameters));
   } catch (const UsageError& error) {
     throw RpcError(kNotPossible, error.what());
+  } catch (const std::invalid_argument& error) {
+    throw RpcError(kNotPossible, error.what());
   } catch (const sim::DeviceFolderError& error) {
     throw RpcError(kFileError, error.what());
   } catch (const std::filesystem::filesystem_error& error) {
