@@ -1,3 +1,5 @@
+#include "frame/version.h"
+
 #include "frame/trace.h"
 #include "include/palver.h"
 
@@ -9,6 +11,6 @@ constexpr TraceSource kTrace{Facility::kVersion};
 }  // namespace pal
 
 HRESULT PALAPI PALVER_LogVersion() {
-  pal::kTrace.Info("Loaded PAL version: %s\r\n", "0.0.0.0");
+  pal::kTrace.Info("Loaded PAL version: %s\r\n", pal::kLibraryVersion);
   return S_OK;
 }

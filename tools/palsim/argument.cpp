@@ -47,14 +47,20 @@ std::string NumberText(std::uint32_t number) {
   return fmt::format("{} (0x{:X})", number, number);
 }
 
+std::string PlainText(const std::vector<char>& text) {
+  return {text.begin(), std::ranges::find(text, '\0')};
+}
+
+std::string PlainText(const std::vector<WCHAR>& text) {
+  return sim::ToUtf8(std::u16string(text.begin(), std::ranges::find(text, WCHAR{0})));
+}
+
 std::string QuotedText(const std::vector<char>& text) {
-  const auto end = std::ranges::find(text, '\0');
-  return fmt::format("\"{}\"", sim::Escape(std::string(text.begin(), end)));
+  return fmt::format("\"{}\"", sim::Escape(PlainText(text)));
 }
 
 std::string QuotedText(const std::vector<WCHAR>& text) {
-  const auto end = std::ranges::find(text, WCHAR{0});
-  return fmt::format("\"{}\"", sim::Escape(sim::ToUtf8(std::u16string(text.begin(), end))));
+  return fmt::format("\"{}\"", sim::Escape(PlainText(text)));
 }
 
 std::string HexText(const std::vector<BYTE>& bytes) {

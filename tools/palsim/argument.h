@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <variant>
 #include <vector>
 
 #include "include/palcomxpwr.h"
@@ -22,6 +23,9 @@
 
 namespace palsim {
 
+// What an out-parameter holds, for a program.
+using Content = std::variant<std::int64_t, std::string, std::vector<BYTE>>;
+
 // A 32-bit number, decimal, negative, hexadecimal behind 0x, or an enumerator's name. Throws
 // UsageError.
 [[nodiscard]] std::int64_t ParseNumber(const std::string& text);
@@ -29,6 +33,9 @@ namespace palsim {
 [[nodiscard]] std::size_t ParseSize(const std::string& text);
 [[nodiscard]] bool IsNull(const std::string& text);
 [[nodiscard]] std::string NumberText(std::uint32_t number);
+// Up to the terminator, as UTF-8.
+[[nodiscard]] std::string PlainText(const std::vector<char>& text);
+[[nodiscard]] std::string PlainText(const std::vector<WCHAR>& text);
 [[nodiscard]] std::string QuotedText(const std::vector<char>& text);
 [[nodiscard]] std::string QuotedText(const std::vector<WCHAR>& text);
 [[nodiscard]] std::string HexText(const std::vector<BYTE>& bytes);
@@ -85,6 +92,7 @@ class OutNumber {
     return is_null_ ? std::string() : NumberText(number());
   }
   [[nodiscard]] std::uint32_t number() const { return static_cast<std::uint32_t>(value_); }
+  [[nodiscard]] Content content() const { return std::int64_t{value_}; }
 
  private:
   bool is_null_;
@@ -114,21 +122,34 @@ class OutBuffer {
   Unit* value() { return is_null_ ? nullptr : units_.data(); }
   [[nodiscard]] std::string answer() const {
     if (is_null_) return {};
-    const auto room_end = units_.begin() + static_cast<std::ptrdiff_t>(room_);
-    const bool fits = std::all_of(room_end, units_.end(), [](Unit unit) { return unit == kSpare; });
-    const std::vector<Unit> written(units_.begin(), fits ? room_end : units_.end());
     std::string text;
     if constexpr (std::is_same_v<Unit, BYTE>) {
-      text = HexText(written);
+      text = HexText(Written());
     } else {
-      text = QuotedText(written);
+      text = QuotedText(Written());
     }
-    return fits ? text : text + " written past the room given";
+    return Fits() ? text : text + " written past the room given";
+  }
+  // As it is shown where it does not fit.
+  [[nodiscard]] Content content() const {
+    if (is_null_ || !Fits()) return answer();
+    if constexpr (std::is_same_v<Unit, BYTE>) {
+      return Written();
+    } else {
+      return PlainText(Written());
+    }
   }
 
  private:
   static constexpr std::size_t kEnough = 512;
   static constexpr Unit kSpare = 0x5A;
+  [[nodiscard]] auto RoomEnd() const { return units_.begin() + static_cast<std::ptrdiff_t>(room_); }
+  [[nodiscard]] bool Fits() const {
+    return std::all_of(RoomEnd(), units_.end(), [](Unit unit) { return unit == kSpare; });
+  }
+  [[nodiscard]] std::vector<Unit> Written() const {
+    return {units_.begin(), Fits() ? RoomEnd() : units_.end()};
+  }
   bool is_null_;
   std::size_t room_;
   std::vector<Unit> units_;

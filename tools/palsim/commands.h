@@ -137,6 +137,14 @@ int ShowScanEngine(Session& session);
 // Lets time pass on the device.
 int Advance(Session& session, std::uint32_t ms);
 
+struct ServeOptions {
+  bool stdio = false;           // the one way that there is
+  std::string device = "rm21";  // a sample, or a device's folder; it is not changed
+};
+// Answers each line of standard input, a request of JSON-RPC, by one of standard output
+// (docs/test-bench.md).
+int Serve(const ServeOptions& options);
+
 struct FactsOptions {
   std::string file;             // from palcheck.exe; "-" is standard input
   std::string device = "rm21";  // a sample, or a device's folder; it is not changed

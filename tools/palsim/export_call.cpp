@@ -25,6 +25,7 @@ CallOutcome OutcomeOf(std::string_view /*name*/, HRESULT result) {
   outcome.failed = result < 0;
   outcome.code = static_cast<std::uint32_t>(result);
   outcome.result = ResultText(result);
+  outcome.name = ResultMeaning(result);
   return outcome;
 }
 
@@ -34,8 +35,11 @@ CallOutcome OutcomeOf(std::string_view name, DWORD answer) {
   outcome.code = answer;
   outcome.result = fmt::format("{}", answer);
   for (const ResultName& known : AnswersOf(name)) {
-    if (known.code == answer) outcome.result += fmt::format(" {}", known.name);
+    if (known.code != answer) continue;
+    if (!outcome.name.empty()) outcome.name += ' ';
+    outcome.name += known.name;
   }
+  if (!outcome.name.empty()) outcome.result += " " + outcome.name;
   return outcome;
 }
 
@@ -64,10 +68,15 @@ std::string UsageLine(const Declaration& declaration) {
 
 template <class ArgumentType>
 Answer AnswerOf(const Parameter& parameter, std::size_t place, ArgumentType& argument) {
-  Answer answer{.argument = place, .text = argument.answer(), .meaning = {}};
+  Answer answer{.argument = place,
+                .text = argument.answer(),
+                .meaning = {},
+                .name = parameter.name,
+                .content = argument.answer()};
   if constexpr (requires { argument.number(); }) {
     answer.meaning = EnumeratorName(parameter.enumeration, argument.number());
   }
+  if constexpr (requires { argument.content(); }) answer.content = argument.content();
   return answer;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/sim/device.h"
+#include "tools/palsim/argument.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
@@ -18,12 +19,15 @@ struct Answer {
   std::size_t argument = 0;  // which out-parameter, from 1
   std::string text;          // what it holds: 5 (0x5)
   std::string_view meaning;  // its name where that is an enumeration's
+  std::string_view name;     // the parameter's
+  Content content;           // what it holds, for a program
 };
 
 struct CallOutcome {
   bool failed = false;
   std::uint32_t code = 0;
   std::string result;                       // the code and its name, or that the device restarted
+  std::string name;                         // the code's alone; may be empty
   std::optional<sim::RestartKind> restart;  // under the call, which has no code then
   std::vector<Answer> answers;
 };

@@ -37,8 +37,15 @@ Examples:
   palsim test scenarios --seeds 1-20 --junit report.xml    play all, on every sample device
   palsim samples                                           the sample devices
   palsim facts palcheck.txt                                where a handheld answers otherwise
+  palsim serve --stdio                                     a device for test benches
 
 Exit status: 0 done, 1 the call failed or the device cannot be used, 2 wrong usage.
+)";
+
+constexpr const char* kServe = R"(
+Each line of standard input is a JSON-RPC 2.0 request, and is answered by a line
+of standard output (docs/test-bench.md). The end of the input ends the device,
+which lives in memory alone.
 )";
 
 constexpr const char* kFacts = R"(
@@ -87,6 +94,7 @@ class CommandLine {
                 [this] { return palsim::Shell(folder_, ForShell()); });
     AddTest();
     AddFacts();
+    AddServe();
     AddAlone("samples", "List the sample devices", &palsim::ListSamples);
   }
 
@@ -400,6 +408,15 @@ class CommandLine {
     command->footer(kFacts);
   }
 
+  void AddServe() {
+    auto* command = AddAlone("serve", "Serve a device to programs, such as a test bench",
+                             [this] { return palsim::Serve(serve_); });
+    command->add_flag("--stdio", serve_.stdio, "On standard input and output")->required();
+    command->add_option("--device", serve_.device, "A sample device, or a device's folder")
+        ->capture_default_str();
+    command->footer(kServe);
+  }
+
   CLI::App app_{"Runs DVLORQPAL.dll on a simulated device.", "palsim"};
   CLI::Option* device_ = nullptr;
   std::string folder_;
@@ -418,6 +435,7 @@ class CommandLine {
   std::string registry_path_;
   palsim::TestOptions test_;
   palsim::FactsOptions facts_;
+  palsim::ServeOptions serve_;
   int status_ = palsim::kSuccess;
 };
 

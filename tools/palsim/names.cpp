@@ -47,19 +47,6 @@ constexpr std::uint32_t kFacilityMask = 0xFFF;
 
 constexpr std::string_view kError = "(error)";  // what the name of many results ends in
 
-std::string Meaning(std::uint32_t code) {
-  const ResultName* best = nullptr;
-  for (const ResultName& result : ResultNames()) {
-    if ((code & result.mask) != result.code) continue;
-    if (best == nullptr || best->mask < result.mask) best = &result;
-  }
-  if (best == nullptr) return fmt::format("{}", static_cast<std::int32_t>(code));
-  std::string_view name = best->name;
-  if (!name.ends_with(kError)) return std::string(name);
-  name.remove_suffix(kError.size());
-  return fmt::format("{}({})", name, code & ~best->mask);
-}
-
 // Of "PAL_E_WIN32(2)".
 std::optional<std::uint32_t> ParseError(std::string_view text) {
   const std::size_t bracket = text.find('(');
@@ -77,9 +64,22 @@ std::optional<std::uint32_t> ParseError(std::string_view text) {
 
 }  // namespace
 
-std::string ResultText(HRESULT result) {
+std::string ResultMeaning(HRESULT result) {
   const auto code = static_cast<std::uint32_t>(result);
-  return fmt::format("0x{:08X} {}", code, Meaning(code));
+  const ResultName* best = nullptr;
+  for (const ResultName& known : ResultNames()) {
+    if ((code & known.mask) != known.code) continue;
+    if (best == nullptr || best->mask < known.mask) best = &known;
+  }
+  if (best == nullptr) return fmt::format("{}", result);
+  std::string_view name = best->name;
+  if (!name.ends_with(kError)) return std::string(name);
+  name.remove_suffix(kError.size());
+  return fmt::format("{}({})", name, code & ~best->mask);
+}
+
+std::string ResultText(HRESULT result) {
+  return fmt::format("0x{:08X} {}", static_cast<std::uint32_t>(result), ResultMeaning(result));
 }
 
 std::uint32_t ParseResult(const std::string& text) {

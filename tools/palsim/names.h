@@ -10,7 +10,9 @@
 
 namespace palsim {
 
-// "0x80004005 E_FAIL", "0x8007001F PAL_E_WIN32(31)".
+// "E_FAIL", "PAL_E_WIN32(31)"; a number where it has no name.
+[[nodiscard]] std::string ResultMeaning(HRESULT result);
+// "0x80004005 E_FAIL".
 [[nodiscard]] std::string ResultText(HRESULT result);
 // The code that a person means: a name such as E_FAIL or PAL_E_WIN32(31), or a number. Throws
 // UsageError.

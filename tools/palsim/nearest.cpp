@@ -27,6 +27,8 @@ std::size_t LettersApart(std::string_view left, std::string_view right) {
 
 std::string DidYouMean(std::string_view typed, const std::vector<std::string_view>& names) {
   constexpr std::size_t kMost = 3;
+  constexpr std::size_t kLongest = 100;  // of a word that a person types
+  if (typed.size() > kLongest) return {};
   const auto apart = [typed](std::string_view name) { return LettersApart(typed, name); };
   const auto nearest = std::ranges::min_element(names, {}, apart);
   if (nearest == names.end() || apart(*nearest) > std::min(kMost, typed.size() / 2)) return {};

@@ -4,15 +4,28 @@
 
 namespace palsim {
 
+// Where the rest does not fit, only the last star takes one character more: an earlier one would
+// leave less for those behind it.
 bool IsLike(std::string_view text, std::string_view pattern) {
-  const std::size_t star = pattern.find('*');
-  if (star == std::string_view::npos) return text == pattern;
-  if (text.substr(0, star) != pattern.substr(0, star)) return false;
-  const std::string_view rest = pattern.substr(star + 1);
-  for (std::size_t from = star; from <= text.size(); ++from) {
-    if (IsLike(text.substr(from), rest)) return true;
+  constexpr std::size_t kNone = std::string_view::npos;
+  std::size_t star = kNone;
+  std::size_t star_end = 0;  // how far in the text the star goes
+  std::size_t place = 0;     // in the pattern
+  for (std::size_t at = 0; at < text.size();) {
+    if (place < pattern.size() && pattern[place] == '*') {
+      star = place++;
+      star_end = at;
+    } else if (place < pattern.size() && pattern[place] == text[at]) {
+      ++place;
+      ++at;
+    } else if (star != kNone) {
+      place = star + 1;
+      at = ++star_end;
+    } else {
+      return false;
+    }
   }
-  return false;
+  return pattern.find_first_not_of('*', place) == kNone;
 }
 
 JournalLine::JournalLine(const Filled& filled, std::optional<std::uint32_t> process_id)

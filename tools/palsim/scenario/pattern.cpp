@@ -59,7 +59,8 @@ bool Stands(std::string_view word, const Word& in_line) {
 bool MayStand(std::string_view word, const Word& in_line) {
   constexpr std::size_t kLeastLetters = 4;
   return Stands(word, in_line) ||
-         (!in_line.quoted && word.size() >= kLeastLetters && LettersApart(word, in_line.text) == 1);
+         (!in_line.quoted && word.size() >= kLeastLetters &&
+          in_line.text.size() <= word.size() + 1 && LettersApart(word, in_line.text) == 1);
 }
 
 using PatternRest = std::span<const std::string_view>;
@@ -75,10 +76,10 @@ bool MatchFilledIn(PatternRest pattern, LineRest line, Filled& filled) {
   const std::size_t least = any_number ? 0 : (name == "TIME" || name == "DELAY" ? 2 : 1);
   const std::size_t most = any_number ? line.size() : least;
   for (std::size_t count = least; count <= std::min(most, line.size()); ++count) {
-    Filled attempt = filled;
-    attempt.Add(name, Words(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(count)));
-    if (!Match(pattern.subspan(1), line.subspan(count), attempt)) continue;
-    filled = std::move(attempt);
+    Filled behind;
+    if (!Match(pattern.subspan(1), line.subspan(count), behind)) continue;
+    filled.Add(name, Words(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(count)));
+    for (const auto& [part, words] : behind.parts()) filled.Add(part, words);
     return true;
   }
   return false;
@@ -128,11 +129,13 @@ bool Matches(std::string_view pattern, const Words& line, Filled& filled) {
 }
 
 std::size_t WordsInCommon(std::string_view pattern, const Words& line) {
+  constexpr std::size_t kMostWords = 30;  // of a line that a person has typed
+  const LineRest begin(line.data(), std::min(line.size(), kMostWords));
   std::size_t count = 0;
   for (const std::string_view word : PatternWords(pattern)) {
     if (IsFilledIn(word)) continue;
     const bool found =
-        std::ranges::any_of(line, [&](const Word& in_line) { return MayStand(word, in_line); });
+        std::ranges::any_of(begin, [&](const Word& in_line) { return MayStand(word, in_line); });
     count += found ? 1 : 0;
   }
   return count;

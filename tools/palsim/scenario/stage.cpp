@@ -41,12 +41,15 @@ Stage::Stage(sim::Device& device, OnFailure on_failure)
 }
 
 void Stage::Play(const Scenario& scenario) {
+  PlayOn(scenario);
+  Finish(scenario.name);
+}
+
+void Stage::PlayOn(const Scenario& scenario) {
   for (const Statement& statement : scenario.statements) {
     place_ = fmt::format("{}:{}", scenario.name, statement.line);
     PlayStatement(statement);
   }
-  place_ = scenario.name;
-  Finish();
 }
 
 void Stage::PlayStatement(const Statement& statement) {
@@ -59,7 +62,8 @@ void Stage::PlayStatement(const Statement& statement) {
   }
 }
 
-void Stage::Finish() {
+void Stage::Finish(const std::string& place) {
+  place_ = place;
   while (!running_.empty()) AwaitCall(running_.begin()->first);
   SayWhatWasNotReached();
   for (const auto& process : processes_) process->End();
@@ -79,7 +83,11 @@ void Stage::StartProcess(const std::string& name) {
   const bool lives = std::ranges::any_of(
       processes_, [&](const auto& process) { return process->name() == file && process->alive(); });
   if (lives) throw UsageError(name + " has started already");
-  processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  try {
+    processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  } catch (const std::logic_error& error) {
+    throw UsageError(error.what());
+  }
 }
 
 sim::Process& Stage::process(const std::string& name) {
@@ -88,6 +96,10 @@ sim::Process& Stage::process(const std::string& name) {
     if (process->name() == file && process->alive()) return *process;
   }
   throw UsageError(fmt::format("no process {} runs now; write '{} starts' before", name, name));
+}
+
+bool Stage::HasProcess() const {
+  return std::ranges::any_of(processes_, [](const auto& process) { return process->alive(); });
 }
 
 std::uint32_t Stage::ProcessId(const std::string& name) const {

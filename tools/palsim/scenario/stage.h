@@ -24,9 +24,13 @@ class Stage {
   // `on_failure` is told of each expectation that does not hold: "good-read.scenario:7: ...".
   Stage(sim::Device& device, OnFailure on_failure);
 
-  // Plays a scenario to its end, waits for what still runs and ends its processes. Throws
-  // UsageError, with the line, where a statement cannot be played.
+  // Plays a scenario to its end and finishes. Throws UsageError, with the line, where a statement
+  // cannot be played.
   void Play(const Scenario& scenario);
+  // Plays its statements alone.
+  void PlayOn(const Scenario& scenario);
+  // Waits for what still runs and ends all processes; `place` is for messages.
+  void Finish(const std::string& place);
   [[nodiscard]] std::size_t expectations() const { return expectations_; }
   [[nodiscard]] std::size_t failures() const { return failures_; }
 
@@ -37,6 +41,7 @@ class Stage {
   void StartProcess(const std::string& name);
   // Throws UsageError where none of this name lives.
   [[nodiscard]] sim::Process& process(const std::string& name);
+  [[nodiscard]] bool HasProcess() const;  // one that lives
   // Of the one that started last under this name, whether it lives or not.
   [[nodiscard]] std::uint32_t ProcessId(const std::string& name) const;
   // Ends it as its owner would, or kills it.
@@ -75,7 +80,6 @@ class Stage {
     std::shared_ptr<std::optional<CallOutcome>> outcome;
   };
   void PlayStatement(const Statement& statement);
-  void Finish();
 
   sim::Device& device_;
   OnFailure on_failure_;

@@ -1,0 +1,1 @@
+pytest_plugins = ["palsim_pytest"]
