@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <ranges>
 #include <system_error>
 #include <thread>
 
@@ -114,9 +115,11 @@ CallOutcome CallWithFaults(Session& session, const CallOptions& options) {
   return outcome;
 }
 
-bool IsInTrace(const sim::JournalEntry& entry, const TraceOptions& options) {
+IsWanted IsInTrace(const TraceOptions& options) {
   constexpr std::uint32_t kWarning = 0x80000000;
-  return entry.effect == sim::Effect::kTrace && (!options.errors || entry.category >= kWarning);
+  return [lowest = options.errors ? kWarning : 0](const sim::JournalEntry& entry) {
+    return entry.effect == sim::Effect::kTrace && entry.category >= lowest;
+  };
 }
 
 std::string TraceLine(const sim::JournalEntry& entry) {
@@ -124,19 +127,20 @@ std::string TraceLine(const sim::JournalEntry& entry) {
                      entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
 }
 
-void PrintJournalLines(std::vector<sim::JournalEntry> entries, const JournalOptions& options) {
-  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
-  std::erase_if(entries,
-                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
+// Of a session that goes on.
+void PrintEntries(Session& session, std::size_t last, const IsWanted& is_wanted,
+                  const EntryText& text) {
+  std::vector<sim::JournalEntry> entries = session.device().journal().entries();
+  std::erase_if(entries, [&](const sim::JournalEntry& entry) { return !is_wanted(entry); });
+  const std::size_t left_out = last == 0 ? 0 : entries.size() - std::min(last, entries.size());
+  for (const sim::JournalEntry& entry : entries | std::views::drop(left_out)) {
+    fmt::print("{}\n", text(entry));
+  }
 }
 
-void PrintTraceLines(std::vector<sim::JournalEntry> entries, const TraceOptions& options) {
-  std::erase_if(entries,
-                [&](const sim::JournalEntry& entry) { return !IsInTrace(entry, options); });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", TraceLine(entry));
+IsWanted IsOfEffect(const std::string& name) {
+  const std::optional<sim::Effect> effect = ParseEffect(name);
+  return [effect](const sim::JournalEntry& entry) { return !effect || entry.effect == *effect; };
 }
 
 }  // namespace
@@ -173,13 +177,15 @@ int ListSamples() {
   return kSuccess;
 }
 
-sim::FolderLock LockForNewDevice(const std::filesystem::path& folder, Replace replace) {
+sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
+                                 const std::filesystem::path& sample, Replace replace) {
   const auto require = [&](bool holds, const char* otherwise) {
     if (!holds) throw UsageError(folder.string() + otherwise);
   };
   constexpr const char* kOther = " exists and is no device; choose another folder";
   require(!std::filesystem::exists(folder) || std::filesystem::is_directory(folder), kOther);
   std::filesystem::create_directories(folder);
+  require(!std::filesystem::equivalent(folder, sample), " cannot be made from itself");
   sim::FolderLock lock = LockFolder(folder, Use::kChange);
   require(WasDevice(folder) || IsEmpty(folder), kOther);
   if (replace == Replace::kAny) return lock;
@@ -192,13 +198,10 @@ sim::FolderLock LockForNewDevice(const std::filesystem::path& folder, Replace re
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
   const std::filesystem::path sample = FolderOf(options.sample);
-  if (std::filesystem::exists(folder) && std::filesystem::equivalent(folder, sample)) {
-    throw UsageError(folder.string() + " cannot be made from itself");
-  }
   sim::Device device;
   const sim::DeviceIdentity identity = sim::LoadDevice(device, sample);
   const sim::FolderLock lock =
-      LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kNone);
+      LockForNewDevice(folder, sample, options.force ? Replace::kAny : Replace::kNone);
   sim::FolderChange change(folder);
   sim::PutDevice(device, sample, change);
   RemoveRuns(change);
@@ -244,17 +247,14 @@ int Advance(Session& session, std::uint32_t ms) {
 }
 
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options) {
-  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
+  const IsWanted is_wanted = IsOfEffect(options.effect);
   const sim::FolderLock lock = LockDevice(folder, options.clear ? Use::kChange : Use::kRead);
   std::vector<StoredRun> runs = StoredRuns(folder);
   if (options.run != 0) runs = {FindRun(folder, options.run)};
   if (options.runs) {
     for (const StoredRun& run : runs) fmt::print("{:6}  {}\n", run.number, ReadTitle(run));
   } else {
-    PrintEntries(
-        runs, options.last,
-        [&](const sim::JournalEntry& entry) { return !effect || entry.effect == *effect; },
-        &sim::ToLine);
+    PrintEntries(runs, options.last, is_wanted, &sim::ToLine);
   }
   if (!options.clear) return kSuccess;
   if (std::fflush(stdout) != 0) throw std::system_error(errno, std::generic_category());
@@ -270,21 +270,19 @@ int ShowJournal(Session& session, const JournalOptions& options) {
   } else if (options.print == "off") {
     session.device().journal().set_listener(nullptr);
   } else {
-    PrintJournalLines(session.device().journal().entries(), options);
+    PrintEntries(session, options.last, IsOfEffect(options.effect), &sim::ToLine);
   }
   return kSuccess;
 }
 
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
   const sim::FolderLock lock = LockDevice(folder, Use::kRead);
-  PrintEntries(
-      StoredRuns(folder), options.last,
-      [&](const sim::JournalEntry& entry) { return IsInTrace(entry, options); }, &TraceLine);
+  PrintEntries(StoredRuns(folder), options.last, IsInTrace(options), &TraceLine);
   return kSuccess;
 }
 
 int ShowTrace(Session& session, const TraceOptions& options) {
-  PrintTraceLines(session.device().journal().entries(), options);
+  PrintEntries(session, options.last, IsInTrace(options), &TraceLine);
   return kSuccess;
 }
 

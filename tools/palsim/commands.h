@@ -27,9 +27,11 @@ struct NewOptions {
 // Which device a new one may take the place of.
 enum class Replace : std::uint8_t { kNone, kUnedited, kAny };
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
-// Locks the folder for a new device, and makes it if there is none. Throws UsageError where it has
-// something else, or where it has a device and that may not be replaced.
+// Locks the folder for a new device of a sample, and makes it if there is none. Throws UsageError
+// where it has something else, where it has a device and that may not be replaced, and where it is
+// the sample.
 [[nodiscard]] sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
+                                               const std::filesystem::path& sample,
                                                Replace replace);
 [[nodiscard]] std::vector<std::string> SampleNames();
 int ListSamples();

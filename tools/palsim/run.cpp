@@ -48,8 +48,9 @@ std::filesystem::path SampleFor(const Scenario& scenario, const RunOptions& opti
 Session OpenSession(const Scenario& scenario, const std::filesystem::path& folder,
                     const RunOptions& options) {
   if (!options.fresh) return Session(folder);
-  return {LockForNewDevice(folder, options.force ? Replace::kAny : Replace::kUnedited),
-          SampleFor(scenario, options)};
+  const std::filesystem::path sample = SampleFor(scenario, options);
+  const Replace replace = options.force ? Replace::kAny : Replace::kUnedited;
+  return {LockForNewDevice(folder, sample, replace), sample};
 }
 
 void CheckDevice(const Scenario& scenario, const std::string& device) {

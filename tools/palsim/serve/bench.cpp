@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
 
 #include "frame/version.h"
 #include "platform/sim/hardware/hardware.h"
