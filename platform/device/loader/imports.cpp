@@ -13,7 +13,7 @@ extern "C" void __wrap_free(void* block);
 namespace sim {
 namespace {
 
-struct Import {
+struct RenamedImport {
   std::string_view library;
   std::string_view name;
   void* function;
@@ -32,7 +32,7 @@ using Narrow = size_t(char*, const WCHAR*, size_t);
 
 // Those that the simulator has under another name than the image: the host has functions of the
 // same names, or C++ a name of its own.
-const Import kRenamed[] = {
+const RenamedImport kRenamed[] = {
     {"bthutil.dll", "#2", AddressOf(&BthGetMode)},
     {"coredll.dll", "malloc", AddressOf(&__wrap_malloc)},
     {"coredll.dll", "free", AddressOf(&__wrap_free)},
@@ -46,7 +46,7 @@ const Import kRenamed[] = {
 }  // namespace
 
 void* FindImport(const std::string& library, const std::string& name) {
-  const auto* const renamed = std::ranges::find_if(kRenamed, [&](const Import& import) {
+  const auto* const renamed = std::ranges::find_if(kRenamed, [&](const RenamedImport& import) {
     return import.library == library && import.name == name;
   });
   return renamed != std::end(kRenamed) ? renamed->function : dlsym(RTLD_DEFAULT, name.c_str());
