@@ -112,18 +112,22 @@ class OutBuffer {
     std::fill_n(units_.begin(), room_, Unit{0});
   }
   Unit* value() { return is_null_ ? nullptr : units_.data(); }
+  // Whether nothing was written behind the room.
+  [[nodiscard]] bool fits() const {
+    return std::all_of(units_.begin() + static_cast<std::ptrdiff_t>(room_), units_.end(),
+                       [](Unit unit) { return unit == kSpare; });
+  }
   [[nodiscard]] std::string answer() const {
     if (is_null_) return {};
     const auto room_end = units_.begin() + static_cast<std::ptrdiff_t>(room_);
-    const bool fits = std::all_of(room_end, units_.end(), [](Unit unit) { return unit == kSpare; });
-    const std::vector<Unit> written(units_.begin(), fits ? room_end : units_.end());
+    const std::vector<Unit> written(units_.begin(), fits() ? room_end : units_.end());
     std::string text;
     if constexpr (std::is_same_v<Unit, BYTE>) {
       text = HexText(written);
     } else {
       text = QuotedText(written);
     }
-    return fits ? text : text + " written past the room given";
+    return fits() ? text : text + " written past the room given";
   }
 
  private:

@@ -33,6 +33,10 @@ void Stage::Play(const Scenario& scenario) {
 void Stage::PlayStatement(const Statement& statement) {
   try {
     statement.form->play(*this, statement.filled);
+    if (watch_ == nullptr) return;
+    if (statement.form->is_from_outside) watch_->DeviceChanged();
+    watch_->StatementEnds();
+    SayWhatIsViolated();
   } catch (const std::invalid_argument& error) {
     throw UsageError(fmt::format("{}: {}", place_, error.what()));
   } catch (const UsageError& error) {
@@ -40,10 +44,48 @@ void Stage::PlayStatement(const Statement& statement) {
   }
 }
 
+void Stage::WatchFor(std::span<const PropertyRow> properties) {
+  watch_ = std::make_unique<Watch>(device_, properties);
+}
+
+void Stage::SayWhatIsViolated() {
+  if (said_violation_ || !watch_->violation()) return;
+  said_violation_ = true;
+  const Violation& violation = *watch_->violation();
+  Expect(false, fmt::format("{}: {}", violation.property, violation.sentence), violation.how);
+}
+
+bool Stage::Lives(const std::string& process) const {
+  const std::string file = ProcessFileName(process);
+  return std::ranges::any_of(
+      processes_, [&](const auto& each) { return each->name() == file && each->alive(); });
+}
+
+bool Stage::RunsCallOf(const std::string& process) const {
+  return std::ranges::any_of(running_,
+                             [&](const auto& call) { return call.second.process == process; });
+}
+
+void Stage::TakeEndedCalls() {
+  std::vector<std::string> ended;
+  for (const auto& [name, call] : running_) {
+    if (call.thread.ended()) ended.push_back(name);
+  }
+  for (const std::string& name : ended) {
+    AwaitCall(name);
+    outcomes_.erase(name);
+  }
+}
+
 void Stage::Finish() {
   while (!running_.empty()) AwaitCall(running_.begin()->first);
   SayWhatWasNotReached();
-  for (const auto& process : processes_) process->End();
+  for (const auto& process : processes_) End(*process);
+  if (watch_ != nullptr) {
+    watch_->StatementEnds();
+    SayWhatIsViolated();
+    if (!watch_->violation()) Expect(true, {}, {});
+  }
   for (const std::string& misuse : device_.TakeMisuse()) {
     Expect(false, "no misuse of the platform", misuse);
   }
@@ -55,12 +97,27 @@ void Stage::SayWhatWasNotReached() const {
   }
 }
 
+void Stage::End(sim::Process& process) {
+  try {
+    process.End();
+  } catch (const sim::ProcessKilled&) {  // while the library detached
+    process.End();
+  }
+}
+
 void Stage::StartProcess(const std::string& name) {
   const std::string file = ProcessFileName(name);
-  const bool lives = std::ranges::any_of(
-      processes_, [&](const auto& process) { return process->name() == file && process->alive(); });
-  if (lives) throw UsageError(name + " has started already");
-  processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  if (Lives(name)) throw UsageError(name + " has started already");
+  for (const auto& process : processes_) {
+    if (!process->alive()) End(*process);  // lets go of its copy of the library
+  }
+  if (watch_ != nullptr) watch_->Disturb();
+  const unsigned calls_before = device_.calls("RegSetValueExW");
+  try {
+    processes_.push_back(std::make_unique<sim::Process>(device_, file));
+  } catch (const sim::ProcessKilled&) {  // while the library attached
+  }
+  if (watch_ != nullptr && device_.calls("RegSetValueExW") != calls_before) watch_->DeviceChanged();
 }
 
 sim::Process& Stage::process(const std::string& name) {
@@ -82,10 +139,11 @@ std::uint32_t Stage::ProcessId(const std::string& name) const {
 void Stage::EndProcess(const std::string& name, bool kill) {
   sim::Process& process = this->process(name);
   wait_from = journal().size();
+  if (watch_ != nullptr) watch_->Disturb();
   if (kill) {
     process.Kill();
   } else {
-    process.End();
+    End(process);
   }
 }
 
@@ -96,14 +154,34 @@ void Stage::Call(const std::string& process, const std::string& name,
     throw UsageError(process + " has a call that still runs; begin that one 'as' another name");
   }
   wait_from = journal().size();
+  const std::size_t restarts_before = device_.restarts().size();
   std::optional<CallOutcome>& outcome = outcomes_[process];
   outcome.reset();
   try {
-    outcome = CallExport(caller, name, arguments);
+    outcome = MakeCall(caller, name, arguments);
   } catch (const sim::ProcessKilled&) {
     outcome.reset();
   }
-  if (outcome && outcome->restart) device_.Advance(0);  // calls under way end, services start
+  // Calls under way end, services start.
+  if (device_.restarts().size() != restarts_before) device_.Advance(0);
+}
+
+CallOutcome Stage::MakeCall(sim::Process& caller, const std::string& name,
+                            const std::vector<std::string>& arguments) {
+  const std::size_t index = ExportIndex(name);
+  const auto call = [&] {
+    return plain_ ? CallPlainly(caller, index, arguments) : CallExport(caller, name, arguments);
+  };
+  if (watch_ == nullptr) return call();
+  const Watch::Place place = watch_->CallBegins(caller, index, arguments);
+  try {
+    CallOutcome outcome = call();
+    watch_->CallEnds(place, outcome.restart ? nullptr : &outcome);
+    return outcome;
+  } catch (const sim::ProcessKilled&) {
+    watch_->CallEnds(place, nullptr);
+    throw;
+  }
 }
 
 void Stage::Begin(const std::string& process, const std::string& name,
@@ -114,9 +192,9 @@ void Stage::Begin(const std::string& process, const std::string& name,
   outcomes_.erase(as);
   auto outcome = std::make_shared<std::optional<CallOutcome>>();
   sim::Thread thread = caller.Start(
-      [&caller, name, arguments, outcome] { *outcome = CallExport(caller, name, arguments); });
-  running_.emplace(as, RunningCall{std::move(thread), outcome});
-  device_.Advance(0);
+      [this, &caller, name, arguments, outcome] { *outcome = MakeCall(caller, name, arguments); });
+  running_.emplace(as, RunningCall{std::move(thread), outcome, process});
+  if (!turns_change_) device_.Advance(0);
 }
 
 void Stage::AwaitCall(const std::string& as) {
@@ -128,6 +206,20 @@ void Stage::AwaitCall(const std::string& as) {
   found->second.thread.Join();
   outcomes_[as] = *found->second.outcome;
   running_.erase(found);
+}
+
+void Stage::ChangeTurns(std::uint32_t seed) {
+  turns_change_ = true;
+  device_.ShuffleTurns(seed);
+}
+
+void Stage::Restart(sim::RestartKind kind) {
+  wait_from = journal().size();
+  if (watch_ != nullptr) {
+    watch_->Disturb();
+    watch_->RestartBegins();
+  }
+  device_.Restart(kind);
 }
 
 const std::optional<CallOutcome>& Stage::outcome(const std::string& of) {

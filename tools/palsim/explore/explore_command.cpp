@@ -1,0 +1,127 @@
+// The command: which seeds, how many at once, and where findings and the report go.
+#include <fmt/format.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "tools/palsim/commands.h"
+#include "tools/palsim/explore/explore.h"
+#include "tools/palsim/explore/explore_command.h"
+#include "tools/palsim/jobs.h"
+#include "tools/palsim/usage_error.h"
+#include "tools/streams.h"
+
+namespace palsim {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kReportFile = "report.json";
+
+// "90", "90s", "5m", "2h".
+std::chrono::seconds ParseDuration(const std::string& text) {
+  struct Unit {
+    char letter;
+    unsigned seconds;
+  };
+  constexpr Unit kUnits[] = {{'s', 1}, {'m', 60}, {'h', 3600}};
+  std::size_t digits = 0;
+  unsigned long number = 0;
+  try {
+    number = std::stoul(text, &digits);
+  } catch (const std::exception&) {
+    digits = 0;
+  }
+  constexpr unsigned long kMost = 1000000;
+  if (digits > 0 && number > 0 && number < kMost) {
+    if (digits == text.size()) return std::chrono::seconds(number);
+    for (const Unit& unit : kUnits) {
+      if (text.substr(digits) == std::string{unit.letter}) {
+        return std::chrono::seconds(number * unit.seconds);
+      }
+    }
+  }
+  throw UsageError(fmt::format("'{}' is no time; write 90s, 5m or 2h", text));
+}
+
+// The seeds of one job: every `step`th from the first one on, up to the last or until the time is
+// over.
+struct Seeds {
+  std::uint64_t next;
+  std::uint64_t last;
+  std::uint64_t step;
+  std::optional<Clock::time_point> end;
+
+  bool Take(std::uint64_t& seed) {
+    if (next > last || (end && Clock::now() >= *end)) return false;
+    seed = next;
+    next += step;
+    return true;
+  }
+};
+
+void Write(const fs::path& folder, const Report& report) {
+  for (const Finding& finding : report.findings) {
+    tools::WriteOutput(folder / fmt::format("{}-{}.scenario", finding.property, finding.seed),
+                       finding.scenario);
+  }
+  tools::WriteOutput(folder / kReportFile, ReportJson(report));
+}
+
+int Show(const Report& report, const std::string& folder) {
+  if (!folder.empty()) {
+    fs::create_directories(folder);
+    Write(folder, report);
+  }
+  fmt::print("{}", tools::Printable(ReportText(report)));
+  return report.findings.empty() ? kSuccess : kFailure;
+}
+
+}  // namespace
+
+int Explore(const ExploreOptions& options) {
+  const Shard shard = ParseShard(options.shard);
+  const SeedRange range = ParseSeeds(options.seeds);
+  const unsigned jobs = options.jobs == 0 ? ProcessorCount() : options.jobs;
+  const std::uint64_t step = std::uint64_t{jobs} * shard.count;
+  std::optional<Clock::time_point> end;
+  if (!options.time.empty()) end = Clock::now() + ParseDuration(options.time);
+  const std::uint64_t last = end && options.seeds == kDefaultSeeds ? UINT64_MAX - step : range.last;
+  static_cast<void>(MakeWorld(range.first, options.world));  // a device that cannot be read
+
+  Report report;
+  constexpr unsigned kAWeek = 7 * 24 * 60 * 60;
+  RunJobs({.count = jobs, .at_once = jobs, .most_seconds = kAWeek},
+          [&](std::size_t job) {
+            Seeds seeds{.next = range.first + shard.number - 1 + job * shard.count,
+                        .last = last,
+                        .step = step,
+                        .end = end};
+            return ReportJson(ExploreSeeds(
+                options.world, [&](std::uint64_t& seed) { return seeds.Take(seed); }));
+          },
+          [&](std::size_t job, const JobEnd& ended) {
+            if (!ended.error.empty()) {
+              throw std::runtime_error(fmt::format("job {}: {}", job + 1, ended.error));
+            }
+            report.Add(ParseReport("a job's answer", ended.answer));
+          });
+  return Show(report, options.out);
+}
+
+int MergeReports(const std::vector<std::string>& folders, const std::string& out) {
+  Report report;
+  for (const std::string& folder : folders) {
+    const std::string file = fs::path(folder) / kReportFile;
+    report.Add(ParseReport(file, tools::ReadInput(file)));
+  }
+  return Show(report, out);
+}
+
+void PrintProperties() {
+  for (const PropertyRow& row : Properties()) fmt::print("  {:<26} {}\n", row.name, row.sentence);
+}
+
+}  // namespace palsim

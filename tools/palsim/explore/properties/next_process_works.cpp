@@ -1,0 +1,55 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "tools/palsim/explore/properties/properties.h"
+#include "tools/palsim/explore/scene.h"
+#include "tools/palsim/names.h"
+
+namespace palsim {
+namespace {
+
+// Another living process may hold what these need: the scan driver, an event that is set, or the
+// level of a sound.
+constexpr std::array<std::string_view, 4> kShareWithOthers{"PALSysio_", "PALLEDGrLedToggle",
+                                                           "PALBEEPStopTagSearch",
+                                                           "PALBOOT_BootTerminal"};
+
+class NextWorks : public Property {
+  void CallEnds(Scene& scene, const WatchedCall& call) override {
+    if (!call.returned() && call.process != nullptr && !call.process->alive()) {
+      killed_id_ = call.process->id();
+      scene.untouched().set_wants_every_call(true);
+      return;
+    }
+    const bool is_next = killed_id_ != 0 && call.process->id() > killed_id_;
+    if (!is_next || !call.undisturbed() || !scene.untouched().Has(call)) return;
+    const auto begins = [&](std::string_view name) { return call.name.starts_with(name); };
+    if (std::ranges::any_of(kShareWithOthers, begins)) return;
+    killed_id_ = 0;
+    scene.untouched().set_wants_every_call(false);
+    Met();
+    const UntouchedRun::Outcome& untouched = scene.untouched().outcome();
+    if (untouched.code != call.outcome->code) {
+      Violated(fmt::format("{} answers {}, and {} where none was killed", call.name,
+                           ResultText(static_cast<HRESULT>(call.outcome->code)),
+                           ResultText(static_cast<HRESULT>(untouched.code.value_or(0)))));
+    }
+    const std::uint64_t took_ms = call.end_ms - call.begin_ms;
+    if (took_ms > untouched.took_ms) {
+      Violated(fmt::format("{} takes {} ms, and {} ms where none was killed", call.name, took_ms,
+                           untouched.took_ms));
+    }
+  }
+
+  std::uint32_t killed_id_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Property> NextProcessWorks() {
+  return std::make_unique<NextWorks>();
+}
+
+}  // namespace palsim

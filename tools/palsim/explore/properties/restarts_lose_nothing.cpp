@@ -1,0 +1,42 @@
+#include <fmt/format.h>
+
+#include "tools/palsim/explore/properties/properties.h"
+#include "tools/palsim/explore/scene.h"
+
+namespace palsim {
+namespace {
+
+class LoseNothing : public Property {
+  void CallBegins(Scene& scene, const WatchedCall& call) override {
+    if (call.name == "PALBOOT_BootTerminal" && call.alone) RestartBegins(scene);
+  }
+  void RestartBegins(Scene& scene) override {
+    before_ = StoredOn(scene.device());
+    restarts_ = scene.device().restarts().size();
+    is_kept_ = scene.running() <= 1;
+  }
+
+  void StatementEnds(Scene& scene) override {
+    if (!is_kept_) return;
+    is_kept_ = false;
+    if (scene.device().restarts().size() == restarts_) return;
+    Met();
+    const Stored after = StoredOn(scene.device());
+    for (const auto& [where, what] : before_) {
+      const auto found = after.find(where);
+      if (found == after.end() || found->second != what) Violated(where + " is lost");
+    }
+  }
+
+  Stored before_;
+  std::size_t restarts_ = 0;
+  bool is_kept_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Property> RestartsLoseNothing() {
+  return std::make_unique<LoseNothing>();
+}
+
+}  // namespace palsim
