@@ -14,6 +14,7 @@ Program FlushService() {
               RegFlushKey(HKEY_CLASSES_ROOT);
               RegFlushKey(HKEY_USERS);
             }
+            CloseHandle(event);
             return 0;
           }};
 }

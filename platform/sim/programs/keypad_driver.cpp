@@ -50,6 +50,7 @@ Program KeypadDriver() {
             const HANDLE event =
                 CreateEventW(nullptr, FALSE, FALSE, TEXT("DVL_KEYBOARD_CHANGE_USB"));
             while (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0) Reload();
+            CloseHandle(event);
             return 0;
           }};
 }

@@ -23,6 +23,7 @@ class Scene {
   [[nodiscard]] bool faults_are_planned() const;
   // The calls under way.
   [[nodiscard]] unsigned running() const { return running_; }
+  // As the library reads a number: of any type, with the bytes that are missing as 0.
   [[nodiscard]] std::optional<std::uint32_t> Dword(std::string_view key, std::string_view name);
   // What the call that is looked at does on a device where nothing fails.
   [[nodiscard]] UntouchedRun& untouched() { return untouched_; }

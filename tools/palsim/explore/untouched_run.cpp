@@ -1,5 +1,6 @@
 #include "tools/palsim/explore/untouched_run.h"
 
+#include "platform/sim/kernel/process_state.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "platform/sim/text.h"
 #include "tools/palsim/explore/property.h"
@@ -41,7 +42,9 @@ Stored StoredOn(sim::Device& device) {
 }
 
 void UntouchedRun::CallBegins(const WatchedCall& call, bool may_fail) {
-  if (!call.alone || !(may_fail || wants_every_call_)) return;
+  // A call in a thread of its own is left out: only the driver can make processes.
+  const bool is_of_driver = sim::CurrentThread() == nullptr;
+  if (!is_of_driver || !call.alone || !(may_fail || wants_every_call_)) return;
   if (copy_ == nullptr) copy_ = std::make_unique<sim::Device>();
   copy_->CopyFrom(device_);
   call_ = &call;

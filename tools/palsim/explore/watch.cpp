@@ -46,7 +46,11 @@ bool Scene::faults_are_planned() const {
 }
 
 std::optional<std::uint32_t> Scene::Dword(std::string_view key, std::string_view name) {
-  return registry().GetDword(key, name);
+  const sim::RegistryValue* value = registry().FindValue(key, name);
+  if (value == nullptr || value->data.size() > sizeof(std::uint32_t)) return std::nullopt;
+  std::uint32_t number = 0;
+  for (std::size_t at = value->data.size(); at-- > 0;) number = number << 8 | value->data[at];
+  return number;
 }
 
 Watch::Watch(sim::Device& device, std::span<const PropertyRow> rows)

@@ -10,7 +10,7 @@ namespace {
 
 // The first has a property of its own. The second is left open by a program that ends without
 // PALSysio_Close, which is the program's mistake.
-constexpr std::array<std::string_view, 2> kOthers{"for ever", "SCD1:"};
+constexpr std::array<std::string_view, 2> kOthers{"for ever", "left open at the end: driver"};
 
 class UsedRightly : public Property {
   void StatementEnds(Scene& scene) override {
