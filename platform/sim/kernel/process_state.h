@@ -10,11 +10,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/sim/exports.h"
+#include "platform/sim/kernel/host_thread_pool.h"
 #include "platform/sim/kernel/library_copy.h"
 #include "platform/sim/kernel/objects.h"
 #include "platform/sim/kernel/scheduler.h"
@@ -52,7 +52,7 @@ class ThreadState {
 
   // Only for a thread that has a thread of the host:
   Strand own_strand;
-  std::thread host;
+  HostThread host;
   std::exception_ptr failure;
   bool killed = false;
 };

@@ -19,18 +19,22 @@ std::string ScenarioText(const World& world, const Finding& finding, const Viola
   return text;
 }
 
-// The end of the journal of a run.
+// The end of the journal, up to where the property did not hold.
 std::vector<std::string> LastLines(const World& world, const std::string& scenario) {
   constexpr std::size_t kMost = 10;
   sim::Device device;
   device.CopyFrom(world.sample->device);
   device.StartServicesOf(world.sample->device);
-  Stage stage(device, [](const std::string&) {});
-  stage.Play(ParseScenario("found", scenario));
   const auto& entries = device.journal().entries();
+  std::size_t end = 0;
+  Stage stage(device, [&](const std::string&) {
+    if (end == 0) end = entries.size();
+  });
+  stage.Play(ParseScenario("found", scenario));
   std::vector<std::string> lines;
-  const std::size_t first = entries.size() > kMost ? entries.size() - kMost : 0;
-  for (std::size_t at = first; at < entries.size(); ++at) lines.push_back(sim::ToLine(entries[at]));
+  for (std::size_t at = end > kMost ? end - kMost : 0; at < end; ++at) {
+    lines.push_back(sim::ToLine(entries[at]));
+  }
   return lines;
 }
 

@@ -149,7 +149,27 @@ class Maker {
       move.kind = Move::Kind::kBegin;
       move.as = fmt::format("call{}", ++begun_);
     }
-    moves_.push_back(std::move(move));
+    moves_.push_back(move);
+    if (choices_.OneIn(3)) AskBack(move);
+  }
+
+  // What was set is asked for, mostly by another process.
+  void AskBack(const Move& setter) {
+    const std::size_t at = setter.text.find("Set");
+    if (at == std::string::npos) return;
+    std::string getter = setter.text;
+    getter[at] = 'G';
+    const Declaration* declaration = FindDeclaration(getter);
+    if (declaration == nullptr) return;
+    std::vector<std::string> arguments = ChooseArguments(choices_, *declaration);
+    const bool is_same =
+        declaration->parameters.front().name == FindDeclaration(setter.text)->parameters.front().name;
+    const bool is_in = declaration->parameters.front().direction == "in";
+    if (is_same && is_in) arguments.front() = setter.arguments.front();
+    moves_.push_back({.kind = Move::Kind::kCall,
+                      .process = choices_.Of(processes_),
+                      .text = std::move(getter),
+                      .arguments = std::move(arguments)});
   }
 
   void Say(std::string text, std::string process = {}) {

@@ -16,7 +16,8 @@ class OfCalls : public Property {
   void CallEnds(Scene& /*scene*/, const WatchedCall& call) override {
     if (!call.returned() || call.outcome->code >> 16 != kWin32) return;
     const std::uint32_t error = call.outcome->code & 0xFFFF;
-    if (error == ERROR_INVALID_PARAMETER) return;  // E_INVALIDARG, which is no error of a call
+    // E_INVALIDARG is no error of a call. A text without an end does not fit the library's room.
+    if (error == ERROR_INVALID_PARAMETER || error == ERROR_MORE_DATA) return;
     Met();
     const std::vector<std::uint32_t>& given = call.process->errors_of_call();
     if (std::ranges::count(given, error) != 0) return;

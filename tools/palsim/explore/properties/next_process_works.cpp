@@ -20,15 +20,19 @@ class NextWorks : public Property {
   void CallEnds(Scene& scene, const WatchedCall& call) override {
     if (!call.returned() && call.process != nullptr && !call.process->alive()) {
       killed_id_ = call.process->id();
+      due_ = scene.faults_due();
       scene.untouched().set_wants_every_call(true);
       return;
     }
-    const bool is_next = killed_id_ != 0 && call.process->id() > killed_id_;
-    if (!is_next || !call.undisturbed() || !scene.untouched().Has(call)) return;
-    const auto begins = [&](std::string_view name) { return call.name.starts_with(name); };
-    if (std::ranges::any_of(kShareWithOthers, begins)) return;
+    if (killed_id_ == 0 || call.process->id() <= killed_id_) return;
+    // The first call of the next process, where nothing has failed since.
     killed_id_ = 0;
     scene.untouched().set_wants_every_call(false);
+    const auto begins = [&](std::string_view name) { return call.name.starts_with(name); };
+    const bool is_compared = call.undisturbed() && call.returned() &&
+                             scene.faults_due() == due_ && scene.untouched().Has(call) &&
+                             std::ranges::none_of(kShareWithOthers, begins);
+    if (!is_compared) return;
     Met();
     const UntouchedRun::Outcome& untouched = scene.untouched().outcome();
     if (untouched.code != call.outcome->code) {
@@ -44,6 +48,7 @@ class NextWorks : public Property {
   }
 
   std::uint32_t killed_id_ = 0;
+  unsigned due_ = 0;  // the faults until then
 };
 
 }  // namespace

@@ -1,0 +1,28 @@
+// Threads of the host that are kept for the next one who needs a thread: making one takes longer
+// than most of what is done in it.
+#ifndef PLATFORM_SIM_KERNEL_HOST_THREAD_POOL_H_
+#define PLATFORM_SIM_KERNEL_HOST_THREAD_POOL_H_
+
+#include <functional>
+#include <memory>
+
+namespace sim {
+
+// As std::thread. `body` must not throw.
+class HostThread {
+ public:
+  HostThread() = default;
+  explicit HostThread(std::function<void()> body);
+  // Waits until the body has ended. Does nothing where there is none, or where it was waited for.
+  void Join();
+
+ private:
+  class Worker;
+  class Pool;
+  static Pool& Kept();
+  std::shared_ptr<Worker> worker_;
+};
+
+}  // namespace sim
+
+#endif  // PLATFORM_SIM_KERNEL_HOST_THREAD_POOL_H_
