@@ -8,6 +8,7 @@
 #include <cctype>
 #include <stdexcept>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/sim/exports.h"
@@ -196,9 +197,16 @@ std::string Suggestion(std::string_view name) {
   return nearest.empty() ? "; 'palsim --exports' lists them" : nearest;
 }
 
+std::unordered_map<std::string_view, const ExportRow*> RowsByName() {
+  std::unordered_map<std::string_view, const ExportRow*> rows;
+  for (const ExportRow& row : kExports) rows.emplace(row.name, &row);
+  return rows;
+}
+
 const ExportRow& Find(std::string_view name) {
-  const auto* const row = std::ranges::find(kExports, name, &ExportRow::name);
-  if (row != kExports.end()) return *row;
+  static const std::unordered_map<std::string_view, const ExportRow*> rows = RowsByName();
+  const auto row = rows.find(name);
+  if (row != rows.end()) return *row->second;
   throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
 }
 

@@ -1,5 +1,7 @@
 // The command: which seeds, how many at once, and where findings and the report go.
 #include <fmt/format.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -62,6 +64,21 @@ struct Seeds {
   }
 };
 
+// Threads of a device take turns: on one processor they do so without waking another one.
+void StayOnOneProcessor(std::size_t job) {
+  cpu_set_t allowed;
+  if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0) return;
+  std::size_t wanted = job % static_cast<std::size_t>(CPU_COUNT(&allowed));
+  for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
+    if (!CPU_ISSET(processor, &allowed) || wanted-- > 0) continue;
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(processor, &one);
+    static_cast<void>(sched_setaffinity(0, sizeof(one), &one));
+    return;
+  }
+}
+
 void Write(const fs::path& folder, const Report& report) {
   for (const Finding& finding : report.findings) {
     tools::WriteOutput(folder / fmt::format("{}-{}.scenario", finding.property, finding.seed),
@@ -95,6 +112,7 @@ int Explore(const ExploreOptions& options) {
   constexpr unsigned kAWeek = 7 * 24 * 60 * 60;
   RunJobs({.count = jobs, .at_once = jobs, .most_seconds = kAWeek},
           [&](std::size_t job) {
+            StayOnOneProcessor(job + static_cast<std::size_t>(getppid()));
             Seeds seeds{.next = range.first + shard.number - 1 + job * shard.count,
                         .last = last,
                         .step = step,

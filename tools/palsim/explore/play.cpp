@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <map>
 
 #include "platform/sim/kernel/kernel.h"
@@ -82,10 +83,11 @@ class Player {
     ForgetEndedCalls();
     if (move.kind == Move::Kind::kStatement) return PlayStatement(move);
     if (!stage_.Lives(move.process)) {
-      PlayStatement({.process = move.process, .text = move.process + " starts"});
+      start_ = {.process = move.process, .text = move.process + " starts"};
+      PlayStatement(start_);
     }
     if (IsViolated() || !stage_.Lives(move.process) || !MayCall(move)) return;
-    played_.moves.push_back(move);
+    Took(move);
     if (move.kind == Move::Kind::kBegin) {
       running_[move.as] = {move.process, TurnOf(move.text)};
       stage_.Begin(move.process, move.text, move.arguments, move.as);
@@ -133,15 +135,23 @@ class Player {
     try {
       Scenario scenario = ParseScenario("a move", move.text);
       for (const Statement& statement : scenario.statements) stage_.PlayStatement(statement);
-      played_.moves.push_back(move);
+      Took(move);
     } catch (const UsageError&) {
       // as things stand there is nothing to delete, to signal or to remove
     }
     if (move.text.ends_with(" killed")) ++played_.kills;
   }
 
+  // The moves live as long as the player, but for a start that a move needed.
+  void Took(const Move& move) {
+    taken_.push_back(&move == &start_ ? &starts_.emplace_back(start_) : &move);
+  }
+
   Played Result() {
     played_.violation = stage_.watch()->violation();
+    if (played_.violation) {
+      for (const Move* move : taken_) played_.moves.push_back(*move);
+    }
     played_.met = stage_.watch()->met();
     played_.calls = stage_.watch()->calls();
     played_.faults = device_.kernel().faults.due();
@@ -159,6 +169,9 @@ class Player {
   sim::Device device_;
   Stage stage_;
   std::map<std::string, Running> running_;
+  Move start_;
+  std::deque<Move> starts_;
+  std::vector<const Move*> taken_;
   Played played_;
 };
 

@@ -13,7 +13,8 @@
 namespace palsim {
 
 struct Played {
-  Moves moves;  // those that could be played, with the starts that they needed
+  // Of a violation: the moves that could be played, with the starts that they needed.
+  Moves moves;
   std::optional<Violation> violation;
   std::vector<std::uint64_t> met;  // of each property
   std::uint64_t calls = 0;

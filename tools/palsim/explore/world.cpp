@@ -57,6 +57,8 @@ class Maker {
       : choices_(seed), options_(options), sample_(ChooseSample()) {}
 
   World Make() {
+    constexpr std::size_t kMostMovesAStep = 2;
+    moves_.reserve(kMostMovesAStep * options_.steps);
     ChooseCharacter();
     for (std::size_t left = variations_; left > 0; --left) {
       Say(ChooseVariation(choices_, Device()));
@@ -149,8 +151,8 @@ class Maker {
       move.kind = Move::Kind::kBegin;
       move.as = fmt::format("call{}", ++begun_);
     }
-    moves_.push_back(move);
-    if (choices_.OneIn(3)) AskBack(move);
+    moves_.push_back(std::move(move));
+    if (choices_.OneIn(3)) AskBack(Move(moves_.back()));
   }
 
   // What was set is asked for, mostly by another process.

@@ -8,8 +8,22 @@
 
 namespace palsim {
 
+namespace {
+
+constexpr std::string_view kExtension = ".exe";
+
+// Whether a process has this name in a scenario. It is asked several times for each call.
+bool Is(const sim::Process& process, std::string_view name) {
+  const std::string_view file = process.name();
+  if (name.find('.') != std::string_view::npos) return file == name;
+  return file.size() == name.size() + kExtension.size() && file.starts_with(name) &&
+         file.ends_with(kExtension);
+}
+
+}  // namespace
+
 std::string ProcessFileName(const std::string& name) {
-  return name.find('.') == std::string::npos ? name + ".exe" : name;
+  return name.find('.') == std::string::npos ? name + std::string(kExtension) : name;
 }
 
 Stage::Stage(sim::Device& device, OnFailure on_failure)
@@ -56,9 +70,8 @@ void Stage::SayWhatIsViolated() {
 }
 
 bool Stage::Lives(const std::string& process) const {
-  const std::string file = ProcessFileName(process);
   return std::ranges::any_of(
-      processes_, [&](const auto& each) { return each->name() == file && each->alive(); });
+      processes_, [&](const auto& each) { return Is(*each, process) && each->alive(); });
 }
 
 bool Stage::RunsCallOf(const std::string& process) const {
@@ -106,7 +119,6 @@ void Stage::End(sim::Process& process) {
 }
 
 void Stage::StartProcess(const std::string& name) {
-  const std::string file = ProcessFileName(name);
   if (Lives(name)) throw UsageError(name + " has started already");
   for (const auto& process : processes_) {
     if (!process->alive()) End(*process);  // lets go of its copy of the library
@@ -114,24 +126,22 @@ void Stage::StartProcess(const std::string& name) {
   if (watch_ != nullptr) watch_->Disturb();
   const unsigned calls_before = device_.calls("RegSetValueExW");
   try {
-    processes_.push_back(std::make_unique<sim::Process>(device_, file));
+    processes_.push_back(std::make_unique<sim::Process>(device_, ProcessFileName(name)));
   } catch (const sim::ProcessKilled&) {  // while the library attached
   }
   if (watch_ != nullptr && device_.calls("RegSetValueExW") != calls_before) watch_->DeviceChanged();
 }
 
 sim::Process& Stage::process(const std::string& name) {
-  const std::string file = ProcessFileName(name);
   for (const auto& process : processes_) {
-    if (process->name() == file && process->alive()) return *process;
+    if (Is(*process, name) && process->alive()) return *process;
   }
   throw UsageError(fmt::format("no process {} runs now; write '{} starts' before", name, name));
 }
 
 std::uint32_t Stage::ProcessId(const std::string& name) const {
-  const std::string file = ProcessFileName(name);
   const auto found = std::find_if(processes_.rbegin(), processes_.rend(),
-                                  [&](const auto& process) { return process->name() == file; });
+                                  [&](const auto& process) { return Is(*process, name); });
   if (found == processes_.rend()) throw UsageError("no process " + name + " has started");
   return (*found)->id();
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "tools/palsim/explore/properties/properties.h"
 #include "tools/palsim/explore/scene.h"
@@ -22,6 +23,7 @@ class LeavesNothing : public Property {
   };
 
   void CallBegins(Scene& /*scene*/, const WatchedCall& call) override {
+    if (call.name == "PALPWRSuspendCtrl") keep_awake_.insert(call.process->id());
     if (!call.alone_in_process || Holds(call)) return;
     before_ = {call.process->open_handles(), call.process->heap_blocks()};
     watched_ = &call;
@@ -31,7 +33,8 @@ class LeavesNothing : public Property {
     if (!call.returned() || !call.alone_in_process) return;
     Met();
     if (call.process->held_mutexes() != 0) Violated(fmt::format("{} holds a mutex", call.name));
-    if (watched_ != &call || Holds(call) || keeps_awake_) return;
+    const bool has_other_threads = keep_awake_.contains(call.process->id());
+    if (watched_ != &call || Holds(call) || has_other_threads) return;
     const unsigned handles = call.process->open_handles();
     if (handles > before_.handles) {
       Violated(fmt::format("{} leaves {} handles", call.name, handles - before_.handles));
@@ -43,14 +46,13 @@ class LeavesNothing : public Property {
     }
   }
 
-  bool Holds(const WatchedCall& call) {
-    if (call.name == "PALPWRSuspendCtrl") keeps_awake_ = true;
+  static bool Holds(const WatchedCall& call) {
     return std::ranges::count(kHolders, call.name) != 0;
   }
 
   const WatchedCall* watched_ = nullptr;
   Held before_;
-  bool keeps_awake_ = false;
+  std::set<std::uint32_t> keep_awake_;  // the processes
 };
 
 }  // namespace

@@ -15,7 +15,7 @@ class Checksums : public Property {
   void DeviceChanged(Scene& scene) override {
     seen_ = scene.writes();
     checksums_ = Read(scene);
-    imports_ = Imports(scene);
+    if (scene.running() == 0) imports_ = Imports(scene);
   }
 
   // The call that imports is still under way when its checksum is stored.

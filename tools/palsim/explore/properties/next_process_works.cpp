@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/sim/kernel/kernel.h"
 #include "tools/palsim/explore/properties/properties.h"
 #include "tools/palsim/explore/scene.h"
 #include "tools/palsim/names.h"
@@ -19,14 +20,14 @@ constexpr std::array<std::string_view, 4> kShareWithOthers{"PALSysio_", "PALLEDG
 class NextWorks : public Property {
   void CallEnds(Scene& scene, const WatchedCall& call) override {
     if (!call.returned() && call.process != nullptr && !call.process->alive()) {
-      killed_id_ = call.process->id();
+      next_id_ = scene.device().kernel().next_process_id;
       due_ = scene.faults_due();
       scene.untouched().set_wants_every_call(true);
       return;
     }
-    if (killed_id_ == 0 || call.process->id() <= killed_id_) return;
+    if (next_id_ == 0 || call.process->id() < next_id_) return;
     // The first call of the next process, where nothing has failed since.
-    killed_id_ = 0;
+    next_id_ = 0;
     scene.untouched().set_wants_every_call(false);
     const auto begins = [&](std::string_view name) { return call.name.starts_with(name); };
     const bool is_compared = call.undisturbed() && call.returned() &&
@@ -47,7 +48,7 @@ class NextWorks : public Property {
     }
   }
 
-  std::uint32_t killed_id_ = 0;
+  std::uint32_t next_id_ = 0;  // the first one that a later process can have; 0: none was killed
   unsigned due_ = 0;  // the faults until then
 };
 

@@ -6,10 +6,11 @@
 namespace palsim {
 namespace {
 
-// Whether a call writes this on the way where nothing fails: one that writes a value twice. A file
-// is made empty and then written.
+// Whether a call writes this on the way where nothing fails: one that writes a value twice. A new
+// file is empty, then it has zeros, and then it is written.
 bool IsOnTheWay(Scene& scene, const StoredChange& change) {
-  if (!change.before && change.now == "") return true;
+  const auto is_zero = [](char byte) { return byte == 0; };
+  if (!change.before && change.now && std::ranges::all_of(*change.now, is_zero)) return true;
   const auto& writes = scene.untouched().outcome().writes;
   const std::string line = change.where + (change.now ? "=" + *change.now : " deleted");
   return std::ranges::count(writes, line) != 0;
