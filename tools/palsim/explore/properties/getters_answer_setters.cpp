@@ -32,16 +32,17 @@ Answer PowerButton(Scene& /*scene*/, std::uint32_t option) {
   return option <= kLast ? option : 0;
 }
 
-// The lowest level with the same word. A step and a word that is no level's are not told.
+// The lowest level with the same word. A step is not told, nor a level where another one's word
+// cannot be read: each process has its own word for that one.
 Answer Level(Scene& scene, std::uint32_t index) {
   constexpr const char* kVolumes = R"(HKLM\Software\Dravonel\BeeperVol)";
   constexpr std::array kLevels{"Off", "VeryLow", "Low", "Med", "High", "VeryHigh"};
   if (index >= kLevels.size()) return std::nullopt;
-  const Answer word = scene.Dword(kVolumes, kLevels.at(index));
-  if (!word) return std::nullopt;
-  for (std::uint32_t level = 0;; ++level) {
-    if (scene.Dword(kVolumes, kLevels.at(level)) == word) return level;
-  }
+  std::array<Answer, kLevels.size()> words;
+  std::ranges::transform(kLevels, words.begin(),
+                         [&](const char* name) { return scene.Dword(kVolumes, name); });
+  if (std::ranges::count(words, Answer()) != 0) return std::nullopt;
+  return static_cast<std::uint32_t>(std::ranges::find(words, words.at(index)) - words.begin());
 }
 
 template <std::uint32_t... kAllowed>

@@ -8,12 +8,17 @@ namespace {
 
 class LoseNothing : public Property {
   void CallBegins(Scene& scene, const WatchedCall& call) override {
-    if (call.name == "PALBOOT_BootTerminal" && call.alone) RestartBegins(scene);
+    if (call.name != kRestart) return;
+    RestartBegins(scene);
+    is_kept_ = call.alone;
+  }
+  void CallEnds(Scene& /*scene*/, const WatchedCall& call) override {
+    if (call.name == kRestart && !call.alone) is_kept_ = false;
   }
   void RestartBegins(Scene& scene) override {
     before_ = StoredOn(scene.device());
     restarts_ = scene.device().restarts().size();
-    is_kept_ = scene.running() <= 1;
+    is_kept_ = scene.running() == 0;
   }
 
   void StatementEnds(Scene& scene) override {
@@ -28,6 +33,7 @@ class LoseNothing : public Property {
     }
   }
 
+  static constexpr std::string_view kRestart = "PALBOOT_BootTerminal";
   Stored before_;
   std::size_t restarts_ = 0;
   bool is_kept_ = false;

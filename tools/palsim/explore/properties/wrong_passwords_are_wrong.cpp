@@ -1,8 +1,10 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <boost/uuid/detail/sha1.hpp>
 
 #include "platform/sim/text.h"
+#include "platform/wince.h"
 #include "tools/palsim/argument.h"
 #include "tools/palsim/explore/properties/properties.h"
 #include "tools/palsim/explore/scene.h"
@@ -46,15 +48,22 @@ bool IsRight(Scene& scene, const std::string& member, const std::string& passwor
   return Sha1(salt + BytesOf(sim::ToUtf16(text))) == hash;
 }
 
+// Of a member whose key cannot be opened, or whose value is missing, the empty password is right.
+bool SeemsToBeMissing(Scene& scene, const WatchedCall& call) {
+  if (call.faults == 0) return false;
+  const std::vector<std::string> faulted = scene.device().faulted_calls();
+  return std::ranges::count(faulted, "RegOpenKeyExW") != 0 ||
+         std::ranges::count(call.process->errors_of_call(), ERROR_FILE_NOT_FOUND) != 0;
+}
+
 class Passwords : public Property {
   void CallEnds(Scene& scene, const WatchedCall& call) override {
     constexpr std::uint32_t kRight = 0;
     if (call.name != "PALSecurity_CheckPx" || !call.returned() || !call.alone) return;
     const std::string& password = call.arguments->at(1);
     if (IsRight(scene, call.arguments->at(0), password)) return;
-    // Of a member whose key or value seems to be missing only the empty password is right.
     const bool is_empty = password.empty() || IsNull(password);
-    if (is_empty && call.faults > 0) return;
+    if (is_empty && SeemsToBeMissing(scene, call)) return;
     Met();
     if (call.outcome->code == kRight) {
       Violated(fmt::format("a wrong password of '{}' is right", call.arguments->at(0)));
