@@ -1,15 +1,19 @@
 // The command: which seeds, how many at once, and where findings and the report go.
+#include "tools/palsim/explore/explore_command.h"
+
 #include <fmt/format.h>
 #include <sched.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
+#include <span>
+#include <system_error>
 
 #include "tools/palsim/commands.h"
 #include "tools/palsim/explore/explore.h"
-#include "tools/palsim/explore/explore_command.h"
 #include "tools/palsim/jobs.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
@@ -64,6 +68,35 @@ struct Seeds {
   }
 };
 
+// The seed that each job plays, which the parent process sees too: also of a job that crashes.
+class SeedsUnderWay {
+ public:
+  explicit SeedsUnderWay(std::size_t jobs) : bytes_(jobs * sizeof(std::uint64_t)) {
+    void* const shared =
+        mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) throw std::system_error(errno, std::generic_category(), "mmap");
+    seeds_ = {static_cast<std::uint64_t*>(shared), jobs};
+  }
+  ~SeedsUnderWay() { munmap(seeds_.data(), bytes_); }
+  SeedsUnderWay(const SeedsUnderWay&) = delete;
+  SeedsUnderWay& operator=(const SeedsUnderWay&) = delete;
+  std::uint64_t& operator[](std::size_t job) const { return seeds_[job]; }
+
+ private:
+  std::size_t bytes_;
+  std::span<std::uint64_t> seeds_;
+};
+
+// A world that crashes, or does not come to its end, takes its job with it.
+Finding LostWorld(std::uint64_t seed, const std::string& error, const WorldOptions& options) {
+  return {.property = "worlds-end",
+          .seed = seed,
+          .how = error,
+          .command = CommandOf(seed, options),
+          .scenario = {},
+          .lines = {}};
+}
+
 // Threads of a device take turns: on one processor they do so without waking another one.
 void StayOnOneProcessor(std::size_t job) {
   cpu_set_t allowed;
@@ -81,6 +114,7 @@ void StayOnOneProcessor(std::size_t job) {
 
 void Write(const fs::path& folder, const Report& report) {
   for (const Finding& finding : report.findings) {
+    if (finding.scenario.empty()) continue;
     tools::WriteOutput(folder / fmt::format("{}-{}.scenario", finding.property, finding.seed),
                        finding.scenario);
   }
@@ -109,23 +143,28 @@ int Explore(const ExploreOptions& options) {
   static_cast<void>(MakeWorld(range.first, options.world));  // a device that cannot be read
 
   Report report;
+  const SeedsUnderWay under_way(jobs);
   constexpr unsigned kAWeek = 7 * 24 * 60 * 60;
-  RunJobs({.count = jobs, .at_once = jobs, .most_seconds = kAWeek},
-          [&](std::size_t job) {
-            StayOnOneProcessor(job + static_cast<std::size_t>(getppid()));
-            Seeds seeds{.next = range.first + shard.number - 1 + job * shard.count,
-                        .last = last,
-                        .step = step,
-                        .end = end};
-            return ReportJson(ExploreSeeds(
-                options.world, [&](std::uint64_t& seed) { return seeds.Take(seed); }));
-          },
-          [&](std::size_t job, const JobEnd& ended) {
-            if (!ended.error.empty()) {
-              throw std::runtime_error(fmt::format("job {}: {}", job + 1, ended.error));
-            }
-            report.Add(ParseReport("a job's answer", ended.answer));
-          });
+  constexpr unsigned kMostSecondsOfASeed = 300;
+  RunJobs(
+      {.count = jobs, .at_once = jobs, .most_seconds = kAWeek},
+      [&](std::size_t job) {
+        StayOnOneProcessor(job + static_cast<std::size_t>(getppid()));
+        Seeds seeds{.next = range.first + shard.number - 1 + job * shard.count,
+                    .last = last,
+                    .step = step,
+                    .end = end};
+        return ReportJson(ExploreSeeds(options.world, [&](std::uint64_t& seed) {
+          const bool goes_on = seeds.Take(seed);
+          if (goes_on) under_way[job] = seed;
+          alarm(goes_on ? kMostSecondsOfASeed : 0);
+          return goes_on;
+        }));
+      },
+      [&](std::size_t job, const JobEnd& ended) {
+        if (ended.error.empty()) return report.Add(ParseReport("a job's answer", ended.answer));
+        report.Add(LostWorld(under_way[job], ended.error, options.world));
+      });
   return Show(report, options.out);
 }
 

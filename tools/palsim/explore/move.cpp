@@ -15,7 +15,8 @@ std::string WordText(std::string_view word) {
 
 std::string Move::Text() const {
   if (kind == Kind::kStatement) return text;
-  std::string line = fmt::format("{} {} {}", process, kind == Kind::kCall ? "calls" : "begins", text);
+  std::string line =
+      fmt::format("{} {} {}", process, kind == Kind::kCall ? "calls" : "begins", text);
   for (const std::string& argument : arguments) line += ' ' + WordText(argument);
   return kind == Kind::kCall ? line : line + " as " + as;
 }

@@ -14,10 +14,10 @@ struct Move {
   enum class Kind : std::uint8_t { kCall, kBegin, kStatement };
 
   Kind kind = Kind::kStatement;
-  std::string process;   // of a call, or of a statement about a process; empty: the device
-  std::string text;      // the export's name; or the whole statement
+  std::string process;  // of a call, or of a statement about a process; empty: the device
+  std::string text;     // the export's name; or the whole statement
   std::vector<std::string> arguments{};
-  std::string as{};      // of a call that is begun
+  std::string as{};  // of a call that is begun
 
   // As it stands in a scenario.
   [[nodiscard]] std::string Text() const;

@@ -98,7 +98,7 @@ class Player {
   }
 
   void ForgetEndedCalls() {
-    if (running_.empty()) return;
+    if (!stage_.RunsAnyCall()) return;
     stage_.TakeEndedCalls();
     std::erase_if(running_, [&](const auto& call) { return !stage_.Runs(call.first); });
   }
@@ -121,16 +121,25 @@ class Player {
     const bool starts = move.text.ends_with(" starts");
     const bool ends = move.text.ends_with(" ends") || move.text.ends_with(" killed");
     if (starts) {
-      return std::ranges::none_of(running_, [](const auto& call) {
-        return call.second.turn == Turn::kDevice;
-      });
+      return std::ranges::none_of(
+          running_, [](const auto& call) { return call.second.turn == Turn::kDevice; });
     }
     if (!ends) return true;
     const bool kills = move.text.ends_with(" killed");
     return stage_.Lives(move.process) && (kills || !stage_.RunsCallOf(move.process));
   }
 
+  // A program of one's own makes one run after the other.
+  bool PrepareProgram(const Move& move) {
+    if (!stage_.Lives(move.process)) {
+      start_ = {.process = move.process, .text = move.process + " starts"};
+      PlayStatement(start_);
+    }
+    return stage_.Lives(move.process) && !stage_.RunsCallOf(move.process);
+  }
+
   void PlayStatement(const Move& move) {
+    if (move.text.starts_with("program runs ") && !PrepareProgram(move)) return;
     if (!move.process.empty() && !MayPlay(move)) return;
     try {
       Scenario scenario = ParseScenario("a move", move.text);

@@ -27,8 +27,8 @@ void Report::Add(const Played& played) {
 }
 
 void Report::Add(Finding finding) {
-  const bool is_there = std::ranges::any_of(
-      findings, [&](const Finding& known) { return IsSame(known, finding); });
+  const bool is_there =
+      std::ranges::any_of(findings, [&](const Finding& known) { return IsSame(known, finding); });
   if (!is_there) findings.push_back(std::move(finding));
 }
 

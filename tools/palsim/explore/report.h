@@ -19,8 +19,8 @@ struct Report {
   std::uint64_t faults = 0;
   std::uint64_t kills = 0;
   std::uint64_t restarts = 0;
-  std::uint64_t time_ms = 0;  // of the devices
-  double seconds = 0;         // of processors
+  std::uint64_t time_ms = 0;                 // of the devices
+  double seconds = 0;                        // of processors
   std::map<std::string, std::uint64_t> met;  // by property
   std::vector<Finding> findings;             // one for each property and what it says
 

@@ -14,8 +14,10 @@ struct TextRow {
   std::string Finding::*text;
 };
 constexpr TextRow kTexts[] = {
-    {"property", &Finding::property}, {"how", &Finding::how},
-    {"command", &Finding::command},   {"scenario", &Finding::scenario},
+    {"property", &Finding::property},
+    {"how", &Finding::how},
+    {"command", &Finding::command},
+    {"scenario", &Finding::scenario},
 };
 
 Json ToJson(const Finding& finding) {

@@ -23,6 +23,8 @@ class Scene {
   [[nodiscard]] bool faults_are_planned() const;
   // The calls under way.
   [[nodiscard]] unsigned running() const { return running_; }
+  // The programs of one's own that run.
+  [[nodiscard]] unsigned programs() const { return programs_; }
   // As the library reads a number: of any type, with the bytes that are missing as 0.
   [[nodiscard]] std::optional<std::uint32_t> Dword(std::string_view key, std::string_view name);
   // What the call that is looked at does on a device where nothing fails.
@@ -33,6 +35,7 @@ class Scene {
   sim::Device& device_;
   UntouchedRun untouched_;
   unsigned running_ = 0;
+  unsigned programs_ = 0;
   std::uint64_t changes_from_outside_ = 0;
 };
 

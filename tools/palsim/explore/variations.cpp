@@ -29,7 +29,8 @@ std::string Bytes(Choices& choices) {
 
 std::string Text(Choices& choices) {
   constexpr std::size_t kLetters = 26;
-  return '"' + std::string(choices.Of(kSizes), static_cast<char>('a' + choices.Below(kLetters))) + '"';
+  return '"' + std::string(choices.Of(kSizes), static_cast<char>('a' + choices.Below(kLetters))) +
+         '"';
 }
 
 struct Place {
@@ -39,8 +40,8 @@ struct Place {
 
 void Collect(const sim::RegistryKey& key, std::vector<Place>& places) {
   for (const sim::RegistryValue& value : key.values()) {
-    places.push_back({sim::ToUtf8(key.Path()) + '\\' + sim::ToUtf8(value.name),
-                      value.type == REG_DWORD});
+    places.push_back(
+        {sim::ToUtf8(key.Path()) + '\\' + sim::ToUtf8(value.name), value.type == REG_DWORD});
   }
   for (const auto& below : key.keys()) Collect(*below, places);
 }
@@ -63,9 +64,8 @@ std::string ChooseDriver(Choices& choices, sim::Device& device) {
 
 std::string ChooseFile(Choices& choices) {
   constexpr std::array kFiles{
-      R"(\ConfigStore\dcecfg)",          R"(\ConfigStore\datacoll)",
-      R"(\ConfigStore\BMN0)",            R"(\ConfigStore\DCEDPM)",
-      R"(\Windows\Sounds\goodread.wav)", R"(\Windows\orqautoreg.exe)",
+      R"(\ConfigStore\dcecfg)", R"(\ConfigStore\datacoll)",        R"(\ConfigStore\BMN0)",
+      R"(\ConfigStore\DCEDPM)", R"(\Windows\Sounds\goodread.wav)", R"(\Windows\orqautoreg.exe)",
       R"(\Windows\ril.dll)"};
   const char* const file = choices.Of(kFiles);
   if (choices.OneIn(2)) return fmt::format("remove {}", file);
@@ -127,20 +127,34 @@ struct CallErrors {
   std::array<std::uint32_t, 3> errors;
 };
 constexpr auto kFaults = std::to_array<CallErrors>({
-    {"RegOpenKeyExW", {2, 5, 14}},         {"RegCreateKeyExW", {5, 14, 31}},
-    {"RegQueryValueExW", {2, 5, 234}},     {"RegSetValueExW", {5, 14, 112}},
-    {"RegDeleteValueW", {2, 5, 31}},       {"RegDeleteKeyW", {2, 5, 31}},
-    {"RegEnumKeyExW", {5, 234, 259}},      {"RegEnumValueW", {5, 234, 259}},
-    {"CreateFileW", {2, 5, 32}},           {"ReadFile", {5, 38, 31}},
-    {"WriteFile", {5, 112, 31}},           {"DeviceIoControl", {1, 50, 87}},
-    {"KernelIoControl", {50, 87, 31}},     {"CreateMutexW", {6, 14, 31}},
-    {"CreateEventW", {6, 14, 31}},         {"EventModify", {6, 31, 5}},
-    {"WaitForSingleObject", {6, 258, 31}}, {"CreateThread", {8, 14, 31}},
-    {"CreateProcessW", {2, 8, 31}},        {"LoadLibraryW", {8, 126, 31}},
-    {"GetProcAddressW", {127, 31, 14}},    {"malloc", {14, 14, 14}},
-    {"SystemParametersInfoW", {50, 87, 31}}, {"CryptAcquireContextW", {5, 0x80090016, 31}},
-    {"PlaySoundW", {31, 14, 5}},           {"waveOutSetVolume", {31, 5, 6}},
-    {"waveInMessage", {31, 5, 6}},         {"NLedSetDevice", {31, 5, 87}},
+    {"RegOpenKeyExW", {2, 5, 14}},
+    {"RegCreateKeyExW", {5, 14, 31}},
+    {"RegQueryValueExW", {2, 5, 234}},
+    {"RegSetValueExW", {5, 14, 112}},
+    {"RegDeleteValueW", {2, 5, 31}},
+    {"RegDeleteKeyW", {2, 5, 31}},
+    {"RegEnumKeyExW", {5, 234, 259}},
+    {"RegEnumValueW", {5, 234, 259}},
+    {"CreateFileW", {2, 5, 32}},
+    {"ReadFile", {5, 38, 31}},
+    {"WriteFile", {5, 112, 31}},
+    {"DeviceIoControl", {1, 50, 87}},
+    {"KernelIoControl", {50, 87, 31}},
+    {"CreateMutexW", {6, 14, 31}},
+    {"CreateEventW", {6, 14, 31}},
+    {"EventModify", {6, 31, 5}},
+    {"WaitForSingleObject", {6, 258, 31}},
+    {"CreateThread", {8, 14, 31}},
+    {"CreateProcessW", {2, 8, 31}},
+    {"LoadLibraryW", {8, 126, 31}},
+    {"GetProcAddressW", {127, 31, 14}},
+    {"malloc", {14, 14, 14}},
+    {"SystemParametersInfoW", {50, 87, 31}},
+    {"CryptAcquireContextW", {5, 0x80090016, 31}},
+    {"PlaySoundW", {31, 14, 5}},
+    {"waveOutSetVolume", {31, 5, 6}},
+    {"waveInMessage", {31, 5, 6}},
+    {"NLedSetDevice", {31, 5, 87}},
 });
 
 }  // namespace
@@ -213,7 +227,8 @@ std::string ChooseFault(Choices& choices) {
   if ((fault.call == "ReadFile" || fault.call == "WriteFile") && choices.OneIn(3)) {
     return fmt::format("call 1 of {} moves {} bytes", fault.call, choices.Below(4));
   }
-  const std::string which = choices.OneIn(4) ? "every call" : fmt::format("call {}", 1 + choices.Below(8));
+  const std::string which =
+      choices.OneIn(4) ? "every call" : fmt::format("call {}", 1 + choices.Below(8));
   return fmt::format("fail {} of {} with error {}", which, fault.call, choices.Of(fault.errors));
 }
 

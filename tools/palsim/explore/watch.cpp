@@ -53,8 +53,7 @@ std::optional<std::uint32_t> Scene::Dword(std::string_view key, std::string_view
   return number;
 }
 
-Watch::Watch(sim::Device& device, std::span<const PropertyRow> rows)
-    : scene_(device), rows_(rows) {
+Watch::Watch(sim::Device& device, std::span<const PropertyRow> rows) : scene_(device), rows_(rows) {
   for (const PropertyRow& row : rows) properties_.push_back(row.make());
   DeviceChanged();
 }
@@ -81,7 +80,7 @@ Watch::Place Watch::CallBegins(const sim::Process& process, std::size_t export_i
                    .begin_ms = scene_.device().now_ms(),
                    .writes_at_begin = scene_.writes(),
                    .due_at_begin = scene_.faults_due(),
-                   .alone = calls_under_way_.empty()};
+                   .alone = calls_under_way_.empty() && scene_.programs_ == 0};
   for (WatchedCall& other : calls_under_way_) {
     other.alone = false;
     if (other.process != &process) continue;
@@ -105,6 +104,16 @@ void Watch::CallEnds(Place place, const CallOutcome* outcome) {
   calls_under_way_.erase(place);
   scene_.running_ = static_cast<unsigned>(calls_under_way_.size());
   if (changes) DeviceChanged();
+}
+
+void Watch::ProgramBegins() {
+  ++scene_.programs_;
+  DeviceChanged();
+}
+
+void Watch::ProgramEnds() {
+  --scene_.programs_;
+  DeviceChanged();
 }
 
 void Watch::Disturb() {

@@ -31,6 +31,9 @@ class Watch {
                    const std::vector<std::string>& arguments);
   // `outcome`: nullptr where its process ended in it.
   void CallEnds(Place place, const CallOutcome* outcome);
+  // A program of one's own, whose calls are not watched one by one.
+  void ProgramBegins();
+  void ProgramEnds();
   // Something else happens on the device: the calls under way are no longer alone.
   void Disturb();
   // The same, and it has changed the device.

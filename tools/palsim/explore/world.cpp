@@ -28,8 +28,8 @@ const Sample& SampleOf(const std::string& device) {
   const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
   auto made = std::make_unique<Sample>();
   made->device.journal().set_keeps_entries(false);
-  const auto identity =
-      sim::LoadDevice(made->device, is_folder ? std::filesystem::path(device) : SampleFolder(device));
+  const auto identity = sim::LoadDevice(
+      made->device, is_folder ? std::filesystem::path(device) : SampleFolder(device));
   made->name = identity.name;
   if (is_folder) made->folder = device;
   sample = std::move(made);
@@ -65,6 +65,7 @@ class Maker {
     }
     if (turns_change_) Say(fmt::format("turns change by {}", choices_.Below(1 << 30)));
     for (unsigned step = 0; step < options_.steps; ++step) Step();
+    if (!options_.program.empty()) Say("program ends", "program");
     for (const std::string& process : processes_) {
       // A program that leaves the scan driver open makes a mistake of its own.
       moves_.push_back({.kind = Move::Kind::kCall, .process = process, .text = "PALSysio_Close"});
@@ -89,7 +90,8 @@ class Maker {
     variations_ = choices_.OneIn(3) ? 0 : choices_.Below(kMostVariations + 1);
     begins_once_in_ = choices_.OneIn(3) ? 3 : 20;
     turns_change_ = choices_.OneIn(2);
-    const std::size_t count = 1 + choices_.Below(std::min<std::size_t>(options_.processes, kProcessNames.size()));
+    const std::size_t count =
+        1 + choices_.Below(std::min<std::size_t>(options_.processes, kProcessNames.size()));
     for (std::size_t at = 0; at < count; ++at) processes_.emplace_back(kProcessNames.at(at));
     ChooseExports();
   }
@@ -113,6 +115,7 @@ class Maker {
     if (faults_left_ > 0 && --faults_left_ == 0) Say("no more faults");
     if (IsFaultDue()) return ChooseTrouble();
     if (choices_.OneIn(kHappensOnceIn)) return Say(ChooseHappening(choices_, Device()));
+    if (!options_.program.empty() && choices_.OneIn(6)) return RunProgram();
     if (choices_.OneIn(150)) return EndProcess("ends");
     Call();
   }
@@ -137,6 +140,11 @@ class Maker {
       moves_.push_back({.kind = Move::Kind::kCall, .process = process, .text = "PALSysio_Close"});
     }
     Say(fmt::format("{} {}", process, how), process);
+  }
+
+  void RunProgram() {
+    if (choices_.OneIn(8)) return Say("program ends", "program");
+    Say(fmt::format("program runs {} as run{}", WordText(options_.program), ++begun_), "program");
   }
 
   void Call() {
@@ -164,8 +172,8 @@ class Maker {
     const Declaration* declaration = FindDeclaration(getter);
     if (declaration == nullptr) return;
     std::vector<std::string> arguments = ChooseArguments(choices_, *declaration);
-    const bool is_same =
-        declaration->parameters.front().name == FindDeclaration(setter.text)->parameters.front().name;
+    const bool is_same = declaration->parameters.front().name ==
+                         FindDeclaration(setter.text)->parameters.front().name;
     const bool is_in = declaration->parameters.front().direction == "in";
     if (is_same && is_in) arguments.front() = setter.arguments.front();
     moves_.push_back({.kind = Move::Kind::kCall,
@@ -175,7 +183,8 @@ class Maker {
   }
 
   void Say(std::string text, std::string process = {}) {
-    moves_.push_back({.kind = Move::Kind::kStatement, .process = std::move(process), .text = std::move(text)});
+    moves_.push_back(
+        {.kind = Move::Kind::kStatement, .process = std::move(process), .text = std::move(text)});
   }
 
   Choices choices_;

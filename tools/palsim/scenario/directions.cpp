@@ -69,6 +69,10 @@ void PlayCalls(Stage& stage, const Filled& filled) {
   stage.Call(filled.Text("PROCESS"), filled.Text("EXPORT"), Arguments(filled));
 }
 
+void PlayRuns(Stage& stage, const Filled& filled) {
+  stage.RunProgram(filled.Text("PROCESS"), filled.Text("FILE"), filled.Text("CALL"));
+}
+
 void PlayBegins(Stage& stage, const Filled& filled) {
   stage.Begin(filled.Text("PROCESS"), filled.Text("EXPORT"), Arguments(filled),
               filled.Text(filled.Has("CALL") ? "CALL" : "PROCESS"));

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
@@ -19,6 +20,20 @@ bool Is(const sim::Process& process, std::string_view name) {
   return file.size() == name.size() + kExtension.size() && file.starts_with(name) &&
          file.ends_with(kExtension);
 }
+
+// The end of a program's run, also where its process is killed in it.
+class ProgramEnd {
+ public:
+  explicit ProgramEnd(Watch* watch) : watch_(watch) {}
+  ~ProgramEnd() {
+    if (watch_ != nullptr) watch_->ProgramEnds();
+  }
+  ProgramEnd(const ProgramEnd&) = delete;
+  ProgramEnd& operator=(const ProgramEnd&) = delete;
+
+ private:
+  Watch* watch_;
+};
 
 }  // namespace
 
@@ -70,8 +85,8 @@ void Stage::SayWhatIsViolated() {
 }
 
 bool Stage::Lives(const std::string& process) const {
-  return std::ranges::any_of(
-      processes_, [&](const auto& each) { return Is(*each, process) && each->alive(); });
+  return std::ranges::any_of(processes_,
+                             [&](const auto& each) { return Is(*each, process) && each->alive(); });
 }
 
 bool Stage::RunsCallOf(const std::string& process) const {
@@ -121,7 +136,9 @@ void Stage::End(sim::Process& process) {
 void Stage::StartProcess(const std::string& name) {
   if (Lives(name)) throw UsageError(name + " has started already");
   for (const auto& process : processes_) {
-    if (!process->alive()) End(*process);  // lets go of its copy of the library
+    if (process->alive()) continue;
+    End(*process);  // lets go of its copy of the library
+    programs_.erase(process->id());
   }
   if (watch_ != nullptr) watch_->Disturb();
   const unsigned calls_before = device_.calls("RegSetValueExW");
@@ -197,13 +214,30 @@ CallOutcome Stage::MakeCall(sim::Process& caller, const std::string& name,
 void Stage::Begin(const std::string& process, const std::string& name,
                   const std::vector<std::string>& arguments, const std::string& as) {
   sim::Process& caller = this->process(process);
+  BeginThread(caller, process, as,
+              [this, &caller, name, arguments] { return MakeCall(caller, name, arguments); });
+}
+
+void Stage::RunProgram(const std::string& process, const std::string& file, const std::string& as) {
+  sim::Process& caller = this->process(process);
+  std::function<void()>& run = programs_[caller.id()];
+  if (!run) run = LoadProgram(file);
+  BeginThread(caller, process, as, [this, run] {
+    if (watch_ != nullptr) watch_->ProgramBegins();
+    const ProgramEnd end(watch_.get());
+    run();
+    return CallOutcome();
+  });
+}
+
+void Stage::BeginThread(sim::Process& process, const std::string& name, const std::string& as,
+                        std::function<CallOutcome()> body) {
   if (running_.contains(as)) throw UsageError(as + " still runs; 'wait for' it before");
   wait_from = journal().size();
   outcomes_.erase(as);
   auto outcome = std::make_shared<std::optional<CallOutcome>>();
-  sim::Thread thread = caller.Start(
-      [this, &caller, name, arguments, outcome] { *outcome = MakeCall(caller, name, arguments); });
-  running_.emplace(as, RunningCall{std::move(thread), outcome, process});
+  sim::Thread thread = process.Start([outcome, body = std::move(body)] { *outcome = body(); });
+  running_.emplace(as, RunningCall{std::move(thread), outcome, name});
   if (!turns_change_) device_.Advance(0);
 }
 

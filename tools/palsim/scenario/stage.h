@@ -31,7 +31,8 @@ class Stage {
   [[nodiscard]] std::size_t expectations() const { return expectations_; }
   [[nodiscard]] std::size_t failures() const { return failures_; }
 
-  // The same step by step. Calls leave no lines in the journal and no texts where nobody reads them.
+  // The same step by step. Calls leave no lines in the journal and no texts where nobody reads
+  // them.
   void set_plain(bool plain) { plain_ = plain; }
   void PlayStatement(const Statement& statement);
   void Finish();
@@ -66,6 +67,8 @@ class Stage {
   // waits; where turns change, when it gets its turn.
   void Begin(const std::string& process, const std::string& name,
              const std::vector<std::string>& arguments, const std::string& as);
+  // Runs a program of one's own (tools/palsim/program/palsim_program.h) as if it were a call.
+  void RunProgram(const std::string& process, const std::string& file, const std::string& as);
   void AwaitCall(const std::string& as);
   void ChangeTurns(std::uint32_t seed);
   void Restart(sim::RestartKind kind);
@@ -99,6 +102,8 @@ class Stage {
                        const std::vector<std::string>& arguments);
   void SayWhatIsViolated();
   static void End(sim::Process& process);
+  void BeginThread(sim::Process& process, const std::string& name, const std::string& as,
+                   std::function<CallOutcome()> body);
 
   sim::Device& device_;
   OnFailure on_failure_;
@@ -109,7 +114,8 @@ class Stage {
   std::size_t failures_ = 0;
   std::unique_ptr<Watch> watch_;
   bool said_violation_ = false;
-  std::vector<std::unique_ptr<sim::Process>> processes_;  // in the order of their start
+  std::vector<std::unique_ptr<sim::Process>> processes_;     // in the order of their start
+  std::map<std::uint32_t, std::function<void()>> programs_;  // by process
   std::map<std::string, RunningCall> running_;
   std::map<std::string, std::optional<CallOutcome>> outcomes_;
   bool plain_ = false;

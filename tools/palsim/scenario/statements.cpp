@@ -13,6 +13,8 @@ const std::vector<StatementForm>& StatementForms() {
       {"PROCESS ends", "it detaches and ends", &PlayEnds},
       {"PROCESS is killed", "it ends where it is, without detaching", &PlayKilled},
       {"PROCESS calls EXPORT ARGUMENTS...", "a call that runs to its end", &PlayCalls},
+      {"PROCESS runs FILE as CALL",
+       "a program of one's own, a shared library with PalProgramMain (docs/explore.md)", &PlayRuns},
       {"PROCESS begins EXPORT ARGUMENTS... as CALL",
        "a call in a thread of its own, under a name of its own", &PlayBegins},
       {"PROCESS begins EXPORT ARGUMENTS...", "a call in a thread of its own", &PlayBegins},

@@ -11,6 +11,7 @@ void PlayStarts(Stage& stage, const Filled& filled);
 void PlayEnds(Stage& stage, const Filled& filled);
 void PlayKilled(Stage& stage, const Filled& filled);
 void PlayCalls(Stage& stage, const Filled& filled);
+void PlayRuns(Stage& stage, const Filled& filled);
 void PlayBegins(Stage& stage, const Filled& filled);
 void PlayWait(Stage& stage, const Filled& filled);
 void PlayWaitFor(Stage& stage, const Filled& filled);

@@ -13,7 +13,7 @@ namespace {
 // What these open or close, the process holds on purpose. A keep-awake thread has handles of its
 // own.
 constexpr std::array<std::string_view, 9> kHolders{
-    "PALBEEPInit", "PALBEEPTerm", "PALLEDInit",        "PALLEDTerm",     "PALPWRInit",
+    "PALBEEPInit", "PALBEEPTerm",   "PALLEDInit",     "PALLEDTerm",       "PALPWRInit",
     "PALPWRTerm",  "PALSysio_Open", "PALSysio_Close", "PALPWRSuspendCtrl"};
 
 class LeavesNothing : public Property {
@@ -41,8 +41,8 @@ class LeavesNothing : public Property {
     }
     const unsigned heap_blocks = call.process->heap_blocks();
     if (heap_blocks > before_.heap_blocks) {
-      Violated(fmt::format("{} leaves {} heap blocks", call.name,
-                           heap_blocks - before_.heap_blocks));
+      Violated(
+          fmt::format("{} leaves {} heap blocks", call.name, heap_blocks - before_.heap_blocks));
     }
   }
 

@@ -67,9 +67,10 @@ Answer UsbDisks(Scene& scene, std::uint32_t enable) {
   if (enable == 0) return 0;
   const auto key = scene.registry().Find(R"(HKLM\Drivers\USB\ClientDrivers\Mass_Storage_Class)");
   if (key == nullptr) return std::nullopt;
-  return std::ranges::any_of(key->keys(), [](const auto& driver) {
-    return driver->FindValue(u"Dll") != nullptr;
-  }) ? 1U : 0U;
+  return std::ranges::any_of(
+             key->keys(), [](const auto& driver) { return driver->FindValue(u"Dll") != nullptr; })
+             ? 1U
+             : 0U;
 }
 
 Answer ImageCapture(Scene& scene, std::uint32_t enable) {
@@ -118,8 +119,7 @@ constexpr auto kPairs = std::to_array<Pair>({
     {"bright light", "PALDISPSetBrightLightDisplayBrightnessDelta", 0,
      "PALDISPGetBrightLightDisplayBrightnessDelta"},
     {"keypad light", "PALDISPSetKeypadBacklightMode", 0, "PALDISPGetKeypadBacklightMode"},
-    {"keypad threshold", "PALDISPSetKeypadBacklightAmbient", 0,
-     "PALDISPGetKeypadBacklightAmbient"},
+    {"keypad threshold", "PALDISPSetKeypadBacklightAmbient", 0, "PALDISPGetKeypadBacklightAmbient"},
     {"orientation", "PALDISPSetOrientation", 0, "PALDISPGetOrientation"},
     {"input panel", "PALDISPSetSIPDock", 0, "PALDISPGetSIPDock"},
     {"tap", "PALDISPSetScreenTapVol", 0, "PALDISPGetScreenTapVol"},
@@ -169,8 +169,7 @@ class Settings : public Property {
   void Store(Scene& scene, const Pair& pair, const WatchedCall& call) {
     const Slot slot = SlotOf(pair, call);
     const bool is_stored = call.undisturbed() && call.returned() && call.outcome->code == 0;
-    const Answer answer =
-        is_stored ? pair.answer(scene, call.Number(pair.value)) : std::nullopt;
+    const Answer answer = is_stored ? pair.answer(scene, call.Number(pair.value)) : std::nullopt;
     stored_.erase(slot);
     if (answer) stored_.emplace(slot, *answer);
   }

@@ -13,9 +13,8 @@ namespace {
 
 // Another living process may hold what these need: the scan driver, an event that is set, or the
 // level of a sound.
-constexpr std::array<std::string_view, 4> kShareWithOthers{"PALSysio_", "PALLEDGrLedToggle",
-                                                           "PALBEEPStopTagSearch",
-                                                           "PALBOOT_BootTerminal"};
+constexpr std::array<std::string_view, 4> kShareWithOthers{
+    "PALSysio_", "PALLEDGrLedToggle", "PALBEEPStopTagSearch", "PALBOOT_BootTerminal"};
 
 class NextWorks : public Property {
   void CallEnds(Scene& scene, const WatchedCall& call) override {
@@ -30,8 +29,8 @@ class NextWorks : public Property {
     next_id_ = 0;
     scene.untouched().set_wants_every_call(false);
     const auto begins = [&](std::string_view name) { return call.name.starts_with(name); };
-    const bool is_compared = call.undisturbed() && call.returned() &&
-                             scene.faults_due() == due_ && scene.untouched().Has(call) &&
+    const bool is_compared = call.undisturbed() && call.returned() && scene.faults_due() == due_ &&
+                             scene.untouched().Has(call) &&
                              std::ranges::none_of(kShareWithOthers, begins);
     if (!is_compared) return;
     Met();
@@ -49,7 +48,7 @@ class NextWorks : public Property {
   }
 
   std::uint32_t next_id_ = 0;  // the first one that a later process can have; 0: none was killed
-  unsigned due_ = 0;  // the faults until then
+  unsigned due_ = 0;           // the faults until then
 };
 
 }  // namespace

@@ -57,6 +57,8 @@ constexpr std::array kProperties{
     PropertyRow{"next-process-works",
                 "After a process was killed the next one does the same as if there had been none.",
                 &NextProcessWorks},
+    PropertyRow{"programs-hold", "What a program of one's own takes for granted holds.",
+                &ProgramsHold},
 };
 
 }  // namespace

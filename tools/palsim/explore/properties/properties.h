@@ -27,6 +27,7 @@ std::unique_ptr<Property> UnsupportedButtonsStay();
 std::unique_ptr<Property> NothingElseIsStored();
 std::unique_ptr<Property> ValuesAreOldOrNew();
 std::unique_ptr<Property> NextProcessWorks();
+std::unique_ptr<Property> ProgramsHold();
 
 }  // namespace palsim
 

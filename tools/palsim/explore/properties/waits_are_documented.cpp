@@ -52,8 +52,8 @@ class Documented : public Property {
     }
     if (took_ms > 0) Met();
     if (took_ms <= most_ms) return;
-    Violated(fmt::format("{} takes {} ms, and waits for {} ms at most", call.name, took_ms,
-                         most_ms));
+    Violated(
+        fmt::format("{} takes {} ms, and waits for {} ms at most", call.name, took_ms, most_ms));
   }
 
   // The longest time that is set now.
