@@ -48,7 +48,7 @@ MUTATIONS = [
      'static_cast<void>(&MayBeSaved);'),
     ('button', 'a button without a layout counts as supported', 'keypad/layout.cpp',
      'if (Failed(reading.opened)) return false;', 'if (Failed(reading.opened)) return true;'),
-    ('command', 'the character behind a program is overwritten', 'security/cab_protection.cpp',
+    ('command', 'the character behind a program is overwritten', 'security/cab_file_protection.cpp',
      'std::copy(program.begin(), program.end(), stored.begin());',
      '''std::copy(program.begin(), program.end(), stored.begin());
   if (stored.size() > kProgramLength) stored[kProgramLength] = WCHAR{};'''),
@@ -69,7 +69,7 @@ def copy_sources(project, build):
     run(['cmake', '--preset', 'release'], folder)
     tools = os.path.join(folder, 'tools.bin')
     os.makedirs(tools)
-    for name in ('palsim', 'libsimdevice.so'):
+    for name in ('palsim', 'libsimdevice.so', 'libpal_program.so'):
         shutil.copy2(os.path.join(build, 'bin', name), tools)
     return folder, tools
 

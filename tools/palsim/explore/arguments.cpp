@@ -44,7 +44,7 @@ constexpr auto kRegistryFiles = std::to_array<std::string_view>(
     {"RM21.reg", "all.reg", "RM11.reg", "rm18.reg", "P7.reg", "missing.reg"});
 constexpr auto kMembers = std::to_array<std::string_view>({"Installer", "Nobody"});
 constexpr auto kPasswords =
-    std::to_array<std::string_view>({"rugged21", "Rugged21", "rugged2", "rugged211", "x"});
+    std::to_array<std::string_view>({"rugged21", "Rugged21", "rugged2", "rugged211", "", "x"});
 constexpr auto kPorts = std::to_array<std::string_view>({"COM1:", "COM9:"});
 
 struct NamedTexts {

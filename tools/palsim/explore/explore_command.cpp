@@ -15,6 +15,7 @@
 #include "tools/palsim/commands.h"
 #include "tools/palsim/explore/explore.h"
 #include "tools/palsim/jobs.h"
+#include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 
@@ -140,7 +141,9 @@ int Explore(const ExploreOptions& options) {
   std::optional<Clock::time_point> end;
   if (!options.time.empty()) end = Clock::now() + ParseDuration(options.time);
   const std::uint64_t last = end && options.seeds == kDefaultSeeds ? UINT64_MAX - step : range.last;
-  static_cast<void>(MakeWorld(range.first, options.world));  // a device that cannot be read
+  // What cannot be read is said at once.
+  static_cast<void>(MakeWorld(range.first, options.world));
+  if (!options.world.program.empty()) static_cast<void>(LoadProgram(options.world.program));
 
   Report report;
   const SeedsUnderWay under_way(jobs);

@@ -82,6 +82,22 @@ std::string ChooseModel(Choices& choices) {
   return fmt::format("parameter 0x00D5 = \"{}\"", choices.Of(kModels));
 }
 
+// A keypad with another layout, or with none.
+std::string ChooseLayout(Choices& choices) {
+  constexpr std::array kLayouts{"Hardware\\Devicemap\\Keybd\\Layout\\Gone",
+                                "Software\\Dravonel\\RFIDServer\\Keybd", ""};
+  return fmt::format(R"(set HKLM\Hardware\Devicemap\Keybd\CurrentActiveLayoutKey = "{}")",
+                     choices.Of(kLayouts));
+}
+
+// How long a flash is: longer than others wait, too.
+std::string ChooseFlash(Choices& choices) {
+  constexpr std::array kScanTypes{"Int", "Teth", "BT", "RFID"};
+  constexpr auto kTimes = std::to_array<unsigned>({0, 250, 1999, 2001, 5000});
+  return fmt::format(R"(set HKLM\SOFTWARE\Dravonel\PAL\{}GrLedOnDur = {})", choices.Of(kScanTypes),
+                     choices.Of(kTimes));
+}
+
 std::string ChooseRegistryFile(Choices& choices) {
   constexpr std::array kFiles{"RM21.reg", "all.reg", "RM11.reg", "rm18.reg"};
   return fmt::format(R"(write \Store\{} = "REGEDIT4 ; {}")", choices.Of(kFiles), choices.Below(9));
@@ -179,7 +195,7 @@ std::string ChooseRegistryChange(Choices& choices, sim::Device& device) {
 }
 
 std::string ChooseVariation(Choices& choices, sim::Device& device) {
-  switch (choices.Below(8)) {
+  switch (choices.Below(10)) {
     case 0:
       return ChooseParameter(choices, device);
     case 1:
@@ -188,6 +204,10 @@ std::string ChooseVariation(Choices& choices, sim::Device& device) {
       return choices.OneIn(2) ? ChooseDriver(choices, device) : ChooseLibrary(choices);
     case 3:
       return choices.OneIn(2) ? ChooseModel(choices) : ChooseRegistryFile(choices);
+    case 4:
+      return ChooseLayout(choices);
+    case 5:
+      return ChooseFlash(choices);
     default:
       return ChooseRegistryChange(choices, device);
   }
@@ -210,7 +230,7 @@ std::string ChooseHappening(Choices& choices, sim::Device& device) {
     case 7:
       return choices.OneIn(4) ? ChooseRestart(choices) : ChooseTime(choices);
     case 8:
-      return ChooseRegistryFile(choices);
+      return choices.OneIn(2) ? ChooseRegistryFile(choices) : ChooseFlash(choices);
     case 9:
       return ChooseRegistryChange(choices, device);
     default:

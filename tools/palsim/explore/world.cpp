@@ -46,10 +46,27 @@ struct Seldom {
 };
 constexpr auto kSeldom = std::to_array<Seldom>({
     {"PALBOOT_BootTerminal", 20},
-    {"PALREG_LoadRegistry", 4},
     {"PALPWRSuspendCtrl", 6},
     {"PALMFGOpt_ConfigStoreRegUpdate", 4},
 });
+
+// These are chosen so many times as often: most is at stake with them.
+struct Often {
+  std::string_view name;
+  std::size_t times;
+};
+constexpr auto kOften = std::to_array<Often>({
+    {"PALSecurity_CheckPx", 6},
+    {"PALSecurity_SetCabFilePasswordProtect", 2},
+    {"PALKEYSetButtonAction", 6},
+    {"PALREG_LoadRegistry", 6},
+});
+
+std::vector<std::string_view> WeightedExports() {
+  std::vector<std::string_view> names = ExportNames();
+  for (const Often& often : kOften) names.insert(names.end(), often.times - 1, often.name);
+  return names;
+}
 
 class Maker {
  public:
@@ -57,7 +74,7 @@ class Maker {
       : choices_(seed), options_(options), sample_(ChooseSample()) {}
 
   World Make() {
-    constexpr std::size_t kMostMovesAStep = 2;
+    constexpr std::size_t kMostMovesAStep = 3;
     moves_.reserve(kMostMovesAStep * options_.steps);
     ChooseCharacter();
     for (std::size_t left = variations_; left > 0; --left) {
@@ -97,14 +114,14 @@ class Maker {
   }
 
   void ChooseExports() {
-    static const std::vector<std::string_view> all = ExportNames();
+    static const std::vector<std::string_view> all = WeightedExports();
     const std::string_view family = FindDeclaration(choices_.Of(all))->family;
     const std::size_t kind = choices_.Below(4);
     for (const std::string_view name : all) {
       const bool is_of_family = FindDeclaration(name)->family == family;
       if (kind < 2 || (kind == 2 && is_of_family)) exports_.push_back(name);
     }
-    constexpr std::size_t kFew = 8;
+    constexpr std::size_t kFew = 5;
     while (exports_.empty() || (kind == 3 && exports_.size() < kFew)) {
       exports_.push_back(choices_.Of(all));
     }
@@ -115,7 +132,7 @@ class Maker {
     if (faults_left_ > 0 && --faults_left_ == 0) Say("no more faults");
     if (IsFaultDue()) return ChooseTrouble();
     if (choices_.OneIn(kHappensOnceIn)) return Say(ChooseHappening(choices_, Device()));
-    if (!options_.program.empty() && choices_.OneIn(6)) return RunProgram();
+    if (!options_.program.empty() && choices_.OneIn(4)) return RunProgram();
     if (choices_.OneIn(150)) return EndProcess("ends");
     Call();
   }
@@ -143,7 +160,7 @@ class Maker {
   }
 
   void RunProgram() {
-    if (choices_.OneIn(8)) return Say("program ends", "program");
+    if (choices_.OneIn(4)) return Say("program ends", "program");
     Say(fmt::format("program runs {} as run{}", WordText(options_.program), ++begun_), "program");
   }
 
@@ -160,6 +177,12 @@ class Maker {
       move.as = fmt::format("call{}", ++begun_);
     }
     moves_.push_back(std::move(move));
+    // What failed, or was cut short, is done again: by the same caller or by another.
+    if (faults_left_ > 0 && choices_.OneIn(2)) {
+      moves_.push_back(Move(moves_.back()));
+      moves_.back().kind = Move::Kind::kCall;
+      moves_.back().process = choices_.Of(processes_);
+    }
     if (choices_.OneIn(3)) AskBack(Move(moves_.back()));
   }
 

@@ -17,11 +17,11 @@ enum class FaultRate : std::uint8_t { kNone, kRare, kOften };
 [[nodiscard]] std::string_view FaultRateText(FaultRate rate);
 
 struct WorldOptions {
-  std::string device;      // a sample's name, or the folder of a device; empty: a sample by seed
+  std::string device{};    // a sample's name, or the folder of a device; empty: a sample by seed
   unsigned steps = 300;    // of a world
   unsigned processes = 3;  // at most
   FaultRate faults = FaultRate::kRare;
-  std::string program;  // a shared library that runs as a process; empty: none
+  std::string program{};  // a shared library that runs as a process; empty: none
 };
 
 // Where worlds begin: the devices, read once and only copied from then on.

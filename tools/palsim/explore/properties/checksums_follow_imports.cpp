@@ -26,6 +26,9 @@ class Checksums : public Property {
     Met();
     const unsigned imports = Imports(scene);
     if (imports == imports_) Violated("a checksum has changed without an import");
+    if (call.returned() && call.outcome->code != 0) {
+      Violated(fmt::format("the import of {} has failed", call.arguments->at(1)));
+    }
     if (call.alone && Without(call, now) != Without(call, checksums_)) {
       Violated(fmt::format("the import of {} changes another's", call.arguments->at(1)));
     }
