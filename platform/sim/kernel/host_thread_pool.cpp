@@ -73,19 +73,20 @@ class HostThread::Pool {
   std::vector<std::shared_ptr<Worker>> idle_;
 };
 
-HostThread::Pool& HostThread::Kept() {
-  static Pool pool;
+std::shared_ptr<HostThread::Pool> HostThread::Kept() {
+  static const auto pool = std::make_shared<Pool>();
   return pool;
 }
 
-HostThread::HostThread(std::function<void()> body) : worker_(Kept().TakeOrMake()) {
+HostThread::HostThread(std::function<void()> body) : pool_(Kept()), worker_(pool_->TakeOrMake()) {
   worker_->Begin(std::move(body));
 }
 
 void HostThread::Join() {
   if (worker_ == nullptr) return;
   worker_->AwaitEnd();
-  Kept().Keep(std::exchange(worker_, nullptr));
+  pool_->Keep(std::exchange(worker_, nullptr));
+  pool_.reset();
 }
 
 }  // namespace sim

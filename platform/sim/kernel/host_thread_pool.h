@@ -19,7 +19,8 @@ class HostThread {
  private:
   class Worker;
   class Pool;
-  static Pool& Kept();
+  static std::shared_ptr<Pool> Kept();
+  std::shared_ptr<Pool> pool_;  // the last thread keeps it alive, also at the host's exit
   std::shared_ptr<Worker> worker_;
 };
 
