@@ -1,7 +1,8 @@
 # Sourced by the scripts at the root: what they install and build with.
 packages=(  # of every build
   g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
-  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev nlohmann-json3-dev
+  libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev
+  nlohmann-json3-dev libpugixml-dev
 )
 device_packages=(  # of the build for the handheld
   gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm

@@ -56,14 +56,49 @@ void KeepLast(std::vector<Entry>& entries, std::size_t count) {
   entries.erase(entries.begin(), entries.end() - static_cast<std::ptrdiff_t>(count));
 }
 
-void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) {
-  for (const std::string& fault : faults) {
-    try {
-      device.PlanFault(ParseFault(fault));
-    } catch (const std::invalid_argument& error) {
-      throw UsageError(error.what());
-    }
+// All of them, or none.
+void PlanFaults(sim::Device& device, const std::vector<std::string>& faults) try {
+  for (const std::string& fault : faults) device.PlanFault(ParseFault(fault));
+} catch (const std::exception& error) {
+  device.ClearFaults();
+  throw UsageError(error.what());
+}
+
+CallOutcome CallWithFaults(Session& session, const CallOptions& options) {
+  CheckCall(options.name, options.arguments);
+  sim::Process& process = session.process();
+  PlanFaults(session.device(), options.faults);
+  CallOutcome outcome = CallExport(process, options.name, options.arguments);
+  for (const std::string& fault : session.device().faults_not_reached()) {
+    fmt::print(stderr, "palsim: not reached: {}\n", fault);
   }
+  session.device().ClearFaults();
+  return outcome;
+}
+
+bool IsInTrace(const sim::JournalEntry& entry, const TraceOptions& options) {
+  constexpr std::uint32_t kWarning = 0x80000000;
+  return entry.effect == sim::Effect::kTrace && (!options.errors || entry.category >= kWarning);
+}
+
+std::string TraceLine(const sim::JournalEntry& entry) {
+  return fmt::format("{:6}.{:03} p{} t{} {:<22} {}", entry.time_ms / 1000, entry.time_ms % 1000,
+                     entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
+}
+
+void PrintJournalLines(std::vector<sim::JournalEntry> entries, const JournalOptions& options) {
+  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
+  std::erase_if(entries,
+                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
+}
+
+void PrintTraceLines(std::vector<sim::JournalEntry> entries, const TraceOptions& options) {
+  std::erase_if(entries,
+                [&](const sim::JournalEntry& entry) { return !IsInTrace(entry, options); });
+  KeepLast(entries, options.last);
+  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", TraceLine(entry));
 }
 
 }  // namespace
@@ -87,6 +122,11 @@ std::filesystem::path SampleFolder(const std::string& name) {
   return kSamples / name;
 }
 
+std::filesystem::path FolderOf(const std::string& device) {
+  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
+  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
+}
+
 int ListSamples() {
   for (const std::string& name : SampleNames()) {
     sim::Device device;
@@ -96,8 +136,11 @@ int ListSamples() {
 }
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
-  const std::filesystem::path sample = SampleFolder(options.sample);
+  const std::filesystem::path sample = FolderOf(options.sample);
   const bool exists = std::filesystem::exists(folder);
+  if (exists && std::filesystem::equivalent(folder, sample)) {
+    throw UsageError(folder.string() + " cannot be made from itself");
+  }
   const bool is_device = std::filesystem::exists(folder / "device.toml");
   if (exists && !is_device && !std::filesystem::is_empty(folder)) {
     throw UsageError(folder.string() + " exists and is no device; choose another folder");
@@ -131,45 +174,56 @@ int Call(const std::filesystem::path& folder, const CallOptions& options) {
     session.device().set_on_clock(
         [](std::uint64_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); });
   }
-  sim::Process& process = session.process();
-  PlanFaults(session.device(), options.faults);
-  const CallOutcome outcome = CallExport(process, options.name, options.arguments);
-  for (const std::string& fault : session.device().faults_not_reached()) {
-    fmt::print(stderr, "palsim: not reached: {}\n", fault);
-  }
-  session.device().ClearFaults();
+  const CallOutcome outcome = CallWithFaults(session, options);
   session.Save();
   PrintOutcome(options.name, outcome);
   return outcome.failed ? kFailure : kSuccess;
 }
 
+int Call(Session& session, const CallOptions& options) {
+  const CallOutcome outcome = CallWithFaults(session, options);
+  PrintOutcome(options.name, outcome);
+  return outcome.failed ? kFailure : kSuccess;
+}
+
+int Advance(Session& session, std::uint32_t ms) {
+  session.device().Advance(ms);
+  return kSuccess;
+}
+
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options) {
-  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
-  const std::optional<sim::Effect> effect = ParseEffect(options.effect);
-  std::erase_if(entries,
-                [&](const sim::JournalEntry& entry) { return effect && entry.effect != *effect; });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) fmt::print("{}\n", sim::ToLine(entry));
+  PrintJournalLines(ReadJournal(folder), options);
   if (options.clear) std::filesystem::remove(JournalFile(folder));
   return kSuccess;
 }
 
-int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
-  constexpr std::uint32_t kWarning = 0x80000000;
-  std::vector<sim::JournalEntry> entries = ReadJournal(folder);
-  std::erase_if(entries, [&](const sim::JournalEntry& entry) {
-    return entry.effect != sim::Effect::kTrace || (options.errors && entry.category < kWarning);
-  });
-  KeepLast(entries, options.last);
-  for (const sim::JournalEntry& entry : entries) {
-    fmt::print("{:6}.{:03} p{} t{} {:<22} {}\n", entry.time_ms / 1000, entry.time_ms % 1000,
-               entry.process_id, entry.thread_id, CategoryText(entry.category), entry.text);
+int ShowJournal(Session& session, const JournalOptions& options) {
+  if (options.print == "on") {
+    session.PrintJournal();
+  } else if (options.print == "off") {
+    session.device().journal().set_listener(nullptr);
+  } else {
+    PrintJournalLines(session.device().journal().entries(), options);
   }
+  return kSuccess;
+}
+
+int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) {
+  PrintTraceLines(ReadJournal(folder), options);
+  return kSuccess;
+}
+
+int ShowTrace(Session& session, const TraceOptions& options) {
+  PrintTraceLines(session.device().journal().entries(), options);
   return kSuccess;
 }
 
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path) {
   Session session(folder);
+  return ShowRegistry(session, path);
+}
+
+int ShowRegistry(Session& session, const std::string& path) {
   if (path.empty()) {
     fmt::print("{}", sim::ExportRegistryText(session.device().registry()));
     return kSuccess;

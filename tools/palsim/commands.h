@@ -3,12 +3,16 @@
 #define TOOLS_PALSIM_COMMANDS_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace palsim {
+
+class Session;
 
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;  // the call failed, or the device cannot be read or written
@@ -24,6 +28,9 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 int ListSamples();
 // The folder of a sample device. Throws UsageError where there is none of this name.
 [[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
+// The folder of a device that is named by its folder, or by its sample. Throws as SampleFolder
+// does.
+[[nodiscard]] std::filesystem::path FolderOf(const std::string& device);
 
 struct CallOptions {
   std::string name;
@@ -35,6 +42,9 @@ struct CallOptions {
   bool real_time = false;
 };
 int Call(const std::filesystem::path& folder, const CallOptions& options);
+// In a session that goes on, as all that take one: with its process, and without saving it. Not all
+// options are for them.
+int Call(Session& session, const CallOptions& options);
 
 // What is made of a run: each file where it has a name.
 struct TimelineOptions {
@@ -44,16 +54,35 @@ struct TimelineOptions {
 };
 // Of the device's last run.
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options);
+int ShowTimeline(Session& session, const TimelineOptions& options);
 
 struct RunOptions {
   std::string file;
-  bool fresh = false;    // on a new device, of the sample that the scenario is for
-  bool journal = false;  // print every effect as it comes
+  bool fresh = false;                 // on a new device
+  std::string sample;                 // of which; empty: the one that the scenario is for
+  std::optional<std::uint32_t> seed;  // threads also change turns at platform calls
+  bool journal = false;               // print every effect as it comes
   TimelineOptions timeline;
 };
 // Plays a scenario; kFailure where an expectation does not hold.
 int Run(const std::filesystem::path& folder, const RunOptions& options);
+int Run(Session& session, const RunOptions& options);
 void PrintStatements();
+
+struct TestOptions {
+  std::vector<std::string> paths;    // scenarios, and folders of them
+  std::vector<std::string> devices;  // samples, or devices' folders; empty: every sample
+  std::optional<std::string> seeds;  // A-B; without it one run, in which threads only wait
+  std::string shard = "1/1";         // I/N
+  unsigned jobs = 0;                 // at once; 0: as many as the machine has processors
+  unsigned most_seconds = 60;        // of a case
+  std::string junit;                 // the reports' files
+  std::string json;
+  std::string program = "palsim";  // as it was called, for the commands that repeat a case
+};
+// Plays every scenario on a copy of every device; kFailure where one does not pass.
+int Test(const TestOptions& options);
+
 // The journal's effects with the forms of their texts.
 void PrintEffects();
 [[nodiscard]] std::vector<std::string_view> EffectNames();
@@ -62,23 +91,39 @@ struct JournalOptions {
   std::string effect;    // empty: all
   std::size_t last = 0;  // 0: all
   bool clear = false;
+  std::string print;  // of a session: "on" prints each effect from now on, "off" none
 };
 int ShowJournal(const std::filesystem::path& folder, const JournalOptions& options);
+int ShowJournal(Session& session, const JournalOptions& options);
+
+struct DiffOptions {
+  std::string left;  // each a number of the device's runs, or a journal's file with its last run
+  std::string right;
+};
+// Shows where two runs part, by the times since their starts; kFailure where they do. Without a
+// folder there are files alone. Throws UsageError where a run cannot be read.
+int Diff(const std::filesystem::path& folder, const DiffOptions& options);
 
 struct TraceOptions {
   std::size_t last = 0;
   bool errors = false;  // warnings and errors alone
 };
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
+int ShowTrace(Session& session, const TraceOptions& options);
 
 int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
+int ShowRegistry(Session& session, const std::string& path);
 // The device's identity; what cannot be told is shown as its result code.
 int ShowInfo(const std::filesystem::path& folder);
+int ShowInfo(Session& session);
 // The programmable buttons, and the shift planes of the active layout record by record.
 int ShowKeys(const std::filesystem::path& folder);
+int ShowKeys(Session& session);
 // The scan engine and how it stands; fails where the device has none.
 int ShowScanEngine(const std::filesystem::path& folder);
-int Shell(const std::filesystem::path& folder);
+int ShowScanEngine(Session& session);
+// Lets time pass on the device.
+int Advance(Session& session, std::uint32_t ms);
 
 struct FactsOptions {
   std::string file;             // from palcheck.exe; "-" is standard input

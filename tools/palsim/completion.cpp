@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <sstream>
 
 #include "platform/sim/text.h"
+#include "tools/palsim/commands.h"
 #include "tools/palsim/declarations.h"
 #include "tools/palsim/export_call.h"
 
@@ -18,8 +20,8 @@ bool BeginsWith(std::string_view text, std::string_view beginning) {
          sim::EqualNoCase(text.substr(0, beginning.size()), beginning);
 }
 
-std::vector<std::string> Beginning(const std::vector<std::string_view>& names,
-                                   const std::string& word) {
+template <class Names>
+std::vector<std::string> Beginning(const Names& names, const std::string& word) {
   std::vector<std::string> found;
   for (const std::string_view name : names) {
     if (BeginsWith(name, word)) found.emplace_back(name);
@@ -29,7 +31,7 @@ std::vector<std::string> Beginning(const std::vector<std::string_view>& names,
 
 std::vector<std::string> Keys(const sim::Registry& registry, const std::string& word) {
   const std::size_t last = word.find_last_of('\\');
-  if (last == std::string::npos) return Beginning({kRoots.begin(), kRoots.end()}, word);
+  if (last == std::string::npos) return Beginning(kRoots, word);
   const std::string above = word.substr(0, last + 1);
   const auto key = registry.Find(std::string_view(above).substr(0, last));
   std::vector<std::string> found;
@@ -41,18 +43,44 @@ std::vector<std::string> Keys(const sim::Registry& registry, const std::string& 
   return found;
 }
 
+// Files of the host, and folders with their slash.
+std::vector<std::string> Files(const std::string& word) {
+  const std::size_t name = word.find_last_of('/') + 1;  // of the whole word where it has none
+  const std::string above = word.substr(0, name);
+  std::vector<std::string> found;
+  std::error_code ignored;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(above.empty() ? "." : above, ignored)) {
+    const std::string file = above + entry.path().filename().string();
+    if (file.starts_with(word)) found.push_back(file + (entry.is_directory(ignored) ? "/" : ""));
+  }
+  return found;
+}
+
+std::vector<std::string> CommandNames(const std::vector<ShellCommand>& commands) {
+  std::vector<std::string> names(commands.size());
+  std::ranges::transform(commands, names.begin(), &ShellCommand::name);
+  return names;
+}
+
 }  // namespace
 
 std::vector<std::string> Completions(const std::string& line,
-                                     const std::vector<std::string_view>& commands,
+                                     const std::vector<ShellCommand>& commands,
                                      const sim::Registry& registry) {
   std::istringstream stream(line);
   std::vector<std::string> words;
   for (std::string word; stream >> word;) words.push_back(word);
   if (words.empty() || line.back() == ' ') words.emplace_back();
   const std::string& last = words.back();
-  if (words.size() == 1) return Beginning(commands, last);
+  const auto command = std::ranges::find(commands, words[0], &ShellCommand::name);
+  if (words.size() == 1 || words[0] == "help") return Beginning(CommandNames(commands), last);
+  if (last.starts_with('-') && command != commands.end()) return Beginning(command->words, last);
   if (words[0] == "registry" && words.size() == 2) return Keys(registry, last);
+  if (words[0] == "run" && words.size() == 2) return Files(last);
+  const std::string& before = words[words.size() - 2];
+  if (before == "--effect") return Beginning(EffectNames(), last);
+  if (words[0] == "journal") return Beginning(std::array<std::string_view, 2>{"on", "off"}, last);
   if (words[0] != "call" && words[0] != "usage") return {};
   if (words.size() == 2) return Beginning(ExportNames(), last);
   const Declaration* declaration = FindDeclaration(words[1]);

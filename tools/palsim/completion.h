@@ -3,17 +3,18 @@
 #define TOOLS_PALSIM_COMPLETION_H_
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "platform/sim/kernel/registry.h"
+#include "tools/palsim/shell.h"
 
 namespace palsim {
 
 // All that the last word of `line` could become: a command, behind "call" and "usage" an export and
-// then the names of its argument's numbers, behind "registry" a root or a key.
+// then the names of its argument's numbers, behind "registry" a root or a key, behind "run" a file,
+// and behind any command its options.
 [[nodiscard]] std::vector<std::string> Completions(const std::string& line,
-                                                   const std::vector<std::string_view>& commands,
+                                                   const std::vector<ShellCommand>& commands,
                                                    const sim::Registry& registry);
 
 }  // namespace palsim

@@ -84,12 +84,6 @@ Report ReadReport(const std::string& file) try {
   throw UsageError(error.what());
 }
 
-// A sample's name, or a folder.
-std::filesystem::path FolderOf(const std::string& device) {
-  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
-  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
-}
-
 Report AskSimulatedDevice(const std::filesystem::path& folder) {
   sim::Device device;
   sim::LoadDevice(device, folder);

@@ -47,16 +47,21 @@ std::string DetailText(sim::Process& process, DWORD id) {
 
 }  // namespace
 
-int ShowInfo(const std::filesystem::path& folder) {
-  Session session(folder);
+int ShowInfo(Session& session) {
   for (const Detail& detail : kDetails) {
     fmt::print("{:<26}{}\n", detail.label, DetailText(session.process(), detail.id));
   }
   const HRESULT own = session.process().exports().PALSysinfo_IsDravonelDevice();
   fmt::print("{:<26}{}\n", "The maker's own",
              own >= 0 ? "yes" : fmt::format("no ({})", ResultText(own)));
-  session.Save();
   return kSuccess;
+}
+
+int ShowInfo(const std::filesystem::path& folder) {
+  Session session(folder);
+  const int status = ShowInfo(session);
+  session.Save();
+  return status;
 }
 
 }  // namespace palsim

@@ -89,8 +89,7 @@ void ShowPlane(const sim::Registry& registry, const std::string& path, const std
 
 }  // namespace
 
-int ShowKeys(const std::filesystem::path& folder) {
-  Session session(folder);
+int ShowKeys(Session& session) {
   const sim::Registry& registry = session.device().registry();
   static_cast<void>(session.process());  // an attach may repair the layout
   const std::string layout = ActiveLayout(registry);
@@ -105,8 +104,14 @@ int ShowKeys(const std::filesystem::path& folder) {
     if (registry.FindValue(settings, sim::ToUtf8(plane)) == nullptr) continue;
     ShowPlane(registry, settings, sim::ToUtf8(plane), layout);
   }
-  session.Save();
   return kSuccess;
+}
+
+int ShowKeys(const std::filesystem::path& folder) {
+  Session session(folder);
+  const int status = ShowKeys(session);
+  session.Save();
+  return status;
 }
 
 }  // namespace palsim

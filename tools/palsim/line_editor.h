@@ -2,6 +2,7 @@
 #ifndef TOOLS_PALSIM_LINE_EDITOR_H_
 #define TOOLS_PALSIM_LINE_EDITOR_H_
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -15,13 +16,17 @@ using Completer = std::function<std::vector<std::string>(const std::string& line
 // There is one terminal, and so one editor at a time.
 class LineEditor {
  public:
+  // What comes next: a byte of standard input, an interrupt, which clears a line or ends an empty
+  // one, or the end.
+  enum class Wait : std::uint8_t { kByte, kInterrupt, kEnd };
+
   // `history` holds the lines of before, if it is there; it gets those of now at the end.
-  LineEditor(std::filesystem::path history, Completer completer);
+  LineEditor(std::filesystem::path history, Completer completer, std::function<Wait()> wait);
   ~LineEditor();
   LineEditor(const LineEditor&) = delete;
   LineEditor& operator=(const LineEditor&) = delete;
 
-  // False at the end of what is typed.
+  // False at the end of what is typed, and after an interrupt in an empty line.
   bool Read(const char* prompt, std::string& line);
 
  private:

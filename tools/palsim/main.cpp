@@ -9,6 +9,7 @@
 #include "tools/palsim/explore/explore_command.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
+#include "tools/palsim/shell.h"
 #include "tools/streams.h"
 
 namespace {
@@ -29,7 +30,9 @@ Examples:
   palsim /tmp/unit registry 'HKLM\Software\Dravonel'       what the registry holds now
   palsim /tmp/unit journal --effect registry --last 20     what changed
   palsim /tmp/unit trace --errors                          what went wrong, by the event log
+  palsim /tmp/unit diff 1 2                                where two runs part
   palsim /tmp/unit shell                                   one process, many calls
+  palsim test scenarios --seeds 1-20 --junit report.xml    play all, on every sample device
   palsim samples                                           the sample devices
   palsim facts palcheck.txt                                where a handheld answers otherwise
 
@@ -47,6 +50,7 @@ Exit status: 0 every fact is the same, 1 one is not, or is not in FILE, 2 FILE i
 not from palcheck.exe or cannot be read.
 )";
 
+// What is typed behind palsim, and what is typed in its shell.
 class CommandLine {
  public:
   CommandLine() {
@@ -69,20 +73,46 @@ class CommandLine {
     AddTimeline();
     AddJournal();
     AddTrace();
+    AddDiff();
     AddRegistry();
-    AddOnDevice("info", "Show which device this is, as the library tells it",
-                [this] { return palsim::ShowInfo(folder_); });
-    AddOnDevice("keys", "Show the buttons and the shift planes of the keypad",
-                [this] { return palsim::ShowKeys(folder_); });
-    AddOnDevice("scan", "Show the scan engine", [this] { return palsim::ShowScanEngine(folder_); });
+    AddQueries();
     AddOnDevice("shell", "Type calls into one attached process",
-                [this] { return palsim::Shell(folder_); });
+                [this] { return palsim::Shell(folder_, ForShell()); });
+    AddTest();
     AddFacts();
     AddExplore();
     AddAlone("samples", "List the sample devices", &palsim::ListSamples);
   }
 
+  // Without a session it only knows what can be typed.
+  explicit CommandLine(palsim::Session* session) : session_(session), in_shell_(true) {
+    app_.name("");
+    app_.require_subcommand(1);  // what follows it is never another
+    AddCall();
+    AddRun();
+    AddQueries();
+    AddRegistry();
+    AddJournal();
+    AddTrace();
+    AddTimeline();
+    AddOfShell();
+    app_.get_subcommand("journal")->description(
+        "Show the effects so far, or print each as it comes");
+    app_.get_subcommand("timeline")->description("Show on a time axis what has happened so far");
+  }
+
+  void RunLine(const std::vector<std::string>& words) {
+    try {
+      app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::CallForHelp&) {
+      PrintHelp(words[0]);
+    } catch (const CLI::ParseError& error) {
+      throw palsim::UsageError(fmt::format("{}; 'help {}' tells more", error.what(), words[0]));
+    }
+  }
+
   int Run(int argc, char** argv) {
+    if (argc > 0) test_.program = argv[0];
     try {
       app_.parse(argc, argv);
       return status_;
@@ -131,13 +161,45 @@ class CommandLine {
     throw CLI::Success();
   }
 
+  static palsim::ShellCommands ForShell() {
+    palsim::ShellCommands commands;
+    CommandLine all(nullptr);
+    for (const CLI::App* command : all.app_.get_subcommands({})) {
+      commands.commands.push_back({command->get_name(), {}});
+      for (const CLI::Option* option : command->get_options()) {
+        const std::string name = option->get_name();
+        if (name.starts_with("--")) commands.commands.back().words.push_back(name);
+      }
+    }
+    commands.run = [](palsim::Session& session, const std::vector<std::string>& words) {
+      CommandLine(&session).RunLine(words);
+    };
+    return commands;
+  }
+
+  // Of a command, or of all.
+  void PrintHelp(const std::string& name) const {
+    for (const CLI::App* command : app_.get_subcommands({})) {
+      if (command->get_name() == name) return fmt::print("{}", command->help());
+      if (!name.empty()) continue;
+      fmt::print("  {:<10} {}\n", command->get_name(), command->get_description());
+    }
+    if (!name.empty()) throw palsim::UsageError(fmt::format("there is no command '{}'", name));
+  }
+
   using Command = std::function<int()>;  // gives the exit status
+
+  // On the device in its folder, or on the one that is open in the shell.
+  template <class Work>
+  int On(const Work& work) {
+    return in_shell_ ? work(*session_) : work(folder_);
+  }
 
   // A command on the device, which is named before it.
   CLI::App* AddOnDevice(const char* name, const char* what, const Command& run) {
     auto* command = app_.add_subcommand(name, what)->group("Commands on a DEVICE");
     return command->callback([this, run] {
-      if (device_->empty()) throw CLI::RequiredError("DEVICE");
+      if (!in_shell_ && device_->empty()) throw CLI::RequiredError("DEVICE");
       status_ = run();
     });
   }
@@ -162,36 +224,46 @@ class CommandLine {
   }
 
   void AddCall() {
-    auto* command = AddOnDevice("call", "Call an export of the library",
-                                [this] { return palsim::Call(folder_, call_); });
+    auto* command = AddOnDevice(
+        "call", "Call an export of the library",
+
+        [this] { return On([this](auto& device) { return palsim::Call(device, call_); }); });
     command->add_option("EXPORT", call_.name, "Its name")->required();
     command->add_option(
         "ARGUMENTS", call_.arguments,
-        "Numbers (5, -1, 0x1F, PAL_USB_RNDIS), texts, out or null (--usage EXPORT)");
-    command->add_option("--process", call_.process_name, "The calling process's name")
-        ->capture_default_str();
+        "Numbers (5, -1, 0x1F, PAL_USB_RNDIS), texts, out or null, as its usage has them");
     command->add_option("--fail", call_.faults, "Make a platform call fail: CALL[:NTH[:ERROR]]")
         ->expected(1)
         ->take_all();
+    if (in_shell_) return;
+    command->add_option("--process", call_.process_name, "The calling process's name")
+        ->capture_default_str();
     command->add_flag("--journal", call_.journal, "Print every effect as it comes");
     command->add_option("--only", call_.only, "Print only this effect, such as registry or trace");
     command->add_flag("--real-time", call_.real_time, "Run in step with the wall clock");
   }
 
   void AddRun() {
-    auto* command =
-        AddOnDevice("run", "Play a scenario", [this] { return palsim::Run(folder_, run_); });
+    auto* command = AddOnDevice("run", "Play a scenario", [this] {
+      return On([this](auto& device) { return palsim::Run(device, run_); });
+    });
     command->add_option("FILE", run_.file, "The scenario's text; - is standard input")->required();
-    command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
-    command->add_flag("--journal", run_.journal, "Print every effect as it comes");
     command->add_flag("--timeline", run_.timeline.text, "Print the run's timeline");
     AddFiles(*command, run_.timeline);
+    if (in_shell_) return;
+    auto* fresh =
+        command->add_flag("--new", run_.fresh, "Make the device anew, from the scenario's sample");
+    command->add_option("--sample", run_.sample, "With --new: another sample, or a device's folder")
+        ->needs(fresh);
+    command->add_option("--seed", run_.seed,
+                        "Threads also change turns at platform calls, as SEED has it");
+    command->add_flag("--journal", run_.journal, "Print every effect as it comes");
   }
 
   void AddTimeline() {
     auto* command = AddOnDevice("timeline", "Show the last run on a time axis", [this] {
       timeline_.text = timeline_.html.empty() && timeline_.wav.empty();
-      return palsim::ShowTimeline(folder_, timeline_);
+      return On([this](auto& device) { return palsim::ShowTimeline(device, timeline_); });
     });
     AddFiles(*command, timeline_);
   }
@@ -203,24 +275,99 @@ class CommandLine {
   }
 
   void AddJournal() {
-    auto* command = AddOnDevice("journal", "Show the effects of all runs",
-                                [this] { return palsim::ShowJournal(folder_, journal_); });
+    auto* command = AddOnDevice("journal", "Show the effects of all runs", [this] {
+      return On([this](auto& device) { return palsim::ShowJournal(device, journal_); });
+    });
     command->add_option("--effect", journal_.effect, "Only this kind, such as registry or trace");
     command->add_option("--last", journal_.last, "Only the last N");
-    command->add_flag("--clear", journal_.clear, "Forget them afterwards");
+    if (!in_shell_) {
+      command->add_flag("--clear", journal_.clear, "Forget them afterwards");
+      return;
+    }
+    command->add_option("PRINT", journal_.print, "on: print each as it comes; off: not any more")
+        ->check(CLI::IsMember({"on", "off"}));
   }
 
   void AddTrace() {
-    auto* command = AddOnDevice("trace", "Show the event log with families by name",
-                                [this] { return palsim::ShowTrace(folder_, trace_); });
+    auto* command = AddOnDevice("trace", "Show the event log with families by name", [this] {
+      return On([this](auto& device) { return palsim::ShowTrace(device, trace_); });
+    });
     command->add_option("--last", trace_.last, "Only the last N");
     command->add_flag("--errors", trace_.errors, "Only warnings and errors");
   }
 
+  void AddDiff() {
+    auto* command =
+        app_.add_subcommand("diff", "Show where two runs part")->group("Commands on a DEVICE");
+    command->callback([this] { status_ = palsim::Diff(folder_, diff_); });
+    command->add_option("RUN", diff_.left, "A run's number, or a journal's file: its last run")
+        ->required();
+    command->add_option("OTHER", diff_.right, "The other one; files need no DEVICE")->required();
+  }
+
   void AddRegistry() {
-    auto* command = AddOnDevice("registry", "Show the registry as import text",
-                                [this] { return palsim::ShowRegistry(folder_, registry_path_); });
+    auto* command = AddOnDevice("registry", "Show the registry as import text", [this] {
+      return On([this](auto& device) { return palsim::ShowRegistry(device, registry_path_); });
+    });
     command->add_option("KEY", registry_path_, "A key, such as HKLM\\Software\\Dravonel");
+  }
+
+  void AddTest() {
+    auto* command = AddAlone("test", "Play many scenarios on copies of many devices",
+                             [this] { return palsim::Test(test_); });
+    command->add_option("PATH", test_.paths, "Scenarios, and folders of them; - is standard input")
+        ->required();
+    command
+        ->add_option("--device", test_.devices,
+                     "A sample, or a device's folder; without it every sample")
+        ->expected(1)
+        ->take_all();
+    command->add_option("--seeds", test_.seeds,
+                        "A-B: play each once for each seed, which says how threads change turns");
+    command->add_option("--jobs", test_.jobs, "How many at once; without it as many as processors")
+        ->check(CLI::Range(1, 256));
+    command->add_option("--shard", test_.shard, "I/N: only this machine's part, from 1/N to N/N")
+        ->capture_default_str();
+    command->add_option("--timeout", test_.most_seconds, "The most seconds for one")
+        ->check(CLI::Range(1, 86400))
+        ->capture_default_str();
+    command->add_option("--junit", test_.junit, "Write a JUnit report; - is standard output");
+    command->add_option("--json", test_.json, "Write a report as JSON; - is standard output");
+  }
+
+  void AddQueries() {
+    AddOnDevice("info", "Show which device this is, as the library tells it",
+                [this] { return On([](auto& device) { return palsim::ShowInfo(device); }); });
+    AddOnDevice("keys", "Show the buttons and the shift planes of the keypad",
+                [this] { return On([](auto& device) { return palsim::ShowKeys(device); }); });
+    AddOnDevice("scan", "Show the scan engine",
+                [this] { return On([](auto& device) { return palsim::ShowScanEngine(device); }); });
+  }
+
+  // What only the shell has.
+  void AddOfShell() {
+    AddOnDevice("advance", "Let time pass on the device",
+                [this] { return palsim::Advance(*session_, milliseconds_); })
+        ->add_option("MS", milliseconds_, "Milliseconds")
+        ->required();
+    AddOnDevice("usage", "Show how an export is called",
+                [this] {
+                  fmt::print("{}", palsim::UsageText(word_));
+                  return palsim::kSuccess;
+                })
+        ->add_option("EXPORT", word_, "Its name")
+        ->required();
+    AddOnDevice("exports", "List the library's exports", [] {
+      for (const std::string_view name : palsim::ExportNames()) fmt::print("{}\n", name);
+      return palsim::kSuccess;
+    });
+    AddOnDevice("help", "Show the commands, or how one is used", [this] {
+      PrintHelp(word_);
+      return palsim::kSuccess;
+    })->add_option("COMMAND", word_, "Its name");
+    for (const char* name : {"exit", "quit"}) {
+      AddOnDevice(name, "Detach, save the device and leave", [] { return palsim::kSuccess; });
+    }
   }
 
   void AddFacts() {
@@ -266,13 +413,19 @@ class CommandLine {
   CLI::App app_{"Runs DVLORQPAL.dll on a simulated device.", "palsim"};
   CLI::Option* device_ = nullptr;
   std::string folder_;
+  palsim::Session* session_ = nullptr;  // of the shell
+  bool in_shell_ = false;
+  std::uint32_t milliseconds_ = 0;
+  std::string word_;
   palsim::NewOptions new_;
   palsim::CallOptions call_;
   palsim::RunOptions run_;
   palsim::TimelineOptions timeline_;
   palsim::JournalOptions journal_;
   palsim::TraceOptions trace_;
+  palsim::DiffOptions diff_;
   std::string registry_path_;
+  palsim::TestOptions test_;
   palsim::FactsOptions facts_;
   palsim::ExploreOptions explore_;
   std::string faults_ = "rare";

@@ -27,49 +27,83 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   }
 }
 
-void MakeDeviceFor(const Scenario& scenario, const std::filesystem::path& folder) {
+void CheckDevice(const Scenario& scenario, const std::string& device) {
+  if (scenario.device.empty() || scenario.device == device) return;
+  throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
+                               scenario.device, device));
+}
+
+void MakeDeviceFor(const Scenario& scenario, const std::string& sample,
+                   const std::filesystem::path& folder) {
   NewOptions options{.force = true, .quiet = true};
-  if (!scenario.device.empty()) options.sample = scenario.device;
+  if (!sample.empty()) {
+    sim::Device device;  // before the old one is gone
+    CheckDevice(scenario, sim::LoadDevice(device, FolderOf(sample)).name);
+    options.sample = sample;
+  } else if (!scenario.device.empty()) {
+    options.sample = scenario.device;
+  }
   NewDevice(folder, options);
 }
 
-void CheckDevice(const Scenario& scenario, const Session& session) {
-  if (scenario.device.empty() || scenario.device == session.identity().name) return;
-  throw UsageError(fmt::format("{} is for the device {}, and this is {}", scenario.name,
-                               scenario.device, session.identity().name));
+struct Verdict {
+  std::size_t expectations = 0;
+  std::size_t failures = 0;
+};
+
+Verdict Play(Session& session, const Scenario& scenario) {
+  Stage stage(session.device(), [](const std::string& message) {
+    fmt::print(stderr, "{}\n", tools::Printable(message));
+  });
+  stage.Play(scenario);
+  return {stage.expectations(), stage.failures()};
+}
+
+// The exit status.
+int Tell(const Scenario& scenario, const Verdict& verdict, const TimelineOptions& timeline) {
+  if (verdict.failures > 0) {
+    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, verdict.failures,
+               verdict.expectations);
+    return kFailure;
+  }
+  // Standard output can be the page's or the sound's.
+  const bool is_free =
+      timeline.html != tools::kStandardStream && timeline.wav != tools::kStandardStream;
+  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name,
+             verdict.expectations);
+  return kSuccess;
+}
+
+// As it would be saved now.
+RunRecord RunSoFar(Session& session) {
+  RunRecord run = session.record();
+  run.entries = session.device().journal().entries();
+  run.end_ms = session.device().now_ms();
+  return run;
 }
 
 }  // namespace
 
 int Run(const std::filesystem::path& folder, const RunOptions& options) {
   const Scenario scenario = ReadScenario(options.file);
-  if (options.fresh) MakeDeviceFor(scenario, folder);
+  if (options.fresh) MakeDeviceFor(scenario, options.sample, folder);
   Session session(folder);
-  CheckDevice(scenario, session);
+  CheckDevice(scenario, session.identity().name);
   session.set_title(scenario.title, scenario.about);
   if (options.journal) session.PrintJournal();
-  std::size_t expectations = 0;
-  std::size_t failures = 0;
-  {
-    Stage stage(session.device(), [](const std::string& message) {
-      fmt::print(stderr, "{}\n", tools::Printable(message));
-    });
-    stage.Play(scenario);
-    expectations = stage.expectations();
-    failures = stage.failures();
-  }
+  if (options.seed) session.device().ShuffleTurns(*options.seed);
+  const Verdict verdict = Play(session, scenario);
   session.Save();
   Show(session.record(), session.device().files(), options.timeline);
-  if (failures > 0) {
-    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, failures,
-               expectations);
-    return kFailure;
-  }
-  // Standard output can be the page's or the sound's.
-  const bool is_free = options.timeline.html != tools::kStandardStream &&
-                       options.timeline.wav != tools::kStandardStream;
-  fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name, expectations);
-  return kSuccess;
+  return Tell(scenario, verdict, options.timeline);
+}
+
+int Run(Session& session, const RunOptions& options) {
+  const Scenario scenario = ReadScenario(options.file);
+  CheckDevice(scenario, session.identity().name);
+  const Verdict verdict = Play(session, scenario);
+  Show(RunSoFar(session), session.device().files(), options.timeline);
+  return Tell(scenario, verdict, options.timeline);
 }
 
 int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& options) {
@@ -77,6 +111,11 @@ int ShowTimeline(const std::filesystem::path& folder, const TimelineOptions& opt
   if (runs.empty()) throw UsageError(folder.string() + " has no run to show");
   Session session(folder);
   Show(runs.back(), session.device().files(), options);
+  return kSuccess;
+}
+
+int ShowTimeline(Session& session, const TimelineOptions& options) {
+  Show(RunSoFar(session), session.device().files(), options);
   return kSuccess;
 }
 

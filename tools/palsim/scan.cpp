@@ -23,8 +23,7 @@ std::string EngineText(sim::Process& process) {
 
 }  // namespace
 
-int ShowScanEngine(const std::filesystem::path& folder) {
-  Session session(folder);
+int ShowScanEngine(Session& session) {
   const sim::ScanDriver* driver = sim::FindScanDriver(session.device().hardware());
   if (driver == nullptr) {
     fmt::print(stderr,
@@ -35,8 +34,14 @@ int ShowScanEngine(const std::filesystem::path& folder) {
   for (const EnginePart& part : kEngineParts) {
     fmt::print("{:<11}{}\n", part.label, part.StateIn(driver->state()));
   }
-  session.Save();
   return kSuccess;
+}
+
+int ShowScanEngine(const std::filesystem::path& folder) {
+  Session session(folder);
+  const int status = ShowScanEngine(session);
+  session.Save();
+  return status;
 }
 
 }  // namespace palsim

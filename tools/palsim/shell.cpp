@@ -1,143 +1,132 @@
-// The interactive shell: one process stays attached while commands are typed.
+#include "tools/palsim/shell.h"
+
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <array>
-#include <iostream>
+#include <cerrno>
+#include <csignal>
+#include <exception>
 #include <optional>
-#include <sstream>
+#include <string_view>
+#include <system_error>
 
-#include "platform/sim/kernel/registry_text.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/completion.h"
-#include "tools/palsim/export_call.h"
+#include "tools/palsim/interrupts.h"
 #include "tools/palsim/line_editor.h"
 #include "tools/palsim/nearest.h"
-#include "tools/palsim/session.h"
+#include "tools/palsim/scenario/pattern.h"
+#include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 
 namespace palsim {
 namespace {
 
-using ShellWords = std::vector<std::string>;
-
-struct ShellCommand {
-  std::string_view name;
-  std::string_view usage;
-  void (*run)(Session& session, const ShellWords& words);
-};
-
-void RunCall(Session& session, const ShellWords& words) {
-  if (words.size() < 2) throw UsageError("call what? 'exports' lists the exports");
-  const CallOutcome outcome =
-      CallExport(session.process(), words[1], ShellWords(words.begin() + 2, words.end()));
-  PrintOutcome(words[1], outcome);
-}
-
-void RunRegistry(Session& session, const ShellWords& words) {
-  if (words.size() != 2) throw UsageError("registry takes one key");
-  const auto key = session.device().registry().Find(std::string_view(words[1]));
-  if (key == nullptr) throw UsageError("the registry has no key " + words[1]);
-  fmt::print("{}", sim::ExportRegistryText(*key));
-}
-
-void RunAdvance(Session& session, const ShellWords& words) {
-  constexpr std::size_t kMostDigits = 9;
-  const bool usable = words.size() == 2 && words[1].size() <= kMostDigits &&
-                      words[1].find_first_not_of("0123456789") == std::string::npos;
-  if (!usable) throw UsageError("advance takes a time in milliseconds");
-  session.device().Advance(static_cast<std::uint32_t>(std::stoul(words[1])));
-}
-
-void RunExports(Session& /*session*/, const ShellWords& /*words*/) {
-  for (const std::string_view name : ExportNames()) fmt::print("{}\n", name);
-}
-
-void RunUsage(Session& /*session*/, const ShellWords& words) {
-  if (words.size() != 2) throw UsageError("usage takes one export");
-  fmt::print("{}", UsageText(words[1]));
-}
-
-void RunHelp(Session& session, const ShellWords& words);
-
-constexpr std::array kCommands{
-    ShellCommand{"call", "call EXPORT [ARGUMENT...]   call an export", &RunCall},
-    ShellCommand{"usage", "usage EXPORT                how an export is called", &RunUsage},
-    ShellCommand{"registry", "registry KEY                show a key with all below it",
-                 &RunRegistry},
-    ShellCommand{"advance", "advance MS                  let time pass on the device", &RunAdvance},
-    ShellCommand{"exports", "exports                     list the exports", &RunExports},
-    ShellCommand{"help", "help                        show this", &RunHelp},
-};
-
-void RunHelp(Session& /*session*/, const ShellWords& /*words*/) {
-  for (const ShellCommand& command : kCommands) fmt::print("  {}\n", command.usage);
-  fmt::print("  quit                        detach, save the device and leave\n");
-}
-
-std::vector<std::string_view> CommandNames() {
-  std::vector<std::string_view> names{"quit"};
-  for (const ShellCommand& command : kCommands) names.push_back(command.name);
-  return names;
-}
-
-void RunLine(Session& session, const ShellWords& words) {
-  for (const ShellCommand& command : kCommands) {
-    if (command.name == words[0]) return command.run(session, words);
+// At a terminal lines are edited; from a pipe or a file they are read as they are.
+class Input {
+ public:
+  Input(const Interrupts& interrupts, const std::filesystem::path& folder, Completer completer)
+      : interrupts_(interrupts) {
+    if (isatty(STDIN_FILENO) == 0) return;
+    editor_.emplace(folder / "shell_history", std::move(completer),
+                    [this] { return WaitForByte(); });
   }
-  const std::string nearest = DidYouMean(words[0], CommandNames());
+  [[nodiscard]] bool is_interactive() const { return editor_.has_value(); }
+  // The signal that has ended the input; 0: none.
+  [[nodiscard]] int signal() const { return signal_; }
+
+  // False at the end of what is typed, and where a signal ends it.
+  bool Read(std::string& line) {
+    if (editor_) return editor_->Read("palsim> ", line);
+    line.clear();
+    for (std::size_t end = 0; (end = bytes_.find('\n')) == std::string::npos;) {
+      if (ReadBlock()) continue;
+      line.swap(bytes_);
+      return signal_ == 0 && !line.empty();
+    }
+    line = bytes_.substr(0, bytes_.find('\n'));
+    bytes_.erase(0, line.size() + 1);
+    return true;
+  }
+
+ private:
+  LineEditor::Wait WaitForByte() {
+    const int signal = interrupts_.WaitForInput();
+    if (signal == 0) return LineEditor::Wait::kByte;
+    if (signal == SIGINT) return LineEditor::Wait::kInterrupt;
+    signal_ = signal;
+    return LineEditor::Wait::kEnd;
+  }
+
+  bool ReadBlock() {
+    std::array<char, 4096> block{};
+    signal_ = interrupts_.WaitForInput();
+    if (signal_ != 0) return false;
+    const ssize_t count = read(STDIN_FILENO, block.data(), block.size());
+    if (count > 0) bytes_.append(block.data(), static_cast<std::size_t>(count));
+    return count > 0 || (count < 0 && errno == EINTR);
+  }
+
+  const Interrupts& interrupts_;
+  std::optional<LineEditor> editor_;
+  std::string bytes_;
+  int signal_ = 0;
+};
+
+void RunLine(Session& session, const ShellCommands& commands,
+             const std::vector<std::string>& words) {
+  std::vector<std::string_view> names;
+  for (const ShellCommand& command : commands.commands) names.push_back(command.name);
+  if (std::ranges::find(names, words[0]) != names.end()) return commands.run(session, words);
+  const std::string nearest = DidYouMean(words[0], names);
   throw UsageError(fmt::format("there is no command '{}'{}", words[0],
                                nearest.empty() ? "; 'help' lists them" : nearest));
 }
 
-// At a terminal lines are edited; from a pipe or a file they are read as they are.
-class Input {
- public:
-  Input(const std::filesystem::path& folder, Session& session) {
-    if (isatty(STDIN_FILENO) == 0) return;
-    editor_.emplace(folder / "shell_history", [&session](const std::string& line) {
-      return Completions(line, CommandNames(), session.device().registry());
-    });
+// The exit status. What is printed can fail at any place.
+int Converse(Session& session, const ShellCommands& commands, Input& input) {
+  int status = kSuccess;
+  for (std::string line; input.Read(line);) {
+    try {
+      std::vector<std::string> words;
+      for (Word& word : SplitWords(line)) words.push_back(std::move(word.text));
+      if (words.empty()) continue;
+      if (words[0] == "quit" || words[0] == "exit") break;
+      RunLine(session, commands, words);
+      tools::PrintAtOnce({});  // a program may wait for the answer
+    } catch (const std::system_error&) {
+      throw;  // nothing can be printed any more
+    } catch (const std::runtime_error& error) {
+      fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
+      if (!input.is_interactive()) status = kUsage;
+    }
   }
-  [[nodiscard]] bool is_interactive() const { return editor_.has_value(); }
-  bool Read(std::string& line) {
-    if (editor_) return editor_->Read("palsim> ", line);
-    return static_cast<bool>(std::getline(std::cin, line));
-  }
-
- private:
-  std::optional<LineEditor> editor_;
-};
-
-ShellWords Split(const std::string& line) {
-  std::istringstream stream(line);
-  ShellWords words;
-  for (std::string word; stream >> word;) words.push_back(word);
-  return words;
+  return input.signal() == 0 ? status : 128 + input.signal();
 }
 
 }  // namespace
 
-int Shell(const std::filesystem::path& folder) {
+int Shell(const std::filesystem::path& folder, const ShellCommands& commands) {
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));  // a reader that has gone is an error to print
+  const Interrupts interrupts;                       // before the device has threads
   Session session(folder);
-  session.PrintJournal();
-  Input input(folder, session);
-  const bool interactive = input.is_interactive();
-  if (interactive)
-    fmt::print("{}: 'help' lists the commands, Tab completes\n", session.identity().name);
+  session.set_title("shell");
+  Input input(interrupts, folder, [&](const std::string& line) {
+    return Completions(line, commands.commands, session.device().registry());
+  });
   int status = kSuccess;
-  for (std::string line; input.Read(line);) {
-    const ShellWords words = Split(line);
-    if (words.empty()) continue;
-    if (words[0] == "quit") break;
-    try {
-      RunLine(session, words);
-    } catch (const UsageError& error) {
-      fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
-      if (!interactive) status = kUsage;
+  std::exception_ptr failure;
+  try {
+    if (input.is_interactive()) {
+      fmt::print("{}: 'help' lists the commands, Tab completes\n", session.identity().name);
     }
+    status = Converse(session, commands, input);
+  } catch (...) {
+    failure = std::current_exception();
   }
   session.Save();
+  if (failure) std::rethrow_exception(failure);
   return status;
 }
 

@@ -1,0 +1,25 @@
+// Signals that end a shell, or clear its line: taken where it waits for input and nowhere else, so
+// that what is under way is done and the device is saved.
+#ifndef TOOLS_PALSIM_INTERRUPTS_H_
+#define TOOLS_PALSIM_INTERRUPTS_H_
+
+namespace palsim {
+
+class Interrupts {
+ public:
+  // Holds back SIGINT, SIGTERM and SIGHUP from now on, and in threads that start from now on.
+  Interrupts();
+  ~Interrupts();
+  Interrupts(const Interrupts&) = delete;
+  Interrupts& operator=(const Interrupts&) = delete;
+
+  // Waits until standard input has something, or has ended: 0. Or the signal that came.
+  [[nodiscard]] int WaitForInput() const;
+
+ private:
+  int signals_;
+};
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_INTERRUPTS_H_
