@@ -105,7 +105,7 @@ class Maker {
   void ChooseCharacter() {
     constexpr std::size_t kMostVariations = 8;
     variations_ = choices_.OneIn(3) ? 0 : choices_.Below(kMostVariations + 1);
-    begins_once_in_ = choices_.OneIn(3) ? 3 : 20;
+    begins_once_in_ = choices_.OneIn(3) ? 4 : 25;
     turns_change_ = choices_.OneIn(2);
     const std::size_t count =
         1 + choices_.Below(std::min<std::size_t>(options_.processes, kProcessNames.size()));

@@ -62,15 +62,21 @@ Answer ShiftBehavior(Scene& scene, std::uint32_t behavior) {
   return 0;
 }
 
-// Whether any driver has a text for USB disks, which a setter cannot give it.
+// Whether any driver has a text for USB disks, which a setter cannot give it. One that is too long
+// is the getter's failure.
 Answer UsbDisks(Scene& scene, std::uint32_t enable) {
+  constexpr std::size_t kMostBytes = 520;
   if (enable == 0) return 0;
   const auto key = scene.registry().Find(R"(HKLM\Drivers\USB\ClientDrivers\Mass_Storage_Class)");
   if (key == nullptr) return std::nullopt;
-  return std::ranges::any_of(
-             key->keys(), [](const auto& driver) { return driver->FindValue(u"Dll") != nullptr; })
-             ? 1U
-             : 0U;
+  std::uint32_t answer = 0;
+  for (const auto& driver : key->keys()) {
+    const sim::RegistryValue* const text = driver->FindValue(u"Dll");
+    if (text == nullptr) continue;
+    if (text->data.size() > kMostBytes) return std::nullopt;
+    answer = 1;
+  }
+  return answer;
 }
 
 Answer ImageCapture(Scene& scene, std::uint32_t enable) {
