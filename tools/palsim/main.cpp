@@ -382,11 +382,12 @@ class CommandLine {
   }
 
   void AddExplore() {
-    auto* command = AddAlone("explore", "Search for runs in which a property does not hold", [this] {
-      if (!merged_.empty()) return palsim::MergeReports(merged_, explore_.out);
-      explore_.world.faults = palsim::ParseFaultRate(faults_);
-      return palsim::Explore(explore_);
-    });
+    auto* command =
+        AddAlone("explore", "Search for runs in which a property does not hold", [this] {
+          if (!merged_.empty()) return palsim::MergeReports(merged_, explore_.out);
+          explore_.world.faults = palsim::ParseFaultRate(faults_);
+          return palsim::Explore(explore_);
+        });
     command->add_option("--device", explore_.world.device,
                         "A sample device, or a device's folder; else a sample by each seed");
     command->add_option("--seeds", explore_.seeds, "Which worlds: A-B")->capture_default_str();

@@ -47,7 +47,7 @@ class ThreadState {
   std::vector<Mutex*> owned;
   std::atomic<unsigned> calls_in_library = 0;  // those that have not returned
   bool left_library = false;                   // it will never return there
-  std::vector<std::uint32_t> errors;           // that the platform gave to its last call of an export
+  std::vector<std::uint32_t> errors;  // that the platform gave to its last call of an export
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
   // Only for a thread that has a thread of the host:
