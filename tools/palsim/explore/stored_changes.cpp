@@ -27,7 +27,7 @@ bool ForEachStoredChange(Scene& scene, const WatchedCall& call,
   if (std::ranges::count(faulted, "ReadFile") != 0) return false;
   const Stored& before = scene.untouched().before();
   const Stored now = StoredOn(scene.device());
-  const UntouchedRun::Outcome& untouched = scene.untouched().outcome();
+  const UntouchedOutcome& untouched = scene.untouched().outcome();
   const auto tell = [&](const std::string& where) {
     StoredChange change{.where = where,
                         .before = At(before, where),

@@ -1,5 +1,7 @@
 #include "tools/palsim/explore/untouched_run.h"
 
+#include <fmt/format.h>
+
 #include "platform/sim/kernel/process_state.h"
 #include "platform/sim/kernel/registry_text.h"
 #include "platform/sim/text.h"
@@ -14,7 +16,7 @@ void Collect(Stored& stored, const std::string& path, const sim::RegistryKey& ke
   stored.emplace(path, "");
   for (const sim::RegistryValue& value : key.values()) {
     const std::string name = value.name.empty() ? "@" : '"' + sim::ToUtf8(value.name) + '"';
-    stored.emplace(path + ' ' + name, sim::ValueText(value));
+    stored.emplace(fmt::format("{} {}", path, name), sim::ValueText(value));
   }
   for (const auto& below : key.keys()) {
     Collect(stored, path + '\\' + sim::ToUtf8(below->name()), *below);
@@ -56,7 +58,7 @@ void UntouchedRun::CallEnds(const WatchedCall& call) {
   if (call_ == &call) call_ = nullptr;
 }
 
-const UntouchedRun::Outcome& UntouchedRun::outcome() {
+const UntouchedOutcome& UntouchedRun::outcome() {
   if (outcome_) return *outcome_;
   outcome_.emplace();
   copy_->journal().Clear();

@@ -20,6 +20,13 @@ struct WatchedCall;
 using Stored = std::map<std::string, std::string>;
 [[nodiscard]] Stored StoredOn(sim::Device& device);
 
+struct UntouchedOutcome {
+  std::optional<std::uint32_t> code;  // nothing: its process ended in it
+  std::uint64_t took_ms = 0;
+  Stored stored;                    // then
+  std::vector<std::string> writes;  // the journal's lines about registry and files
+};
+
 class UntouchedRun {
  public:
   explicit UntouchedRun(sim::Device& device) : device_(device) {}
@@ -35,14 +42,8 @@ class UntouchedRun {
   [[nodiscard]] bool Has(const WatchedCall& call) const { return call_ == &call; }
   // What the device stored before the call.
   [[nodiscard]] const Stored& before() const { return before_; }
-  struct Outcome {
-    std::optional<std::uint32_t> code;  // nothing: its process ended in it
-    std::uint64_t took_ms = 0;
-    Stored stored;                    // then
-    std::vector<std::string> writes;  // the journal's lines about registry and files
-  };
   // Runs the call at the first question.
-  [[nodiscard]] const Outcome& outcome();
+  [[nodiscard]] const UntouchedOutcome& outcome();
 
  private:
   sim::Device& device_;
@@ -50,7 +51,7 @@ class UntouchedRun {
   const WatchedCall* call_ = nullptr;
   bool wants_every_call_ = false;
   Stored before_;
-  std::optional<Outcome> outcome_;
+  std::optional<UntouchedOutcome> outcome_;
 };
 
 }  // namespace palsim

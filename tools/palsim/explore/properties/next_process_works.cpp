@@ -34,7 +34,7 @@ class NextWorks : public Property {
                              std::ranges::none_of(kShareWithOthers, begins);
     if (!is_compared) return;
     Met();
-    const UntouchedRun::Outcome& untouched = scene.untouched().outcome();
+    const UntouchedOutcome& untouched = scene.untouched().outcome();
     if (untouched.code != call.outcome->code) {
       Violated(fmt::format("{} answers {}, and {} where none was killed", call.name,
                            ResultText(static_cast<HRESULT>(call.outcome->code)),

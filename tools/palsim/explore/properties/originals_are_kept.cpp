@@ -52,8 +52,8 @@ class Originals : public Property {
     for (const auto& [place, record] : RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath))) {
       Met();
       const auto [begin, end] = originals_.equal_range(place);
-      const bool is_original =
-          std::any_of(begin, end, [&](const auto& known) { return known.second == record; });
+      const bool is_original = std::any_of(
+          begin, end, [&, &saved = record](const auto& known) { return known.second == saved; });
       if (is_original) continue;
       Violated(fmt::format("{}: the saved record of the scan code {:#x} is {:02x}", place.first,
                            place.second, fmt::join(record, " ")));
