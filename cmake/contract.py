@@ -336,6 +336,16 @@ def table(contract):
     return "\n".join([*lines, *(f"#undef {macro}" for macro in rows)]) + "\n"
 
 
+def thunks(contract):
+    """Each export as a row with its parameters as C has them, and with their names alone."""
+    rows = []
+    for export in contract.exports.values():
+        declared = ", ".join(f"{each.type} {each.name}" for each in export.parameters) or "void"
+        names = ", ".join(each.name for each in export.parameters)
+        rows.append(f"PAL_THUNK({export.type}, {export.name}, ({declared}), ({names}))\n")
+    return "".join(rows)
+
+
 def main():
     contract, folder = Contract(pathlib.Path(sys.argv[1]).resolve()), pathlib.Path(sys.argv[2])
     if contract.faults:
@@ -345,6 +355,7 @@ def main():
     folder.mkdir(parents=True, exist_ok=True)
     for file, text in {
             "contract.inc": table(contract),
+            "thunks.inc": thunks(contract),
             "exports.inc": "".join(f"PAL_EXPORT({name})\n" for name in names),
             # The entry is found by name here; on the device the loader knows it.
             "exports.map": f"{{ global: DllMain; CountersBegin; CountersEnd; {'; '.join(names)}; local: *; }};\n",

@@ -7,7 +7,8 @@
  * and for a gain of the codec from 0 to 100. The words, the gains, the current levels and the sound
  * files are values under HKEY_LOCAL_MACHINE "Software\Dravonel\BeeperVol". Words and gains are
  * REG_DWORD; a sound file is a REG_SZ with its whole path. PALVolumeIndex numbers the rows of words
- * and gains.
+ * and gains. Where the word of a level cannot be read, a process goes on with the one that it has
+ * read last. At first these are 0, 0x33333333, 0x66666666, 0x99999999, 0xCCCCCCCC and 0xFFFFFFFF.
  *
  * The good-read indicator, a PALGoodReadIndicator for each PALScanType, says how a good read is
  * felt and heard. It is the REG_DWORD "IntGRI", "TethGRI", "BTGRI" or "RFIDGRI" under

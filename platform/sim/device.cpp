@@ -182,6 +182,18 @@ void Device::StartProgram(const Program& program) {
   Advance(0);
 }
 
+void Device::StartServicesOf(const Device& other) {
+  for (const Program& service : other.kernel_->services) StartProgram(service);
+}
+
+void Device::Restart(RestartKind kind) {
+  {
+    const Scheduler::Lock lock(kernel_->mutex);
+    kernel_->Restart(nullptr, kind);
+  }
+  Advance(0);  // calls under way end, services start
+}
+
 std::vector<RestartKind> Device::restarts() const {
   const Scheduler::Lock lock(kernel_->mutex);
   return kernel_->restarts;

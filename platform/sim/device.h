@@ -180,11 +180,15 @@ class Device {
   // "\Windows\orqautoreg.exe" (platform/sim/programs/registry_importer.h). Programs that still run
   // when the device ends are killed.
   void InstallProgram(Program program);
+  // Starts the services of another device.
+  void StartServicesOf(const Device& other);
   // Starts a program as a service: it runs from now on, and again after each restart. It need not
   // be installed. When this returns, the program has had its first turn.
   void StartProgram(const Program& program);
 
-  // The restarts that programs asked for, since the device was made. A restart kills every process:
+  // Restarts the device from outside, as a person would who holds its power button.
+  void Restart(RestartKind kind);
+  // The restarts since the device was made. A restart kills every process:
   // a call that runs in one throws ProcessKilled, and its Process can only be ended. Handles are
   // closed, named objects are gone, drivers are as after power-up, and services are started anew.
   // Registry, files, journal and time go on, for both kinds of restart.
@@ -250,6 +254,9 @@ class Process {
   [[nodiscard]] unsigned new_handles() const;  // without those of the attach
   [[nodiscard]] unsigned heap_blocks() const;
   [[nodiscard]] unsigned held_mutexes() const;
+  // The system errors that the platform has given to the last call of an export: by the thread of
+  // this process that runs now, or by its main thread.
+  [[nodiscard]] const std::vector<std::uint32_t>& errors_of_call() const;
 
  private:
   Device& device_;

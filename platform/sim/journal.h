@@ -56,6 +56,8 @@ class Journal {
   [[nodiscard]] std::vector<std::string> Texts(std::optional<Effect> effect = std::nullopt) const;
   // A device that keeps no entries can run for any time: for benchmarks.
   void set_keeps_entries(bool keeps) { keeps_entries_ = keeps; }
+  // Whether anybody gets to see a new entry.
+  [[nodiscard]] bool is_read() const { return keeps_entries_ || listener_ != nullptr; }
   // Called with each new entry, for tools that print while a program runs.
   void set_listener(std::function<void(const JournalEntry&)> listener) {
     listener_ = std::move(listener);

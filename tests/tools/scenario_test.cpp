@@ -54,6 +54,11 @@ TEST(ScenarioText, SaysWhatIsNotUnderstood) {
            Case{"expect engine mood is on", "s:1: mood is not the engine's power"},
            Case{"expect engine power is pulled", "s:1: power is never pulled, but off or on"},
            Case{"expect restart hot", "s:1: a restart is warm or cold"},
+           Case{"restart hot", "s:1: a restart is warm or cold"},
+           Case{"dock is gone", "s:1: a dock is attached or taken"},
+           Case{"parameter 0x10000 = 1", "s:1: a parameter has a number from 0 to 0xFFFF"},
+           Case{"check property levels-come-bac",
+                "s:1: there is no property 'levels-come-bac'; did you mean levels-come-back?"},
            Case{"expect no lamp *", "s:1: 'lamp' is no effect in the journal"},
            Case{"\n# a comment\nscanner starts # and why\n  dance  # not this",
                 "s:4: 'dance' is no"},
@@ -243,6 +248,38 @@ TEST_F(ScenarioStage, ARestartEndsEveryProcessAndTheNextGoOn) {
                       "s:8: expected no further restart; there was restart, cold",
                       "s:9: expected a restart, warm; there was restart, cold",
                       "s:10: expected a restart, cold; there was no further restart"}));
+}
+
+TEST_F(ScenarioStage, TheDeviceChangesAndItsPropertiesHold) {
+  Play(R"(
+      check properties
+      turns change by 5
+      scanner starts
+      dock is taken
+      scanner calls PALOneWire_IsVehicleDockAttached
+      expect scanner returned 0
+      dock is attached
+      scanner calls PALOneWire_IsVehicleDockAttached
+      expect scanner returned 1
+      parameter 0x0035 = 7
+      scanner calls PALKEYGetType out
+      expect scanner argument 1 = 7
+      no parameter 0x0035
+      scanner calls PALKEYGetType out
+      expect scanner argument 1 = 0
+      call 1 of ReadFile moves 2 bytes
+      scanner calls PALMFGOpt_InternalDevice2Type out
+      expect scanner argument 1 = 255
+      no driver CFG1:
+      scanner calls PALPWRGetBootOption out
+      expect scanner returned PAL_E_DEV_NOT_EXIST
+      kill at call 3 of any
+      scanner calls PALMFGOpt_PersistRegistry
+      expect scanner was killed
+      restart warm
+      expect restart warm
+      scanner starts)");
+  EXPECT_EQ(said, std::vector<std::string>());
 }
 
 TEST_F(ScenarioStage, PlatformCallsFailAsPlanned) {

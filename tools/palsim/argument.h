@@ -120,6 +120,10 @@ class OutBuffer {
     std::fill_n(units_.begin(), room_, Unit{0});
   }
   Unit* value() { return is_null_ ? nullptr : units_.data(); }
+  // Whether nothing was written behind the room.
+  [[nodiscard]] bool fits() const {
+    return std::all_of(RoomEnd(), units_.end(), [](Unit unit) { return unit == kSpare; });
+  }
   [[nodiscard]] std::string answer() const {
     if (is_null_) return {};
     std::string text;
@@ -128,11 +132,11 @@ class OutBuffer {
     } else {
       text = QuotedText(Written());
     }
-    return Fits() ? text : text + " written past the room given";
+    return fits() ? text : text + " written past the room given";
   }
   // As it is shown where it does not fit.
   [[nodiscard]] Content content() const {
-    if (is_null_ || !Fits()) return answer();
+    if (is_null_ || !fits()) return answer();
     if constexpr (std::is_same_v<Unit, BYTE>) {
       return Written();
     } else {
@@ -144,11 +148,8 @@ class OutBuffer {
   static constexpr std::size_t kEnough = 512;
   static constexpr Unit kSpare = 0x5A;
   [[nodiscard]] auto RoomEnd() const { return units_.begin() + static_cast<std::ptrdiff_t>(room_); }
-  [[nodiscard]] bool Fits() const {
-    return std::all_of(RoomEnd(), units_.end(), [](Unit unit) { return unit == kSpare; });
-  }
   [[nodiscard]] std::vector<Unit> Written() const {
-    return {units_.begin(), Fits() ? RoomEnd() : units_.end()};
+    return {units_.begin(), fits() ? RoomEnd() : units_.end()};
   }
   bool is_null_;
   std::size_t room_;

@@ -1,6 +1,7 @@
 #include "tools/palsim/declarations.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace palsim {
 namespace {
@@ -42,8 +43,13 @@ constexpr std::array kEnumerators{
 }  // namespace
 
 const Declaration* FindDeclaration(std::string_view export_name) {
-  const auto* const row = std::ranges::find(kDeclarations, export_name, &Declaration::name);
-  return row == kDeclarations.end() ? nullptr : row;
+  static const auto rows = [] {
+    std::unordered_map<std::string_view, const Declaration*> by_name;
+    for (const Declaration& row : kDeclarations) by_name.emplace(row.name, &row);
+    return by_name;
+  }();
+  const auto row = rows.find(export_name);
+  return row == rows.end() ? nullptr : row->second;
 }
 
 std::span<const ResultName> ResultNames() {

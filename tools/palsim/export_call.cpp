@@ -8,6 +8,7 @@
 #include <cctype>
 #include <stdexcept>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/sim/exports.h"
@@ -23,7 +24,6 @@ namespace {
 CallOutcome OutcomeOf(std::string_view /*name*/, HRESULT result) {
   CallOutcome outcome;
   outcome.failed = result < 0;
-  outcome.code = static_cast<std::uint32_t>(result);
   outcome.result = ResultText(result);
   outcome.name = ResultMeaning(result);
   return outcome;
@@ -32,7 +32,6 @@ CallOutcome OutcomeOf(std::string_view /*name*/, HRESULT result) {
 // An answer such as yes or no.
 CallOutcome OutcomeOf(std::string_view name, DWORD answer) {
   CallOutcome outcome;
-  outcome.code = answer;
   outcome.result = fmt::format("{}", answer);
   for (const ResultName& known : AnswersOf(name)) {
     if (known.code != answer) continue;
@@ -64,6 +63,16 @@ std::string UsageLine(const Declaration& declaration) {
     if (!parameter.type.empty()) line += " " + ArgumentWord(parameter);
   }
   return line;
+}
+
+enum class Texts : std::uint8_t { kNone, kAll };
+
+template <class ArgumentType>
+void TakeNumbers(CallOutcome& outcome, std::size_t place, const ArgumentType& argument) {
+  if constexpr (requires { argument.number(); }) outcome.numbers.at(place) = argument.number();
+  if constexpr (requires { argument.fits(); }) {
+    if (!argument.fits()) outcome.within_room = false;
+  }
 }
 
 template <class ArgumentType>
@@ -101,11 +110,15 @@ void Check(const sim::Export<Result(Arguments...)>& /*function*/, std::string_vi
 
 template <class Result, class... Arguments>
 CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::string_view name,
-                   const std::vector<std::string>& texts) {
+                   const std::vector<std::string>& texts, Texts wanted) {
   auto arguments = Read<Arguments...>(name, texts);
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     const auto result = function(std::get<Index>(arguments).value()...);
-    CallOutcome outcome = OutcomeOf(name, result);
+    CallOutcome outcome;
+    if (wanted == Texts::kAll) outcome = OutcomeOf(name, result);
+    outcome.code = static_cast<std::uint32_t>(result);
+    (TakeNumbers(outcome, Index, std::get<Index>(arguments)), ...);
+    if (wanted == Texts::kNone) return outcome;
     const auto& parameters = DeclarationOf(name).parameters;
     const std::array<Answer, sizeof...(Index)> answers{
         AnswerOf(parameters.at(Index), Index + 1, std::get<Index>(arguments))...};
@@ -140,7 +153,7 @@ std::string Usage(const sim::Export<Result(Arguments...)>& /*function*/, std::st
 
 struct ExportRow {
   std::string_view name;
-  CallOutcome (*call)(const sim::Exports&, const std::vector<std::string>&);
+  CallOutcome (*call)(const sim::Exports&, const std::vector<std::string>&, Texts);
   void (*check)(const std::vector<std::string>&);
   std::string (*usage)();
 };
@@ -148,9 +161,8 @@ struct ExportRow {
 constexpr std::array kExports{
 #define PAL_EXPORT(name)                                                                 \
   ExportRow{#name,                                                                       \
-            [](const sim::Exports& exports, const std::vector<std::string>& arguments) { \
-              return Invoke(exports.name, #name, arguments);                             \
-            },                                                                           \
+            [](const sim::Exports& exports, const std::vector<std::string>& arguments,   \
+               Texts wanted) { return Invoke(exports.name, #name, arguments, wanted); }, \
             [](const std::vector<std::string>& arguments) {                              \
               Check(sim::Exports{}.name, #name, arguments);                              \
             },                                                                           \
@@ -194,13 +206,24 @@ std::string Suggestion(std::string_view name) {
   return nearest.empty() ? "; 'palsim --exports' lists them" : nearest;
 }
 
+std::unordered_map<std::string_view, const ExportRow*> RowsByName() {
+  std::unordered_map<std::string_view, const ExportRow*> rows;
+  for (const ExportRow& row : kExports) rows.emplace(row.name, &row);
+  return rows;
+}
+
 const ExportRow& Find(std::string_view name) {
-  const auto* const row = std::ranges::find(kExports, name, &ExportRow::name);
-  if (row != kExports.end()) return *row;
+  static const std::unordered_map<std::string_view, const ExportRow*> rows = RowsByName();
+  const auto row = rows.find(name);
+  if (row != rows.end()) return *row->second;
   throw UsageError(fmt::format("there is no export {}{}", name, Suggestion(name)));
 }
 
 }  // namespace
+
+std::size_t ExportIndex(std::string_view name) {
+  return static_cast<std::size_t>(&Find(name) - kExports.data());
+}
 
 std::string UsageText(std::string_view name) {
   return Find(name).usage();
@@ -219,6 +242,11 @@ std::vector<std::string> ShownArguments(std::string_view name, std::vector<std::
   return arguments;
 }
 
+CallOutcome CallPlainly(sim::Process& process, std::size_t export_index,
+                        const std::vector<std::string>& arguments) {
+  return kExports.at(export_index).call(process.exports(), arguments, Texts::kNone);
+}
+
 CallOutcome CallExport(sim::Process& process, std::string_view name,
                        const std::vector<std::string>& arguments) {
   const ExportRow& row = Find(name);
@@ -228,7 +256,7 @@ CallOutcome CallExport(sim::Process& process, std::string_view name,
   process.Note(sim::Effect::kCall, sim::Escape(call));
   const std::size_t restarts_before = process.device().restarts().size();
   try {
-    CallOutcome outcome = row.call(process.exports(), arguments);
+    CallOutcome outcome = row.call(process.exports(), arguments, Texts::kAll);
     process.Note(sim::Effect::kCall, sim::Escape(fmt::format("{} = {}", call, outcome.result)));
     return outcome;
   } catch (const sim::ProcessKilled&) {

@@ -9,6 +9,7 @@
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/device_lock.h"
+#include "tools/palsim/explore/explore_command.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
 #include "tools/palsim/shell.h"
@@ -74,6 +75,7 @@ class CommandLine {
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
     app_.add_option_function<std::string>("--usage", &PrintUsage, "How to call an export");
     app_.add_flag_callback("--statements", &PrintStatements, "List what a scenario can say");
+    app_.add_flag_callback("--properties", &PrintProperties, "List what explore checks");
     app_.add_flag_callback("--effects", &PrintEffects, "List the journal's effects");
     app_.failure_message([this](const CLI::App* /*app*/, const CLI::Error& error) {
       return fmt::format("{}{}\nRun with --help or --help-all for more information.\n",
@@ -95,6 +97,7 @@ class CommandLine {
     AddTest();
     AddFacts();
     AddServe();
+    AddExplore();
     AddAlone("samples", "List the sample devices", &palsim::ListSamples);
   }
 
@@ -138,6 +141,11 @@ class CommandLine {
  private:
   static void PrintStatements() {
     palsim::PrintStatements();
+    throw CLI::Success();
+  }
+
+  static void PrintProperties() {
+    palsim::PrintProperties();
     throw CLI::Success();
   }
 
@@ -417,6 +425,36 @@ class CommandLine {
     command->footer(kServe);
   }
 
+  void AddExplore() {
+    auto* command =
+        AddAlone("explore", "Search for runs in which a property does not hold", [this] {
+          if (!merged_.empty()) return palsim::MergeReports(merged_, explore_.out);
+          explore_.world.faults = palsim::ParseFaultRate(faults_);
+          return palsim::Explore(explore_);
+        });
+    command->add_option("--device", explore_.world.device,
+                        "A sample device, or a device's folder; else a sample by each seed");
+    command->add_option("--seeds", explore_.seeds, "Which worlds: A-B")->capture_default_str();
+    command->add_option("--steps", explore_.world.steps, "Of a world")
+        ->check(CLI::Range(1, 100000))
+        ->capture_default_str();
+    command->add_option("--processes", explore_.world.processes, "Of a world, at most")
+        ->check(CLI::Range(1, 8))
+        ->capture_default_str();
+    command->add_option("--jobs", explore_.jobs, "How many at once; 0: one for each processor")
+        ->check(CLI::Range(0, 1024))
+        ->capture_default_str();
+    command->add_option("--shard", explore_.shard, "The part I of N of the seeds")
+        ->capture_default_str();
+    command->add_option("--for", explore_.time, "How long, such as 90s, 5m or 2h");
+    command->add_option("--faults", faults_, "How often: none, rare or often")
+        ->capture_default_str();
+    command->add_option("--program", explore_.world.program,
+                        "A shared library that takes part as a process");
+    command->add_option("--out", explore_.out, "A folder for findings and report");
+    command->add_option("--merge", merged_, "Add up the reports in these folders instead");
+  }
+
   CLI::App app_{"Runs DVLORQPAL.dll on a simulated device.", "palsim"};
   CLI::Option* device_ = nullptr;
   std::string folder_;
@@ -436,6 +474,9 @@ class CommandLine {
   palsim::TestOptions test_;
   palsim::FactsOptions facts_;
   palsim::ServeOptions serve_;
+  palsim::ExploreOptions explore_;
+  std::string faults_ = "rare";
+  std::vector<std::string> merged_;
   int status_ = palsim::kSuccess;
 };
 

@@ -40,6 +40,7 @@ Call::Call(CallId id, const Subject& subject)
 
 LONG Call::Fail(LONG error) {
   thread_.last_error = static_cast<DWORD>(error);
+  if (thread_.calls_in_library > 0) thread_.errors.push_back(thread_.last_error);
   return error;
 }
 

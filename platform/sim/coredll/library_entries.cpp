@@ -15,12 +15,12 @@
 namespace sim {
 namespace {
 
-void LogFromEntry(Effect effect, std::string_view text, DWORD category = 0) {
+void LogFromEntry(Effect effect, std::string_view text) {
   const ThreadState* thread = CurrentThread();
   if (thread == nullptr) return;
   Kernel& kernel = thread->process.kernel;
   const Scheduler::Lock lock(kernel.mutex);
-  kernel.Log(thread, effect, text, category);
+  kernel.Log(thread, effect, text);
 }
 
 // The lines of the library that show where a caller's buffer and its length are.
@@ -44,7 +44,14 @@ std::string WithStableAddresses(std::string line) {
 
 // The event log keeps every line, whatever its category.
 DWORD LogString(DWORD category, const char* text) {
-  LogFromEntry(Effect::kTrace, WithStableAddresses(text), category);
+  const ThreadState* thread = CurrentThread();
+  if (thread == nullptr) return 0;
+  Kernel& kernel = thread->process.kernel;
+  const Scheduler::Lock lock(kernel.mutex);
+  // Most of a run's lines are these, and some runs are not read.
+  if (kernel.journal.is_read()) {
+    kernel.Log(thread, Effect::kTrace, WithStableAddresses(text), category);
+  }
   return 0;
 }
 

@@ -43,6 +43,6 @@ DWORD SetSystemPowerState(LPCWSTR state, DWORD flags, DWORD options) {
     call.Misuse("was asked for a restart without force, which any driver may refuse");
     return call.Fail(ERROR_INVALID_PARAMETER, kRefused);
   }
-  call.kernel().Restart(call.thread(), row->kind);
+  call.kernel().Restart(&call.thread(), row->kind);
   throw sim::ProcessKilled();
 }

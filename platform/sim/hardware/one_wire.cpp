@@ -70,7 +70,7 @@ std::uint32_t OneWireBus::Control(DriverRequest& request) {
 
 void OneWireBus::Answer(std::uint32_t code, Record& record) {
   if (code == kSearch) {
-    found_ = devices_.size();
+    found_ = attached_ ? devices_.size() : 0;
   } else if (code == kGetDeviceCount) {
     record.index = reported_count_.value_or(static_cast<std::uint32_t>(found_));
   } else if (record.index >= found_) {

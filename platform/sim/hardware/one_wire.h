@@ -45,6 +45,9 @@ class OneWireBus : public Driver {
   // The number of devices that the driver gives instead of the true one.
   void set_reported_count(std::uint32_t count) { reported_count_ = count; }
 
+  // Whether its devices stand on the bus, which the next search finds out.
+  void set_attached(bool attached) { attached_ = attached; }
+
   [[nodiscard]] std::shared_ptr<Driver> Clone() const override {
     return std::make_shared<OneWireBus>(*this);
   }
@@ -63,6 +66,7 @@ class OneWireBus : public Driver {
 
   std::vector<OneWireDevice> devices_;
   std::optional<std::uint32_t> reported_count_;
+  bool attached_ = true;
   std::size_t found_ = 0;
   std::vector<Planned> failures_;
 };

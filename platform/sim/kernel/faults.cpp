@@ -51,7 +51,10 @@ const Fault* Faults::Count(CallId id, const std::function<std::string()>& subjec
                                                 : planned.seen == planned.fault.nth;
     if (now && due == nullptr) due = &planned.fault;
   }
-  if (due != nullptr) faulted_.push_back(id);
+  if (due == nullptr) return nullptr;
+  faulted_.push_back(id);
+  ++due_;
+  if (due->kill) ++kills_;
   return due;
 }
 

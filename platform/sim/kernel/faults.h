@@ -42,6 +42,11 @@ class Faults {
   [[nodiscard]] std::vector<std::string> NotReached() const;
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
   [[nodiscard]] unsigned calls() const { return total_; }
+  // Whether a call may fail by a plan from now on.
+  [[nodiscard]] bool are_planned() const { return !plans_.empty(); }
+  // How many calls had a fault, ever; and how many of those ended their process.
+  [[nodiscard]] unsigned due() const { return due_; }
+  [[nodiscard]] unsigned kills() const { return kills_; }
 
  private:
   struct Planned {
@@ -53,6 +58,8 @@ class Faults {
   std::vector<CallId> faulted_;
   std::array<unsigned, static_cast<std::size_t>(CallId::kCount)> counts_{};
   unsigned total_ = 0;
+  unsigned due_ = 0;
+  unsigned kills_ = 0;
 };
 
 }  // namespace sim

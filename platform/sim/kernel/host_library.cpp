@@ -14,8 +14,10 @@
 #include <set>
 #include <span>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -133,7 +135,12 @@ class HostLibrary : public LoadedLibrary {
   }
   ~HostLibrary() override { dlclose(module_); }
 
-  [[nodiscard]] void* Symbol(const char* name) const override { return dlsym(module_, name); }
+  // Every process asks for all exports anew.
+  [[nodiscard]] void* Symbol(const char* name) const override {
+    const auto [symbol, is_new] = symbols_.try_emplace(name);
+    if (is_new) symbol->second = dlsym(module_, name);
+    return symbol->second;
+  }
   [[nodiscard]] bool Contains(const void* address) const override {
     const auto at = reinterpret_cast<std::uintptr_t>(address);
     return at >= range_.begin && at < range_.end;
@@ -151,6 +158,7 @@ class HostLibrary : public LoadedLibrary {
 
   std::unique_ptr<PrivateFile> file_;  // open as long as it is loaded: no other gets its path
   void* module_ = nullptr;
+  mutable std::unordered_map<std::string, void*> symbols_;  // those that were asked for
   AddressRange range_;
   std::uint64_t* writable_ = nullptr;
   std::vector<std::uint64_t> at_first_;

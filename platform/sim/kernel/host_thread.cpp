@@ -49,7 +49,7 @@ bool AwaitThread(ThreadState& thread) {
 
 void StartHostThread(const std::shared_ptr<ThreadState>& thread, std::function<void()> body) {
   thread->process.kernel.scheduler.Add(*thread->strand);
-  thread->host = std::thread(ThreadBody, thread, std::move(body));
+  thread->host = HostThread([thread, body = std::move(body)] { ThreadBody(thread, body); });
 }
 
 void AwaitEnd(ThreadState& thread) {
@@ -59,7 +59,7 @@ void AwaitEnd(ThreadState& thread) {
     kernel.Misuse(thread, fmt::format("deadlock: thread {} waits for ever", thread.id));
     kernel.BeginKill(thread.process);
   }
-  if (thread.host.joinable()) thread.host.join();
+  thread.host.Join();
 }
 
 }  // namespace sim

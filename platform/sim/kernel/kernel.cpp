@@ -18,6 +18,7 @@ Kernel::Kernel(Concurrency concurrency)
 
 void Kernel::Log(const ThreadState* thread, Effect effect, std::string_view text,
                  std::uint32_t category) {
+  if (!journal.is_read()) return;
   JournalEntry entry;
   entry.time_ms = scheduler.now_ms();
   entry.process_id = thread != nullptr ? thread->process.id : 0;

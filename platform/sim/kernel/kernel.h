@@ -72,8 +72,9 @@ class Kernel {
   [[nodiscard]] bool HasRoomForProcess() const;
   // Marks a process as killed and wakes its threads: each one ends where it waits.
   void BeginKill(ProcessState& process);
-  // Restarts the device at the request of a thread. That thread must end then, as all others do.
-  void Restart(const ThreadState& thread, RestartKind kind);
+  // Restarts the device at the request of a thread (nullptr: from outside). That thread must end
+  // then, as all others do.
+  void Restart(const ThreadState* thread, RestartKind kind);
 
   [[nodiscard]] const Module* FindModule(std::string_view path) const;
   // The handle of a library by its path: the same in every process.

@@ -51,7 +51,9 @@ void EndThreads(ProcessState& process) {
 // A call into the library, from construction to destruction.
 class LibraryCall {
  public:
-  explicit LibraryCall(ThreadState& thread) : thread_(thread) { ++thread_.calls_in_library; }
+  explicit LibraryCall(ThreadState& thread) : thread_(thread) {
+    if (thread_.calls_in_library++ == 0) thread_.errors.clear();
+  }
   ~LibraryCall() { --thread_.calls_in_library; }
   LibraryCall(const LibraryCall&) = delete;
   LibraryCall& operator=(const LibraryCall&) = delete;
@@ -223,6 +225,12 @@ unsigned Process::held_mutexes() const {
   std::size_t held = state_->main_thread->owned.size();
   for (const auto& thread : state_->threads) held += thread->owned.size();
   return static_cast<unsigned>(held);
+}
+
+const std::vector<std::uint32_t>& Process::errors_of_call() const {
+  const ThreadState* current = CurrentThread();
+  const bool is_own = current != nullptr && &current->process == state_.get();
+  return is_own ? current->errors : state_->main_thread->errors;
 }
 
 unsigned Process::heap_blocks() const {

@@ -10,11 +10,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/sim/exports.h"
+#include "platform/sim/kernel/host_thread_pool.h"
 #include "platform/sim/kernel/library_copy.h"
 #include "platform/sim/kernel/objects.h"
 #include "platform/sim/kernel/scheduler.h"
@@ -47,11 +47,12 @@ class ThreadState {
   std::vector<Mutex*> owned;
   std::atomic<unsigned> calls_in_library = 0;  // those that have not returned
   bool left_library = false;                   // it will never return there
+  std::vector<std::uint32_t> errors;  // that the platform gave to its last call of an export
   const std::shared_ptr<ThreadObject> object = std::make_shared<ThreadObject>();
 
   // Only for a thread that has a thread of the host:
   Strand own_strand;
-  std::thread host;
+  HostThread host;
   std::exception_ptr failure;
   bool killed = false;
 };

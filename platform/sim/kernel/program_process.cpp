@@ -12,7 +12,7 @@ namespace {
 void Reap(Kernel& kernel) {
   std::erase_if(kernel.program_processes, [](const std::shared_ptr<ProcessState>& process) {
     if (process->main_thread->strand->state != Strand::State::kEnded) return false;
-    process->main_thread->host.join();
+    process->main_thread->host.Join();
     return true;
   });
 }

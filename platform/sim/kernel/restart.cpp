@@ -8,8 +8,8 @@ const char* RestartText(RestartKind kind) {
   return kind == RestartKind::kCold ? "restart, cold" : "restart, warm";
 }
 
-void Kernel::Restart(const ThreadState& thread, RestartKind kind) {
-  Log(&thread, Effect::kPower, RestartText(kind));
+void Kernel::Restart(const ThreadState* thread, RestartKind kind) {
+  Log(thread, Effect::kPower, RestartText(kind));
   restarts.push_back(kind);
   std::vector<std::shared_ptr<ProcessState>> ending = program_processes;
   for (const auto& process : processes) {

@@ -7,13 +7,14 @@ namespace sim {
 Program FlushService() {
   return {R"(\Windows\flushservice.exe)", [](const std::string& /*command_line*/) -> std::uint32_t {
             const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, TEXT("DVLRegFlushKeyAll"));
-            while (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0) {
-              ResetEvent(event);
+            if (event == nullptr) return 1;
+            while (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0 && ResetEvent(event)) {
               RegFlushKey(HKEY_LOCAL_MACHINE);
               RegFlushKey(HKEY_CURRENT_USER);
               RegFlushKey(HKEY_CLASSES_ROOT);
               RegFlushKey(HKEY_USERS);
             }
+            CloseHandle(event);
             return 0;
           }};
 }

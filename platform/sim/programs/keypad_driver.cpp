@@ -49,7 +49,9 @@ Program KeypadDriver() {
   return {R"(\Windows\dvlkbd.exe)", [](const std::string& /*command_line*/) -> std::uint32_t {
             const HANDLE event =
                 CreateEventW(nullptr, FALSE, FALSE, TEXT("DVL_KEYBOARD_CHANGE_USB"));
+            if (event == nullptr) return 1;
             while (WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0) Reload();
+            CloseHandle(event);
             return 0;
           }};
 }

@@ -23,7 +23,7 @@ std::vector<std::string> Arguments(const Filled& filled) {
 
 sim::Fault PlannedFault(const Filled& filled) {
   sim::Fault fault;
-  fault.call = filled.Text("API");
+  if (filled.Text("API") != kAnyCall) fault.call = filled.Text("API");
   if (filled.Has("COUNT")) fault.nth = static_cast<unsigned>(ParseNumber(filled.Text("COUNT")));
   if (filled.Has("NUMBER")) {
     fault.error = static_cast<std::uint32_t>(ParseNumber(filled.Text("NUMBER")));
@@ -67,6 +67,10 @@ void PlayKilled(Stage& stage, const Filled& filled) {
 
 void PlayCalls(Stage& stage, const Filled& filled) {
   stage.Call(filled.Text("PROCESS"), filled.Text("EXPORT"), Arguments(filled));
+}
+
+void PlayRuns(Stage& stage, const Filled& filled) {
+  stage.RunProgram(filled.Text("PROCESS"), filled.Text("FILE"), filled.Text("CALL"));
 }
 
 void PlayBegins(Stage& stage, const Filled& filled) {

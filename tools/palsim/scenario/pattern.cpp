@@ -68,7 +68,8 @@ using LineRest = std::span<const Word>;
 
 bool Match(PatternRest pattern, LineRest line, Filled& filled);
 
-// Fewer words first, so that what follows in the pattern is found where it stands first.
+// Fewer words first, so that what follows in the pattern is found where it stands first. Words are
+// taken on the way back, where all else has matched: the last first.
 bool MatchFilledIn(PatternRest pattern, LineRest line, Filled& filled) {
   std::string_view name = pattern.front();
   const bool any_number = name.ends_with("...");
@@ -76,10 +77,8 @@ bool MatchFilledIn(PatternRest pattern, LineRest line, Filled& filled) {
   const std::size_t least = any_number ? 0 : (name == "TIME" || name == "DELAY" ? 2 : 1);
   const std::size_t most = any_number ? line.size() : least;
   for (std::size_t count = least; count <= std::min(most, line.size()); ++count) {
-    Filled behind;
-    if (!Match(pattern.subspan(1), line.subspan(count), behind)) continue;
-    filled.Add(name, Words(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(count)));
-    for (const auto& [part, words] : behind.parts()) filled.Add(part, words);
+    if (!Match(pattern.subspan(1), line.subspan(count), filled)) continue;
+    filled.AddBefore(name, Words(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(count)));
     return true;
   }
   return false;

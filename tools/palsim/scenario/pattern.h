@@ -26,7 +26,9 @@ using Words = std::vector<Word>;
 // What stood where a pattern has its words in capitals.
 class Filled {
  public:
-  void Add(std::string_view name, Words words) { parts_.emplace_back(name, std::move(words)); }
+  void AddBefore(std::string_view name, Words words) {
+    parts_.emplace(parts_.begin(), name, std::move(words));
+  }
   [[nodiscard]] const std::vector<std::pair<std::string_view, Words>>& parts() const {
     return parts_;
   }

@@ -21,6 +21,7 @@ struct StatementForm {
   std::string_view meaning;
   void (*play)(Stage& stage,
                const Filled& filled);  // nullptr: it only says something about the file
+  bool is_from_outside = false;        // it changes the device behind the back of its processes
 };
 
 struct Statement {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
@@ -25,10 +26,34 @@ std::string InOneLine(const std::string& message) {
   return line;
 }
 
+constexpr std::string_view kExtension = ".exe";
+
+// Whether a process has this name in a scenario. It is asked several times for each call.
+bool Is(const sim::Process& process, std::string_view name) {
+  const std::string_view file = process.name();
+  if (name.find('.') != std::string_view::npos) return file == name;
+  return file.size() == name.size() + kExtension.size() && file.starts_with(name) &&
+         file.ends_with(kExtension);
+}
+
+// The end of a program's run, also where its process is killed in it.
+class ProgramEnd {
+ public:
+  explicit ProgramEnd(Watch* watch) : watch_(watch) {}
+  ~ProgramEnd() {
+    if (watch_ != nullptr) watch_->ProgramEnds();
+  }
+  ProgramEnd(const ProgramEnd&) = delete;
+  ProgramEnd& operator=(const ProgramEnd&) = delete;
+
+ private:
+  Watch* watch_;
+};
+
 }  // namespace
 
 std::string ProcessFileName(const std::string& name) {
-  return name.find('.') == std::string::npos ? name + ".exe" : name;
+  return name.find('.') == std::string::npos ? name + std::string(kExtension) : name;
 }
 
 Stage::Stage(sim::Device& device, OnFailure on_failure)
@@ -55,6 +80,10 @@ void Stage::PlayOn(const Scenario& scenario) {
 void Stage::PlayStatement(const Statement& statement) {
   try {
     statement.form->play(*this, statement.filled);
+    if (watch_ == nullptr) return;
+    if (statement.form->is_from_outside) watch_->DeviceChanged();
+    watch_->StatementEnds();
+    SayWhatIsViolated();
   } catch (const std::invalid_argument& error) {
     throw UsageError(fmt::format("{}: {}", place_, error.what()));
   } catch (const UsageError& error) {
@@ -62,11 +91,48 @@ void Stage::PlayStatement(const Statement& statement) {
   }
 }
 
+void Stage::WatchFor(std::span<const PropertyRow> properties) {
+  watch_ = std::make_unique<Watch>(device_, properties);
+}
+
+void Stage::SayWhatIsViolated() {
+  if (said_violation_ || !watch_->violation()) return;
+  said_violation_ = true;
+  const Violation& violation = *watch_->violation();
+  Expect(false, fmt::format("{}: {}", violation.property, violation.sentence), violation.how);
+}
+
+bool Stage::Lives(const std::string& process) const {
+  return std::ranges::any_of(processes_,
+                             [&](const auto& each) { return Is(*each, process) && each->alive(); });
+}
+
+bool Stage::RunsCallOf(const std::string& process) const {
+  return std::ranges::any_of(running_,
+                             [&](const auto& call) { return call.second.process == process; });
+}
+
+void Stage::TakeEndedCalls() {
+  std::vector<std::string> ended;
+  for (const auto& [name, call] : running_) {
+    if (call.thread.ended()) ended.push_back(name);
+  }
+  for (const std::string& name : ended) {
+    AwaitCall(name);
+    outcomes_.erase(name);
+  }
+}
+
 void Stage::Finish(const std::string& place) {
   place_ = place;
   while (!running_.empty()) AwaitCall(running_.begin()->first);
   SayWhatWasNotReached();
-  for (const auto& process : processes_) process->End();
+  for (const auto& process : processes_) End(*process);
+  if (watch_ != nullptr) {
+    watch_->StatementEnds();
+    SayWhatIsViolated();
+    if (!watch_->violation()) Expect(true, "what always holds", {});
+  }
   for (const std::string& misuse : device_.TakeMisuse()) {
     Expect(false, "no misuse of the platform", misuse);
   }
@@ -78,22 +144,35 @@ void Stage::SayWhatWasNotReached() const {
   }
 }
 
-void Stage::StartProcess(const std::string& name) {
-  const std::string file = ProcessFileName(name);
-  const bool lives = std::ranges::any_of(
-      processes_, [&](const auto& process) { return process->name() == file && process->alive(); });
-  if (lives) throw UsageError(name + " has started already");
+void Stage::End(sim::Process& process) {
   try {
-    processes_.push_back(std::make_unique<sim::Process>(device_, file));
-  } catch (const std::logic_error& error) {
-    throw UsageError(error.what());
+    process.End();
+  } catch (const sim::ProcessKilled&) {  // while the library detached
+    process.End();
   }
 }
 
-sim::Process& Stage::process(const std::string& name) {
-  const std::string file = ProcessFileName(name);
+void Stage::StartProcess(const std::string& name) {
+  if (Lives(name)) throw UsageError(name + " has started already");
   for (const auto& process : processes_) {
-    if (process->name() == file && process->alive()) return *process;
+    if (process->alive()) continue;
+    End(*process);  // lets go of its copy of the library
+    programs_.erase(process->id());
+  }
+  if (watch_ != nullptr) watch_->Disturb();
+  const unsigned calls_before = device_.calls("RegSetValueExW");
+  try {
+    processes_.push_back(std::make_unique<sim::Process>(device_, ProcessFileName(name)));
+  } catch (const sim::ProcessKilled&) {      // while the library attached
+  } catch (const std::logic_error& error) {  // the device has all that it can have
+    throw UsageError(error.what());
+  }
+  if (watch_ != nullptr && device_.calls("RegSetValueExW") != calls_before) watch_->DeviceChanged();
+}
+
+sim::Process& Stage::process(const std::string& name) {
+  for (const auto& process : processes_) {
+    if (Is(*process, name) && process->alive()) return *process;
   }
   throw UsageError(fmt::format("no process {} runs now; write '{} starts' before", name, name));
 }
@@ -103,9 +182,8 @@ bool Stage::HasProcess() const {
 }
 
 std::uint32_t Stage::ProcessId(const std::string& name) const {
-  const std::string file = ProcessFileName(name);
   const auto found = std::find_if(processes_.rbegin(), processes_.rend(),
-                                  [&](const auto& process) { return process->name() == file; });
+                                  [&](const auto& process) { return Is(*process, name); });
   if (found == processes_.rend()) throw UsageError("no process " + name + " has started");
   return (*found)->id();
 }
@@ -113,10 +191,11 @@ std::uint32_t Stage::ProcessId(const std::string& name) const {
 void Stage::EndProcess(const std::string& name, bool kill) {
   sim::Process& process = this->process(name);
   wait_from = journal().size();
+  if (watch_ != nullptr) watch_->Disturb();
   if (kill) {
     process.Kill();
   } else {
-    process.End();
+    End(process);
   }
 }
 
@@ -127,27 +206,64 @@ void Stage::Call(const std::string& process, const std::string& name,
     throw UsageError(process + " has a call that still runs; begin that one 'as' another name");
   }
   wait_from = journal().size();
+  const std::size_t restarts_before = device_.restarts().size();
   std::optional<CallOutcome>& outcome = outcomes_[process];
   outcome.reset();
   try {
-    outcome = CallExport(caller, name, arguments);
+    outcome = MakeCall(caller, name, arguments);
   } catch (const sim::ProcessKilled&) {
     outcome.reset();
   }
-  if (outcome && outcome->restart) device_.Advance(0);  // calls under way end, services start
+  // Calls under way end, services start.
+  if (device_.restarts().size() != restarts_before) device_.Advance(0);
+}
+
+CallOutcome Stage::MakeCall(sim::Process& caller, const std::string& name,
+                            const std::vector<std::string>& arguments) {
+  const std::size_t index = ExportIndex(name);
+  const auto call = [&] {
+    return plain_ ? CallPlainly(caller, index, arguments) : CallExport(caller, name, arguments);
+  };
+  if (watch_ == nullptr) return call();
+  const Watch::Place place = watch_->CallBegins(caller, index, arguments);
+  try {
+    CallOutcome outcome = call();
+    watch_->CallEnds(place, outcome.restart ? nullptr : &outcome);
+    return outcome;
+  } catch (const sim::ProcessKilled&) {
+    watch_->CallEnds(place, nullptr);
+    throw;
+  }
 }
 
 void Stage::Begin(const std::string& process, const std::string& name,
                   const std::vector<std::string>& arguments, const std::string& as) {
   sim::Process& caller = this->process(process);
+  BeginThread(caller, process, as,
+              [this, &caller, name, arguments] { return MakeCall(caller, name, arguments); });
+}
+
+void Stage::RunProgram(const std::string& process, const std::string& file, const std::string& as) {
+  sim::Process& caller = this->process(process);
+  std::function<void()>& run = programs_[caller.id()];
+  if (!run) run = LoadProgram(file);
+  BeginThread(caller, process, as, [this, run] {
+    if (watch_ != nullptr) watch_->ProgramBegins();
+    const ProgramEnd end(watch_.get());
+    run();
+    return CallOutcome();
+  });
+}
+
+void Stage::BeginThread(sim::Process& process, const std::string& name, const std::string& as,
+                        std::function<CallOutcome()> body) {
   if (running_.contains(as)) throw UsageError(as + " still runs; 'wait for' it before");
   wait_from = journal().size();
   outcomes_.erase(as);
   auto outcome = std::make_shared<std::optional<CallOutcome>>();
-  sim::Thread thread = caller.Start(
-      [&caller, name, arguments, outcome] { *outcome = CallExport(caller, name, arguments); });
-  running_.emplace(as, RunningCall{std::move(thread), outcome});
-  device_.Advance(0);
+  sim::Thread thread = process.Start([outcome, body = std::move(body)] { *outcome = body(); });
+  running_.emplace(as, RunningCall{std::move(thread), outcome, name});
+  if (!turns_change_) device_.Advance(0);
 }
 
 void Stage::AwaitCall(const std::string& as) {
@@ -159,6 +275,20 @@ void Stage::AwaitCall(const std::string& as) {
   found->second.thread.Join();
   outcomes_[as] = *found->second.outcome;
   running_.erase(found);
+}
+
+void Stage::ChangeTurns(std::uint32_t seed) {
+  turns_change_ = true;
+  device_.ShuffleTurns(seed);
+}
+
+void Stage::Restart(sim::RestartKind kind) {
+  wait_from = journal().size();
+  if (watch_ != nullptr) {
+    watch_->Disturb();
+    watch_->RestartBegins();
+  }
+  device_.Restart(kind);
 }
 
 const std::optional<CallOutcome>& Stage::outcome(const std::string& of) {

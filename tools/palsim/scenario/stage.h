@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/sim/device.h"
+#include "tools/palsim/explore/watch.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/scenario/scenario.h"
 
@@ -34,6 +35,22 @@ class Stage {
   [[nodiscard]] std::size_t expectations() const { return expectations_; }
   [[nodiscard]] std::size_t failures() const { return failures_; }
 
+  // The same step by step. Calls leave no lines in the journal and no texts where nobody reads
+  // them.
+  void set_plain(bool plain) { plain_ = plain; }
+  void PlayStatement(const Statement& statement);
+  [[nodiscard]] bool Lives(const std::string& process) const;
+  [[nodiscard]] bool Runs(const std::string& call) const { return running_.contains(call); }
+  [[nodiscard]] bool RunsCallOf(const std::string& process) const;
+  [[nodiscard]] bool RunsAnyCall() const { return !running_.empty(); }
+  // The calls that were begun and have ended are forgotten.
+  void TakeEndedCalls();
+
+  // From here on these properties are checked. The first that does not hold is an expectation that
+  // does not hold.
+  void WatchFor(std::span<const PropertyRow> properties);
+  [[nodiscard]] Watch* watch() { return watch_.get(); }
+
   // For the statements.
   [[nodiscard]] sim::Device& device() { return device_; }
   [[nodiscard]] std::uint64_t run_time_ms() const { return device_.now_ms() - start_ms_; }
@@ -50,10 +67,15 @@ class Stage {
   // Runs a call to its end; its outcome has the process's name.
   void Call(const std::string& process, const std::string& name,
             const std::vector<std::string>& arguments);
-  // Starts one in a thread of its own; its outcome has the name `as`.
+  // Starts one in a thread of its own; its outcome has the name `as`. It runs at once until it
+  // waits; where turns change, when it gets its turn.
   void Begin(const std::string& process, const std::string& name,
              const std::vector<std::string>& arguments, const std::string& as);
+  // Runs a program of one's own (tools/palsim/program/palsim_program.h) as if it were a call.
+  void RunProgram(const std::string& process, const std::string& file, const std::string& as);
   void AwaitCall(const std::string& as);
+  void ChangeTurns(std::uint32_t seed);
+  void Restart(sim::RestartKind kind);
   // What a call gave; nothing where it was killed. Throws UsageError where there was none, or where
   // it still runs.
   [[nodiscard]] const std::optional<CallOutcome>& outcome(const std::string& of);
@@ -78,8 +100,15 @@ class Stage {
   struct RunningCall {
     sim::Thread thread;
     std::shared_ptr<std::optional<CallOutcome>> outcome;
+    std::string process;
   };
-  void PlayStatement(const Statement& statement);
+  // Throws ProcessKilled where its process ends in it.
+  CallOutcome MakeCall(sim::Process& caller, const std::string& name,
+                       const std::vector<std::string>& arguments);
+  void SayWhatIsViolated();
+  static void End(sim::Process& process);
+  void BeginThread(sim::Process& process, const std::string& name, const std::string& as,
+                   std::function<CallOutcome()> body);
 
   sim::Device& device_;
   OnFailure on_failure_;
@@ -88,9 +117,14 @@ class Stage {
   std::string place_;  // file and line of the statement that is played
   std::size_t expectations_ = 0;
   std::size_t failures_ = 0;
-  std::vector<std::unique_ptr<sim::Process>> processes_;  // in the order of their start
+  std::unique_ptr<Watch> watch_;
+  bool said_violation_ = false;
+  std::vector<std::unique_ptr<sim::Process>> processes_;     // in the order of their start
+  std::map<std::uint32_t, std::function<void()>> programs_;  // by process
   std::map<std::string, RunningCall> running_;
   std::map<std::string, std::optional<CallOutcome>> outcomes_;
+  bool plain_ = false;
+  bool turns_change_ = false;
 };
 
 // A file name for a process of a scenario: "scanner" is scanner.exe.

@@ -11,6 +11,7 @@ void PlayStarts(Stage& stage, const Filled& filled);
 void PlayEnds(Stage& stage, const Filled& filled);
 void PlayKilled(Stage& stage, const Filled& filled);
 void PlayCalls(Stage& stage, const Filled& filled);
+void PlayRuns(Stage& stage, const Filled& filled);
 void PlayBegins(Stage& stage, const Filled& filled);
 void PlayWait(Stage& stage, const Filled& filled);
 void PlayWaitFor(Stage& stage, const Filled& filled);
@@ -29,6 +30,18 @@ void PlayFailCall(Stage& stage, const Filled& filled);
 void PlayFailEveryCall(Stage& stage, const Filled& filled);
 void PlayKillAtCall(Stage& stage, const Filled& filled);
 void PlayNoMoreFaults(Stage& stage, const Filled& filled);
+void PlayMoveBytes(Stage& stage, const Filled& filled);
+void PlayRestart(Stage& stage, const Filled& filled);
+void PlayDock(Stage& stage, const Filled& filled);
+void PlaySetParameter(Stage& stage, const Filled& filled);
+void PlayNoParameter(Stage& stage, const Filled& filled);
+void PlayNoDriver(Stage& stage, const Filled& filled);
+void PlayNoLibrary(Stage& stage, const Filled& filled);
+void PlayChangeTurns(Stage& stage, const Filled& filled);
+
+// Properties.
+void PlayCheckProperties(Stage& stage, const Filled& filled);
+void PlayCheckProperty(Stage& stage, const Filled& filled);
 
 // Expectations.
 void ExpectReturned(Stage& stage, const Filled& filled);

@@ -13,6 +13,7 @@
 #include "platform/wince.h"
 #include "tools/palsim/argument.h"
 #include "tools/palsim/engine_parts.h"
+#include "tools/palsim/explore/property.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
 
@@ -39,7 +40,7 @@ void CheckEffect(const Filled& filled) {
 
 void CheckPlatformCall(const Filled& filled) {
   const std::string name = filled.Text("API");
-  if (!sim::CallFromName(name)) throw UsageError(name + " is no platform call");
+  if (name != kAnyCall && !sim::CallFromName(name)) throw UsageError(name + " is no platform call");
 }
 
 void CheckPath(const Filled& filled) {
@@ -69,6 +70,16 @@ void CheckEnginePart(const Filled& filled) {
   if (std::ranges::find(part->words, state) != part->words.end()) return;
   throw UsageError(
       fmt::format("{} is never {}, but {}", name, state, fmt::join(part->words, " or ")));
+}
+
+void CheckDock(const Filled& filled) {
+  const std::string dock = filled.Text("DOCK");
+  if (dock != "attached" && dock != "taken") throw UsageError("a dock is attached or taken");
+}
+
+void CheckParameter(const Filled& filled) {
+  if (ParseNumber(filled.Text("ID")) >> 16 == 0) return;
+  throw UsageError("a parameter has a number from 0 to 0xFFFF");
 }
 
 void CheckRestartKind(const Filled& filled) {
@@ -104,6 +115,11 @@ constexpr std::array kChecks{
     ValueCheck{"LIGHT", &CheckLight},
     ValueCheck{"PART", &CheckEnginePart},
     ValueCheck{"KIND", &CheckRestartKind},
+    ValueCheck{"DOCK", &CheckDock},
+    ValueCheck{"ID", &CheckParameter},
+    ValueCheck{
+        "PROPERTY",
+        [](const Filled& filled) { static_cast<void>(FindProperty(filled.Text("PROPERTY"))); }},
 };
 
 sim::RegistryValue Bytes(const Words& words) {

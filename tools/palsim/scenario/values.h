@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/sim/kernel/registry.h"
@@ -14,6 +15,9 @@ namespace palsim {
 // Checks everything that a statement was filled with, by its name in the pattern. Throws
 // UsageError.
 void CheckValues(const Filled& filled);
+
+// Stands for every platform call.
+inline constexpr std::string_view kAnyCall = "any";
 
 // "120 ms", "2 s". Throws UsageError.
 [[nodiscard]] std::uint32_t ParseTime(const Words& words);

@@ -34,7 +34,7 @@ Scenario Statements(const std::string& name, const std::string& text) {
 
 Filled FilledWith(std::initializer_list<std::pair<std::string_view, Words>> parts) {
   Filled filled;
-  for (const auto& [name, words] : parts) filled.Add(name, words);
+  for (const auto& [name, words] : parts) filled.AddBefore(name, words);
   Checked([&] { CheckValues(filled); });
   return filled;
 }

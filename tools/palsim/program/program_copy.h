@@ -1,0 +1,16 @@
+// A program of one's own, as one process has it loaded.
+#ifndef TOOLS_PALSIM_PROGRAM_PROGRAM_COPY_H_
+#define TOOLS_PALSIM_PROGRAM_PROGRAM_COPY_H_
+
+#include <filesystem>
+#include <functional>
+
+namespace palsim {
+
+// Loads a copy of its own, with statics of its own. What comes back runs the program once. Throws
+// UsageError where the file cannot be loaded or has no entry.
+[[nodiscard]] std::function<void()> LoadProgram(const std::filesystem::path& file);
+
+}  // namespace palsim
+
+#endif  // TOOLS_PALSIM_PROGRAM_PROGRAM_COPY_H_
