@@ -330,8 +330,8 @@ TEST_P(ScenarioFile, IsAsExpected) {
   const auto folder = std::filesystem::path(BINARY_DIR).parent_path() / "played" /
                       std::filesystem::path(GetParam()).stem();
   std::filesystem::create_directories(folder.parent_path());
-  palsim::Session session(palsim::LockForNewDevice(folder, palsim::Replace::kAny),
-                          palsim::SampleFolder(scenario.device));
+  const std::filesystem::path sample = palsim::SampleFolder(scenario.device);
+  palsim::Session session(palsim::LockForNewDevice(folder, sample, palsim::Replace::kAny), sample);
   {
     palsim::Stage stage(session.device(),
                         [](const std::string& message) { ADD_FAILURE() << message; });
