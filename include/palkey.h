@@ -175,7 +175,10 @@ HRESULT PALAPI PALKEYGetButtonAction(LONG button, DWORD* action);
  * - If the new action is PAL_KEY_ACTION_WINDOWS_DEFAULT, the saved records are written back. The
  *   saved copy stays.
  * - A plane that has no record of the button, or cannot be read, is left out. So is a plane whose
- *   record cannot be saved, or was never saved. A plane of 4096 bytes or more cannot be read.
+ *   record was never saved, or cannot be saved because the key of the saved records does not open
+ *   or has no room. A plane of 4096 bytes or more cannot be read.
+ * - A write to the registry that fails is not noticed. A record that was to be saved then is
+ *   rewritten all the same, and the original is lost.
  *
  * A call that fails, or whose process ends, can leave a part of the change written: records saved
  * and rewritten, or the name under "EVENTS\DELTA" without the one under "EVENTS\STATE". The same

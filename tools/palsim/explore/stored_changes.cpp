@@ -7,9 +7,10 @@ namespace palsim {
 namespace {
 
 // What fails makes these store something else, as their headers say: a plane that seems to be
-// missing is made anew, a file that cannot be read has the checksum 0.
-constexpr std::array<std::string_view, 3> kStoreOtherwise{"PALKEYInit", "PALKEYSetButtonAction",
-                                                          "PALREG_LoadRegistry"};
+// missing is made anew, a file that cannot be read has the checksum 0, and a level whose word
+// cannot be read has the word that the process knows.
+constexpr std::array<std::string_view, 4> kStoreOtherwise{
+    "PALKEYInit", "PALKEYSetButtonAction", "PALREG_LoadRegistry", "PALBEEPSetVolume"};
 
 std::optional<std::string> At(const Stored& stored, const std::string& where) {
   const auto found = stored.find(where);

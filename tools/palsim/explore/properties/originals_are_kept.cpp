@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -49,6 +50,9 @@ class Originals : public Property {
 
   void StatementEnds(Scene& scene) override {
     if (scene.writes() == std::exchange(seen_, scene.writes())) return;
+    // The library does not notice a write that fails, and the original is lost.
+    const std::vector<std::string> faulted = scene.device().faulted_calls();
+    if (std::ranges::count(faulted, "RegSetValueExW") != 0) return DeviceChanged(scene);
     for (const auto& [place, record] : RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath))) {
       Met();
       const auto [begin, end] = originals_.equal_range(place);
