@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 
+#include "frame/version.h"
 #include "tools/dcecfg/check.h"
 #include "tools/dcecfg/text_form.h"
 #include "tools/streams.h"
@@ -65,6 +66,7 @@ class CommandLine {
  public:
   CommandLine() {
     app_.footer(kFooter);
+    app_.set_version_flag("--version", std::string("dcecfg ") + pal::kLibraryVersion);
     app_.require_subcommand(1);
     auto* build = app_.add_subcommand("build", "Write the file that a text describes");
     build->add_option("TEXT", input_, "The text; - is standard input")->required();

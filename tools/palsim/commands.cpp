@@ -4,16 +4,19 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <ranges>
 #include <system_error>
 #include <thread>
 
 #include "platform/sim/kernel/registry_text.h"
+#include "platform/sim/kernel/simulator_folder.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
@@ -24,7 +27,23 @@
 namespace palsim {
 namespace {
 
-const std::filesystem::path kSamples = PAL_DEVICES_DIR;
+// Where the samples are, seen from the simulator's library: installed, or in the build folder.
+constexpr std::array kSampleFolders{PAL_INSTALLED_SAMPLES, "../../../devices"};
+
+// Empty where there is none.
+std::filesystem::path FindSamples() {
+  for (const char* const relative : kSampleFolders) {
+    const std::filesystem::path folder = sim::SimulatorFolder() / relative;
+    if (std::filesystem::is_directory(folder)) return folder.lexically_normal();
+  }
+  const char* const other = std::getenv("PALSIM_SAMPLES");
+  return other == nullptr ? "" : other;
+}
+
+const std::filesystem::path& Samples() {
+  static const std::filesystem::path folder = FindSamples();
+  return folder;
+}
 
 unsigned ParseFaultNumber(std::string_view text, const std::string& whole) {
   unsigned number = 0;
@@ -148,7 +167,7 @@ IsWanted IsOfEffect(const std::string& name) {
 std::vector<std::string> SampleNames() {
   std::vector<std::string> names;
   std::error_code ignored;
-  for (const auto& entry : std::filesystem::directory_iterator(kSamples, ignored)) {
+  for (const auto& entry : std::filesystem::directory_iterator(Samples(), ignored)) {
     if (std::filesystem::exists(entry.path() / "device.toml")) {
       names.push_back(entry.path().filename().string());
     }
@@ -158,10 +177,14 @@ std::vector<std::string> SampleNames() {
 }
 
 std::filesystem::path SampleFolder(const std::string& name) {
-  if (!std::filesystem::exists(kSamples / name / "device.toml")) {
+  if (Samples().empty()) {
+    throw UsageError(
+        "the sample devices are not where they were installed; $PALSIM_SAMPLES can say where");
+  }
+  if (!std::filesystem::exists(Samples() / name / "device.toml")) {
     throw UsageError("there is no sample device '" + name + "'; 'palsim samples' lists them");
   }
-  return kSamples / name;
+  return Samples() / name;
 }
 
 std::filesystem::path FolderOf(const std::string& device) {

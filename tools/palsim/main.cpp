@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
+#include "frame/version.h"
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/commands.h"
 #include "tools/palsim/device_lock.h"
@@ -71,6 +72,7 @@ class CommandLine {
  public:
   CommandLine() {
     app_.footer(kExamples);
+    app_.set_version_flag("--version", std::string("palsim ") + pal::kLibraryVersion);
     app_.set_help_all_flag("--help-all", "Show the help of every command");
     app_.add_flag_callback("--exports", &PrintExports, "List the library's exports");
     app_.add_option_function<std::string>("--usage", &PrintUsage, "How to call an export");
