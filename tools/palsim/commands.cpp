@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <ranges>
 #include <system_error>
 #include <thread>
 
@@ -152,9 +151,7 @@ void PrintEntries(Session& session, std::size_t last, const IsWanted& is_wanted,
   std::vector<sim::JournalEntry> entries = session.device().journal().entries();
   std::erase_if(entries, [&](const sim::JournalEntry& entry) { return !is_wanted(entry); });
   const std::size_t left_out = last == 0 ? 0 : entries.size() - std::min(last, entries.size());
-  for (const sim::JournalEntry& entry : entries | std::views::drop(left_out)) {
-    fmt::print("{}\n", text(entry));
-  }
+  for (std::size_t at = left_out; at < entries.size(); ++at) fmt::print("{}\n", text(entries[at]));
 }
 
 IsWanted IsOfEffect(const std::string& name) {

@@ -176,9 +176,9 @@ constexpr auto kFaults = std::to_array<CallErrors>({
 }  // namespace
 
 std::string ChooseRegistryChange(Choices& choices, sim::Device& device) {
-  constexpr unsigned kRoots = 4;
+  constexpr unsigned kRootKeys = 4;
   std::vector<Place> places;
-  for (unsigned root = 0; root < kRoots; ++root) {
+  for (unsigned root = 0; root < kRootKeys; ++root) {
     Collect(*device.registry().root(root), places);
   }
   if (places.empty()) return "no driver SCD1:";

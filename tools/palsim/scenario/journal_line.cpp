@@ -7,8 +7,8 @@ namespace palsim {
 // Where the rest does not fit, only the last star takes one character more: an earlier one would
 // leave less for those behind it.
 bool IsLike(std::string_view text, std::string_view pattern) {
-  constexpr std::size_t kNone = std::string_view::npos;
-  std::size_t star = kNone;
+  constexpr std::size_t kNowhere = std::string_view::npos;
+  std::size_t star = kNowhere;
   std::size_t star_end = 0;  // how far in the text the star goes
   std::size_t place = 0;     // in the pattern
   for (std::size_t at = 0; at < text.size();) {
@@ -18,14 +18,14 @@ bool IsLike(std::string_view text, std::string_view pattern) {
     } else if (place < pattern.size() && pattern[place] == text[at]) {
       ++place;
       ++at;
-    } else if (star != kNone) {
+    } else if (star != kNowhere) {
       place = star + 1;
       at = ++star_end;
     } else {
       return false;
     }
   }
-  return pattern.find_first_not_of('*', place) == kNone;
+  return pattern.find_first_not_of('*', place) == kNowhere;
 }
 
 JournalLine::JournalLine(const Filled& filled, std::optional<std::uint32_t> process_id)
