@@ -179,7 +179,7 @@ class Client(unittest.TestCase):
             with self.assertRaisesRegex(palsim.RequestError, "cannot create directory"):
                 device.save(folder / "no" / "where")
             files = {file: file.read_bytes() for file in folder.rglob("*") if file.is_file()}
-            self.assertIn(b'TethGRI"=dword:00000004', files[folder / "journal.log"])
+            self.assertIn(b'TethGRI"=dword:00000004', files[folder / "runs/000001.log"])
             again = self.device(str(folder))
             self.assertEqual((again.get(GRI), again.info["device"]), (4, "rm21"))
             again.set(GRI, 1)
