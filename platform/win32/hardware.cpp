@@ -99,8 +99,8 @@ int Win32AudioUpdateFromRegistry() {
 // What of the simulated device Windows does itself: processes, programs and libraries.
 namespace sim {
 
-void Kernel::Restart(const ThreadState& thread, RestartKind kind) {
-  Log(&thread, Effect::kPower, kind == RestartKind::kCold ? "restart, cold" : "restart, warm");
+void Kernel::Restart(const ThreadState* thread, RestartKind kind) {
+  Log(thread, Effect::kPower, kind == RestartKind::kCold ? "restart, cold" : "restart, warm");
   for (const auto& each : hardware.drivers) each->Restart();
 }
 
