@@ -74,9 +74,15 @@ class HostThread::Pool {
   std::vector<std::shared_ptr<Worker>> idle_;
 };
 
+// On Windows the threads of a process have ended, or cannot end, when the library's statics go.
 std::shared_ptr<HostThread::Pool> HostThread::Kept() {
+#ifdef _WIN32
+  static const auto* const pool = new std::shared_ptr<Pool>(std::make_shared<Pool>());
+  return *pool;
+#else
   static const auto pool = std::make_shared<Pool>();
   return pool;
+#endif
 }
 
 HostThread::HostThread(std::function<void()> body) : pool_(Kept()), worker_(pool_->TakeOrMake()) {
