@@ -234,8 +234,9 @@ HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
  *   that cannot be read in two attempts.
  * - A headset is there if the REG_DWORD "Bluetooth" under HKEY_LOCAL_MACHINE
  *   "System\State\Hardware" has a bit of 0x34 or cannot be read, or if "Headset" there is not 0.
- * - The gain is that of the speaker's level, or 66 if the level has no gain. If "CurrentVol" is the
- *   word of no level, the gain of the codec is not changed.
+ * - The gain is that of the speaker's level, or 66 if the level has no gain. The level is found as
+ *   by PALBEEPGetVolume, which writes "CurrentVol" again. If "CurrentVol" is the word of no level,
+ *   the gain of the codec is not changed.
  * - Nothing is heard at volume 0, with an empty path, or with a file that cannot be played. These
  *   are no failures.
  * - At the end volume and gain are set back to what they were. One that could not be read before

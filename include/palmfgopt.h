@@ -174,8 +174,8 @@ HRESULT PALAPI PALMFGOpt_IsDisabledByPolicy(const WCHAR* feature);
  *
  * Byte 1 of the file is the status of scan type 4. Byte 0 is the status of all other scan types. A
  * file that does not exist is created with two zeros. If these cannot be written, the call fails
- * and the empty file stays. A file with fewer than two bytes is used as it is and not filled up:
- * only the status that is set is written.
+ * and the empty file stays; if only one of them is written, the call goes on. A file with fewer
+ * than two bytes is used as it is and not filled up: only the status that is set is written.
  *
  * @param scan_type  Any number. 4 has a status of its own.
  * @param status     Its low 8 bits are kept.

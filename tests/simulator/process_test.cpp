@@ -229,6 +229,25 @@ TEST_F(SimProcess, LeavesNothingBehindHoweverItEnds) {
   EXPECT_EQ(ProcessLines().back(), "tool.exe killed");
 }
 
+TEST_F(SimProcess, LetsGoOfItsFilesWhenItIsKilled) {
+  device.files().Write("\\a", "");
+  const auto open = [] {
+    return CreateFileW(TEXT("\\a"), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  };
+  sim::Process killed(device);
+  killed.Run([&] {
+    open();
+    device.PlanFault({.call = "GetTickCount", .kill = true});
+    GetTickCount();
+  });
+  sim::Process other(device);
+  other.Run([&] {
+    const HANDLE file = open();
+    EXPECT_NE(file, INVALID_HANDLE_VALUE) << GetLastError();
+    CloseHandle(file);
+  });
+}
+
 TEST_F(SimProcess, ImportsARegistryFile) {
   device.files().Write(sim::kRegistryImporterPath, "");
   device.files().Write("\\Temp\\a.reg", "REGEDIT4\n[HKLM\\Software\\A]\n\"n\"=dword:5\nnonsense\n");

@@ -121,6 +121,8 @@ void Kernel::BeginKill(ProcessState& process) {
   process.alive = false;
   Log(process.main_thread.get(), Effect::kProcess, process.name + " killed");
   StopSound(*process.main_thread);
+  // Its heap stays: with kParallel, another thread may use it until its next platform call.
+  handles.CloseAll(process.id, {});
   for (const auto& thread : process.threads) scheduler.WakeUp(*thread->strand, Wake::kKilled);
   // The main thread of a program is one of these threads. Any other main thread runs on the
   // driver's strand, which may wait for something else now.

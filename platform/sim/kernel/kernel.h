@@ -70,7 +70,8 @@ class Kernel {
   void StopSound(const ThreadState& thread);
   // Whether one more process may start.
   [[nodiscard]] bool HasRoomForProcess() const;
-  // Marks a process as killed and wakes its threads: each one ends where it waits.
+  // Marks a process as killed, closes its handles and wakes its threads: each one ends where it
+  // waits.
   void BeginKill(ProcessState& process);
   // Restarts the device at the request of a thread (nullptr: from outside). That thread must end
   // then, as all others do.

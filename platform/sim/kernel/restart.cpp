@@ -15,11 +15,7 @@ void Kernel::Restart(const ThreadState* thread, RestartKind kind) {
   for (const auto& process : processes) {
     if (auto state = process.lock()) ending.push_back(std::move(state));
   }
-  for (const auto& process : ending) {
-    BeginKill(*process);
-    // Its heap stays: with kParallel, another thread may use it until its next platform call.
-    handles.CloseAll(process->id, {});
-  }
+  for (const auto& process : ending) BeginKill(*process);
   processes.clear();
   mutexes.clear();
   events.clear();

@@ -19,8 +19,8 @@ struct StoredChange {
   bool is_written_untouched = false;     // then it is written, in the end or meanwhile
 };
 
-// Tells `on_change` of each. False, and nothing is told, for a call that did not fail alone or that
-// may store other things where a platform call fails.
+// Tells `on_change` of each, but for what the call may store otherwise where a platform call fails.
+// False, and nothing is told, for a call in which nothing failed or that did not run alone.
 bool ForEachStoredChange(Scene& scene, const WatchedCall& call,
                          const std::function<void(const StoredChange& change)>& on_change);
 
