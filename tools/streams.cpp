@@ -145,10 +145,9 @@ int CheckedOutput(const char* tool, const std::function<int()>& work) {
   if (first_error == 0 && std::ferror(stdout) != 0) first_error = EIO;  // of an unknown cause
   if (first_error == 0) return status;
   if (first_error != EPIPE) {
-    fmt::print(stderr, "{}: standard output: {}\n", tool,
-               std::generic_category().message(first_error));
+    PrintError("{}: standard output: {}\n", tool, std::generic_category().message(first_error));
   }
-  return 1;
+  return status == 0 ? 1 : status;
 }
 
 }  // namespace tools

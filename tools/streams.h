@@ -2,9 +2,13 @@
 #ifndef TOOLS_STREAMS_H_
 #define TOOLS_STREAMS_H_
 
+#include <fmt/format.h>
+
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tools {
 
@@ -27,11 +31,18 @@ void WriteOutputInBlocks(const std::string& file,
 // A text for the terminal: what would control it stands as \x1B; lines stay lines.
 [[nodiscard]] std::string Printable(std::string_view text);
 
+// Prints to standard error. Where that is closed, there is nobody to tell.
+template <typename... Arguments>
+void PrintError(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
+  std::fputs(fmt::format(format, std::forward<Arguments>(arguments)...).c_str(), stderr);
+}
+
 // Prints to standard output at once. An error is kept for CheckedOutput.
 void PrintAtOnce(std::string_view text);
 
-// Does a tool's work and gives its exit status; 1, after a message with the cause, where standard
-// output did not take all. Where the reader has closed the pipe there is no message.
+// Does a tool's work and gives its exit status. A success becomes 1, after a message with the
+// cause, where standard output did not take all. Where the reader has closed the pipe there is no
+// message.
 [[nodiscard]] int CheckedOutput(const char* tool, const std::function<int()>& work);
 
 }  // namespace tools

@@ -98,9 +98,12 @@ TEST_F(Shell, ClearsALineAtControlCAndEndsAtTheNext) {
   terminal.Type("call PALLEDGrLedO\t\t");
   ASSERT_TRUE(terminal.Shows("PALLEDGrLedOff")) << "the editor has the line";
   terminal.Type("\x03");
+  ASSERT_TRUE(terminal.Shows("palsim> "));
   terminal.Type("call PALLEDGrLedOn\n");
   EXPECT_TRUE(terminal.Shows("PALLEDGrLedOn = 0x00000000 S_OK"));
   ASSERT_TRUE(terminal.Shows("palsim> "));
+  terminal.Type("\x03");
+  EXPECT_TRUE(terminal.Shows("palsim> ")) << "a new line begins";
   terminal.Type("\x03");
   EXPECT_EQ(terminal.Wait(), 0);
   EXPECT_TRUE(IsSaved());

@@ -45,8 +45,8 @@ int Build(const std::string& input, const std::string& output) {
     tools::WriteOutput(output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     return kSuccess;
   } catch (const dcecfg::TextError& error) {
-    fmt::print(stderr, "{}:{}:{}: {}\n", tools::InputName(input), error.line(), error.column(),
-               tools::Printable(error.what()));
+    tools::PrintError("{}:{}:{}: {}\n", tools::InputName(input), error.line(), error.column(),
+                      tools::Printable(error.what()));
     return kFailure;
   }
 }
@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("dcecfg", [&] { return CommandLine().Run(argc, argv); });
   } catch (const std::exception& error) {
-    fmt::print(stderr, "dcecfg: {}\n", tools::Printable(error.what()));
+    tools::PrintError("dcecfg: {}\n", tools::Printable(error.what()));
     return kFailure;
   }
 }

@@ -22,6 +22,7 @@
 #include "tools/palsim/nearest.h"
 #include "tools/palsim/run_store.h"
 #include "tools/palsim/session.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -127,7 +128,7 @@ CallOutcome CallWithFaults(Session& session, const CallOptions& options) {
   PlanFaults(session.device(), options.faults);
   CallOutcome outcome = CallExport(process, options.name, options.arguments);
   for (const std::string& fault : session.device().faults_not_reached()) {
-    fmt::print(stderr, "palsim: not reached: {}\n", fault);
+    tools::PrintError("palsim: not reached: {}\n", fault);
   }
   session.device().ClearFaults();
   return outcome;
@@ -320,7 +321,7 @@ int ShowRegistry(Session& session, const std::string& path) {
   }
   const auto key = session.device().registry().Find(std::string_view(path));
   if (key == nullptr) {
-    fmt::print(stderr, "palsim: the registry has no key {}\n", path);
+    tools::PrintError("palsim: the registry has no key {}\n", path);
     return kFailure;
   }
   fmt::print("{}", sim::ExportRegistryText(*key));

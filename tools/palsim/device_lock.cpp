@@ -11,6 +11,7 @@
 #include "platform/sim/folder_change.h"
 #include "platform/sim/host_file.h"
 #include "platform/sim/journal.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -34,7 +35,7 @@ void Wait(sim::FolderLock& lock, Use use) {
       throw sim::DeviceFolderError(in_use("gave up after") + " (--wait SECONDS)");
     }
     if (!said && waited >= kUnsaid) {
-      fmt::print(stderr, "palsim: {}\n", sim::Escape(in_use("waiting up to")));
+      tools::PrintError("palsim: {}\n", sim::Escape(in_use("waiting up to")));
       said = true;
     }
     std::this_thread::sleep_for(kPause);

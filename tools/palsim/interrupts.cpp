@@ -21,7 +21,7 @@ sigset_t HeldSignals() {
 
 }  // namespace
 
-Interrupts::Interrupts() {
+Interrupts::Interrupts() : is_terminal_(isatty(STDIN_FILENO) != 0) {
   const sigset_t held = HeldSignals();
   pthread_sigmask(SIG_BLOCK, &held, nullptr);
   signals_ = signalfd(-1, &held, SFD_CLOEXEC);
@@ -38,8 +38,12 @@ int Interrupts::WaitForInput() const {
     if (errno != EINTR) return 0;
   }
   signalfd_siginfo came{};
-  if (polled[1].revents == 0 || read(signals_, &came, sizeof came) != sizeof came) return 0;
-  return static_cast<int>(came.ssi_signo);
+  if (polled[1].revents != 0 && read(signals_, &came, sizeof came) == sizeof came) {
+    return static_cast<int>(came.ssi_signo);
+  }
+  // A terminal that is closed says so here first, and by the signal a moment later.
+  const bool is_closed = (static_cast<unsigned>(polled[0].revents) & POLLHUP) != 0;
+  return is_terminal_ && is_closed ? SIGHUP : 0;
 }
 
 }  // namespace palsim

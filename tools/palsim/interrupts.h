@@ -13,10 +13,12 @@ class Interrupts {
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
 
-  // Waits until standard input has something, or has ended: 0. Or the signal that came.
+  // Waits until standard input has something, or has ended: 0. Or the signal that came; SIGHUP also
+  // for a terminal that was closed.
   [[nodiscard]] int WaitForInput() const;
 
  private:
+  bool is_terminal_;
   int signals_;
 };
 

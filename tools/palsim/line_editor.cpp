@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace palsim {
 namespace {
@@ -23,17 +24,20 @@ std::function<LineEditor::Wait()>& CurrentWait() {
   return wait;
 }
 
-bool line_has_bytes = false;
+bool was_interrupted = false;
+bool is_line_cleared = false;
 
-// The key that clears a line takes the place of an interrupt.
+// The keys that clear a line and enter it take the place of an interrupt. A second one at once ends
+// the input.
 int NextByte(FILE* /*terminal*/) {
   constexpr int kClearLine = 'U' & 0x1F;
+  if (std::exchange(is_line_cleared, false)) return '\n';
   const LineEditor::Wait wait = CurrentWait()();
-  const bool clears = wait == LineEditor::Wait::kInterrupt && line_has_bytes;
-  line_has_bytes = wait == LineEditor::Wait::kByte;
-  if (clears) return kClearLine;
+  is_line_cleared = wait == LineEditor::Wait::kInterrupt && !was_interrupted;
+  was_interrupted = wait == LineEditor::Wait::kInterrupt;
+  if (is_line_cleared) return kClearLine;
   unsigned char byte = 0;
-  return line_has_bytes && read(STDIN_FILENO, &byte, 1) == 1 ? byte : EOF;
+  return wait == LineEditor::Wait::kByte && read(STDIN_FILENO, &byte, 1) == 1 ? byte : EOF;
 }
 
 // One candidate a call, from the heap; libedit frees it.
@@ -82,7 +86,6 @@ LineEditor::~LineEditor() {
 }
 
 bool LineEditor::Read(const char* prompt, std::string& line) {
-  line_has_bytes = false;
   const std::unique_ptr<char, decltype(&std::free)> typed(readline(prompt), &std::free);
   if (typed == nullptr) return false;
   line = typed.get();

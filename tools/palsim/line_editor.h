@@ -16,11 +16,11 @@ using Completer = std::function<std::vector<std::string>(const std::string& line
 // There is one terminal, and so one editor at a time.
 class LineEditor {
  public:
-  // What comes next: a byte of standard input, an interrupt, which clears a line or ends an empty
-  // one, or the end.
+  // What comes next: a byte of standard input, an interrupt, which clears the line, or the end.
   enum class Wait : std::uint8_t { kByte, kInterrupt, kEnd };
 
-  // `history` holds the lines of before, if it is there; it gets those of now at the end.
+  // A second interrupt straight after one is the end, too. `history` holds the lines of before, if
+  // it is there; it gets those of now at the end.
   LineEditor(std::filesystem::path history, Completer completer, std::function<Wait()> wait);
   ~LineEditor();
   LineEditor(const LineEditor&) = delete;

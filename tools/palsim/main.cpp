@@ -488,10 +488,10 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("palsim", [&] { return CommandLine().Run(argc, argv); });
   } catch (const palsim::UsageError& error) {
-    fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
+    tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
     return palsim::kUsage;
   } catch (const std::exception& error) {
-    fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
+    tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
     return palsim::kFailure;
   }
 }

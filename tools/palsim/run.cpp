@@ -24,12 +24,12 @@ void WriteSound(const Timeline& timeline, const sim::FileSystem& files, const st
     sound = WriteSoundOfRun(timeline, files, write);
   });
   for (const std::string& path : sound.missing) {
-    fmt::print(stderr, "palsim: {} is left out: the device has no such wave file now\n",
-               tools::Printable(path));
+    tools::PrintError("palsim: {} is left out: the device has no such wave file now\n",
+                      tools::Printable(path));
   }
   if (!sound.cut_at_ms) return;
-  fmt::print(stderr, "palsim: the sound is cut at {} of {}: a WAV file has no room for more\n",
-             TimeText(*sound.cut_at_ms), TimeText(timeline.length_ms));
+  tools::PrintError("palsim: the sound is cut at {} of {}: a WAV file has no room for more\n",
+                    TimeText(*sound.cut_at_ms), TimeText(timeline.length_ms));
 }
 
 void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOptions& options) {
@@ -66,7 +66,7 @@ struct Verdict {
 
 Verdict Play(Session& session, const Scenario& scenario) {
   Stage stage(session.device(), [](const std::string& message) {
-    fmt::print(stderr, "{}\n", tools::Printable(message));
+    tools::PrintError("{}\n", tools::Printable(message));
   });
   stage.Play(scenario);
   return {stage.expectations(), stage.failures()};
@@ -75,8 +75,8 @@ Verdict Play(Session& session, const Scenario& scenario) {
 // The exit status.
 int Tell(const Scenario& scenario, const Verdict& verdict, const TimelineOptions& timeline) {
   if (verdict.failures > 0) {
-    fmt::print(stderr, "{}: {} of {} expectations do not hold\n", scenario.name, verdict.failures,
-               verdict.expectations);
+    tools::PrintError("{}: {} of {} expectations do not hold\n", scenario.name, verdict.failures,
+                      verdict.expectations);
     return kFailure;
   }
   // Standard output can be the page's, the sound's or the trace's.

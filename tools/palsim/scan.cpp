@@ -8,6 +8,7 @@
 #include "tools/palsim/engine_parts.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/session.h"
+#include "tools/streams.h"
 
 namespace palsim {
 namespace {
@@ -26,8 +27,7 @@ std::string EngineText(sim::Process& process) {
 int ShowScanEngine(Session& session) {
   const sim::ScanDriver* driver = sim::FindScanDriver(session.device().hardware());
   if (driver == nullptr) {
-    fmt::print(stderr,
-               "palsim: the device has no scan engine; [scanner] in device.toml fits one\n");
+    tools::PrintError("palsim: the device has no scan engine; [scanner] in device.toml fits one\n");
     return kFailure;
   }
   fmt::print("{:<11}{}\n", "Engine", EngineText(session.process()));

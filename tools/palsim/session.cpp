@@ -59,7 +59,7 @@ void Session::End() {
   process_.reset();
   device_.Advance(0);  // services of the device go on with what they were asked for
   for (const std::string& misuse : device_.TakeMisuse()) {
-    fmt::print(stderr, "palsim: misuse of the platform: {}\n", misuse);
+    tools::PrintError("palsim: misuse of the platform: {}\n", misuse);
   }
 }
 

@@ -98,7 +98,7 @@ int Converse(Session& session, const ShellCommands& commands, Input& input) {
     } catch (const std::system_error&) {
       throw;  // nothing can be printed any more
     } catch (const std::runtime_error& error) {
-      fmt::print(stderr, "palsim: {}\n", tools::Printable(error.what()));
+      tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
       if (!input.is_interactive()) status = kUsage;
     }
   }

@@ -83,14 +83,14 @@ class Progress {
  public:
   explicit Progress(std::size_t count) : count_(count), shown_(isatty(STDERR_FILENO) != 0) {}
   ~Progress() {
-    if (shown_) fmt::print(stderr, "\r{:60}\r", "");
+    if (shown_) tools::PrintError("\r{:60}\r", "");
   }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
   void Count(bool failed) {
     failures_ += failed ? 1 : 0;
-    if (shown_) fmt::print(stderr, "\r{} of {}, {} failed", ++done_, count_, failures_);
+    if (shown_) tools::PrintError("\r{} of {}, {} failed", ++done_, count_, failures_);
   }
 
  private:
