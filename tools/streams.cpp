@@ -59,8 +59,6 @@ int StatusOf(const std::function<int()>& work) {
   }
 }
 
-constexpr const char* kTemporary = ".writing";
-
 fs::path Target(const std::string& file) {
   std::error_code ignored;
   return fs::is_symlink(file, ignored) ? fs::weakly_canonical(file) : fs::path(file);
@@ -72,14 +70,22 @@ bool IsReplaced(const fs::path& path) {
   return !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
 }
 
+// A new file beside another one, with a name that nobody has.
+std::string CreateBeside(const fs::path& path) {
+  for (unsigned number = 1;; ++number) {
+    std::string name = fmt::format("{}.writing.{}", path.string(), number);
+    if (File(std::fopen(name.c_str(), "wbx")) != nullptr || errno != EEXIST) return name;
+  }
+}
+
 void FillFile(const std::string& path, const std::string& name,
               const std::function<void(const WriteBlock& write)>& fill) {
-  File opened(std::fopen(path.c_str(), "wb"));
-  if (opened == nullptr) Fail(name, errno);
+  const File file(std::fopen(path.c_str(), "wb"));
+  if (file == nullptr) Fail(name, errno);
   fill([&](std::string_view bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), opened.get()) != bytes.size()) Fail(name, errno);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) Fail(name, errno);
   });
-  if (std::fflush(opened.get()) != 0) Fail(name, errno);
+  if (std::fflush(file.get()) != 0) Fail(name, errno);
 }
 
 }  // namespace
@@ -96,9 +102,6 @@ std::string ReadInput(const std::string& file) {
 }
 
 void WriteOutput(const std::string& file, std::string_view bytes) {
-  if (const fs::path path = Target(file); file != kStandardStream && IsReplaced(path)) {
-    return sim::ReplaceHostFile(path, path.string() + kTemporary, bytes);
-  }
   WriteOutputInBlocks(file, [bytes](const WriteBlock& write) { write(bytes); });
 }
 
@@ -107,15 +110,14 @@ void WriteOutputInBlocks(const std::string& file,
   if (file == kStandardStream) return fill(&PrintAtOnce);
   const fs::path path = Target(file);
   if (!IsReplaced(path)) return FillFile(path.string(), file, fill);
-  const fs::path temporary = path.string() + kTemporary;
-  std::error_code ignored;
-  fs::remove(temporary, ignored);
+  const std::string temporary = CreateBeside(path);
   try {
-    FillFile(temporary.string(), file, fill);
+    FillFile(temporary, file, fill);
     std::error_code error;
     fs::rename(temporary, path, error);
     if (error) Fail(file, error.value());
   } catch (...) {
+    std::error_code ignored;
     fs::remove(temporary, ignored);
     throw;
   }

@@ -31,10 +31,11 @@ void WriteOutputInBlocks(const std::string& file,
 // A text for the terminal: what would control it stands as \x1B; lines stay lines.
 [[nodiscard]] std::string Printable(std::string_view text);
 
-// Prints to standard error. Where that is closed, there is nobody to tell.
+// Prints a message to standard error, as Printable. Where that is closed, there is nobody to tell.
 template <typename... Arguments>
 void PrintError(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-  std::fputs(fmt::format(format, std::forward<Arguments>(arguments)...).c_str(), stderr);
+  const std::string text = fmt::format(format, std::forward<Arguments>(arguments)...);
+  std::fputs(Printable(text).c_str(), stderr);
 }
 
 // Prints to standard output at once. An error is kept for CheckedOutput.

@@ -139,8 +139,8 @@ void SaveDevice(Device& device, const fs::path& folder) {
 bool IsDescriptionEdited(const fs::path& folder) {
   const fs::path file = folder / "device.toml";
   const fs::path original = folder / kOriginalDescription;
-  if (!IsThere(file)) return false;
-  return !IsThere(original) || ReadHostFile(original) != AuthorsPart(ReadHostFile(file));
+  return !IsThere(file) || !IsThere(original) ||
+         ReadHostFile(original) != AuthorsPart(ReadHostFile(file));
 }
 
 }  // namespace sim

@@ -35,8 +35,8 @@ void PutDevice(Device& device, const std::filesystem::path& origin, FolderChange
 // Writes the device's state back, as a whole or not at all. Throws DeviceFolderError.
 void SaveDevice(Device& device, const std::filesystem::path& folder);
 
-// Whether the author's part of device.toml is another than the device was made with. Of a device
-// that an older version made nobody knows, and it counts as edited.
+// Whether the author's part of device.toml is another than the device was made with. A device that
+// an older version made has no ".sample" and counts as edited, and so does one without device.toml.
 [[nodiscard]] bool IsDescriptionEdited(const std::filesystem::path& folder);
 
 }  // namespace sim

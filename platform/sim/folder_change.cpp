@@ -12,8 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kSaving = ".saving";
-constexpr const char* kSaved = ".saved";
+constexpr const char* kSaved = ".palsim-saved";
 // In either of them: the new files in their folders, and an empty file for each that is to go.
 constexpr const char* kPut = "put";
 constexpr const char* kRemoved = "removed";

@@ -8,8 +8,11 @@
 
 namespace sim {
 
-// What is to change is written into the folder ".saving". Its new name ".saved" makes the change:
-// from then on the files are moved to their places, by this process or by the next that finds them.
+// Where a change is written. A process that is ended can leave it.
+constexpr const char* kSaving = ".palsim-saving";
+
+// What is to change is written into kSaving. The new name ".palsim-saved" makes the change: from
+// then on the files are moved to their places, by this process or by the next that finds them.
 // One process at a time may have one (host_disk.h). All calls throw DeviceFolderError.
 class FolderChange {
  public:

@@ -7,10 +7,8 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -25,12 +23,11 @@ namespace {
   throw DeviceFolderError(entry.string() + ": " + std::generic_category().message(error));
 }
 
-std::string CommandOf(const std::string& process) {
-  std::ifstream file("/proc/" + process + "/cmdline", std::ios::binary);
-  std::string words{std::istreambuf_iterator<char>(file), {}};
-  while (words.ends_with('\0')) words.pop_back();
-  std::ranges::replace(words, '\0', ' ');
-  return words.empty() ? "another program" : Escape(words);
+// Without its arguments, among which a password can be.
+std::string ProgramOf(const std::string& process) {
+  std::ifstream file("/proc/" + process + "/comm");
+  std::string name;
+  return std::getline(file, name) ? Escape(name) : "another program";
 }
 
 }  // namespace
@@ -76,7 +73,7 @@ std::string FolderLock::Holder() const {
     std::string number, kind, advisory, mode, process, file;
     words >> number >> kind >> advisory >> mode >> process >> file;
     if (kind == "FLOCK" && file == wanted && process != self) {
-      return fmt::format("{} (process {})", CommandOf(process), process);
+      return fmt::format("{} (process {})", ProgramOf(process), process);
     }
   }
   return "another program";

@@ -30,7 +30,7 @@ class FolderLock {
   // Takes the lock in place of the one that it has, if any. False where another process is in the
   // way; throws DeviceFolderError where the host has no such locks for the folder.
   [[nodiscard]] bool Try(Use use);
-  // Another process that has the lock: "palsim /tmp/unit shell (process 17)", or what can be told.
+  // Another process that has the lock: "palsim (process 17)", or what can be told.
   [[nodiscard]] std::string Holder() const;
 
  private:

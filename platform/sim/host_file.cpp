@@ -80,17 +80,4 @@ void WriteHostFile(const fs::path& file, std::string_view bytes) {
   throw fs::filesystem_error("write", file, {error, std::generic_category()});
 }
 
-void ReplaceHostFile(const fs::path& file, const fs::path& temporary, std::string_view bytes) {
-  if (HasBytes(file, bytes)) return;
-  std::error_code ignored;
-  fs::remove(temporary, ignored);
-  try {
-    WriteHostFile(temporary, bytes);
-    fs::rename(temporary, file);
-  } catch (const fs::filesystem_error& error) {
-    fs::remove(temporary, ignored);
-    Fail(file, "the file cannot be written: " + error.code().message());
-  }
-}
-
 }  // namespace sim

@@ -1,4 +1,4 @@
-// The host's files. A file is replaced as a whole or not at all.
+// The host's files.
 #ifndef PLATFORM_SIM_HOST_FILE_H_
 #define PLATFORM_SIM_HOST_FILE_H_
 
@@ -24,10 +24,6 @@ namespace sim {
 [[nodiscard]] bool HasBytes(const std::filesystem::path& file, std::string_view bytes);
 // Throws std::filesystem::filesystem_error.
 void WriteHostFile(const std::filesystem::path& file, std::string_view bytes);
-// Does nothing where the file has these bytes already. Otherwise writes them to `temporary`, which
-// must be in the same file system, and renames that. Throws DeviceFolderError.
-void ReplaceHostFile(const std::filesystem::path& file, const std::filesystem::path& temporary,
-                     std::string_view bytes);
 
 }  // namespace sim
 

@@ -179,10 +179,10 @@ TEST_F(DeviceFolderTest, ASaveThatFailsLeavesTheOldFiles) {
   sim::Device device;
   sim::LoadDevice(device, folder);
   device.registry().SetDword("HKLM\\New", "n", 1);
-  Put(".saved/removed/device.toml", "");
+  Put(".palsim-saved/removed/device.toml", "");
   EXPECT_THROW(sim::SaveDevice(device, folder), sim::DeviceFolderError);
   EXPECT_EQ(Get("registry.reg"), "[HKLM\\Old]\n");
-  EXPECT_FALSE(fs::exists(folder / ".saving"));
+  EXPECT_FALSE(fs::exists(folder / ".palsim-saving"));
   EXPECT_THROW(sim::SaveDevice(device, folder / "nowhere"), sim::DeviceFolderError);
 }
 

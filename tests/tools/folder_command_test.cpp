@@ -176,7 +176,7 @@ TEST_F(DeviceCommands, LeaveTheOldDeviceOrTheNewOneWhateverEndsThem) {
         const bool is_said = !fault.empty() && Printed(": No space left on device\n");
         ASSERT_TRUE(status == 0 || status == 137 || is_said) << status << output;
         static_cast<void>(palsim::LockDevice(unit, palsim::Use::kRead));
-        fs::remove_all(unit / ".saving");  // as the next change does
+        fs::remove_all(unit / ".palsim-saving");  // as the next change does
         const Files now = Everything();
         ASSERT_TRUE(now == old_device || now == new_device) << command << " at " << at;
         was_old = was_old || now == old_device;
@@ -247,9 +247,58 @@ TEST_F(DeviceCommands, KeepTheJournalInRuns) {
   EXPECT_EQ(Run("call PALLEDGrLedOn"), 0) << output;
   EXPECT_EQ(Run("journal --runs"), 0);
   EXPECT_EQ(output, "     3  PALLEDGrLedOff \n     4  PALLEDGrLedOn \n");
+  std::string description = Get(unit / "device.toml");
+  description.replace(description.find("2 runs"), 6, "1 run");
+  Put("device.toml", description);
+  EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;
+  EXPECT_EQ(Run("journal --runs"), 0);
+  EXPECT_EQ(output, "     5  PALLEDGrLedOff \n");
   EXPECT_EQ(Run("journal --clear"), 0);
   EXPECT_EQ(Run("timeline"), 2);
   EXPECT_TRUE(Printed("has no run to show")) << output;
+}
+
+TEST_F(DeviceCommands, TouchNothingThatIsTheUsers) {
+  Put("runs/000001.log", "");
+  Put("journal.log", "mine");
+  Put("registry.reg", "[HKLM\\a]\n");
+  Put(".saved/put/thesis", "other");
+  Put(".saving/note", "precious");
+  Put("thesis", "mine");
+  const auto before = Everything();
+  const std::string play = "run " PROJECT_DIR "/scenarios/good-read.scenario --new";
+  for (const std::string& command : {play, std::string("new"), std::string("info")}) {
+    EXPECT_NE(Run(command), 0) << command;
+    EXPECT_EQ(Everything(), before) << command;
+  }
+  fs::remove_all(unit);
+  ASSERT_EQ(Run("new"), 0);
+  ASSERT_EQ(Run(kChange), 0);
+  EXPECT_EQ(Run("journal --run 1 --clear"), 2);
+  EXPECT_EQ(Run("journal --runs"), 0);
+  EXPECT_NE(output, "");
+
+  Put("page.writing", "mine");
+  fs::create_symlink(unit / "thesis", unit / "page.writing.1");
+  EXPECT_EQ(Run("timeline --html " + (unit / "page").string()), 0) << output;
+  EXPECT_EQ(Get(unit / "page.writing"), "mine");
+  EXPECT_FALSE(fs::exists(unit / "thesis"));
+  EXPECT_TRUE(Get(unit / "page").starts_with("<!DOCTYPE html>"));
+  EXPECT_FALSE(fs::exists(unit / "page.writing.2"));
+}
+
+TEST_F(DeviceCommands, WaitForADeviceThatAnotherIsMadeOf) {
+  ASSERT_EQ(Run("new"), 0);
+  sim::FolderLock lock(unit);
+  ASSERT_TRUE(lock.Try(palsim::Use::kChange));
+  const std::string other = "palsim " + (folder.path() / "other").string();
+  for (const std::string command : {" new --wait 0 --sample ", " run --new --wait 0 --sample "}) {
+    const std::string file =
+        command.starts_with(" run") ? " " PROJECT_DIR "/scenarios/good-read.scenario" : "";
+    const auto result = RunTool(other + command + unit.string() + file);
+    EXPECT_EQ(result.status, 1) << command;
+    EXPECT_NE(result.output.find("unit is in use by "), std::string::npos) << result.output;
+  }
 }
 
 TEST_F(DeviceCommands, ReadNoMoreOfARunThanItsLastLines) {
@@ -289,29 +338,29 @@ TEST_F(DeviceCommands, FollowNoLinksAndAreNotStoppedByLeftovers) {
   EXPECT_EQ(RunTool(fmt::format("palsim {} {}", (folder.path() / "link").string(), call)).output,
             "PALLEDGrLedOn = 0x00000000 S_OK\n");
   EXPECT_EQ(Run("call PALLEDIsGrLedOn"), 0) << "the user's own link to the device";
-  Put(".saving", "of an older version");
+  Put(".palsim-saving", "of an older version");
   EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;
   EXPECT_EQ(Run(call), 0) << output;
-  Put(".saving/put/device.toml/inside", "of an interrupted command");
+  Put(".palsim-saving/put/device.toml/inside", "of an interrupted command");
   EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;
-  link(".saving");
+  link(".palsim-saving");
   EXPECT_EQ(Run(call), 0) << output;
-  EXPECT_FALSE(fs::exists(fs::symlink_status(unit / ".saving")));
+  EXPECT_FALSE(fs::exists(fs::symlink_status(unit / ".palsim-saving")));
   link("runs");
   EXPECT_EQ(Run("call PALLEDGrLedOff"), 0) << output;
   EXPECT_FALSE(fs::is_symlink(unit / "runs"));
-  Put(".saved/put/files/link/new", "new");
-  Put(".saved/removed/files/other/kept", "");
-  Put(".saved/removed/files/gone", "");
+  Put(".palsim-saved/put/files/link/new", "new");
+  Put(".palsim-saved/removed/files/other/kept", "");
+  Put(".palsim-saved/removed/files/gone", "");
   Put("files/gone/inside", "");
   link("files/link");
   link("files/other");
   sim::FinishChange(unit);
   EXPECT_EQ(Get(unit / "files/link/new"), "new");
   EXPECT_FALSE(fs::exists(unit / "files/gone"));
-  link(".saved");
+  link(".palsim-saved");
   EXPECT_EQ(Run("info"), 1);
-  EXPECT_TRUE(Printed(".saved is not of the simulator; remove it")) << output;
+  EXPECT_TRUE(Printed(".palsim-saved is not of the simulator; remove it")) << output;
   EXPECT_EQ(std::distance(fs::directory_iterator(elsewhere.path()), {}), 1);
   EXPECT_EQ(Get(elsewhere.path() / "kept"), "outside");
 }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include "tests/support/command_line.h"
 #include "tests/support/temporary_folder.h"
@@ -84,6 +85,7 @@ TEST_F(Shell, TakesTheCommandsOfADevice) {
            Case{"journal --effect mutx", "did you mean mutex?", 2},
            Case{"run none.scenario", "none.scenario: No such file or directory", 2},
            Case{"timeline --html /nowhere/page", "/nowhere/page", 2},
+           Case{"run /dev/null", "/dev/null is no file", 2},
            Case{"help none", "there is no command 'none'", 2},
            Case{"advance soon", "MS = soon", 2},
        }) {
@@ -121,6 +123,27 @@ TEST_F(Shell, CompletesOptionsAndFiles) {
   EXPECT_TRUE(terminal.Shows("Milliseconds"));
   terminal.Type("exi\t\n");
   EXPECT_EQ(terminal.Wait(), 0);
+}
+
+TEST_F(Shell, RemembersNoPasswordAndWritesThroughNoLink) {
+  const std::string target = folder.Write("target", "mine");
+  std::filesystem::create_symlink(target, unit + "/shell_history");
+  Terminal terminal({"palsim", unit, "shell"});
+  ASSERT_TRUE(terminal.Shows("palsim> "));
+  terminal.Type("call --fail Sleep PALSecurity_CheckPx m s3cret\n");
+  ASSERT_TRUE(terminal.Shows("palsim> "));
+  terminal.Type("call PALLEDGrLedOn\n");
+  ASSERT_TRUE(terminal.Shows("palsim> "));
+  terminal.Type("exit\n");
+  EXPECT_EQ(terminal.Wait(), 0);
+  const auto read = [](const std::string& file) {
+    std::ifstream stream(file);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+  };
+  EXPECT_EQ(read(target), "mine");
+  const std::string history = read(unit + "/shell_history");
+  EXPECT_NE(history.find("PALLEDGrLedOn"), std::string::npos) << history;
+  EXPECT_EQ(history.find("s3cret"), std::string::npos) << history;
 }
 
 TEST_F(Shell, SavesAtASignalAndWhenItsTerminalIsClosed) {

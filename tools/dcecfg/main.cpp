@@ -46,7 +46,7 @@ int Build(const std::string& input, const std::string& output) {
     return kSuccess;
   } catch (const dcecfg::TextError& error) {
     tools::PrintError("{}:{}:{}: {}\n", tools::InputName(input), error.line(), error.column(),
-                      tools::Printable(error.what()));
+                      error.what());
     return kFailure;
   }
 }
@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("dcecfg", [&] { return CommandLine().Run(argc, argv); });
   } catch (const std::exception& error) {
-    tools::PrintError("dcecfg: {}\n", tools::Printable(error.what()));
+    tools::PrintError("dcecfg: {}\n", error.what());
     return kFailure;
   }
 }

@@ -6,6 +6,7 @@
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
+#include "tools/palsim/session.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 
@@ -162,6 +163,14 @@ void CommandLine::AddList(const char* name, const char* what, const std::functio
     throw CLI::Success();
   };
   app_.add_flag_callback(name, print_alone, what);
+}
+
+int CommandLine::OnQuery(const std::function<int(Session&)>& work) {
+  if (in_shell_) return work(*session_);
+  Session session(folder_, Use::kRead);
+  const int status = work(session);
+  session.End();
+  return status;
 }
 
 CLI::App* CommandLine::AddOnDevice(const char* name, const char* what, const Command& run) {

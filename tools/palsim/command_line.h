@@ -42,6 +42,8 @@ class CommandLine {
   }
   // An option that prints a list, and then nothing else is done.
   void AddList(const char* name, const char* what, const std::function<void()>& print);
+  // A query of it, with a process of its own where there is none yet.
+  int OnQuery(const std::function<int(Session&)>& work);
   // A command on the device, which is named before it.
   CLI::App* AddOnDevice(const char* name, const char* what, const Command& run);
   // A command that stands alone.

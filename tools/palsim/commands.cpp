@@ -107,10 +107,10 @@ void PrintEntries(const std::vector<StoredRun>& runs, std::size_t last, const Is
   std::for_each(entries.rbegin(), entries.rend(), print);
 }
 
-// Without what an interrupted command of an older version can leave.
+// Without what an interrupted command can leave.
 bool IsEmpty(const std::filesystem::path& folder) {
   return std::ranges::all_of(std::filesystem::directory_iterator(folder), [](const auto& entry) {
-    return entry.path().filename() == ".saving";
+    return entry.path().filename() == sim::kSaving;
   });
 }
 
@@ -208,10 +208,10 @@ sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
   std::filesystem::create_directories(folder);
   require(!std::filesystem::equivalent(folder, sample), " cannot be made from itself");
   sim::FolderLock lock = LockFolder(folder, Use::kChange);
-  require(WasDevice(folder) || IsEmpty(folder), kOther);
+  if (IsEmpty(folder)) return lock;
+  require(WasDevice(folder), kOther);
   if (replace == Replace::kAny) return lock;
-  require(replace == Replace::kUnedited || !WasDevice(folder),
-          " is a device already; --force makes it anew");
+  require(replace == Replace::kUnedited, " is a device already; --force makes it anew");
   require(!sim::IsDescriptionEdited(folder),
           "/device.toml may have been edited; --force makes the device anew all the same");
   return lock;
@@ -219,6 +219,7 @@ sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
 
 int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
   const std::filesystem::path sample = FolderOf(options.sample);
+  const sim::FolderLock sample_lock = LockDevice(sample, Use::kRead);
   sim::Device device;
   const sim::DeviceIdentity identity = sim::LoadDevice(device, sample);
   const sim::FolderLock lock =
@@ -227,7 +228,8 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options) {
   sim::PutDevice(device, sample, change);
   RemoveRuns(change);
   change.Commit();
-  fmt::print("{}: a new device of model {}\n", folder.string(), identity.name);
+  fmt::print("{}: a new device of model {}\n", tools::Printable(folder.string()),
+             tools::Printable(identity.name));
   return kSuccess;
 }
 
@@ -305,13 +307,6 @@ int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options) 
 int ShowTrace(Session& session, const TraceOptions& options) {
   PrintEntries(session, options.last, IsInTrace(options), &TraceLine);
   return kSuccess;
-}
-
-int ShowRegistry(const std::filesystem::path& folder, const std::string& path) {
-  Session session(folder, Use::kRead);
-  const int status = ShowRegistry(session, path);
-  session.End();
-  return status;
 }
 
 int ShowRegistry(Session& session, const std::string& path) {

@@ -125,16 +125,12 @@ struct TraceOptions {
 int ShowTrace(const std::filesystem::path& folder, const TraceOptions& options);
 int ShowTrace(Session& session, const TraceOptions& options);
 
-int ShowRegistry(const std::filesystem::path& folder, const std::string& path);
 int ShowRegistry(Session& session, const std::string& path);
 // The device's identity; what cannot be told is shown as its result code.
-int ShowInfo(const std::filesystem::path& folder);
 int ShowInfo(Session& session);
 // The programmable buttons, and the shift planes of the active layout record by record.
-int ShowKeys(const std::filesystem::path& folder);
 int ShowKeys(Session& session);
 // The scan engine and how it stands; fails where the device has none.
-int ShowScanEngine(const std::filesystem::path& folder);
 int ShowScanEngine(Session& session);
 // Lets time pass on the device.
 int Advance(Session& session, std::uint32_t ms);

@@ -29,10 +29,9 @@ void CommandLine::AddNew() {
 }
 
 void CommandLine::AddCall() {
-  auto* command =
-      AddOnDevice("call", "Call an export of the library",
-
-                  [this] { return On([this](auto& device) { return Call(device, call_); }); });
+  auto* command = AddOnDevice("call", "Call an export of the library", [this] {
+    return On([this](auto& device) { return Call(device, call_); });
+  });
   command->add_option("EXPORT", call_.name, "Its name")->required();
   command->add_option(
       "ARGUMENTS", call_.arguments,
@@ -97,7 +96,8 @@ void CommandLine::AddJournal() {
   if (!in_shell_) {
     command->add_option("--run", journal_.run, "Only the run of this number");
     command->add_flag("--runs", journal_.runs, "List the runs: number, length, title");
-    command->add_flag("--clear", journal_.clear, "Forget them afterwards");
+    command->add_flag("--clear", journal_.clear, "Show all, then remove all runs")
+        ->excludes("--run", "--runs", "--last", "--effect");
     return;
   }
   command->add_option("PRINT", journal_.print, "on: print each as it comes; off: not any more")
@@ -123,18 +123,17 @@ void CommandLine::AddDiff() {
 
 void CommandLine::AddRegistry() {
   auto* command = AddOnDevice("registry", "Show the registry as import text", [this] {
-    return On([this](auto& device) { return ShowRegistry(device, registry_path_); });
+    return OnQuery([this](Session& session) { return ShowRegistry(session, registry_path_); });
   });
   command->add_option("KEY", registry_path_, "A key, such as HKLM\\Software\\Dravonel");
 }
 
 void CommandLine::AddQueries() {
   AddOnDevice("info", "Show which device this is, as the library tells it",
-              [this] { return On([](auto& device) { return ShowInfo(device); }); });
+              [this] { return OnQuery(&ShowInfo); });
   AddOnDevice("keys", "Show the buttons and the shift planes of the keypad",
-              [this] { return On([](auto& device) { return ShowKeys(device); }); });
-  AddOnDevice("scan", "Show the scan engine",
-              [this] { return On([](auto& device) { return ShowScanEngine(device); }); });
+              [this] { return OnQuery(&ShowKeys); });
+  AddOnDevice("scan", "Show the scan engine", [this] { return OnQuery(&ShowScanEngine); });
 }
 
 // What only the shell has.

@@ -7,7 +7,6 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/sim/device_folder.h"
 #include "platform/sim/folder_change.h"
 #include "platform/sim/host_file.h"
 #include "platform/sim/journal.h"
@@ -31,11 +30,11 @@ void Wait(sim::FolderLock& lock, Use use) {
       return fmt::format("{} is in use by {}; {} {:g} s", lock.folder().string(), lock.Holder(),
                          end, longest_wait.count());
     };
-    if (waited >= longest_wait) {
+    if (!(waited < longest_wait)) {  // also where it is no number
       throw sim::DeviceFolderError(in_use("gave up after") + " (--wait SECONDS)");
     }
     if (!said && waited >= kUnsaid) {
-      tools::PrintError("palsim: {}\n", sim::Escape(in_use("waiting up to")));
+      tools::PrintError("palsim: {}\n", in_use("waiting up to"));
       said = true;
     }
     std::this_thread::sleep_for(kPause);
@@ -73,6 +72,11 @@ sim::FolderLock LockDevice(const fs::path& folder, Use use) {
   sim::FolderLock lock = LockFolder(folder, use);
   require(folder / "device.toml");
   return lock;
+}
+
+sim::DeviceIdentity LoadLocked(sim::Device& device, const fs::path& folder) {
+  const sim::FolderLock lock = LockDevice(folder, Use::kRead);
+  return sim::LoadDevice(device, folder);
 }
 
 }  // namespace palsim

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "platform/sim/device_folder.h"
 #include "platform/sim/host_disk.h"
 
 namespace palsim {
@@ -21,6 +22,10 @@ void SetLockWait(double seconds);
 // The same, of a folder that is a device. Throws sim::DeviceFolderError, with the command that
 // helps.
 [[nodiscard]] sim::FolderLock LockDevice(const std::filesystem::path& folder, Use use);
+
+// Fills a new device from a folder, and has the folder locked meanwhile. Throws
+// sim::DeviceFolderError.
+sim::DeviceIdentity LoadLocked(sim::Device& device, const std::filesystem::path& folder);
 
 // Whether the folder has a file that only a device has. An older version could be interrupted so
 // that it had no device.toml.

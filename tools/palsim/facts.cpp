@@ -87,10 +87,7 @@ Report ReadReport(const std::string& file) try {
 
 Report AskSimulatedDevice(const std::filesystem::path& folder) {
   sim::Device device;
-  {
-    const sim::FolderLock lock = LockDevice(folder, Use::kRead);
-    sim::LoadDevice(device, folder);
-  }
+  LoadLocked(device, folder);
   device.set_library_path(std::string(sim::kLibraryPath));  // palcheck.exe knows it by this name
   sim::Process process(device, "palcheck.exe");
   process.Run([] { static_cast<void>(conformance::WriteReport()); });

@@ -57,11 +57,4 @@ int ShowInfo(Session& session) {
   return kSuccess;
 }
 
-int ShowInfo(const std::filesystem::path& folder) {
-  Session session(folder, Use::kRead);
-  const int status = ShowInfo(session);
-  session.End();
-  return status;
-}
-
 }  // namespace palsim

@@ -107,11 +107,4 @@ int ShowKeys(Session& session) {
   return kSuccess;
 }
 
-int ShowKeys(const std::filesystem::path& folder) {
-  Session session(folder, Use::kRead);
-  const int status = ShowKeys(session);
-  session.End();
-  return status;
-}
-
 }  // namespace palsim

@@ -80,16 +80,23 @@ LineEditor::LineEditor(std::filesystem::path history, Completer completer,
 }
 
 LineEditor::~LineEditor() {
-  write_history(history_.c_str());
+  // Not through a link, and whole.
+  const std::string written = history_.string() + ".writing";
+  std::error_code ignored;
+  std::filesystem::remove(written, ignored);
+  if (write_history(written.c_str()) == 0) std::filesystem::rename(written, history_, ignored);
   CurrentCompleter() = nullptr;
   CurrentWait() = nullptr;
+}
+
+void LineEditor::Remember(const std::string& line) {
+  add_history(line.c_str());
 }
 
 bool LineEditor::Read(const char* prompt, std::string& line) {
   const std::unique_ptr<char, decltype(&std::free)> typed(readline(prompt), &std::free);
   if (typed == nullptr) return false;
   line = typed.get();
-  if (line.find_first_not_of(" \t") != std::string::npos) add_history(line.c_str());
   return true;
 }
 

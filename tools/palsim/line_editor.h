@@ -26,8 +26,10 @@ class LineEditor {
   LineEditor(const LineEditor&) = delete;
   LineEditor& operator=(const LineEditor&) = delete;
 
-  // False at the end of what is typed, and after an interrupt in an empty line.
+  // False at the end of what is typed.
   bool Read(const char* prompt, std::string& line);
+  // Keeps a line for the history.
+  static void Remember(const std::string& line);
 
  private:
   std::filesystem::path history_;

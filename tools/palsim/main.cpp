@@ -7,10 +7,10 @@ int main(int argc, char** argv) {
   try {
     return tools::CheckedOutput("palsim", [&] { return palsim::CommandLine().Run(argc, argv); });
   } catch (const palsim::UsageError& error) {
-    tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
+    tools::PrintError("palsim: {}\n", error.what());
     return palsim::kUsage;
   } catch (const std::exception& error) {
-    tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
+    tools::PrintError("palsim: {}\n", error.what());
     return palsim::kFailure;
   }
 }

@@ -24,8 +24,7 @@ void WriteSound(const Timeline& timeline, const sim::FileSystem& files, const st
     sound = WriteSoundOfRun(timeline, files, write);
   });
   for (const std::string& path : sound.missing) {
-    tools::PrintError("palsim: {} is left out: the device has no such wave file now\n",
-                      tools::Printable(path));
+    tools::PrintError("palsim: {} is left out: the device has no such wave file now\n", path);
   }
   if (!sound.cut_at_ms) return;
   tools::PrintError("palsim: the sound is cut at {} of {}: a WAV file has no room for more\n",
@@ -65,9 +64,8 @@ struct Verdict {
 };
 
 Verdict Play(Session& session, const Scenario& scenario) {
-  Stage stage(session.device(), [](const std::string& message) {
-    tools::PrintError("{}\n", tools::Printable(message));
-  });
+  Stage stage(session.device(),
+              [](const std::string& message) { tools::PrintError("{}\n", message); });
   stage.Play(scenario);
   return {stage.expectations(), stage.failures()};
 }
@@ -112,6 +110,11 @@ int Run(const std::filesystem::path& folder, const RunOptions& options) {
 }
 
 int Run(Session& session, const RunOptions& options) {
+  // What waits for a pipe could not be ended by a signal, and the device would not be saved.
+  if (options.file == tools::kStandardStream ||
+      (std::filesystem::exists(options.file) && !std::filesystem::is_regular_file(options.file))) {
+    throw UsageError(options.file + " is no file; 'palsim DEVICE run' also reads pipes");
+  }
   const Scenario scenario = ReadScenario(options.file);
   CheckDevice(scenario, session.identity().name);
   const Verdict verdict = Play(session, scenario);

@@ -126,10 +126,11 @@ bool ReadEntriesFromEnd(const StoredRun& run,
   return true;
 }
 
-void PutRun(const RunRecord& run, std::size_t others_kept, sim::FolderChange& change) {
+void PutRun(const RunRecord& run, std::optional<std::size_t> others_kept,
+            sim::FolderChange& change) {
   const std::vector<StoredRun> runs = StoredRuns(change.folder());
-  const std::size_t number = others_kept == 0 || runs.empty() ? 1 : runs.back().number + 1;
-  const std::size_t first_kept = runs.size() - std::min(runs.size(), others_kept);
+  const std::size_t number = !others_kept || runs.empty() ? 1 : runs.back().number + 1;
+  const std::size_t first_kept = runs.size() - std::min(runs.size(), others_kept.value_or(0));
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const bool is_old_journal = NumberOf(runs[i].file) == 0;
     if (i >= first_kept && is_old_journal) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,10 @@ void ReadEntries(const StoredRun& run, const std::function<void(const sim::Journ
 // From the last one on, until `take` says that it has enough. What stands before is not read.
 bool ReadEntriesFromEnd(const StoredRun& run, const std::function<bool(sim::JournalEntry&&)>& take);
 
-// Adds a run behind the last ones of those that are there; 0 of them make it the first.
-void PutRun(const RunRecord& run, std::size_t others_kept, sim::FolderChange& change);
+// Adds a run and keeps so many of the older ones. Without `others_kept` it is the first run of a
+// new device.
+void PutRun(const RunRecord& run, std::optional<std::size_t> others_kept,
+            sim::FolderChange& change);
 void RemoveRuns(sim::FolderChange& change);
 
 }  // namespace palsim

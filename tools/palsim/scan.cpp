@@ -37,11 +37,4 @@ int ShowScanEngine(Session& session) {
   return kSuccess;
 }
 
-int ShowScanEngine(const std::filesystem::path& folder) {
-  Session session(folder, Use::kRead);
-  const int status = ShowScanEngine(session);
-  session.End();
-  return status;
-}
-
 }  // namespace palsim

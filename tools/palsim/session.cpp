@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t kWarning = 0x80000000;  // the lowest category of a warning or an error
 
-// What any call leaves behind, also one that only asks.
+// Effects of every call, even of one that changes nothing.
 bool IsOfAnyCall(const sim::JournalEntry& entry) {
   constexpr std::array kOfAnyCall{sim::Effect::kProcess, sim::Effect::kCall,  sim::Effect::kModule,
                                   sim::Effect::kMutex,   sim::Effect::kDebug, sim::Effect::kDriver};
@@ -30,6 +30,7 @@ Session::Session(const std::filesystem::path& folder, Use use)
 
 Session::Session(sim::FolderLock folder, std::filesystem::path sample)
     : lock_(std::move(folder)), origin_(std::move(sample)) {
+  if (origin_ != this->folder()) origin_lock_.emplace(LockDevice(origin_, Use::kRead));
   identity_ = sim::LoadDevice(device_, origin_);
   record_.device = fmt::format("{}: {}", identity_.name, identity_.description);
   record_.start_ms = device_.now_ms();
@@ -71,10 +72,13 @@ void Session::Save(bool keeps_every_run) {
   sim::PutDevice(device_, origin_, change);
   const bool has_effects = !std::ranges::all_of(record_.entries, &IsOfAnyCall);
   if (keeps_every_run || has_effects || !change.empty()) {
-    PutRun(record_, origin_ == folder() ? identity_.runs_kept - 1 : 0, change);
+    std::optional<std::size_t> others_kept;
+    if (origin_ == folder()) others_kept = identity_.runs_kept - 1;
+    PutRun(record_, others_kept, change);
   }
   change.Commit();
   origin_ = folder();
+  origin_lock_.reset();
   device_.journal().Clear();
 }
 

@@ -46,6 +46,7 @@ class Session {
 
   sim::FolderLock lock_;
   std::filesystem::path origin_;  // where the device was loaded from: its folder, or a sample
+  std::optional<sim::FolderLock> origin_lock_;
   sim::Device device_;
   sim::DeviceIdentity identity_;
   RunRecord record_;

@@ -13,6 +13,7 @@
 
 #include "tools/palsim/commands.h"
 #include "tools/palsim/completion.h"
+#include "tools/palsim/export_call.h"
 #include "tools/palsim/interrupts.h"
 #include "tools/palsim/line_editor.h"
 #include "tools/palsim/nearest.h"
@@ -22,6 +23,16 @@
 
 namespace palsim {
 namespace {
+
+// Whether a call of these words hands a password over. What is kept in a file has none.
+bool HasPassword(const std::vector<std::string>& words) {
+  for (std::size_t at = 0; at < words.size(); ++at) {
+    const auto after = words.begin() + static_cast<std::ptrdiff_t>(at) + 1;
+    const std::vector<std::string> arguments(after, words.end());
+    if (ShownArguments(words[at], arguments) != arguments) return true;
+  }
+  return false;
+}
 
 // At a terminal lines are edited; from a pipe or a file they are read as they are.
 class Input {
@@ -35,6 +46,10 @@ class Input {
   [[nodiscard]] bool is_interactive() const { return editor_.has_value(); }
   // The signal that has ended the input; 0: none.
   [[nodiscard]] int signal() const { return signal_; }
+
+  void Remember(const std::vector<std::string>& words, const std::string& line) {
+    if (editor_ && !HasPassword(words)) LineEditor::Remember(line);
+  }
 
   // False at the end of what is typed, and where a signal ends it.
   bool Read(std::string& line) {
@@ -92,13 +107,14 @@ int Converse(Session& session, const ShellCommands& commands, Input& input) {
       std::vector<std::string> words;
       for (Word& word : SplitWords(line)) words.push_back(std::move(word.text));
       if (words.empty()) continue;
+      input.Remember(words, line);
       if (words[0] == "quit" || words[0] == "exit") break;
       RunLine(session, commands, words);
       tools::PrintAtOnce({});  // a program may wait for the answer
     } catch (const std::system_error&) {
       throw;  // nothing can be printed any more
     } catch (const std::runtime_error& error) {
-      tools::PrintError("palsim: {}\n", tools::Printable(error.what()));
+      tools::PrintError("palsim: {}\n", error.what());
       if (!input.is_interactive()) status = kUsage;
     }
   }

@@ -53,9 +53,7 @@ Json Play(const TestCase& test) {
   };
   sim::Device device;
   try {
-    const std::filesystem::path folder = FolderOf(test.device);
-    const sim::FolderLock lock = LockDevice(folder, Use::kRead);
-    sim::LoadDevice(device, folder);
+    LoadLocked(device, FolderOf(test.device));
     if (test.seed) device.ShuffleTurns(*test.seed);
     Stage stage(device, say);
     stage.Play(*test.scenario);
@@ -83,14 +81,15 @@ class Progress {
  public:
   explicit Progress(std::size_t count) : count_(count), shown_(isatty(STDERR_FILENO) != 0) {}
   ~Progress() {
-    if (shown_) tools::PrintError("\r{:60}\r", "");
+    if (shown_) std::fputs(fmt::format("\r{:60}\r", "").c_str(), stderr);
   }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
   void Count(bool failed) {
     failures_ += failed ? 1 : 0;
-    if (shown_) tools::PrintError("\r{} of {}, {} failed", ++done_, count_, failures_);
+    if (shown_)
+      std::fputs(fmt::format("\r{} of {}, {} failed", ++done_, count_, failures_).c_str(), stderr);
   }
 
  private:
@@ -126,7 +125,10 @@ Json PlayAll(const std::vector<TestCase>& cases, const TestOptions& options) {
 
 // Where a file cannot be written, this is said before hours of work.
 void CheckOutputs(const TestOptions& options) {
-  if (!options.junit.empty() && options.junit == options.json) {
+  const auto place = [](const std::string& file) {
+    return std::filesystem::weakly_canonical(file);
+  };
+  if (!options.junit.empty() && place(options.junit) == place(options.json)) {
     throw UsageError("--junit and --json name the same output");
   }
   for (const std::string& file : {options.junit, options.json}) {
@@ -134,6 +136,7 @@ void CheckOutputs(const TestOptions& options) {
     if (!folder.empty() && !std::filesystem::is_directory(folder)) {
       throw UsageError(fmt::format("{}: there is no folder {}", file, folder.string()));
     }
+    if (std::filesystem::is_directory(file)) throw UsageError(file + " is a folder");
   }
 }
 

@@ -76,9 +76,7 @@ std::vector<TestDevice> FindDevices(const std::vector<std::string>& given) {
       {.count = devices.size()},
       [&](std::size_t index) {
         sim::Device device;
-        const fs::path folder = FolderOf(devices[index].given);
-        const sim::FolderLock lock = LockDevice(folder, Use::kRead);
-        return sim::LoadDevice(device, folder).name;
+        return LoadLocked(device, FolderOf(devices[index].given)).name;
       },
       [&](std::size_t index, const JobEnd& end) {
         if (!end.error.empty()) throw UsageError(end.error);

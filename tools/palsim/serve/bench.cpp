@@ -6,6 +6,7 @@
 
 #include "frame/version.h"
 #include "platform/sim/hardware/hardware.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/nearest.h"
 #include "tools/palsim/run_store.h"
 #include "tools/palsim/scenario/statements.h"
@@ -86,7 +87,7 @@ const std::vector<Bench::Method>& Bench::Methods() {
 }
 
 Bench::Bench(std::filesystem::path folder)
-    : folder_(std::move(folder)), identity_(sim::LoadDevice(loaded_, folder_)) {
+    : folder_(std::move(folder)), identity_(LoadLocked(loaded_, folder_)) {
   MakeDevice();
 }
 

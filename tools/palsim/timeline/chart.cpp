@@ -170,10 +170,9 @@ struct PartRow {
 
 std::string ProcessColour(const Timeline& timeline, std::uint32_t process) {
   constexpr std::size_t kColours = 6;
-  const auto found = std::ranges::find(timeline.processes, process, &Span::process);
-  if (found == timeline.processes.end()) return {};
-  const auto index = static_cast<std::size_t>(found - timeline.processes.begin());
-  return fmt::format("p{}", index % kColours);
+  const auto found = timeline.process_places.find(process);
+  if (found == timeline.process_places.end()) return {};
+  return fmt::format("p{}", found->second % kColours);
 }
 
 std::string ChartHtml(const Timeline& timeline) {

@@ -18,16 +18,18 @@ constexpr std::size_t kLabelWidth = 22;
 
 constexpr std::array kForTheLogAlone{Effect::kTrace, Effect::kModule, Effect::kDebug};
 
-// A terminal has no more columns for all of them. Elsewhere a long run makes long lines.
+// A terminal has no more columns for all of them. Elsewhere a long run makes long lines, up to a
+// length.
 TimeScale ScaleFor(const Timeline& timeline, std::size_t columns) {
   constexpr std::size_t kUsual = 72;
   constexpr std::size_t kLeast = 24;
+  constexpr double kLongest = 500;
   constexpr std::size_t kBeside = kLabelWidth + 14;  // the lanes' names, and the axis' last text
   const std::size_t room = columns == 0 ? kUsual : std::max(columns, kBeside + kLeast) - kBeside;
   const auto width = static_cast<double>(room);
   const std::vector<std::uint64_t> moments = MomentsOf(timeline);
   TimeScale scale(moments, {.width = width, .least_interval = 2, .gap = 5});
-  if (columns == 0 || scale.width() <= width) return scale;
+  if (scale.width() <= (columns == 0 ? kLongest : width)) return scale;
   return {moments, {.width = width, .least_interval = 0, .gap = 0}};
 }
 

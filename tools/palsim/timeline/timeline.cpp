@@ -7,8 +7,8 @@
 namespace palsim {
 
 std::string Timeline::ProcessName(std::uint32_t id) const {
-  const auto found = std::ranges::find(processes, id, &Span::process);
-  return found == processes.end() ? std::string("the device") : found->name;
+  const auto found = process_places.find(id);
+  return found == process_places.end() ? std::string("the device") : processes[found->second].name;
 }
 
 std::string Timeline::Actor(const sim::JournalEntry& entry) const {

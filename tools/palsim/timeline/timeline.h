@@ -4,6 +4,7 @@
 #define TOOLS_PALSIM_TIMELINE_TIMELINE_H_
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -102,6 +103,7 @@ struct Timeline {
   RunRecord run;  // entries with their times in the run
   std::uint64_t length_ms = 0;
   std::vector<ProcessLine> processes;
+  std::map<std::uint32_t, std::size_t> process_places;  // in `processes`, by id
   std::vector<MutexLine> mutexes;
   std::vector<SoundSpan> sounds;
   std::vector<VibrationSpan> vibrations;

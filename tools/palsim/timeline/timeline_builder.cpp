@@ -76,8 +76,8 @@ class Builder {
   }
 
   ProcessLine* Process(std::uint32_t id) {
-    const auto found = std::ranges::find(timeline_.processes, id, &Span::process);
-    return found == timeline_.processes.end() ? nullptr : &*found;
+    const auto found = timeline_.process_places.find(id);
+    return found == timeline_.process_places.end() ? nullptr : &timeline_.processes[found->second];
   }
 
   void TakeProcess(const JournalEntry& entry) {
@@ -85,6 +85,7 @@ class Builder {
     if (what.starts_with("started")) {
       auto line = Begun<ProcessLine>(entry);
       line.name = name;
+      timeline_.process_places.emplace(entry.process_id, timeline_.processes.size());
       timeline_.processes.push_back(std::move(line));
       return;
     }
@@ -125,10 +126,9 @@ class Builder {
   }
 
   MutexLine& Mutex(const std::string& name) {
-    const auto found = std::ranges::find(timeline_.mutexes, name, &MutexLine::name);
-    if (found != timeline_.mutexes.end()) return *found;
-    timeline_.mutexes.push_back({.name = name, .holds = {}, .waits = {}});
-    return timeline_.mutexes.back();
+    const auto [found, is_new] = mutex_places_.emplace(name, timeline_.mutexes.size());
+    if (is_new) timeline_.mutexes.push_back({.name = name, .holds = {}, .waits = {}});
+    return timeline_.mutexes[found->second];
   }
 
   void TakeMutex(const JournalEntry& entry) {
@@ -144,11 +144,18 @@ class Builder {
       mutex.holds.push_back(hold);
       return;
     }
-    // One process after the other holds it, so that what is open stands at the end.
+    ForEachOpen(mutex, [&](HoldSpan& hold) {
+      if (hold.process != entry.process_id) return;
+      hold.abandoned = what == "abandoned";
+      Close(hold, entry.time_ms);
+    });
+  }
+
+  // One process after the other holds it, so that what is open stands at the end.
+  template <class Work>
+  static void ForEachOpen(MutexLine& mutex, const Work& work) {
     for (auto hold = mutex.holds.rbegin(); hold != mutex.holds.rend() && hold->open; ++hold) {
-      if (hold->process != entry.process_id) continue;
-      hold->abandoned = what == "abandoned";
-      Close(*hold, entry.time_ms);
+      work(*hold);
     }
   }
 
@@ -177,8 +184,8 @@ class Builder {
     wait.open = false;
     wait.in_vain = true;
     for (MutexLine& mutex : timeline_.mutexes) {
-      const bool held = std::ranges::any_of(
-          mutex.holds, [&](const HoldSpan& hold) { return hold.open && hold.begin <= wait.begin; });
+      bool held = false;
+      ForEachOpen(mutex, [&](const HoldSpan& hold) { held = held || hold.begin <= wait.begin; });
       if (held) return mutex.waits.push_back(wait);
     }
   }
@@ -193,13 +200,16 @@ class Builder {
       sound.path = begun->path;
       sound.length_ms = begun->length_ms;
       sound.looping = begun->looping;
+      open_sounds_.push_back(timeline_.sounds.size());
       timeline_.sounds.push_back(std::move(sound));
     } else if (const auto ended = SoundEnded(entry.text)) {
-      for (SoundSpan& sound : timeline_.sounds) {
-        if (!sound.open || sound.path != ended->path) continue;
+      std::erase_if(open_sounds_, [&](std::size_t place) {
+        SoundSpan& sound = timeline_.sounds[place];
+        if (sound.path != ended->path) return false;
         sound.stopped = ended->stopped;
         Close(sound, entry.time_ms);
-      }
+        return true;
+      });
     }
   }
 
@@ -221,9 +231,7 @@ class Builder {
     if (line == timeline_.leds.end()) {
       line = timeline_.leds.insert(line, LedLine{.number = number, .spans = {}});
     }
-    for (LedSpan& span : line->spans) {
-      if (span.open) Close(span, entry.time_ms);
-    }
+    if (!line->spans.empty() && line->spans.back().open) Close(line->spans.back(), entry.time_ms);
     if (what == "off") return;
     auto span = Begun<LedSpan>(entry);
     span.blinks = what == "blinks";
@@ -235,9 +243,7 @@ class Builder {
     if (!entry.text.starts_with("restart, ")) return;
     timeline_.restarts.push_back({entry.time_ms, entry.text});
     for (MutexLine& mutex : timeline_.mutexes) {
-      for (HoldSpan& hold : mutex.holds) {
-        if (hold.open) Close(hold, entry.time_ms);
-      }
+      ForEachOpen(mutex, [&](HoldSpan& hold) { Close(hold, entry.time_ms); });
     }
   }
 
@@ -289,7 +295,9 @@ class Builder {
   }
 
   Timeline timeline_;
-  std::size_t entry_ = 0;                                                       // that is taken
+  std::map<std::string, std::size_t> mutex_places_;  // in the timeline, by name
+  std::vector<std::size_t> open_sounds_;             // places in the timeline
+  std::size_t entry_ = 0;                            // that is taken
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint64_t> last_seen_;  // of each thread
 };
 
