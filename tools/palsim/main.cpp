@@ -8,7 +8,9 @@
 
 #include "frame/version.h"
 #include "platform/sim/device_folder.h"
+#include "tools/command_words.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/completion.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/explore/explore_command.h"
 #include "tools/palsim/export_call.h"
@@ -132,6 +134,7 @@ class CommandLine {
 
   int Run(int argc, char** argv) {
     if (argc > 0) test_.program = argv[0];
+    if (argc > 1 && argv[1] == tools::kCompleteOption) return Complete({argv + 2, argv + argc});
     try {
       app_.parse(argc, argv);
       return status_;
@@ -141,6 +144,15 @@ class CommandLine {
   }
 
  private:
+  [[nodiscard]] int Complete(const std::vector<std::string>& words) const {
+    const auto commands = tools::CommandsOf(app_);
+    for (const std::string& word :
+         palsim::CommandLineCompletions(words, tools::WordsOf(app_), commands)) {
+      fmt::print("{}\n", word);
+    }
+    return palsim::kSuccess;
+  }
+
   static void PrintStatements() {
     palsim::PrintStatements();
     throw CLI::Success();
@@ -182,14 +194,7 @@ class CommandLine {
 
   static palsim::ShellCommands ForShell() {
     palsim::ShellCommands commands;
-    CommandLine all(nullptr);
-    for (const CLI::App* command : all.app_.get_subcommands({})) {
-      commands.commands.push_back({command->get_name(), {}});
-      for (const CLI::Option* option : command->get_options()) {
-        const std::string name = option->get_name();
-        if (name.starts_with("--")) commands.commands.back().words.push_back(name);
-      }
-    }
+    commands.commands = tools::CommandsOf(CommandLine(nullptr).app_);
     commands.run = [](palsim::Session& session, const std::vector<std::string>& words) {
       CommandLine(&session).RunLine(words);
     };
@@ -216,7 +221,7 @@ class CommandLine {
 
   // A command on the device, which is named before it.
   CLI::App* AddOnDevice(const char* name, const char* what, const Command& run) {
-    auto* command = app_.add_subcommand(name, what)->group("Commands on a DEVICE");
+    auto* command = app_.add_subcommand(name, what)->group(palsim::kCommandsOnDevice);
     if (!in_shell_) {
       command->add_option("--wait", wait_, "Seconds to wait for another command on the device")
           ->check(CLI::NonNegativeNumber)
@@ -231,7 +236,7 @@ class CommandLine {
 
   // A command that stands alone.
   CLI::App* AddAlone(const char* name, const char* what, const Command& run) {
-    auto* command = app_.add_subcommand(name, what)->group("Commands without a DEVICE");
+    auto* command = app_.add_subcommand(name, what)->group(palsim::kCommandsAlone);
     return command->callback([this, name, run] {
       if (!device_->empty()) throw CLI::ExtrasError(name, {folder_});
       status_ = run();
@@ -335,7 +340,7 @@ class CommandLine {
 
   void AddDiff() {
     auto* command =
-        app_.add_subcommand("diff", "Show where two runs part")->group("Commands on a DEVICE");
+        app_.add_subcommand("diff", "Show where two runs part")->group(palsim::kCommandsOnDevice);
     command->callback([this] { status_ = palsim::Diff(folder_, diff_); });
     command->add_option("RUN", diff_.left, "A run's number, or a journal's file: its last run")
         ->required();
