@@ -294,7 +294,8 @@ class CommandLine {
 
   void AddTimeline() {
     auto* command = AddOnDevice("timeline", "Show a run on a time axis", [this] {
-      timeline_.text = timeline_.html.empty() && timeline_.wav.empty() && timeline_.trace.empty();
+      timeline_.text = timeline_.html.empty() && timeline_.svg.empty() && timeline_.wav.empty() &&
+                       timeline_.trace.empty();
       return On([this](auto& device) { return palsim::ShowTimeline(device, timeline_); });
     });
     if (!in_shell_) {
@@ -307,6 +308,8 @@ class CommandLine {
   static void AddFiles(CLI::App& command, palsim::TimelineOptions& options) {
     command.add_option("--html", options.html,
                        "Write the timeline as a page for a browser; - is standard output");
+    command.add_option("--svg", options.svg,
+                       "Write the page's chart as a picture; - is standard output");
     command.add_option("--wav", options.wav, "Write the run's sound; - is standard output");
     command.add_option("--trace", options.trace,
                        "Write the Chrome trace event format, which Perfetto opens; - is standard "

@@ -166,17 +166,7 @@ struct PartRow {
   std::vector<void (*)(Lanes& lanes, const Timeline& timeline)> add;
 };
 
-}  // namespace
-
-std::string ProcessColour(const Timeline& timeline, std::uint32_t process) {
-  constexpr std::size_t kColours = 6;
-  const auto found = std::ranges::find(timeline.processes, process, &Span::process);
-  if (found == timeline.processes.end()) return {};
-  const auto index = static_cast<std::size_t>(found - timeline.processes.begin());
-  return fmt::format("p{}", index % kColours);
-}
-
-std::string ChartHtml(const Timeline& timeline) {
+Lanes LanesOf(const Timeline& timeline) {
   static const std::vector<PartRow> parts{
       {"expectations and events", {&AddExpectations, &AddOutside}},
       {"processes", {&AddProcesses}},
@@ -189,7 +179,25 @@ std::string ChartHtml(const Timeline& timeline) {
     lanes.BeginPart(part.title);
     for (const auto add : part.add) add(lanes, timeline);
   }
-  return lanes.Html();
+  return lanes;
+}
+
+}  // namespace
+
+std::string ProcessColour(const Timeline& timeline, std::uint32_t process) {
+  constexpr std::size_t kColours = 6;
+  const auto found = std::ranges::find(timeline.processes, process, &Span::process);
+  if (found == timeline.processes.end()) return {};
+  const auto index = static_cast<std::size_t>(found - timeline.processes.begin());
+  return fmt::format("p{}", index % kColours);
+}
+
+std::string ChartHtml(const Timeline& timeline) {
+  return LanesOf(timeline).Html();
+}
+
+std::string ChartPicture(const Timeline& timeline, std::string_view head) {
+  return LanesOf(timeline).Picture(head);
 }
 
 }  // namespace palsim
