@@ -9,13 +9,15 @@ set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "\$ORIGIN")
 set_target_properties(${tools} PROPERTIES INSTALL_RPATH "\$ORIGIN/${libraries_from_tools}")
 install(TARGETS DVLORQPAL ${libraries} LIBRARY DESTINATION ${PAL_INSTALLED_LIBRARIES})
 install(TARGETS ${tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+add_custom_target(installed DEPENDS DVLORQPAL ${libraries} ${tools})
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal)
 install(FILES tools/palsim/program/palsim_program.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal)
 install(DIRECTORY devices scenarios examples DESTINATION ${PAL_INSTALLED_DATA})
 install(DIRECTORY sdk/python DESTINATION ${PAL_INSTALLED_DATA} FILES_MATCHING PATTERN "*.py")
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md" PATTERN "site" EXCLUDE)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${PAL_INSTALLED_DOCUMENTS} FILES_MATCHING PATTERN "*.md" PATTERN "*.svg"
+        PATTERN "site" EXCLUDE)
+install(FILES README.md CHANGELOG.md DESTINATION ${PAL_INSTALLED_DOCUMENTS})
 
 # find_package(DVLORQPAL CONFIG)
 file(STRINGS frame/version.h version REGEX "kLibraryVersion")
@@ -27,3 +29,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/DVLORQPALConfigVersion.cmak
   COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/DVLORQPALConfig.cmake ${CMAKE_BINARY_DIR}/DVLORQPALConfigVersion.cmake
   DESTINATION ${package})
+
+include(cmake/help.cmake)
+add_dependencies(installed man_pages)
+include(cmake/package.cmake)

@@ -2,7 +2,7 @@
 packages=(  # of every build
   g++ clang clang-format clang-tidy libclang-rt-dev cmake ninja-build python3 binutils
   libfmt-dev libtomlplusplus-dev libcli11-dev libgtest-dev libboost-dev libedit-dev
-  nlohmann-json3-dev libpugixml-dev python3-pytest
+  nlohmann-json3-dev libpugixml-dev python3-pytest go-md2man pkgconf
 )
 device_packages=(  # of the build for the handheld
   gcc-arm-none-eabi libstdc++-arm-none-eabi-newlib python3-pyelftools python3-pefile llvm

@@ -191,12 +191,14 @@ class Image:
                                  headers_size + len(body) if raw else 0, 0, 0, 0, 0, FLAGS[name])
             body += section.data.ljust(raw, b"\0")
 
+        first_data = next(section.rva for name, section in sections if FLAGS[name] & DATA)
+
         def total(flag):
             return sum(align(len(each.data), FILE_ALIGNMENT) for name, each in sections if FLAGS[name] & flag)
 
         optional = struct.pack(
             "<HBBIIIIIIIIIHHHHHHIIIIHHIIIIII", 0x10B, 2, 40, total(CODE), total(DATA), 0,
-            self.program.entry - self.program.base, self.sections[".text"].rva, self.sections[".rdata"].rva,
+            self.program.entry - self.program.base, self.sections[".text"].rva, first_data,
             self.program.base, PAGE, FILE_ALIGNMENT, 4, 0, 1, 0, *VERSION, 0, self.end, headers_size, 0,
             SUBSYSTEM_WINDOWS_CE, 0, 0x10000, PAGE, 0x100000, PAGE, 0, 16)
         optional += b"".join(struct.pack("<II", *directory) for directory in self.directories)

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Installs the build, moves what was installed, and uses it from there: install_test.py CMAKE BUILD_FOLDER"""
+import gzip
 import os
 import pathlib
 import subprocess
@@ -53,6 +54,43 @@ class Installed(unittest.TestCase):
             run(self.palsim, self.unit, "new", "--force", PALSIM_SAMPLES=str(elsewhere))
         finally:
             elsewhere.rename(self.data / "devices")
+
+    def test_bash_completes_what_the_tools_take(self):
+        (self.prefix.parent / "play.scenario").write_text("expect led 3 is off\n")
+        for line, candidates in (
+                ("palsim sa", ["samples"]),
+                ("palsim unit reg", ["registry"]),
+                ("palsim --usage PALKEYSetButtonA", ["PALKEYSetButtonAction"]),
+                ("palsim unit call PALKEYSetButtonAction 5 PAL_KEY_ACTION_SC", ["PAL_KEY_ACTION_SCAN"]),
+                ("palsim unit new --sample rm", ["rm21", "rm23"]),
+                ("palsim unit run pl", ["play.scenario"]),
+                ("palsim unit journal --effect mu", ["mutex"]),
+                ("palsim test --ju", ["--junit"]),
+                ("palsim unit exp", []),  # is for no device
+                ("dcecfg ch", ["check"]),
+                ("dcecfg build --o", ["--output"])):
+            words = line.split()
+            script = (f"source {self.prefix}/share/bash-completion/completions/{words[0]}; COMP_CWORD={len(words) - 1};"
+                      f"COMP_WORDS=({line}); complete -p {words[0]} >/dev/null; compopt() {{ :; }};"
+                      f"_palsim {self.prefix}/bin/{words[0]} {words[-1]} {words[-2]}; printf '%s\\n' \"${{COMPREPLY[@]}}\"")
+            done = subprocess.run(["bash", "--norc", "-c", script], capture_output=True, text=True,
+                                  cwd=self.prefix.parent)
+            self.assertEqual(done.stdout.split(), candidates, (line, done.stderr))
+
+    def test_man_pages_have_what_the_tools_say(self):
+        for page, said in (("man1/palsim.1", ("--usage", "palsim serve", "Search for runs")),
+                           ("man1/dcecfg.1", ("dcecfg build", "--output")),
+                           ("man7/palsim-scenario.7", ("PROCESS is killed", "turns change by", "MUTEX abandoned"))):
+            text = gzip.open(f"{self.prefix}/share/man/{page}.gz", "rt").read().replace("\\-", "-")
+            for each in said:
+                self.assertIn(each, text)
+
+    def test_another_project_builds_with_pkg_config(self):
+        build = self.prefix.parent / "packaged.so"
+        flags = run("pkg-config", "--cflags", "--libs", "dvlorqpal", PKG_CONFIG_PATH=str(self.prefix / "lib/pkgconfig"))
+        run("cc", "-shared", "-fPIC", "-Wall", "-Werror", "-Wl,-z,defs", "-o", build, self.data / "examples/alarm.c",
+            *flags.split(), "-lc")
+        self.assertIn("\n0 findings", run(self.palsim, "explore", "--program", build, "--seeds", "1-1"))
 
     def test_another_project_builds_with_it(self):
         build = self.prefix.parent / "project"

@@ -303,6 +303,15 @@ TEST_F(Palsim, PlaysAScenarioAndShowsItsTimeline) {
   EXPECT_TRUE(Printed("PALLEDGrLedOn() returns 0x00000000 S_OK")) << output;
 }
 
+TEST_F(Palsim, DrawsThePictureOfTheReadme) {
+  const std::string project = PROJECT_DIR;
+  EXPECT_EQ(Run("run " + project + "/scenarios/good-read.scenario --new --svg -"), 0);
+  std::ifstream file(project + "/docs/good-read.svg");
+  const std::string picture(std::istreambuf_iterator<char>(file), {});
+  EXPECT_TRUE(Printed(picture) && !picture.empty())
+      << "palsim /tmp/unit run scenarios/good-read.scenario --new --svg docs/good-read.svg";
+}
+
 TEST_F(Palsim, SaysWhatIsWrongWithAScenarioAndPlaysNothing) {
   ASSERT_EQ(Run("new"), 0);
   const std::string bad = folder.Write("bad.scenario", "expect led LED 3 on\n");

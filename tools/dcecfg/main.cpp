@@ -8,6 +8,7 @@
 #include <string>
 
 #include "frame/version.h"
+#include "tools/command_words.h"
 #include "tools/dcecfg/check.h"
 #include "tools/dcecfg/text_form.h"
 #include "tools/streams.h"
@@ -78,6 +79,7 @@ class CommandLine {
   }
 
   int Run(int argc, char** argv) {
+    if (argc > 1 && argv[1] == tools::kCompleteOption) return Complete({argv + 2, argv + argc});
     try {
       app_.parse(argc, argv);
       return status_;
@@ -87,6 +89,22 @@ class CommandLine {
   }
 
  private:
+  // Files are left to the shell.
+  [[nodiscard]] int Complete(const std::vector<std::string>& words) const {
+    const std::string last = words.empty() ? "" : words.back();
+    std::vector<std::string> candidates;
+    if (words.size() == 1) candidates = tools::WordsOf(app_).options;
+    for (const tools::CommandWords& command : tools::CommandsOf(app_)) {
+      if (words.size() == 1) candidates.push_back(command.name);
+      if (words.size() > 1 && command.name == words[0]) candidates = command.options;
+    }
+    for (const std::string& each : candidates) {
+      const bool is_kind = each.starts_with('-') == last.starts_with('-');
+      if (is_kind && each.starts_with(last)) fmt::print("{}\n", each);
+    }
+    return kSuccess;
+  }
+
   void AddReader(const char* name, const char* what, int (*command)(const std::string&)) {
     auto* subcommand = app_.add_subcommand(name, what);
     subcommand->add_option("FILE", input_, "The configuration-store file; - is standard input")

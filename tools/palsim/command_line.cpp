@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include "frame/version.h"
+#include "tools/command_words.h"
+#include "tools/palsim/completion.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
@@ -106,12 +108,21 @@ void CommandLine::RunLine(const std::vector<std::string>& words) {
 
 int CommandLine::Run(int argc, char** argv) {
   if (argc > 0) test_.program = argv[0];
+  if (argc > 1 && argv[1] == tools::kCompleteOption) return Complete({argv + 2, argv + argc});
   try {
     app_.parse(argc, argv);
     return status_;
   } catch (const CLI::ParseError& error) {
     return app_.exit(error) == 0 ? kSuccess : kUsage;
   }
+}
+
+int CommandLine::Complete(const std::vector<std::string>& words) const {
+  const auto commands = tools::CommandsOf(app_);
+  for (const std::string& word : CommandLineCompletions(words, tools::WordsOf(app_), commands)) {
+    fmt::print("{}\n", word);
+  }
+  return kSuccess;
 }
 
 std::string CommandLine::CommandHint() const {
@@ -134,14 +145,7 @@ int CommandLine::PrintExports() {
 
 ShellCommands CommandLine::ForShell() {
   ShellCommands commands;
-  CommandLine all(nullptr);
-  for (const CLI::App* command : all.app_.get_subcommands({})) {
-    commands.commands.push_back({command->get_name(), {}});
-    for (const CLI::Option* option : command->get_options()) {
-      const std::string name = option->get_name();
-      if (name.starts_with("--")) commands.commands.back().words.push_back(name);
-    }
-  }
+  commands.commands = tools::CommandsOf(CommandLine(nullptr).app_);
   commands.run = [](Session& session, const std::vector<std::string>& words) {
     CommandLine(&session).RunLine(words);
   };
@@ -174,7 +178,7 @@ int CommandLine::OnQuery(const std::function<int(Session&)>& work) {
 }
 
 CLI::App* CommandLine::AddOnDevice(const char* name, const char* what, const Command& run) {
-  auto* command = app_.add_subcommand(name, what)->group("Commands on a DEVICE");
+  auto* command = app_.add_subcommand(name, what)->group(kCommandsOnDevice);
   if (!in_shell_) {
     command->add_option("--wait", wait_, "Seconds to wait for another command on the device")
         ->check(CLI::NonNegativeNumber)
@@ -188,7 +192,7 @@ CLI::App* CommandLine::AddOnDevice(const char* name, const char* what, const Com
 }
 
 CLI::App* CommandLine::AddAlone(const char* name, const char* what, const Command& run) {
-  auto* command = app_.add_subcommand(name, what)->group("Commands without a DEVICE");
+  auto* command = app_.add_subcommand(name, what)->group(kCommandsAlone);
   return command->callback([this, name, run] {
     if (!device_->empty()) throw CLI::ExtrasError(name, {folder_});
     status_ = run();

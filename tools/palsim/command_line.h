@@ -28,6 +28,8 @@ class CommandLine {
  private:
   using Command = std::function<int()>;  // gives the exit status
 
+  // Prints what can follow the words, for a shell of the host.
+  [[nodiscard]] int Complete(const std::vector<std::string>& words) const;
   static int PrintExports();
   static ShellCommands ForShell();
   // Where no command was understood, the one that a word may have meant.

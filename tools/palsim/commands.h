@@ -61,6 +61,7 @@ struct TimelineOptions {
   bool text = false;        // on the terminal
   std::size_t columns = 0;  // that it has; 0: it is none
   std::string html;
+  std::string svg;  // the chart of the page alone
   std::string wav;
   std::string trace;  // in the Chrome trace event format
 };

@@ -1,4 +1,4 @@
-// What a line of the shell can go on with.
+// What a line can go on with, in the tool's shell and in the user's.
 #ifndef TOOLS_PALSIM_COMPLETION_H_
 #define TOOLS_PALSIM_COMPLETION_H_
 
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/sim/kernel/registry.h"
-#include "tools/palsim/shell.h"
+#include "tools/command_words.h"
 
 namespace palsim {
 
@@ -14,8 +14,19 @@ namespace palsim {
 // then the names of its argument's numbers, behind "registry" a root or a key, behind "run" a file,
 // and behind any command its options.
 [[nodiscard]] std::vector<std::string> Completions(const std::string& line,
-                                                   const std::vector<ShellCommand>& commands,
+                                                   const std::vector<tools::CommandWords>& commands,
                                                    const sim::Registry& registry);
+
+// The groups of the command line's commands.
+constexpr const char* kCommandsOnDevice = "Commands on a DEVICE";
+constexpr const char* kCommandsAlone = "Commands without a DEVICE";
+
+// All that the last of the words behind palsim could become: a command that fits to whether a
+// DEVICE stands before it, an option, the name of an export, a number, an effect or a sample, and
+// behind "run" and "test" scenarios and folders. `own` has the tool's own options.
+[[nodiscard]] std::vector<std::string> CommandLineCompletions(
+    std::vector<std::string> words, const tools::CommandWords& own,
+    const std::vector<tools::CommandWords>& commands);
 
 }  // namespace palsim
 

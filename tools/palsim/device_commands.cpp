@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "tools/palsim/command_line.h"
+#include "tools/palsim/completion.h"
 #include "tools/palsim/export_call.h"
 
 namespace palsim {
@@ -68,7 +69,8 @@ void CommandLine::AddRun() {
 
 void CommandLine::AddTimeline() {
   auto* command = AddOnDevice("timeline", "Show a run on a time axis", [this] {
-    timeline_.text = timeline_.html.empty() && timeline_.wav.empty() && timeline_.trace.empty();
+    timeline_.text = timeline_.html.empty() && timeline_.svg.empty() && timeline_.wav.empty() &&
+                     timeline_.trace.empty();
     return On([this](auto& device) { return ShowTimeline(device, timeline_); });
   });
   if (!in_shell_) {
@@ -80,6 +82,8 @@ void CommandLine::AddTimeline() {
 void CommandLine::AddFiles(CLI::App& command, TimelineOptions& options) {
   command.add_option("--html", options.html,
                      "Write the timeline as a page for a browser; - is standard output");
+  command.add_option("--svg", options.svg,
+                     "Write the page's chart as a picture; - is standard output");
   command.add_option("--wav", options.wav, "Write the run's sound; - is standard output");
   command.add_option("--trace", options.trace,
                      "Write the Chrome trace event format, which Perfetto opens; - is standard "
@@ -113,8 +117,7 @@ void CommandLine::AddTrace() {
 }
 
 void CommandLine::AddDiff() {
-  auto* command =
-      app_.add_subcommand("diff", "Show where two runs part")->group("Commands on a DEVICE");
+  auto* command = app_.add_subcommand("diff", "Show where two runs part")->group(kCommandsOnDevice);
   command->callback([this] { status_ = Diff(folder_, diff_); });
   command->add_option("RUN", diff_.left, "A run's number, or a journal's file: its last run")
       ->required();

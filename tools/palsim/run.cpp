@@ -1,6 +1,8 @@
 // The commands that play a scenario and show what a run was.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "tools/palsim/commands.h"
 #include "tools/palsim/run_store.h"
 #include "tools/palsim/scenario/scenario.h"
@@ -35,6 +37,7 @@ void Show(const RunRecord& run, const sim::FileSystem& files, const TimelineOpti
   const Timeline timeline = MakeTimeline(run);
   if (options.text) fmt::print("{}", TimelineText(timeline, options.columns));
   if (!options.html.empty()) tools::WriteOutput(options.html, TimelinePage(timeline));
+  if (!options.svg.empty()) tools::WriteOutput(options.svg, TimelinePicture(timeline));
   if (!options.trace.empty()) tools::WriteOutput(options.trace, TraceEventsJson(timeline));
   if (!options.wav.empty()) WriteSound(timeline, files, options.wav);
 }
@@ -78,9 +81,8 @@ int Tell(const Scenario& scenario, const Verdict& verdict, const TimelineOptions
     return kFailure;
   }
   // Standard output can be the page's, the sound's or the trace's.
-  const bool is_free = timeline.html != tools::kStandardStream &&
-                       timeline.wav != tools::kStandardStream &&
-                       timeline.trace != tools::kStandardStream;
+  const auto files = {timeline.html, timeline.svg, timeline.wav, timeline.trace};
+  const bool is_free = std::ranges::find(files, tools::kStandardStream) == files.end();
   fmt::print(is_free ? stdout : stderr, "{}: {} expectations hold\n", scenario.name,
              verdict.expectations);
   return kSuccess;

@@ -92,7 +92,7 @@ class Input {
 void RunLine(Session& session, const ShellCommands& commands,
              const std::vector<std::string>& words) {
   std::vector<std::string_view> names;
-  for (const ShellCommand& command : commands.commands) names.push_back(command.name);
+  for (const tools::CommandWords& command : commands.commands) names.push_back(command.name);
   if (std::ranges::find(names, words[0]) != names.end()) return commands.run(session, words);
   const std::string nearest = DidYouMean(words[0], names);
   throw UsageError(fmt::format("there is no command '{}'{}", words[0],

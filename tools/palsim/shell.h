@@ -7,18 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "tools/command_words.h"
 #include "tools/palsim/session.h"
 
 namespace palsim {
 
-struct ShellCommand {
-  std::string name;
-  std::vector<std::string> words;  // that can follow it: its options
-};
-
 // What can be typed.
 struct ShellCommands {
-  std::vector<ShellCommand> commands;
+  std::vector<tools::CommandWords> commands;
   // Throws UsageError where a line has not the words that its command takes.
   std::function<void(Session& session, const std::vector<std::string>& words)> run;
 };

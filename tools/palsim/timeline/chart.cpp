@@ -166,16 +166,7 @@ struct PartRow {
   std::vector<void (*)(Lanes& lanes, const Timeline& timeline)> add;
 };
 
-}  // namespace
-
-std::string ProcessColour(const Timeline& timeline, std::uint32_t process) {
-  constexpr std::size_t kColours = 6;
-  const auto found = timeline.process_places.find(process);
-  if (found == timeline.process_places.end()) return {};
-  return fmt::format("p{}", found->second % kColours);
-}
-
-std::string ChartHtml(const Timeline& timeline) {
+Lanes LanesOf(const Timeline& timeline) {
   static const std::vector<PartRow> parts{
       {"expectations and events", {&AddExpectations, &AddOutside}},
       {"processes", {&AddProcesses}},
@@ -188,7 +179,24 @@ std::string ChartHtml(const Timeline& timeline) {
     lanes.BeginPart(part.title);
     for (const auto add : part.add) add(lanes, timeline);
   }
-  return lanes.Html();
+  return lanes;
+}
+
+}  // namespace
+
+std::string ProcessColour(const Timeline& timeline, std::uint32_t process) {
+  constexpr std::size_t kColours = 6;
+  const auto found = timeline.process_places.find(process);
+  if (found == timeline.process_places.end()) return {};
+  return fmt::format("p{}", found->second % kColours);
+}
+
+std::string ChartHtml(const Timeline& timeline) {
+  return LanesOf(timeline).Html();
+}
+
+std::string ChartPicture(const Timeline& timeline, std::string_view head) {
+  return LanesOf(timeline).Picture(head);
 }
 
 }  // namespace palsim

@@ -13,6 +13,8 @@ namespace palsim {
 
 // HTML: the lanes' names stay beside a box in which the lanes scroll, and the axis above it.
 [[nodiscard]] std::string ChartHtml(const Timeline& timeline);
+// The same as one SVG element, with what `head` has before the lanes.
+[[nodiscard]] std::string ChartPicture(const Timeline& timeline, std::string_view head);
 
 }  // namespace palsim
 

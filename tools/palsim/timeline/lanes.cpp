@@ -22,6 +22,7 @@ constexpr double kLeastBar = 4;
 constexpr double kLevelHeight = 62;
 constexpr double kTextGap = 6;
 constexpr std::size_t kMostRows = 8;
+constexpr double kNames = 150;  // beside the lanes of a picture
 
 double LevelY(std::uint32_t value, double most) {
   constexpr double kRoomAbove = 18;
@@ -241,6 +242,36 @@ std::string Lanes::Html() const {
       "<div class=\"chart\" tabindex=\"0\" role=\"region\" aria-label=\"What went on at which "
       "time\"><div class=\"sheet\">\n{}{}{}</div></div>\n",
       back_.Backdrop(width_, "back"), LaneHtml(axis_, "lane axis"), parts);
+}
+
+std::string Lanes::LanePicture(const Lane& lane, double y) const {
+  Svg name;
+  name.Text(12, 18, lane.name, "lane-name");
+  name.Text(12, 32, lane.kind, "lane-kind");
+  return fmt::format(
+      "<g transform=\"translate(0 {})\">\n{}</g>\n<g transform=\"translate({} {})\">\n{}</g>\n", y,
+      name.Element(kNames - 4, lane.height, "names", lane.name), kNames, y,
+      lane.plot.Element(width_, lane.height, "plot", lane.name + " " + lane.kind));
+}
+
+std::string Lanes::Picture(std::string_view head) const {
+  std::string lanes = LanePicture(axis_, 0);
+  double y = axis_.height;
+  Svg rules;
+  for (const Part& part : parts_) {
+    for (const Lane& lane : part.lanes) {
+      rules.Line(0, y, kNames + width_, y, "rule");
+      lanes += LanePicture(lane, y);
+      y += lane.height;
+    }
+  }
+  rules.Line(kNames, 0, kNames, y, "rule");
+  return fmt::format(
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 {0:.0f} {1:.0f}\" width=\"{0:.0f}\" "
+      "height=\"{1:.0f}\">\n{2}<rect class=\"plate\" width=\"{0:.0f}\" height=\"{1:.0f}\" rx=\"10\"/>\n"
+      "<g transform=\"translate({3} 0)\">\n{4}</g>\n{5}{6}</svg>\n",
+      kNames + width_, y, head, kNames, back_.Backdrop(width_, "back"),
+      rules.Element(kNames + width_, y, "rules", "lanes"), lanes);
 }
 
 }  // namespace palsim

@@ -48,6 +48,8 @@ class Lanes {
                 double most, const std::string& classes, std::string (*text)(std::uint32_t value));
   // HTML: the axis, then the parts that have a lane.
   [[nodiscard]] std::string Html() const;
+  // The same as one SVG element, with what `head` has before the lanes.
+  [[nodiscard]] std::string Picture(std::string_view head) const;
 
  private:
   struct Lane {
@@ -78,6 +80,7 @@ class Lanes {
   void AddRestarts();
   [[nodiscard]] std::string PartHtml(const Part& part) const;
   [[nodiscard]] std::string LaneHtml(const Lane& lane, std::string_view classes) const;
+  [[nodiscard]] std::string LanePicture(const Lane& lane, double y) const;
   // What is drawn up to here is not cut.
   void Reach(double x) { width_ = std::max(width_, x); }
 

@@ -109,4 +109,10 @@ std::string TimelinePage(const Timeline& timeline) {
   return page;
 }
 
+std::string TimelinePicture(const Timeline& timeline) {
+  return ChartPicture(timeline,
+                      fmt::format("<title>{}</title>\n<style>{}</style>\n{}",
+                                  EscapeHtml(timeline.run.title), kPageStyle, kPagePatterns));
+}
+
 }  // namespace palsim

@@ -9,6 +9,8 @@
 namespace palsim {
 
 [[nodiscard]] std::string TimelinePage(const Timeline& timeline);
+// The chart of the page alone, as a picture: an SVG file.
+[[nodiscard]] std::string TimelinePicture(const Timeline& timeline);
 
 }  // namespace palsim
 

@@ -46,6 +46,8 @@ p { margin: 0 0 8px; max-width: 75ch; }
 .sheet summary { position: sticky; left: 0; z-index: 1; width: max-content; padding: 2px 12px;
   font-size: 12px; color: var(--muted); }
 .sheet details { position: relative; border-top: 1px solid var(--rule); }
+text.lane-name { font-size: 13px; font-weight: 600; }
+text.lane-kind { font-size: 10.5px; fill: var(--muted); }
 svg { display: block; }
 svg.back { position: absolute; left: var(--names); top: 0; height: 100%; }
 svg.back rect { height: 100%; }
