@@ -13,6 +13,7 @@
 #include "tools/palsim/explore/explore_command.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/nearest.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/shell.h"
 #include "tools/streams.h"
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/palsim/commands.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/serve/bench.h"
 #include "tools/palsim/serve/json_rpc.h"
 #include "tools/streams.h"
