@@ -57,7 +57,8 @@ void ExpectationsThatDoNotHold() {
     CreateEventW(nullptr, FALSE, FALSE, TEXT("Shop"));
     return 0;
   });
-  RequireThrown<palsim::ExpectationFailed>("shop.exe: left open at the end: event", [&] { device.Finish(); });
+  RequireThrown<palsim::ExpectationFailed>("shop.exe: left open at the end: event",
+                                           [&] { device.Finish(); });
   device.Play("fail call 1 of Sleep with error 5");
   RequireThrown<palsim::ExpectationFailed>("not reached: Sleep:1", [&] { device.Finish(); });
   device.Finish();
