@@ -25,7 +25,7 @@ bool Take(FARPROC found, const char* name, Function*& function) {
 }  // namespace
 
 bool Load(Library& library) {
-  HMODULE const module = LoadLibraryW(TEXT("DVLORQPAL.dll"));
+  HMODULE module = LoadLibraryW(TEXT("DVLORQPAL.dll"));
   if (module == nullptr) {
     AppendLine(kMessages,
                "DVLORQPAL.dll cannot be loaded (error %u). Install it in \\Windows, or beside this "

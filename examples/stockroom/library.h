@@ -5,10 +5,12 @@
 #ifndef STOCKROOM_LIBRARY_H_
 #define STOCKROOM_LIBRARY_H_
 
-#include <palbeep.h>
-#include <palkey.h>
-#include <palscan.h>
 #include <windows.h>
+
+// Behind <windows.h>, whose types they take.
+#include "palbeep.h"
+#include "palkey.h"
+#include "palscan.h"
 
 namespace stockroom {
 

@@ -53,8 +53,8 @@ void ReadItem(const Library& library, Decoder& decoder) {
 // The keypad's driver signals two events for a key that scans: on each change, and while it is
 // held.
 int ReadItems(const Library& library) {
-  HANDLE const changed = CreateEventW(nullptr, FALSE, FALSE, TEXT("DeltaLeftScan"));
-  HANDLE const held = CreateEventW(nullptr, TRUE, FALSE, TEXT("StateLeftScan"));
+  HANDLE changed = CreateEventW(nullptr, FALSE, FALSE, TEXT("DeltaLeftScan"));
+  HANDLE held = CreateEventW(nullptr, TRUE, FALSE, TEXT("StateLeftScan"));
   const DWORD idle_ms = Setting(TEXT("IdleSeconds"), 600) * 1000;
   Decoder decoder;
   DWORD waited = WaitForSingleObject(changed, idle_ms);

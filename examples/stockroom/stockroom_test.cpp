@@ -89,7 +89,7 @@ void KeyOfTheSettings() {
 
 void KeyThatTheDeviceLacks() {
   palsim::Device device;
-  device.Play("set HKCU\\Software\\Stockroom\\Key = 4");
+  device.Play(R"(set HKCU\Software\Stockroom\Key = 4)");
   Begin(device, "");
   device.Play("expect stockroom returned 1");
   RequireFile(device, kMessages, "Key 4 cannot scan (0x83ED0007).\r\n");

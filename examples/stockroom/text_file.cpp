@@ -1,7 +1,7 @@
 #include "text_file.h"
 
-#include <stdarg.h>
-#include <stdio.h>
+#include <cstdarg>
+#include <cstdio>
 
 namespace stockroom {
 
@@ -28,7 +28,7 @@ bool AppendLine(const WCHAR* name, const char* format, ...) {
   line[length + 1] = '\n';
   const DWORD bytes = static_cast<DWORD>(length) + 2;
 
-  HANDLE const file = OpenTextFile(name, GENERIC_WRITE, OPEN_ALWAYS);
+  HANDLE file = OpenTextFile(name, GENERIC_WRITE, OPEN_ALWAYS);
   if (file == INVALID_HANDLE_VALUE) return false;
   DWORD written = 0;
   SetFilePointer(file, 0, nullptr, FILE_END);

@@ -78,8 +78,8 @@ class Installed(unittest.TestCase):
             sources[-1].write_text(f'#include "{header}"\n')
         for compiler, language, standard in [("gcc", "c", "c99"), ("clang", "c", "c99"), ("g++", "c++", "c++11"),
                                              ("clang++", "c++", "c++11")]:
-            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only", f"-I{include}",
-                "-x", language, *(sources[:len(both)] if language == "c" else sources))
+            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only",
+                f"-I{include}", "-x", language, *(sources[:len(both)] if language == "c" else sources))
 
     def test_tutorial_word_for_word(self):
         """Its commands in one shell, begun in an empty folder. Behind a block stands what it prints, among more."""
@@ -93,8 +93,8 @@ class Installed(unittest.TestCase):
                 steps[-1][1].extend(text.splitlines())
         folder = self.prefix.parent / "tutorial"
         folder.mkdir()
-        done = subprocess.run(["bash"], input="".join(f'{text}echo "== $?"\n' for text, _ in steps), cwd=folder, text=True,
-                              capture_output=True, timeout=240,
+        script = "".join(f'{text}echo "== $?"\n' for text, _ in steps)
+        done = subprocess.run(["bash"], input=script, cwd=folder, text=True, capture_output=True, timeout=240,
                               env={**os.environ, "CMAKE_BUILD_PARALLEL_LEVEL": "2", "PREFIX": str(self.prefix)})
         said = re.findall(r"(.*?)^== (\d+)$", done.stdout, re.MULTILINE | re.DOTALL)
         self.assertEqual((len(said), len(steps)), (5, 5), done)

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "platform/sim/kernel/registry_text.h"

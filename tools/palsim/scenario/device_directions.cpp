@@ -1,6 +1,8 @@
 // What happens to the device itself, and which of its properties are checked.
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "platform/sim/hardware/hardware.h"
 #include "platform/sim/hardware/one_wire.h"
 #include "tools/palsim/argument.h"

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/palsim/names.h"
 #include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
 
