@@ -21,10 +21,9 @@ class Call {
   // Gives what a call is about, as Fault has it.
   using Subject = std::function<std::string(Call& call)>;
 
-  // Throws ProcessKilled where the process has ended, or where a fault ends it here. In a
-  // destructor of a program that is on its way out by that exception, the call fails instead and
-  // does nothing. Aborts the
-  // host's program, with a message, where the calling thread belongs to no device.
+  // Throws ProcessKilled where the process has ended, or where a fault ends it here. While that
+  // exception passes through a program, the calls of its destructors fail instead and do nothing.
+  // Aborts the host's program, with a message, where the calling thread belongs to no device.
   explicit Call(CallId id, const Subject& subject = {});
 
   [[nodiscard]] Kernel& kernel() { return kernel_; }

@@ -2,7 +2,7 @@
  * @file device.h
  * @brief A simulated device for tests in C++.
  *
- *     palsim::Device device("rm21");                     // a sample, or a device's folder
+ *     palsim::Device device("rm21");                        // a sample, or a device's folder
  *     device.Run("stockroom", [] { return Stockroom(); });  // until it waits for something
  *     device.Play("press button 5\n"
  *                 "expect audio sound begins *goodread.wav *");
