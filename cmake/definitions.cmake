@@ -26,3 +26,10 @@ foreach(library coredll iphlpapi bthutil)
   endforeach()
 endforeach()
 file(CONFIGURE OUTPUT ${PAL_GENERATED}/calls.inc CONTENT "${PAL_IMPORTS}" @ONLY)
+
+# The platform's calls as a program has them where no other <windows.h> is: on the simulated device.
+set(PAL_PLATFORM_HEADERS ${PAL_GENERATED}/platform)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/platform/wince.h)
+file(READ ${PROJECT_SOURCE_DIR}/platform/wince.h wince)
+string(REPLACE "#include \"../include/" "#include \"" wince "${wince}")
+file(CONFIGURE OUTPUT ${PAL_PLATFORM_HEADERS}/windows.h CONTENT "${wince}" @ONLY)

@@ -2,7 +2,7 @@
 # which other projects find them. Nothing of it knows the folder that it lies in, so that all of it can be moved.
 include(CMakePackageConfigHelpers)
 
-set(libraries simdevice pal_program)
+set(libraries simdevice pal_program palsim_device)
 set(tools palsim dcecfg)
 file(RELATIVE_PATH libraries_from_tools /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${PAL_INSTALLED_LIBRARIES})
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "\$ORIGIN")
@@ -13,6 +13,8 @@ add_custom_target(installed DEPENDS DVLORQPAL ${libraries} ${tools})
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal)
 install(FILES tools/palsim/program/palsim_program.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal)
+install(FILES tools/palsim/program/device.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal/palsim)
+install(FILES ${PAL_PLATFORM_HEADERS}/windows.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal/platform)
 install(DIRECTORY devices scenarios examples DESTINATION ${PAL_INSTALLED_DATA})
 install(DIRECTORY sdk/python DESTINATION ${PAL_INSTALLED_DATA} FILES_MATCHING PATTERN "*.py")
 install(DIRECTORY docs DESTINATION ${PAL_INSTALLED_DOCUMENTS} FILES_MATCHING PATTERN "*.md" PATTERN "*.svg"

@@ -179,7 +179,7 @@ struct OSVERSIONINFOW {
   DWORD dwPlatformId;
   WCHAR szCSDVersion[128];
 };
-static_assert(sizeof(OSVERSIONINFOW) == 276);
+static_assert(sizeof(OSVERSIONINFOW) == 276, "the platform's layout");
 
 struct NLED_SUPPORTS_INFO {
   UINT LedNum;
@@ -190,7 +190,7 @@ struct NLED_SUPPORTS_INFO {
   BOOL fMetaCycleOn;
   BOOL fMetaCycleOff;
 };
-static_assert(sizeof(NLED_SUPPORTS_INFO) == 28);
+static_assert(sizeof(NLED_SUPPORTS_INFO) == 28, "the platform's layout");
 
 struct NLED_SETTINGS_INFO {
   UINT LedNum;
@@ -201,7 +201,7 @@ struct NLED_SETTINGS_INFO {
   INT MetaCycleOn;
   INT MetaCycleOff;
 };
-static_assert(sizeof(NLED_SETTINGS_INFO) == 28);
+static_assert(sizeof(NLED_SETTINGS_INFO) == 28, "the platform's layout");
 
 struct DEVMODEW {
   WCHAR dmDeviceName[32];
@@ -232,9 +232,10 @@ struct DEVMODEW {
   DWORD dmDisplayFrequency;
   DWORD dmDisplayOrientation;
 };
-static_assert(sizeof(DEVMODEW) == 192);
-static_assert(offsetof(DEVMODEW, dmSize) == 68 && offsetof(DEVMODEW, dmFields) == 72);
-static_assert(offsetof(DEVMODEW, dmDisplayOrientation) == 188);
+static_assert(sizeof(DEVMODEW) == 192, "the platform's layout");
+static_assert(offsetof(DEVMODEW, dmSize) == 68 && offsetof(DEVMODEW, dmFields) == 72,
+              "the platform's layout");
+static_assert(offsetof(DEVMODEW, dmDisplayOrientation) == 188, "the platform's layout");
 
 struct IP_ADDRESS_STRING {
   char String[16];
@@ -294,7 +295,7 @@ struct MIB_IFROW {
   DWORD dwDescrLen;
   BYTE bDescr[256];
 };
-static_assert(sizeof(MIB_IFROW) == 860);
+static_assert(sizeof(MIB_IFROW) == 860, "the platform's layout");
 
 extern "C" {
 

@@ -67,13 +67,13 @@ void Device::Note(Effect effect, std::string_view text) {
   kernel_->Log(nullptr, effect, text);
 }
 
-bool Device::SetEvent(std::string_view name) {
+bool Device::SetEvent(std::string_view name, bool signalled) {
   const Scheduler::Lock lock(kernel_->mutex);
   const auto found = kernel_->events.find(ToUtf16(name));
   const auto event = found == kernel_->events.end() ? nullptr : found->second.lock();
   if (event == nullptr) return false;
-  kernel_->Log(nullptr, Effect::kEvent, fmt::format("{} set", name));
-  event->set_signalled(true);
+  kernel_->Log(nullptr, Effect::kEvent, fmt::format("{} {}", name, signalled ? "set" : "reset"));
+  event->set_signalled(signalled);
   event->ServeWaiters(kernel_->scheduler);
   return true;
 }

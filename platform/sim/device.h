@@ -131,9 +131,9 @@ class Device {
 
   // Adds a line to the journal that belongs to the device and to no process.
   void Note(Effect effect, std::string_view text);
-  // Sets a named event, as something outside of the processes would. False where no process has an
-  // event of this name.
-  bool SetEvent(std::string_view name);
+  // Sets or resets a named event, as something outside of the processes would. False where no
+  // process has an event of this name.
+  bool SetEvent(std::string_view name, bool signalled = true);
 
   // Copies the registry, files, hardware, libraries and programs of another device, but neither its
   // processes nor its time and journal. No process may have anything open on either device.

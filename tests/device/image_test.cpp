@@ -11,6 +11,7 @@
 #include "platform/sim/device_folder.h"
 #include "tests/support/device_test.h"
 #include "tests/support/temporary_folder.h"
+#include "tools/palsim/scenario/played_device.h"
 
 namespace {
 
@@ -112,6 +113,11 @@ TEST(HandheldImage, IsRefusedWhereItIsDamaged) {
   EXPECT_EQ(LoadFailure(kDll), "loaded");
 }
 
+std::string TextOf(sim::Device& device, const std::string& file) {
+  const auto* const bytes = device.files().Read(file);
+  return bytes == nullptr ? "" : std::string(bytes->begin(), bytes->end());
+}
+
 using Program = std::function<void()>;
 
 // What a program left in \palcheck.txt of a new device.
@@ -119,8 +125,36 @@ std::string ReportOf(const std::string& sample, const Program& program) {
   sim::Device device;
   sim::LoadDevice(device, PROJECT_DIR "/devices/" + sample);
   sim::Process(device, "palcheck.exe").Run(program);
-  const auto* const bytes = device.files().Read("\\palcheck.txt");
-  return bytes == nullptr ? "" : std::string(bytes->begin(), bytes->end());
+  return TextOf(device, "\\palcheck.txt");
+}
+
+TEST(Stockroom, ListsWhatIsScanned) {
+  const sim::Image image(PAL_IMAGES "/stockroom.exe");
+  using Entry = int (*)(HINSTANCE, HINSTANCE, WCHAR*, int);
+  const auto entry = reinterpret_cast<Entry>(image.Entry());
+  palsim::PlayedDevice played(PROJECT_DIR "/devices/rm21");
+  const auto play = [&played](const std::string& text) {
+    return played.Play(palsim::ParseScenario("s", text));
+  };
+  const auto run = [&] {
+    if (!played.stage().Lives("stockroom")) played.stage().StartProcess("stockroom");
+    played.stage().RunFunction(
+        "stockroom", [entry] { return entry(nullptr, nullptr, nullptr, 0); }, "stockroom");
+  };
+  played.device().files().Write("\\Program Files\\codes.txt", "4006381333931\n\n");
+  run();
+  EXPECT_EQ(play("press button 5\nwait 1 s\nexpect 1 times audio sound begins *goodread.wav *\n"
+                 "press button 5\nwait 1 s\nexpect 1 times audio sound begins *badread.wav *\n"
+                 "wait for stockroom\nexpect stockroom returned 0\nexpect engine power is off\n"
+                 "fail call 1 of LoadLibraryW with error 126"),
+            std::vector<std::string>{});
+  run();
+  EXPECT_EQ(play("expect stockroom returned 1"), std::vector<std::string>{});
+  EXPECT_EQ(played.Finish(), std::vector<std::string>{});
+  EXPECT_EQ(TextOf(played.device(), "\\Program Files\\items.txt"), "4006381333931\r\n");
+  EXPECT_EQ(TextOf(played.device(), "\\Program Files\\messages.txt"),
+            "DVLORQPAL.dll cannot be loaded (error 126). Install it in \\Windows, or beside this "
+            "program.\r\n");
 }
 
 TEST(Palcheck, WritesTheReportThatItsSourcesWriteOnTheHost) {

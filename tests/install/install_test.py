@@ -3,6 +3,7 @@
 import gzip
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -14,7 +15,7 @@ HERE = pathlib.Path(__file__).parent
 
 def run(*command, status=0, **environment):
     done = subprocess.run(command, capture_output=True, text=True, timeout=240,
-                          env={**os.environ, "PALSIM_SAMPLES": "", **environment})
+                          env={**os.environ, "CMAKE_BUILD_PARALLEL_LEVEL": "2", "PALSIM_SAMPLES": "", **environment})
     assert done.returncode == status, (command, done.returncode, done.stdout, done.stderr)
     return done.stdout + done.stderr
 
@@ -101,6 +102,46 @@ class Installed(unittest.TestCase):
         found = run(self.palsim, "explore", "--program", build / "alarm.so", "--seeds", "1-200", "--jobs", "1",
                     "--out", build / "found", status=1)
         self.assertIn("the level that is put back is one", found)
+        self.assertEqual(run(build / "device_test", build / "saved"), "passed\n")
+        self.assertIn("Till", run(self.palsim, build / "saved", "registry", r"HKCU\Software\Shop"))
+
+    def test_headers_compile_alone(self):
+        include = self.prefix / "include/dvlorqpal"
+        both = sorted(include.glob("*.h"))
+        cxx_only = [include / "palsim/device.h", include / "platform/windows.h"]
+        self.assertEqual({*both, *cxx_only}, set(include.rglob("*.h")))
+        sources = []
+        for number, header in enumerate(both + cxx_only):
+            sources.append(self.prefix.parent / f"{number}.c")
+            sources[-1].write_text(f'#include "{header}"\n')
+        for compiler, language, standard in [("gcc", "c", "c99"), ("clang", "c", "c99"), ("g++", "c++", "c++11"),
+                                             ("clang++", "c++", "c++11")]:
+            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only",
+                f"-I{include}", "-x", language, *(sources[:len(both)] if language == "c" else sources))
+
+    def test_tutorial_word_for_word(self):
+        """Its commands in one shell, begun in an empty folder. Behind a block stands what it prints, among more."""
+        blocks = re.findall(r"^```(\w*)\n(.*?)^```$", (HERE / "../../examples/stockroom/README.md").read_text(),
+                            re.MULTILINE | re.DOTALL)
+        steps = []
+        for language, text in blocks:
+            if language == "sh":
+                steps.append((text, []))
+            else:
+                steps[-1][1].extend(text.splitlines())
+        folder = self.prefix.parent / "tutorial"
+        folder.mkdir()
+        script = "".join(f'{text}echo "== $?"\n' for text, _ in steps)
+        done = subprocess.run(["bash"], input=script, cwd=folder, text=True, capture_output=True, timeout=240,
+                              env={**os.environ, "CMAKE_BUILD_PARALLEL_LEVEL": "2", "PREFIX": str(self.prefix)})
+        said = re.findall(r"(.*?)^== (\d+)$", done.stdout, re.MULTILINE | re.DOTALL)
+        self.assertEqual((len(said), len(steps)), (5, 5), done)
+        for (commands, expected), (output, status) in zip(steps, said):
+            with self.subTest(commands=commands):
+                fails = any(re.search("[1-9] tests failed", line) for line in expected)
+                self.assertEqual(status != "0", fails, output + done.stderr)
+                for line in expected:
+                    self.assertIn(line, output + done.stderr)
 
 
 unittest.main()

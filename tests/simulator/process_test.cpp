@@ -248,6 +248,40 @@ TEST_F(SimProcess, LetsGoOfItsFilesWhenItIsKilled) {
   });
 }
 
+// What a program in C++ does in its destructors, where no device would run them.
+struct HeldMutex {
+  HeldMutex() : mutex(CreateMutexW(nullptr, TRUE, TEXT("HELD"))) {}
+  ~HeldMutex() {
+    EXPECT_EQ(ReleaseMutex(mutex), FALSE);
+    EXPECT_EQ(CloseHandle(mutex), FALSE);
+    EXPECT_EQ(LoadLibraryW(TEXT("coredll.dll")), nullptr);
+    Sleep(1000);
+  }
+  HeldMutex(const HeldMutex&) = delete;
+  HeldMutex& operator=(const HeldMutex&) = delete;
+  HANDLE mutex;
+};
+
+TEST_F(SimProcess, DestructorsDoNothingWhereItIsKilled) {
+  sim::Process other(device, "other.exe");
+  HANDLE mutex = nullptr;
+  other.Run([&] { mutex = CreateMutexW(nullptr, FALSE, TEXT("HELD")); });
+  sim::Process killed(device, "killed.exe");
+  sim::Thread thread = killed.Start([] {
+    const HeldMutex held;
+    EXPECT_EQ(WaitForSingleObject(held.mutex, 0), WAIT_OBJECT_0);
+    Sleep(INFINITE);
+  });
+  device.Advance(0);
+  killed.Kill();
+  EXPECT_FALSE(thread.Join());
+  EXPECT_EQ(device.now_ms(), 0u);
+  other.Run([&] {
+    EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_ABANDONED);
+    EXPECT_TRUE(ReleaseMutex(mutex) && CloseHandle(mutex));
+  });
+}
+
 TEST_F(SimProcess, ImportsARegistryFile) {
   device.files().Write(sim::kRegistryImporterPath, "");
   device.files().Write("\\Temp\\a.reg", "REGEDIT4\n[HKLM\\Software\\A]\n\"n\"=dword:5\nnonsense\n");

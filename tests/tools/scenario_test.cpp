@@ -9,6 +9,7 @@
 #include "platform/sim/device_folder.h"
 #include "tests/support/device_test.h"
 #include "tools/palsim/commands.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/scenario/stage.h"
 #include "tools/palsim/session.h"
 
@@ -196,6 +197,9 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
                 "expect scanner returned S_OK",
                 "s:3: scanner still runs; 'wait for scanner' before"},
            Case{"signal NO_SUCH_EVENT", "s:1: no process has an event NO_SUCH_EVENT now"},
+           Case{"press button 5", "s:1: the keypad signals no event for button 5"},
+           Case{"press button 2",
+                "s:1: no process has an event DeltaLeftScan or StateLeftScan now"},
            Case{"delete HKLM\\None\\Such", "s:1: the registry has no HKLM\\None\\Such"},
            Case{"expect led 9 is on", "s:1: the device has no LED 9"},
            Case{"remove \\None", "s:1: the device has no \\None"},
@@ -205,6 +209,33 @@ TEST_F(ScenarioStage, StatementsThatCannotBePlayedSayWhere) {
     ASSERT_EQ(said.size(), 1u) << test.text;
     EXPECT_TRUE(said[0].starts_with(test.said)) << said[0];
   }
+}
+
+TEST_F(ScenarioStage, AButtonSignalsWhenItIsPressedAndReleased) {
+  sim::Process listener(device, "listener.exe");
+  const auto run = [&](const std::function<void()>& body) { listener.Run(body); };
+  HANDLE changed = nullptr;
+  HANDLE held = nullptr;
+  run([&] {
+    changed = CreateEventW(nullptr, FALSE, FALSE, TEXT("DeltaLeftScan"));
+    held = CreateEventW(nullptr, TRUE, FALSE, TEXT("StateLeftScan"));
+  });
+  struct Case {
+    std::string text;
+    DWORD changed, held;
+  };
+  for (const Case& test : {Case{"wait 1 s", WAIT_TIMEOUT, WAIT_TIMEOUT},
+                           Case{"press button 2", WAIT_OBJECT_0, WAIT_OBJECT_0},
+                           Case{"wait 1 s", WAIT_TIMEOUT, WAIT_OBJECT_0},
+                           Case{"release button 2", WAIT_OBJECT_0, WAIT_TIMEOUT}}) {
+    Play(test.text);
+    run([&] {
+      EXPECT_EQ(WaitForSingleObject(changed, 0), test.changed) << test.text;
+      EXPECT_EQ(WaitForSingleObject(held, 0), test.held) << test.text;
+    });
+  }
+  run([&] { EXPECT_TRUE(CloseHandle(changed) && CloseHandle(held)); });
+  EXPECT_EQ(said, std::vector<std::string>{});
 }
 
 TEST_F(ScenarioStage, OutParametersAreCompared) {

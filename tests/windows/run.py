@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs one test under Wine: run.py BUILD_FOLDER PROJECT_ROOT first|conformance|processes|load
+"""Runs one test under Wine: run.py BUILD_FOLDER PROJECT_ROOT first|conformance|processes|load|stockroom
 
 Each test has a folder of its own with the files for a PC and the device rm21, and begins with no registry. Wine keeps
 everything in a prefix in the build folder; the user's own prefix is never touched.
@@ -21,6 +21,10 @@ WINE = {**{name: value for name, value in os.environ.items() if name not in ("DI
 
 GUIDE = (root / "docs/windows.md").read_text()
 FACTS = (root / "docs/platform.md").read_text()
+
+
+def start(*command):
+    return subprocess.Popen(["wine", *command], cwd=folder, env=WINE)
 
 
 def wine(*command):
@@ -96,6 +100,35 @@ def run_processes():
 
 def run_load():
     return show("load.exe")
+
+
+def said(name):
+    """The lines of a file that the example has written; they are taken away."""
+    file = folder / name
+    lines = file.read_text().splitlines() if file.exists() else []
+    file.unlink(missing_ok=True)
+    return lines
+
+
+def run_stockroom():
+    """The example reads an item, then nothing, and ends when its key is left alone; without its library it says so."""
+    settings = r"HKCU\Software\Stockroom"
+    wine("reg", "add", settings, "/v", "IdleSeconds", "/t", "REG_DWORD", "/d", "5", "/f")
+    (folder / "codes.txt").write_text("4006381333931\n\n")
+    finger = start("press.exe", "2")
+    results = [wine("stockroom.exe")[0], finger.wait(60), said("items.txt"), said("messages.txt")]
+    results.append(re.findall(r"(PALKEYSetButtonAction(?= - Flushing)|PALBEEP\w+Read\w*(?=\(.*\) - Entry))",
+                              (folder / "eventlog.txt").read_text()))
+    wine("reg", "add", settings, "/v", "Key", "/t", "REG_DWORD", "/d", "4", "/f")
+    results += [wine("stockroom.exe")[0], said("messages.txt")]
+    (folder / "DVLORQPAL.dll").unlink()
+    results += [wine("stockroom.exe")[0], said("messages.txt")]
+    wine("reg", "delete", settings, "/f")
+    expected = [0, 0, ["4006381333931"], [], ["PALKEYSetButtonAction", "PALBEEPGoodReadEx", "PALBEEPBadRead"],
+                1, ["Key 4 cannot scan (0x83ED0007)."],
+                1, ["DVLORQPAL.dll cannot be loaded (error 126). Install it in \\Windows, or beside this program."]]
+    print(*results, sep="\n")
+    return results != expected
 
 
 def show(program):

@@ -9,41 +9,22 @@
 #include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <system_error>
 #include <thread>
 
 #include "platform/sim/kernel/registry_text.h"
-#include "platform/sim/kernel/simulator_folder.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/export_call.h"
 #include "tools/palsim/names.h"
 #include "tools/palsim/nearest.h"
 #include "tools/palsim/run_store.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/session.h"
 #include "tools/streams.h"
 
 namespace palsim {
 namespace {
-
-// Where the samples are, seen from the simulator's library: installed, or in the build folder.
-constexpr std::array kSampleFolders{PAL_INSTALLED_SAMPLES, "../../../devices"};
-
-// Empty where there is none.
-std::filesystem::path FindSamples() {
-  for (const char* const relative : kSampleFolders) {
-    const std::filesystem::path folder = sim::SimulatorFolder() / relative;
-    if (std::filesystem::is_directory(folder)) return folder.lexically_normal();
-  }
-  const char* const other = std::getenv("PALSIM_SAMPLES");
-  return other == nullptr ? "" : other;
-}
-
-const std::filesystem::path& Samples() {
-  static const std::filesystem::path folder = FindSamples();
-  return folder;
-}
 
 unsigned ParseFaultNumber(std::string_view text, const std::string& whole) {
   unsigned number = 0;
@@ -161,34 +142,6 @@ IsWanted IsOfEffect(const std::string& name) {
 }
 
 }  // namespace
-
-std::vector<std::string> SampleNames() {
-  std::vector<std::string> names;
-  std::error_code ignored;
-  for (const auto& entry : std::filesystem::directory_iterator(Samples(), ignored)) {
-    if (std::filesystem::exists(entry.path() / "device.toml")) {
-      names.push_back(entry.path().filename().string());
-    }
-  }
-  std::ranges::sort(names);
-  return names;
-}
-
-std::filesystem::path SampleFolder(const std::string& name) {
-  if (Samples().empty()) {
-    throw UsageError(
-        "the sample devices are not where they were installed; $PALSIM_SAMPLES can say where");
-  }
-  if (!std::filesystem::exists(Samples() / name / "device.toml")) {
-    throw UsageError("there is no sample device '" + name + "'; 'palsim samples' lists them");
-  }
-  return Samples() / name;
-}
-
-std::filesystem::path FolderOf(const std::string& device) {
-  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
-  return is_folder ? std::filesystem::path(device) : SampleFolder(device);
-}
 
 int ListSamples() {
   for (const std::string& name : SampleNames()) {

@@ -33,13 +33,7 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
 [[nodiscard]] sim::FolderLock LockForNewDevice(const std::filesystem::path& folder,
                                                const std::filesystem::path& sample,
                                                Replace replace);
-[[nodiscard]] std::vector<std::string> SampleNames();
 int ListSamples();
-// The folder of a sample device. Throws UsageError where there is none of this name.
-[[nodiscard]] std::filesystem::path SampleFolder(const std::string& name);
-// The folder of a device that is named by its folder, or by its sample. Throws as SampleFolder
-// does.
-[[nodiscard]] std::filesystem::path FolderOf(const std::string& device);
 
 struct CallOptions {
   std::string name;

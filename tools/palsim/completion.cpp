@@ -9,6 +9,7 @@
 #include "tools/palsim/commands.h"
 #include "tools/palsim/declarations.h"
 #include "tools/palsim/export_call.h"
+#include "tools/palsim/samples.h"
 
 namespace palsim {
 namespace {

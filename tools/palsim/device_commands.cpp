@@ -7,6 +7,7 @@
 #include "tools/palsim/command_line.h"
 #include "tools/palsim/completion.h"
 #include "tools/palsim/export_call.h"
+#include "tools/palsim/samples.h"
 
 namespace palsim {
 namespace {

@@ -25,6 +25,16 @@ std::string TextOf(const sim::Registry& registry, const std::string& path,
   return sim::Escape(sim::ToUtf8(units));
 }
 
+ButtonEvents EventsOf(const sim::Registry& registry, const std::string& layout,
+                      const std::string& value_name) {
+  return {.delta = TextOf(registry, layout + "\\EVENTS\\DELTA", value_name),
+          .state = TextOf(registry, layout + "\\EVENTS\\STATE", value_name)};
+}
+
+std::string Text(const ButtonEvents& events) {
+  return fmt::format("{}, {}", events.delta, events.state);
+}
+
 }  // namespace
 
 std::string KeyPath(const WCHAR* path) {
@@ -39,8 +49,7 @@ std::string ActiveLayout(const sim::Registry& registry) {
 
 std::string EventsText(const sim::Registry& registry, const std::string& layout,
                        const std::string& value_name) {
-  return fmt::format("{}, {}", TextOf(registry, layout + "\\EVENTS\\DELTA", value_name),
-                     TextOf(registry, layout + "\\EVENTS\\STATE", value_name));
+  return Text(EventsOf(registry, layout, value_name));
 }
 
 bool SignalsEvent(std::span<const BYTE> record) {
@@ -49,23 +58,28 @@ bool SignalsEvent(std::span<const BYTE> record) {
          record[pal::kKeyOutputClass + 1] == pal::kSignalsEvent;
 }
 
-std::string EventsOfButton(const sim::Registry& registry, LONG button) {
+std::optional<ButtonEvents> FindEventsOfButton(const sim::Registry& registry, LONG button) {
   const pal::ButtonRecord* const description = pal::FindButton(button);
-  if (description == nullptr) return kNoEvents;
+  if (description == nullptr) return std::nullopt;
   const std::string layout =
       description->value_name == nullptr ? KeyPath(description->key_path) : ActiveLayout(registry);
-  if (layout.empty()) return kNoEvents;
+  if (layout.empty()) return std::nullopt;
   const sim::RegistryValue* plane =
       registry.FindValue(layout, sim::ToUtf8(pal::kShiftPlanes.front()));
-  if (plane == nullptr) return kNoEvents;
+  if (plane == nullptr) return std::nullopt;
   std::span<const BYTE> rest(plane->data);
   for (; rest.size() >= pal::kKeyRecordBytes; rest = rest.subspan(pal::kKeyRecordBytes)) {
     const auto record = rest.first(pal::kKeyRecordBytes);
     if (!pal::IsRecordOf(record, pal::kMapsScanCode, description->scan_code)) continue;
-    if (!SignalsEvent(record)) return kNoEvents;
-    return EventsText(registry, layout, fmt::format("Event{}", int{record[pal::kKeyEvent]}));
+    if (!SignalsEvent(record)) return std::nullopt;
+    return EventsOf(registry, layout, fmt::format("Event{}", int{record[pal::kKeyEvent]}));
   }
-  return kNoEvents;
+  return std::nullopt;
+}
+
+std::string EventsOfButton(const sim::Registry& registry, LONG button) {
+  const std::optional<ButtonEvents> events = FindEventsOfButton(registry, button);
+  return events ? Text(*events) : kNoEvents;
 }
 
 }  // namespace palsim

@@ -2,7 +2,7 @@
 #ifndef TOOLS_PALSIM_KEYPAD_LAYOUT_H_
 #define TOOLS_PALSIM_KEYPAD_LAYOUT_H_
 
-#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -20,8 +20,15 @@ namespace palsim {
                                      const std::string& value_name);
 // Whether the driver signals an event for a record of a shift plane.
 [[nodiscard]] bool SignalsEvent(std::span<const BYTE> record);
-// What the driver signals for a button in plane 0: "DeltaLeftScan, StateLeftScan"; "nothing" where
-// it is an ordinary key or has no record.
+// What the driver signals for a button in plane 0: on each change, and for as long as it is held.
+struct ButtonEvents {
+  std::string delta;
+  std::string state;
+};
+// Nothing where the button is an ordinary key or has no record.
+[[nodiscard]] std::optional<ButtonEvents> FindEventsOfButton(const sim::Registry& registry,
+                                                             LONG button);
+// "DeltaLeftScan, StateLeftScan"; "nothing".
 [[nodiscard]] std::string EventsOfButton(const sim::Registry& registry, LONG button);
 
 }  // namespace palsim

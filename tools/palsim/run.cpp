@@ -5,6 +5,7 @@
 
 #include "tools/palsim/commands.h"
 #include "tools/palsim/run_store.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/scenario/scenario.h"
 #include "tools/palsim/scenario/stage.h"
 #include "tools/palsim/scenario/values.h"

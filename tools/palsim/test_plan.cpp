@@ -8,6 +8,7 @@
 #include "platform/sim/device_folder.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/jobs.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/usage_error.h"
 #include "tools/streams.h"
 

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 namespace sim {
 namespace {
@@ -23,7 +24,12 @@ ThreadState& RequireThread(CallId id) {
 Call::Call(CallId id, const Subject& subject)
     : id_(id), thread_(RequireThread(id)), kernel_(thread_.process.kernel), lock_(kernel_.mutex) {
   kernel_.scheduler.MaybeYield(lock_, *thread_.strand);
-  if (thread_.MustLeave()) throw ProcessKilled();
+  if (thread_.MustLeave()) {
+    if (std::uncaught_exceptions() == 0) throw ProcessKilled();
+    is_over_ = true;
+    fault_ = ERROR_INVALID_HANDLE;
+    return;
+  }
   const Fault* fault =
       kernel_.faults.Count(id, [&] { return subject ? subject(*this) : std::string(); });
   if (fault == nullptr) return;
@@ -60,10 +66,12 @@ bool Call::IsNotOverlapped(const OVERLAPPED* overlapped) {
 }
 
 void Call::Misuse(std::string_view what) {
+  if (is_over_) return;
   kernel_.Misuse(thread_, fmt::format("{} {}", CallName(id_), what));
 }
 
 std::shared_ptr<Object> Call::FindObject(const void* handle) {
+  if (is_over_) return nullptr;
   HandleTable::Found found =
       kernel_.handles.Find(reinterpret_cast<std::uintptr_t>(handle), process().id);
   if (found.object == nullptr) {

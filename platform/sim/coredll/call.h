@@ -21,8 +21,9 @@ class Call {
   // Gives what a call is about, as Fault has it.
   using Subject = std::function<std::string(Call& call)>;
 
-  // Throws ProcessKilled where the process has ended, or where a fault ends it here. Aborts the
-  // host's program, with a message, where the calling thread belongs to no device.
+  // Throws ProcessKilled where the process has ended, or where a fault ends it here. While that
+  // exception passes through a program, the calls of its destructors fail instead and do nothing.
+  // Aborts the host's program, with a message, where the calling thread belongs to no device.
   explicit Call(CallId id, const Subject& subject = {});
 
   [[nodiscard]] Kernel& kernel() { return kernel_; }
@@ -32,6 +33,8 @@ class Call {
 
   // The error that a planned fault gives this call, or 0.
   [[nodiscard]] LONG fault() const { return fault_; }
+  // Whether the process has ended already.
+  [[nodiscard]] bool is_over() const { return is_over_; }
   // The number of bytes that this call may move: fewer than `bytes` where a fault says so.
   [[nodiscard]] DWORD Transferable(DWORD bytes) const { return std::min(bytes, most_bytes_); }
 
@@ -81,6 +84,7 @@ class Call {
   ThreadState& thread_;
   Kernel& kernel_;
   Scheduler::Lock lock_;
+  bool is_over_ = false;
   LONG fault_ = 0;
   DWORD most_bytes_ = 0xFFFFFFFF;
 };

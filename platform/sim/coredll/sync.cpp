@@ -103,6 +103,7 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD timeout_ms) {
 
 void Sleep(DWORD ms) {
   Call call(CallId::Sleep);
+  if (call.is_over()) return;
   sim::Scheduler& scheduler = call.kernel().scheduler;
   if (ms == 0) {
     scheduler.Yield(call.lock(), *call.thread().strand);

@@ -9,10 +9,10 @@
 #include <memory>
 
 #include "platform/sim/device_folder.h"
-#include "tools/palsim/commands.h"
 #include "tools/palsim/explore/arguments.h"
 #include "tools/palsim/explore/variations.h"
 #include "tools/palsim/export_call.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {

@@ -20,7 +20,7 @@ extern "C" {
 /**
  * The program. It is run again and again in a process, one run after the other, and may be killed
  * in any call.
- * @return  Any number; it has no meaning.
+ * @return  Any number. A scenario can expect it; palsim explore takes no notice of it.
  */
 __attribute__((visibility("default"))) int PalProgramMain(void);
 

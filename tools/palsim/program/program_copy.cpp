@@ -7,7 +7,7 @@
 
 namespace palsim {
 
-std::function<void()> LoadProgram(const std::filesystem::path& file) {
+std::function<int()> LoadProgram(const std::filesystem::path& file) {
   using Entry = int (*)();
   std::shared_ptr<sim::LibraryCopy> copy;
   try {
@@ -17,7 +17,7 @@ std::function<void()> LoadProgram(const std::filesystem::path& file) {
   }
   const auto entry = reinterpret_cast<Entry>(copy->Symbol("PalProgramMain"));
   if (entry == nullptr) throw UsageError(file.string() + " has no PalProgramMain");
-  return [copy, entry] { entry(); };
+  return [copy, entry] { return entry(); };
 }
 
 }  // namespace palsim

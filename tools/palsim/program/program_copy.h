@@ -9,7 +9,7 @@ namespace palsim {
 
 // Loads a copy of its own, with statics of its own. What comes back runs the program once. Throws
 // UsageError where the file cannot be loaded or has no entry.
-[[nodiscard]] std::function<void()> LoadProgram(const std::filesystem::path& file);
+[[nodiscard]] std::function<int()> LoadProgram(const std::filesystem::path& file);
 
 }  // namespace palsim
 

@@ -1,9 +1,12 @@
 // What happens to the device itself, and which of its properties are checked.
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "platform/sim/hardware/hardware.h"
 #include "platform/sim/hardware/one_wire.h"
 #include "tools/palsim/argument.h"
+#include "tools/palsim/keypad_layout.h"
 #include "tools/palsim/scenario/statements.h"
 #include "tools/palsim/scenario/values.h"
 #include "tools/palsim/usage_error.h"
@@ -21,7 +24,29 @@ sim::QueryAnswer ParameterOf(const Words& words) {
   return {.bytes = ParseData(words).data};
 }
 
+// The state is there before the change is told.
+void MoveButton(Stage& stage, const Filled& filled, bool is_held) {
+  sim::Device& device = stage.device();
+  const auto button = static_cast<LONG>(ParseNumber(filled.Text("NUMBER")));
+  const std::optional<ButtonEvents> events = FindEventsOfButton(device.registry(), button);
+  if (!events) throw UsageError(fmt::format("the keypad signals no event for button {}", button));
+  const bool has_state = device.SetEvent(events->state, is_held);
+  if (!device.SetEvent(events->delta) && !has_state) {
+    throw UsageError(
+        fmt::format("no process has an event {} or {} now", events->delta, events->state));
+  }
+  device.Advance(0);  // whoever waits for it goes on
+}
+
 }  // namespace
+
+void PlayPress(Stage& stage, const Filled& filled) {
+  MoveButton(stage, filled, true);
+}
+
+void PlayRelease(Stage& stage, const Filled& filled) {
+  MoveButton(stage, filled, false);
+}
 
 void PlayRestart(Stage& stage, const Filled& filled) {
   stage.Restart(filled.Text("KIND") == "cold" ? sim::RestartKind::kCold : sim::RestartKind::kWarm);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/palsim/names.h"
 #include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
 
@@ -245,13 +246,20 @@ void Stage::Begin(const std::string& process, const std::string& name,
 
 void Stage::RunProgram(const std::string& process, const std::string& file, const std::string& as) {
   sim::Process& caller = this->process(process);
-  std::function<void()>& run = programs_[caller.id()];
+  std::function<int()>& run = programs_[caller.id()];
   if (!run) run = LoadProgram(file);
-  BeginThread(caller, process, as, [this, run] {
+  RunFunction(process, run, as);
+}
+
+void Stage::RunFunction(const std::string& process, std::function<int()> function,
+                        const std::string& as) {
+  BeginThread(this->process(process), process, as, [this, function = std::move(function)] {
     if (watch_ != nullptr) watch_->ProgramBegins();
     const ProgramEnd end(watch_.get());
-    run();
-    return CallOutcome();
+    CallOutcome outcome;
+    outcome.code = static_cast<std::uint32_t>(function());
+    outcome.result = ResultText(static_cast<HRESULT>(outcome.code));
+    return outcome;
   });
 }
 

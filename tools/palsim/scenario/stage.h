@@ -73,6 +73,8 @@ class Stage {
              const std::vector<std::string>& arguments, const std::string& as);
   // Runs a program of one's own (tools/palsim/program/palsim_program.h) as if it were a call.
   void RunProgram(const std::string& process, const std::string& file, const std::string& as);
+  void RunFunction(const std::string& process, std::function<int()> function,
+                   const std::string& as);
   void AwaitCall(const std::string& as);
   void ChangeTurns(std::uint32_t seed);
   void Restart(sim::RestartKind kind);
@@ -119,8 +121,8 @@ class Stage {
   std::size_t failures_ = 0;
   std::unique_ptr<Watch> watch_;
   bool said_violation_ = false;
-  std::vector<std::unique_ptr<sim::Process>> processes_;     // in the order of their start
-  std::map<std::uint32_t, std::function<void()>> programs_;  // by process
+  std::vector<std::unique_ptr<sim::Process>> processes_;    // in the order of their start
+  std::map<std::uint32_t, std::function<int()>> programs_;  // by process
   std::map<std::string, RunningCall> running_;
   std::map<std::string, std::optional<CallOutcome>> outcomes_;
   bool plain_ = false;

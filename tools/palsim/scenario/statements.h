@@ -32,6 +32,8 @@ void PlayKillAtCall(Stage& stage, const Filled& filled);
 void PlayNoMoreFaults(Stage& stage, const Filled& filled);
 void PlayMoveBytes(Stage& stage, const Filled& filled);
 void PlayRestart(Stage& stage, const Filled& filled);
+void PlayPress(Stage& stage, const Filled& filled);
+void PlayRelease(Stage& stage, const Filled& filled);
 void PlayDock(Stage& stage, const Filled& filled);
 void PlaySetParameter(Stage& stage, const Filled& filled);
 void PlayNoParameter(Stage& stage, const Filled& filled);

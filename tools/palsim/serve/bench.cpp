@@ -6,9 +6,7 @@
 
 #include "frame/version.h"
 #include "platform/sim/hardware/hardware.h"
-#include "tools/palsim/device_lock.h"
 #include "tools/palsim/nearest.h"
-#include "tools/palsim/run_store.h"
 #include "tools/palsim/scenario/statements.h"
 #include "tools/palsim/scenario/values.h"
 #include "tools/palsim/serve/parameters.h"
@@ -54,6 +52,11 @@ Json ToJson(const sim::JournalEntry& entry) {
           {"category", entry.category}, {"text", entry.text}};
 }
 
+// What is answered where expectations are checked.
+Json Held(const std::vector<std::string>& failures) {
+  return {{"holds", failures.empty()}, {"failures", failures}};
+}
+
 }  // namespace
 
 struct Bench::Method {
@@ -86,10 +89,7 @@ const std::vector<Bench::Method>& Bench::Methods() {
   return methods;
 }
 
-Bench::Bench(std::filesystem::path folder)
-    : folder_(std::move(folder)), identity_(LoadLocked(loaded_, folder_)) {
-  MakeDevice();
-}
+Bench::Bench(std::filesystem::path folder) : played_(std::move(folder)) {}
 
 Json Bench::Call(const std::string& method, const Json& parameters) {
   const auto row = std::ranges::find(Methods(), method, &Method::name);
@@ -99,7 +99,6 @@ Json Bench::Call(const std::string& method, const Json& parameters) {
     throw RpcError(kMethodNotFound,
                    fmt::format("there is no method '{}'{}", method, DidYouMean(method, names)));
   }
-  failures_.clear();
   try {
     return (this->*row->run)(ByName(parameters, row->parameters));
   } catch (const UsageError& error) {
@@ -119,67 +118,67 @@ Json Bench::Initialize(const Json& given) {
   }
   return {{"protocol", kProtocol},
           {"library", pal::kLibraryVersion},
-          {"device", identity_.name},
-          {"description", identity_.description}};
+          {"device", played_.identity().name},
+          {"description", played_.identity().description}};
 }
 
 Json Bench::Start(const Json& given) {
   const std::string name = ProcessOf(given);
-  stage_->StartProcess(name);
-  return {{"process", stage_->ProcessId(name)}};
+  played_.stage().StartProcess(name);
+  return {{"process", played_.stage().ProcessId(name)}};
 }
 
 Json Bench::End(const Json& given) {
-  stage_->EndProcess(TextOf(given, "process"), false);
+  played_.stage().EndProcess(TextOf(given, "process"), false);
   return nullptr;
 }
 
 Json Bench::Kill(const Json& given) {
-  stage_->EndProcess(TextOf(given, "process"), true);
+  played_.stage().EndProcess(TextOf(given, "process"), true);
   return nullptr;
 }
 
 Json Bench::CallOnce(const Json& given) {
   const std::string process = TextOf(given, "process");
   const std::string name = TextOf(given, "export");
-  stage_->Call(process, name, ArgumentsOf(given, name));
-  return palsim::ToJson(stage_->outcome(process));
+  played_.stage().Call(process, name, ArgumentsOf(given, name));
+  return palsim::ToJson(played_.stage().outcome(process));
 }
 
 Json Bench::Begin(const Json& given) {
   const std::string process = TextOf(given, "process");
   const std::string name = TextOf(given, "export");
   const std::string as = TextOf(given, "as", process);
-  stage_->Begin(process, name, ArgumentsOf(given, name), as);
+  played_.stage().Begin(process, name, ArgumentsOf(given, name), as);
   return {{"call", as}};
 }
 
 Json Bench::Await(const Json& given) {
   const std::string call = TextOf(given, "call");
-  stage_->AwaitCall(call);
-  return palsim::ToJson(stage_->outcome(call));
+  played_.stage().AwaitCall(call);
+  return palsim::ToJson(played_.stage().outcome(call));
 }
 
 Json Bench::Set(const Json& given) {
   const std::string value = TextOf(given, "value");
   const Words data = DataOf(given, "data");
   if (value == "volume") {
-    PlaySetVolume(*stage_, FilledWith({{"NUMBER", data}}));
+    PlaySetVolume(played_.stage(), FilledWith({{"NUMBER", data}}));
   } else if (value == "gain") {
-    PlaySetGain(*stage_, FilledWith({{"NUMBER", data}}));
+    PlaySetGain(played_.stage(), FilledWith({{"NUMBER", data}}));
   } else {
-    PlaySetValue(*stage_, FilledWith({{"VALUE", {{value}}}, {"DATA", data}}));
+    PlaySetValue(played_.stage(), FilledWith({{"VALUE", {{value}}}, {"DATA", data}}));
   }
   return nullptr;
 }
 
 Json Bench::Get(const Json& given) {
   const std::string value = TextOf(given, "value");
-  const auto& levels = device_->hardware().audio.levels;
+  const auto& levels = played_.device().hardware().audio.levels;
   if (value == "volume") return levels.volume;
   if (value == "gain") return levels.gain;
   const ValuePath path = Checked([&] { return ParseValuePath(value); });
-  return palsim::ToJson(device_->registry().FindValue(path.key, path.name));
+  return palsim::ToJson(played_.device().registry().FindValue(path.key, path.name));
 }
 
 Json Bench::Expect(const Json& given) {
@@ -188,25 +187,24 @@ Json Bench::Expect(const Json& given) {
   if (scenario.statements.size() != 1) {
     throw RpcError(kInvalidParameters, "the statement has to be one line");
   }
-  stage_->PlayOn(scenario);
-  if (failures_.empty()) return {{"holds", true}, {"message", nullptr}};
+  const std::vector<std::string> failures = played_.Play(scenario);
+  if (failures.empty()) return {{"holds", true}, {"message", nullptr}};
   // Without the place: "expect:1: expected ...; there was ...".
-  const std::string& message = failures_.front();
+  const std::string& message = failures.front();
   return {{"holds", false}, {"message", message.substr(message.find(": ") + 2)}};
 }
 
 Json Bench::Play(const Json& given) {
-  stage_->PlayOn(Statements("play", LinesOf(given, "statements")));
-  return TakeFailures();
+  return Held(played_.Play(Statements("play", LinesOf(given, "statements"))));
 }
 
 Json Bench::Advance(const Json& given) {
-  device_->Advance(NumberOf(given, "ms", kLongestAdvanceMs));
-  return {{"time_ms", device_->now_ms()}};
+  played_.device().Advance(NumberOf(given, "ms", kLongestAdvanceMs));
+  return {{"time_ms", played_.device().now_ms()}};
 }
 
 Json Bench::ReadJournal(const Json& given) {
-  const auto& entries = stage_->journal();
+  const auto& entries = played_.stage().journal();
   const std::size_t from = given.contains("from") ? NumberOf(given, "from", UINT32_MAX) : 0;
   const std::string name = TextOf(given, "effect", "");
   const std::optional<sim::Effect> effect = sim::EffectFromName(name);
@@ -222,75 +220,34 @@ Json Bench::ReadJournal(const Json& given) {
 
 Json Bench::Snapshot(const Json& given) {
   const std::string name = TextOf(given, "name", "");
-  RequireNoProcess();
+  played_.RequireNoProcess();
   auto copy = std::make_unique<sim::Device>();
-  copy->CopyFrom(*device_);
+  copy->CopyFrom(played_.device());
   snapshots_[name] = std::move(copy);
   return nullptr;
 }
 
 Json Bench::Restore(const Json& given) {
   const std::string name = TextOf(given, "name", "");
-  RequireNoProcess();
+  played_.RequireNoProcess();
   const auto found = snapshots_.find(name);
   if (found == snapshots_.end()) throw UsageError("there is no snapshot '" + name + "'");
-  device_->CopyFrom(*found->second);
+  played_.device().CopyFrom(*found->second);
   return nullptr;
 }
 
 Json Bench::Reset(const Json& /*given*/) {
-  MakeDevice();
+  played_.Reset();
   return nullptr;
 }
 
 Json Bench::Finish(const Json& /*given*/) {
-  stage_->Finish("finish");
-  device_->ClearFaults();
-  return TakeFailures();
+  return Held(played_.Finish());
 }
 
 Json Bench::Save(const Json& given) {
-  const std::filesystem::path folder = TextOf(given, "folder");
-  RequireNoProcess();
-  if (!std::filesystem::create_directory(folder)) {
-    throw sim::DeviceFolderError(folder.string() + " is there already");
-  }
-  try {
-    sim::FolderChange change(folder);
-    sim::PutDevice(*device_, folder_, change);
-    RunRecord run;
-    run.title = "On a test bench";
-    run.device = fmt::format("{}: {}", identity_.name, identity_.description);
-    run.start_ms = loaded_.now_ms();
-    run.end_ms = device_->now_ms();
-    run.volume = loaded_.hardware().audio.levels.volume;
-    run.gain = loaded_.hardware().audio.levels.gain;
-    run.entries = stage_->journal();
-    PutRun(run, 0, change);
-    change.Commit();
-  } catch (const std::exception&) {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-    throw;
-  }
+  played_.Save(TextOf(given, "folder"), "On a test bench");
   return nullptr;
-}
-
-void Bench::MakeDevice() {
-  stage_.reset();  // its processes end
-  device_ = std::make_unique<sim::Device>();
-  device_->CopyFrom(loaded_);
-  device_->set_now_ms(loaded_.now_ms());
-  stage_ = std::make_unique<Stage>(
-      *device_, [this](const std::string& message) { failures_.push_back(message); });
-}
-
-void Bench::RequireNoProcess() const {
-  if (stage_->HasProcess()) throw UsageError("a process runs, and it cannot be copied; end it");
-}
-
-Json Bench::TakeFailures() {
-  return {{"holds", failures_.empty()}, {"failures", std::exchange(failures_, {})}};
 }
 
 }  // namespace palsim

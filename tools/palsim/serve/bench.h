@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "platform/sim/device.h"
-#include "platform/sim/device_folder.h"
-#include "tools/palsim/scenario/stage.h"
+#include "tools/palsim/scenario/played_device.h"
 #include "tools/palsim/serve/json_rpc.h"
 
 namespace palsim {
@@ -49,18 +48,8 @@ class Bench {
   Json Finish(const Json& given);
   Json Save(const Json& given);
 
-  void MakeDevice();
-  void RequireNoProcess() const;
-  // Of the expectations that this request has seen fail.
-  Json TakeFailures();
-
-  std::filesystem::path folder_;
-  sim::Device loaded_;  // as it was at first; nothing runs on it
-  sim::DeviceIdentity identity_;
-  std::unique_ptr<sim::Device> device_;
-  std::unique_ptr<Stage> stage_;
+  PlayedDevice played_;
   std::map<std::string, std::unique_ptr<sim::Device>> snapshots_;
-  std::vector<std::string> failures_;
 };
 
 }  // namespace palsim

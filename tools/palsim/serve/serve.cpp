@@ -3,6 +3,8 @@
 #include <iostream>
 
 #include "tools/palsim/commands.h"
+#include "tools/palsim/device_lock.h"
+#include "tools/palsim/samples.h"
 #include "tools/palsim/serve/bench.h"
 #include "tools/palsim/serve/json_rpc.h"
 #include "tools/streams.h"
@@ -23,7 +25,10 @@ bool ReadLine(std::istream& input, std::string& line) {
 }  // namespace
 
 int Serve(const ServeOptions& options) {
-  Bench bench(FolderOf(options.device));
+  const std::filesystem::path folder = FolderOf(options.device);
+  std::optional<sim::FolderLock> lock(LockDevice(folder, Use::kRead));
+  Bench bench(folder);
+  lock.reset();
   const CallMethod call = [&bench](const std::string& method, const Json& parameters) {
     return bench.Call(method, parameters);
   };
