@@ -235,11 +235,12 @@ TEST_F(SimProcess, LetsGoOfItsFilesWhenItIsKilled) {
     return CreateFileW(TEXT("\\a"), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   };
   sim::Process killed(device);
-  killed.Run([&] {
+  const auto use = [&] {
     open();
     device.PlanFault({.call = "GetTickCount", .kill = true});
     GetTickCount();
-  });
+  };
+  EXPECT_THROW(killed.Run(use), sim::ProcessKilled);
   sim::Process other(device);
   other.Run([&] {
     const HANDLE file = open();
