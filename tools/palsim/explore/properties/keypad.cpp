@@ -83,6 +83,16 @@ class OriginalsAreKept : public Property {
     }
   }
 
+  // The library does not notice a write that fails: a record that was not saved is rewritten, and
+  // its original is lost.
+  void CallEnds(Scene& scene, const WatchedCall& call) override {
+    if (std::ranges::count(scene.FailedIn(call), sim::CallId::RegSetValueExW) == 0) return;
+    const Records saved = RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath));
+    for (const auto& [place, record] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
+      if (!saved.contains(place)) originals_.emplace(place, record);
+    }
+  }
+
   void RegistryChanged(Scene& scene) override {
     for (const auto& [place, record] : RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath))) {
       Met();
