@@ -227,23 +227,23 @@ class RestartsLoseNothing : public Property {
 
   // The roots that were flushed, and how often a flush service was told.
   struct FlushCounts {
-    std::ptrdiff_t roots = 0;
-    std::ptrdiff_t told = 0;
+    unsigned roots = 0;
+    unsigned told = 0;
   };
   static FlushCounts Flushes(const Scene& scene) {
     return {scene.faults().calls(sim::CallId::RegFlushKey),
             scene.faults().calls(sim::CallId::EventModify)};
   }
   void CheckFlushes(const Scene& scene, const WatchedCall& call) {
-    constexpr std::ptrdiff_t kRoots = 4;
+    constexpr unsigned kRoots = 4;
     Met();
     const auto failed = [&](sim::CallId id) {
-      return std::ranges::count(scene.FailedIn(call), id);
+      return static_cast<unsigned>(std::ranges::count(scene.FailedIn(call), id));
     };
     const FlushCounts now = Flushes(scene);
-    const auto roots = now.roots - flushes_.roots - failed(sim::CallId::RegFlushKey);
-    const auto told = now.told - flushes_.told - failed(sim::CallId::EventModify);
-    if (roots >= kRoots || told > 0) return;
+    const unsigned roots = now.roots - flushes_.roots - failed(sim::CallId::RegFlushKey);
+    const unsigned told = now.told - flushes_.told - failed(sim::CallId::EventModify);
+    if (roots >= kRoots || told != 0) return;
     Violated(
         fmt::format("{} has flushed {} of {} roots, and told no service", kPersist, roots, kRoots));
   }
