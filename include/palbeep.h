@@ -249,10 +249,11 @@ HRESULT PALAPI PALBEEPGetGRI(DWORD scan_type, DWORD* value);
  *                       was done.
  * @retval E_FAIL        The volume could not be set back, or could not be set to 0 for a silent
  *                       tone. Without a tone: the failure of the vibration.
+ * @retval PAL_E_MORE_DATA  The path of the file has more than 520 bytes, or 260 units and no
+ *                       terminator.
  * @retval PAL_E_WIN32(error)  The error of reading the path of the file: PAL_E_FILE_NOT_FOUND if
- *                       there is none, PAL_E_MORE_DATA if it has more than 520 bytes, or 260 units
- *                       and no terminator. Without a tone: the error of reading the indicator or
- *                       of the vibration.
+ *                       there is none. Without a tone: the error of reading the indicator or of the
+ *                       vibration.
  */
 HRESULT PALAPI PALBEEPGoodReadEx(DWORD in_scan_type);
 
@@ -274,9 +275,10 @@ HRESULT PALAPI PALBEEPBadRead(void);
  * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
  * @retval E_FAIL        The volume could not be set back, or could not be set to 0 for a silent
  *                       tone.
+ * @retval PAL_E_MORE_DATA  The path of the file has more than 520 bytes, or 260 units and no
+ *                       terminator.
  * @retval PAL_E_WIN32(error)  The error of reading the path of the file: PAL_E_FILE_NOT_FOUND if
- *                       there is none, PAL_E_MORE_DATA if it has more than 520 bytes, or 260 units
- *                       and no terminator.
+ *                       there is none.
  */
 HRESULT PALAPI PALBEEPChangeConfig(void);
 
@@ -306,9 +308,10 @@ HRESULT PALAPI PALBEEPStartTagSearch(void);
  * tag search, volume and gain are not changed. A volume that could not be set back is set back by
  * the next stop.
  *
- * @retval E_FAIL  The volume could not be set back.
+ * @retval S_OK          Done.
+ * @retval E_INVALIDARG  There is no mutex (see PALBEEPInit). Nothing was done.
+ * @retval E_FAIL        The volume could not be set back.
  * @retval PAL_E_WIN32(error)  The error of stopping the sound.
- * @like PALBEEPChangeConfig
  */
 HRESULT PALAPI PALBEEPStopTagSearch(void);
 

@@ -229,10 +229,11 @@ HRESULT PALAPI PALKEYControlKeyState(LONG key, DWORD state);
  *
  * @retval S_OK    Answered.
  * @retval E_FAIL  @p behavior is null.
+ * @retval PAL_E_MORE_DATA  The path of the layout has more than 260 characters, or there are more
+ *                 than 65,536 values.
  * @retval PAL_E_WIN32(error)  The error of opening "Hardware\Devicemap\Keybd", of reading the path
  *                 of the layout, of opening "ShiftKeys" or of listing its values.
- *                 PAL_E_FILE_NOT_FOUND if one of these does not exist. PAL_E_MORE_DATA if the path
- *                 has more than 260 characters, or if there are more than 65,536 values.
+ *                 PAL_E_FILE_NOT_FOUND if one of these does not exist.
  */
 HRESULT PALAPI PALKEYGetShiftBehavior(DWORD* behavior);
 

@@ -27,10 +27,10 @@ PAL_INTERFACE_BEGIN
  *
  * A checksum tells whether the file has changed. It is a REG_DWORD under HKEY_LOCAL_MACHINE
  * "Software\Dravonel\REGCHKSUMS", with the name of the file. It is stored after the importer has
- * ended, whatever the importer's own result was. If it cannot be stored, this is traced, and the
- * next call imports again. To force an import, delete it. A file that cannot be read has the
- * checksum 0, and is otherwise treated as any other. Progress and failures are traced with facility
- * 1118.
+ * ended, whatever the importer's own result was. If it cannot be read, the file counts as changed.
+ * If it cannot be stored, this is traced, and the next call imports again. To force an import,
+ * delete it. A file that cannot be read has the checksum 0, and is otherwise treated as any other.
+ * Progress and failures are traced with facility 1118.
  *
  * @param directory    The folder of the file, without a backslash at its end. Not null. Together
  *                     with a backslash and the name of the file at most 259 units.

@@ -20,7 +20,7 @@
 
 namespace palsim {
 
-class Scene;
+struct Scene;
 
 // One call of an export.
 struct WatchedCall {
@@ -29,7 +29,7 @@ struct WatchedCall {
   const sim::Process* process = nullptr;
   const std::vector<std::string>* arguments = nullptr;
   std::uint64_t begin_ms = 0;
-  std::uint64_t writes_at_begin = 0;  // Scene::writes() then
+  std::uint64_t writes_at_begin = 0;  // Scene::Writes() then
   unsigned due_at_begin = 0;          // the calls with a fault until then
   bool alone = true;  // so far no other call ran meanwhile, and nothing came from outside
   bool alone_in_process = true;  // so far its process has made no other call meanwhile
@@ -56,6 +56,9 @@ class Property {
   virtual void CallEnds(Scene& /*scene*/, const WatchedCall& /*call*/) {}
   // Something from outside has changed the device, or an export that writes what others ask it to.
   virtual void DeviceChanged(Scene& /*scene*/) {}
+  // A statement has ended, and the library has written to the registry since the last one.
+  virtual void RegistryChanged(Scene& /*scene*/) {}
+  virtual void ProcessEnds(Scene& /*scene*/) {}  // it detaches; it is not killed
   virtual void RestartBegins(Scene& /*scene*/) {}
   virtual void StatementEnds(Scene& /*scene*/) {}
 
@@ -79,6 +82,11 @@ struct PropertyRow {
   std::string_view sentence;
   std::unique_ptr<Property> (*make)();
 };
+
+template <class Kind>
+std::unique_ptr<Property> Make() {
+  return std::make_unique<Kind>();
+}
 
 // All that there are.
 [[nodiscard]] std::span<const PropertyRow> Properties();

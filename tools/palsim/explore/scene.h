@@ -4,39 +4,33 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "platform/sim/device.h"
+#include "platform/sim/kernel/kernel.h"
 #include "tools/palsim/explore/untouched_run.h"
 
 namespace palsim {
 
-class Scene {
- public:
-  explicit Scene(sim::Device& device) : device_(device), untouched_(device) {}
+struct Scene {
+  explicit Scene(sim::Device& on) : device(on), untouched(on) {}
 
-  [[nodiscard]] sim::Device& device() { return device_; }
-  [[nodiscard]] sim::Registry& registry() { return device_.registry(); }
-  // Counts the calls that write the registry: where it stands still, so does the registry.
-  [[nodiscard]] std::uint64_t writes() const;
-  [[nodiscard]] unsigned faults_due() const;
-  [[nodiscard]] bool faults_are_planned() const;
-  // The calls under way.
-  [[nodiscard]] unsigned running() const { return running_; }
-  // The programs of one's own that run.
-  [[nodiscard]] unsigned programs() const { return programs_; }
+  sim::Device& device;
+  UntouchedRun untouched;  // what the call that is looked at does on a device where nothing fails
+  unsigned running = 0;    // the calls under way
+  unsigned programs = 0;   // the programs of one's own that run
+
+  [[nodiscard]] sim::Registry& registry() const { return device.registry(); }
+  [[nodiscard]] const sim::Faults& faults() const { return device.kernel().faults; }
+  // Counts the platform calls that write to the registry.
+  [[nodiscard]] std::uint64_t Writes() const;
+  // The platform calls that failed by a plan in a call that has ended. The one in which its process
+  // was killed is none of them.
+  [[nodiscard]] std::span<const sim::CallId> FailedIn(const WatchedCall& call) const;
   // As the library reads a number: of any type, with the bytes that are missing as 0.
-  [[nodiscard]] std::optional<std::uint32_t> Dword(std::string_view key, std::string_view name);
-  // What the call that is looked at does on a device where nothing fails.
-  [[nodiscard]] UntouchedRun& untouched() { return untouched_; }
-
- private:
-  friend class Watch;
-  sim::Device& device_;
-  UntouchedRun untouched_;
-  unsigned running_ = 0;
-  unsigned programs_ = 0;
-  std::uint64_t changes_from_outside_ = 0;
+  [[nodiscard]] std::optional<std::uint32_t> Dword(std::string_view key,
+                                                   std::string_view name) const;
 };
 
 }  // namespace palsim

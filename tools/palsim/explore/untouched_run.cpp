@@ -66,9 +66,10 @@ const UntouchedOutcome& UntouchedRun::outcome() {
     sim::Process process(*copy_, "untouched.exe");
     const std::uint64_t begin_ms = copy_->now_ms();
     try {
-      outcome_->code = CallPlainly(process, call_->export_index, *call_->arguments).code;
-    } catch (const sim::ProcessKilled&) {
-      outcome_->code.reset();
+      const CallOutcome outcome = CallPlainly(process, call_->export_index, *call_->arguments);
+      outcome_->code = outcome.code;
+      outcome_->numbers = outcome.numbers;
+    } catch (const sim::ProcessKilled&) {  // it has no result
     }
     outcome_->took_ms = copy_->now_ms() - begin_ms;
     for (const sim::JournalEntry& entry : copy_->journal().entries()) {

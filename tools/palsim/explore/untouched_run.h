@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/sim/device.h"
+#include "tools/palsim/export_call.h"
 
 namespace palsim {
 
@@ -22,6 +23,7 @@ using Stored = std::map<std::string, std::string>;
 
 struct UntouchedOutcome {
   std::optional<std::uint32_t> code;  // nothing: its process ended in it
+  decltype(CallOutcome::numbers) numbers{};
   std::uint64_t took_ms = 0;
   Stored stored;                    // then
   std::vector<std::string> writes;  // the journal's lines about registry and files

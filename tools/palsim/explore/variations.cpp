@@ -1,8 +1,11 @@
 #include "tools/palsim/explore/variations.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "platform/sim/hardware/hardware.h"
@@ -33,17 +36,84 @@ std::string Text(Choices& choices) {
          '"';
 }
 
+// Chooses one text for each "<a|b|c>" in a statement.
+std::string OneOfEach(Choices& choices, std::string_view pattern) {
+  std::string statement;
+  for (std::size_t open = 0; (open = pattern.find('<')) != std::string_view::npos;) {
+    const std::size_t close = pattern.find('>');
+    std::string_view texts = pattern.substr(open + 1, close - open - 1);
+    std::size_t skip = choices.Below(static_cast<std::size_t>(std::ranges::count(texts, '|')) + 1);
+    for (; skip > 0; --skip) texts.remove_prefix(texts.find('|') + 1);
+    statement += pattern.substr(0, open);
+    statement += texts.substr(0, texts.find('|'));
+    pattern.remove_prefix(close + 1);
+  }
+  return statement += pattern;
+}
+
+constexpr std::string_view kRegistryFile =
+    R"(write \Store\<RM21|all|RM11|rm18>.reg = "REGEDIT4 ; <0|1|2|3|4|5|6|7|8>")";
+// How long a flash is: longer than others wait, too.
+constexpr std::string_view kFlash =
+    R"(set HKLM\SOFTWARE\Dravonel\PAL\<Int|Teth|BT|RFID>GrLedOnDur = <0|250|1999|2001|5000>)";
+constexpr std::string_view kTimePasses = "wait <1|50|250|2000|45000|600000|86400000> ms";
+
+constexpr auto kVariations = std::to_array<std::string_view>({
+    R"(parameter 0x00D5 = "<RM11|RM13|RM16|RM19|RM21|RM23|RMV|P7>")",
+    kRegistryFile,
+    kFlash,
+    "no library <DVLEventLog.dll|coredll.dll|DVLORQPAL.dll>",
+    // A keypad with another layout, or with none.
+    R"(set HKLM\Hardware\Devicemap\Keybd\CurrentActiveLayoutKey = "<Hardware\Devicemap\Keybd\Layout\Gone|Software\Dravonel\RFIDServer\Keybd|>")",
+});
+
+constexpr auto kHappenings = std::to_array<std::string_view>({
+    R"(set HKLM\System\State\Hardware\Headset = <0|1>)",
+    R"(set HKLM\System\State\Hardware\Bluetooth = <0|4|16|52|8>)",
+    "dock is <taken|attached>",
+    R"(set HKLM\Software\Dravonel\Policy\Disable<ImageCapture|Bluetooth> = <0|1|2>)",
+    "signal <DVL_KEYBOARD_CHANGE_USB|LED_ON_TIMEOUT|DVLRegFlushKeyAll>",
+    "signal <DVL_KEYBOARD_CHANGE_USB|LED_ON_TIMEOUT|DVLRegFlushKeyAll>",
+    "set volume = <0|858993459|3435973836|65535>",
+    "set gain = <0|33|66|99|100>",
+    kRegistryFile,
+    kFlash,
+    kTimePasses,
+    kTimePasses,
+});
+
 struct Place {
-  std::string value;  // HKEY_LOCAL_MACHINE\Key\Name
-  bool is_number;
+  std::string name;  // HKEY_LOCAL_MACHINE\Key\Name
+  const sim::RegistryValue* value;
 };
 
 void Collect(const sim::RegistryKey& key, std::vector<Place>& places) {
   for (const sim::RegistryValue& value : key.values()) {
-    places.push_back(
-        {sim::ToUtf8(key.Path()) + '\\' + sim::ToUtf8(value.name), value.type == REG_DWORD});
+    places.push_back({WordText(sim::ToUtf8(key.Path()) + '\\' + sim::ToUtf8(value.name)), &value});
   }
   for (const auto& below : key.keys()) Collect(*below, places);
+}
+
+std::vector<Place> PlacesOf(sim::Device& device) {
+  constexpr unsigned kRootKeys = 4;
+  std::vector<Place> places;
+  for (unsigned root = 0; root < kRootKeys; ++root) {
+    Collect(*device.registry().root(root), places);
+  }
+  return places;
+}
+
+// A value that looks right and is not: one byte is another one, and often the last.
+std::string ChooseNearMiss(Choices& choices, std::vector<Place> places) {
+  std::erase_if(places, [](const Place& place) {
+    return place.value->type != REG_BINARY || place.value->data.empty();
+  });
+  if (places.empty()) return "no driver SCD1:";
+  const Place& place = choices.Of(places);
+  std::vector<std::uint8_t> bytes = place.value->data;
+  const std::size_t at = choices.OneIn(2) ? bytes.size() - 1 : choices.Below(bytes.size());
+  bytes[at] ^= static_cast<std::uint8_t>(1 + choices.Below(255));
+  return fmt::format("set {} = hex {:02X}", place.name, fmt::join(bytes, " "));
 }
 
 std::string ChooseParameter(Choices& choices, sim::Device& device) {
@@ -70,71 +140,6 @@ std::string ChooseFile(Choices& choices) {
   const char* const file = choices.Of(kFiles);
   if (choices.OneIn(2)) return fmt::format("remove {}", file);
   return fmt::format("write {} = {}", file, Text(choices));
-}
-
-std::string ChooseLibrary(Choices& choices) {
-  constexpr std::array kLibraries{"DVLEventLog.dll", "coredll.dll", "DVLORQPAL.dll"};
-  return fmt::format("no library {}", choices.Of(kLibraries));
-}
-
-std::string ChooseModel(Choices& choices) {
-  constexpr std::array kModels{"RM11", "RM13", "RM16", "RM19", "RM21", "RM23", "RMV", "P7"};
-  return fmt::format("parameter 0x00D5 = \"{}\"", choices.Of(kModels));
-}
-
-// A keypad with another layout, or with none.
-std::string ChooseLayout(Choices& choices) {
-  constexpr std::array kLayouts{"Hardware\\Devicemap\\Keybd\\Layout\\Gone",
-                                "Software\\Dravonel\\RFIDServer\\Keybd", ""};
-  return fmt::format(R"(set HKLM\Hardware\Devicemap\Keybd\CurrentActiveLayoutKey = "{}")",
-                     choices.Of(kLayouts));
-}
-
-// How long a flash is: longer than others wait, too.
-std::string ChooseFlash(Choices& choices) {
-  constexpr std::array kScanTypes{"Int", "Teth", "BT", "RFID"};
-  constexpr auto kTimes = std::to_array<unsigned>({0, 250, 1999, 2001, 5000});
-  return fmt::format(R"(set HKLM\SOFTWARE\Dravonel\PAL\{}GrLedOnDur = {})", choices.Of(kScanTypes),
-                     choices.Of(kTimes));
-}
-
-std::string ChooseRegistryFile(Choices& choices) {
-  constexpr std::array kFiles{"RM21.reg", "all.reg", "RM11.reg", "rm18.reg"};
-  return fmt::format(R"(write \Store\{} = "REGEDIT4 ; {}")", choices.Of(kFiles), choices.Below(9));
-}
-
-std::string ChoosePolicy(Choices& choices) {
-  constexpr std::array kPolicies{"DisableImageCapture", "DisableBluetooth"};
-  return fmt::format(R"(set HKLM\Software\Dravonel\Policy\{} = {})", choices.Of(kPolicies),
-                     choices.Below(3));
-}
-
-std::string ChooseHeadset(Choices& choices) {
-  if (choices.OneIn(2)) {
-    return fmt::format(R"(set HKLM\System\State\Hardware\Headset = {})", choices.Below(2));
-  }
-  constexpr auto kBits = std::to_array<unsigned>({0, 4, 0x10, 0x34, 8});
-  return fmt::format(R"(set HKLM\System\State\Hardware\Bluetooth = {})", choices.Of(kBits));
-}
-
-std::string ChooseSignal(Choices& choices) {
-  constexpr std::array kEvents{"DVL_KEYBOARD_CHANGE_USB", "LED_ON_TIMEOUT", "DVLRegFlushKeyAll"};
-  return fmt::format("signal {}", choices.Of(kEvents));
-}
-
-std::string ChooseLevel(Choices& choices) {
-  constexpr auto kVolumes = std::to_array<std::uint32_t>({0, 0x33333333, 0xCCCCCCCC, 0xFFFF});
-  return choices.OneIn(2) ? fmt::format("set volume = {}", choices.Of(kVolumes))
-                          : fmt::format("set gain = {}", choices.Below(101));
-}
-
-std::string ChooseRestart(Choices& choices) {
-  return choices.OneIn(2) ? "restart cold" : "restart warm";
-}
-
-std::string ChooseTime(Choices& choices) {
-  constexpr auto kTimes = std::to_array<unsigned>({1, 50, 250, 2000, 45000, 600000, 86400000});
-  return fmt::format("wait {} ms", choices.Of(kTimes));
 }
 
 // What a call can fail with beside the error 31.
@@ -176,66 +181,40 @@ constexpr auto kFaults = std::to_array<CallErrors>({
 }  // namespace
 
 std::string ChooseRegistryChange(Choices& choices, sim::Device& device) {
-  constexpr unsigned kRootKeys = 4;
-  std::vector<Place> places;
-  for (unsigned root = 0; root < kRootKeys; ++root) {
-    Collect(*device.registry().root(root), places);
-  }
-  if (places.empty()) return "no driver SCD1:";
+  std::vector<Place> places = PlacesOf(device);
+  const std::size_t kind = choices.Below(6);
+  if (places.empty() || kind == 0) return ChooseNearMiss(choices, std::move(places));
   const Place& place = choices.Of(places);
-  const std::string value = WordText(place.value);
-  const std::size_t kind = choices.Below(8);
-  if (kind == 0) return fmt::format("delete {}", value);
-  if (kind == 1) return fmt::format("set {} = {}", value, Bytes(choices));
-  if (kind == 2) return fmt::format("set {} = {}", value, Text(choices));
-  if (place.is_number || kind == 3) {
-    return fmt::format("set {} = {}", value, choices.Of(kNumbers));
+  if (kind == 1) return fmt::format("set {} = {}", place.name, Bytes(choices));
+  if (kind == 2) return fmt::format("set {} = {}", place.name, Text(choices));
+  if (kind == 3 || (kind == 4 && place.value->type == REG_DWORD)) {
+    return fmt::format("set {} = {}", place.name, choices.Of(kNumbers));
   }
-  return fmt::format("delete {}", value);
+  return fmt::format("delete {}", place.name);
 }
 
 std::string ChooseVariation(Choices& choices, sim::Device& device) {
-  switch (choices.Below(10)) {
+  switch (choices.Below(9)) {
     case 0:
       return ChooseParameter(choices, device);
     case 1:
       return ChooseFile(choices);
     case 2:
-      return choices.OneIn(2) ? ChooseDriver(choices, device) : ChooseLibrary(choices);
+      return ChooseDriver(choices, device);
     case 3:
-      return choices.OneIn(2) ? ChooseModel(choices) : ChooseRegistryFile(choices);
     case 4:
-      return ChooseLayout(choices);
     case 5:
-      return ChooseFlash(choices);
+      return OneOfEach(choices, choices.Of(kVariations));
     default:
       return ChooseRegistryChange(choices, device);
   }
 }
 
 std::string ChooseHappening(Choices& choices, sim::Device& device) {
-  switch (choices.Below(12)) {
-    case 0:
-    case 1:
-      return ChooseHeadset(choices);
-    case 2:
-      return choices.OneIn(2) ? "dock is taken" : "dock is attached";
-    case 3:
-      return ChoosePolicy(choices);
-    case 4:
-    case 5:
-      return ChooseSignal(choices);
-    case 6:
-      return ChooseLevel(choices);
-    case 7:
-      return choices.OneIn(4) ? ChooseRestart(choices) : ChooseTime(choices);
-    case 8:
-      return choices.OneIn(2) ? ChooseRegistryFile(choices) : ChooseFlash(choices);
-    case 9:
-      return ChooseRegistryChange(choices, device);
-    default:
-      return ChooseTime(choices);
-  }
+  constexpr std::size_t kRestartsOnceIn = 50;
+  if (choices.OneIn(kRestartsOnceIn)) return OneOfEach(choices, "restart <cold|warm>");
+  if (choices.OneIn(kHappenings.size() + 1)) return ChooseRegistryChange(choices, device);
+  return OneOfEach(choices, choices.Of(kHappenings));
 }
 
 std::string ChooseFault(Choices& choices) {

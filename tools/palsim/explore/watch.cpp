@@ -1,8 +1,9 @@
 #include "tools/palsim/explore/watch.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
-#include "platform/sim/kernel/kernel.h"
 #include "tools/palsim/argument.h"
 #include "tools/palsim/usage_error.h"
 
@@ -31,21 +32,20 @@ std::uint32_t WatchedCall::Number(std::size_t argument) const {
   }
 }
 
-std::uint64_t Scene::writes() const {
-  std::uint64_t count = changes_from_outside_;
-  for (const sim::CallId id : kRegistryWrites) count += device_.kernel().faults.calls(id);
+std::uint64_t Scene::Writes() const {
+  std::uint64_t count = 0;
+  for (const sim::CallId id : kRegistryWrites) count += faults().calls(id);
   return count;
 }
 
-unsigned Scene::faults_due() const {
-  return device_.kernel().faults.due();
+std::span<const sim::CallId> Scene::FailedIn(const WatchedCall& call) const {
+  std::span<const sim::CallId> failed = faults().faulted();
+  failed = failed.last(std::min<std::size_t>(call.faults, failed.size()));
+  const bool was_killed = !call.returned() && !failed.empty();
+  return was_killed ? failed.first(failed.size() - 1) : failed;
 }
 
-bool Scene::faults_are_planned() const {
-  return device_.kernel().faults.are_planned();
-}
-
-std::optional<std::uint32_t> Scene::Dword(std::string_view key, std::string_view name) {
+std::optional<std::uint32_t> Scene::Dword(std::string_view key, std::string_view name) const {
   const sim::RegistryValue* value = registry().FindValue(key, name);
   if (value == nullptr || value->data.size() > sizeof(std::uint32_t)) return std::nullopt;
   std::uint32_t number = 0;
@@ -77,42 +77,42 @@ Watch::Place Watch::CallBegins(const sim::Process& process, std::size_t export_i
                    .name = names[export_index],
                    .process = &process,
                    .arguments = &arguments,
-                   .begin_ms = scene_.device().now_ms(),
-                   .writes_at_begin = scene_.writes(),
-                   .due_at_begin = scene_.faults_due(),
-                   .alone = calls_under_way_.empty() && scene_.programs_ == 0};
+                   .begin_ms = scene_.device.now_ms(),
+                   .writes_at_begin = scene_.Writes(),
+                   .due_at_begin = scene_.faults().due(),
+                   .alone = calls_under_way_.empty() && scene_.programs == 0};
   for (WatchedCall& other : calls_under_way_) {
     other.alone = false;
     if (other.process != &process) continue;
     other.alone_in_process = call.alone_in_process = false;
   }
   calls_under_way_.push_back(call);
-  scene_.running_ = static_cast<unsigned>(calls_under_way_.size());
+  scene_.running = static_cast<unsigned>(calls_under_way_.size());
   const auto place = std::prev(calls_under_way_.end());
-  scene_.untouched().CallBegins(*place, scene_.faults_are_planned());
+  scene_.untouched.CallBegins(*place, scene_.faults().are_planned());
   AskAll([&](Property& property) { property.CallBegins(scene_, *place); });
   return place;
 }
 
 void Watch::CallEnds(Place place, const CallOutcome* outcome) {
   place->outcome = outcome;
-  place->end_ms = scene_.device().now_ms();
-  place->faults = scene_.faults_due() - place->due_at_begin;
+  place->end_ms = scene_.device.now_ms();
+  place->faults = scene_.faults().due() - place->due_at_begin;
   AskAll([&](Property& property) { property.CallEnds(scene_, *place); });
-  scene_.untouched().CallEnds(*place);
+  scene_.untouched.CallEnds(*place);
   const bool changes = WritesAnything(place->name);
   calls_under_way_.erase(place);
-  scene_.running_ = static_cast<unsigned>(calls_under_way_.size());
+  scene_.running = static_cast<unsigned>(calls_under_way_.size());
   if (changes) DeviceChanged();
 }
 
 void Watch::ProgramBegins() {
-  ++scene_.programs_;
+  ++scene_.programs;
   DeviceChanged();
 }
 
 void Watch::ProgramEnds() {
-  --scene_.programs_;
+  --scene_.programs;
   DeviceChanged();
 }
 
@@ -122,8 +122,12 @@ void Watch::Disturb() {
 
 void Watch::DeviceChanged() {
   Disturb();
-  ++scene_.changes_from_outside_;
   AskAll([&](Property& property) { property.DeviceChanged(scene_); });
+  seen_writes_ = scene_.Writes();
+}
+
+void Watch::ProcessEnds() {
+  AskAll([&](Property& property) { property.ProcessEnds(scene_); });
 }
 
 void Watch::RestartBegins() {
@@ -131,6 +135,11 @@ void Watch::RestartBegins() {
 }
 
 void Watch::StatementEnds() {
+  const std::uint64_t writes = scene_.Writes();
+  // What a program of one's own writes is known at its end.
+  if (std::exchange(seen_writes_, writes) != writes && scene_.programs == 0) {
+    AskAll([&](Property& property) { property.RegistryChanged(scene_); });
+  }
   AskAll([&](Property& property) { property.StatementEnds(scene_); });
 }
 

@@ -38,6 +38,7 @@ class Watch {
   void Disturb();
   // The same, and it has changed the device.
   void DeviceChanged();
+  void ProcessEnds();
   void RestartBegins();
   void StatementEnds();
 
@@ -57,6 +58,7 @@ class Watch {
   std::list<WatchedCall> calls_under_way_;
   std::optional<Violation> violation_;
   std::uint64_t calls_ = 0;
+  std::uint64_t seen_writes_ = 0;
 };
 
 }  // namespace palsim

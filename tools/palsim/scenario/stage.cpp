@@ -146,6 +146,7 @@ void Stage::SayWhatWasNotReached() const {
 }
 
 void Stage::End(sim::Process& process) {
+  if (watch_ != nullptr && process.alive()) watch_->ProcessEnds();
   try {
     process.End();
   } catch (const sim::ProcessKilled&) {  // while the library detached
@@ -155,20 +156,30 @@ void Stage::End(sim::Process& process) {
 
 void Stage::StartProcess(const std::string& name) {
   if (Lives(name)) throw UsageError(name + " has started already");
-  for (const auto& process : processes_) {
-    if (process->alive()) continue;
-    End(*process);  // lets go of its copy of the library
-    programs_.erase(process->id());
-  }
+  ForgetDeadProcesses();
   if (watch_ != nullptr) watch_->Disturb();
   const unsigned calls_before = device_.calls("RegSetValueExW");
   try {
-    processes_.push_back(std::make_unique<sim::Process>(device_, ProcessFileName(name)));
+    const std::string file = ProcessFileName(name);
+    processes_.push_back(std::make_unique<sim::Process>(device_, file));
+    last_ids_[file] = processes_.back()->id();
   } catch (const sim::ProcessKilled&) {      // while the library attached
   } catch (const std::logic_error& error) {  // the device has all that it can have
     throw UsageError(error.what());
   }
   if (watch_ != nullptr && device_.calls("RegSetValueExW") != calls_before) watch_->DeviceChanged();
+}
+
+// A call of a dead process may still be under way: then the process is kept.
+void Stage::ForgetDeadProcesses() {
+  std::erase_if(processes_, [&](const auto& process) {
+    const bool is_in_use = std::ranges::any_of(
+        running_, [&](const auto& call) { return Is(*process, call.second.process); });
+    if (process->alive() || is_in_use) return false;
+    End(*process);  // lets go of its copy of the library
+    programs_.erase(process->id());
+    return true;
+  });
 }
 
 sim::Process& Stage::process(const std::string& name) {
@@ -183,10 +194,9 @@ bool Stage::HasProcess() const {
 }
 
 std::uint32_t Stage::ProcessId(const std::string& name) const {
-  const auto found = std::find_if(processes_.rbegin(), processes_.rend(),
-                                  [&](const auto& process) { return Is(*process, name); });
-  if (found == processes_.rend()) throw UsageError("no process " + name + " has started");
-  return (*found)->id();
+  const auto found = last_ids_.find(ProcessFileName(name));
+  if (found == last_ids_.end()) throw UsageError("no process " + name + " has started");
+  return found->second;
 }
 
 void Stage::EndProcess(const std::string& name, bool kill) {

@@ -108,7 +108,8 @@ class Stage {
   CallOutcome MakeCall(sim::Process& caller, const std::string& name,
                        const std::vector<std::string>& arguments);
   void SayWhatIsViolated();
-  static void End(sim::Process& process);
+  void ForgetDeadProcesses();
+  void End(sim::Process& process);
   void BeginThread(sim::Process& process, const std::string& name, const std::string& as,
                    std::function<CallOutcome()> body);
 
@@ -121,7 +122,9 @@ class Stage {
   std::size_t failures_ = 0;
   std::unique_ptr<Watch> watch_;
   bool said_violation_ = false;
-  std::vector<std::unique_ptr<sim::Process>> processes_;    // in the order of their start
+  // Those that live, in the order of their start, and some that have died since the last start.
+  std::vector<std::unique_ptr<sim::Process>> processes_;
+  std::map<std::string, std::uint32_t> last_ids_;           // by file name
   std::map<std::uint32_t, std::function<int()>> programs_;  // by process
   std::map<std::string, RunningCall> running_;
   std::map<std::string, std::optional<CallOutcome>> outcomes_;

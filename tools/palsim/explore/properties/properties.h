@@ -1,33 +1,19 @@
-// Each property stands in a file of its own.
+// The properties by their subject: each subject has a file.
 #ifndef TOOLS_PALSIM_EXPLORE_PROPERTIES_PROPERTIES_H_
 #define TOOLS_PALSIM_EXPLORE_PROPERTIES_PROPERTIES_H_
 
-#include <memory>
+#include <span>
 
 #include "tools/palsim/explore/property.h"
 
 namespace palsim {
 
-std::unique_ptr<Property> AnswersAreListed();
-std::unique_ptr<Property> ErrorsAreOfCalls();
-std::unique_ptr<Property> PlatformIsUsedRightly();
-std::unique_ptr<Property> NobodyWaitsForEver();
-std::unique_ptr<Property> CallsLeaveNothing();
-std::unique_ptr<Property> WaitsAreDocumented();
-std::unique_ptr<Property> RoomIsKept();
-std::unique_ptr<Property> LevelsComeBack();
-std::unique_ptr<Property> GettersAnswerSetters();
-std::unique_ptr<Property> PlanesAreWhole();
-std::unique_ptr<Property> OriginalsAreKept();
-std::unique_ptr<Property> CommandsKeepTheirRest();
-std::unique_ptr<Property> ChecksumsFollowImports();
-std::unique_ptr<Property> RestartsLoseNothing();
-std::unique_ptr<Property> WrongPasswordsAreWrong();
-std::unique_ptr<Property> UnsupportedButtonsStay();
-std::unique_ptr<Property> NothingElseIsStored();
-std::unique_ptr<Property> ValuesAreOldOrNew();
-std::unique_ptr<Property> NextProcessWorks();
-std::unique_ptr<Property> ProgramsHold();
+[[nodiscard]] std::span<const PropertyRow> AnswerProperties();
+[[nodiscard]] std::span<const PropertyRow> CallProperties();
+[[nodiscard]] std::span<const PropertyRow> SettingProperties();
+[[nodiscard]] std::span<const PropertyRow> KeypadProperties();
+[[nodiscard]] std::span<const PropertyRow> SecurityProperties();
+[[nodiscard]] std::span<const PropertyRow> StorageProperties();
 
 }  // namespace palsim
 
