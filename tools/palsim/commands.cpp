@@ -190,6 +190,15 @@ std::filesystem::path FolderOf(const std::string& device) {
   return is_folder ? std::filesystem::path(device) : SampleFolder(device);
 }
 
+std::string Quoted(const std::string& word) {
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=@%+,-";
+  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
+  std::string quoted = "'";
+  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
+  return quoted + "'";
+}
+
 int ListSamples() {
   for (const std::string& name : SampleNames()) {
     sim::Device device;

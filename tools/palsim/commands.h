@@ -41,6 +41,9 @@ int ListSamples();
 // does.
 [[nodiscard]] std::filesystem::path FolderOf(const std::string& device);
 
+// A word as a shell reads it back.
+[[nodiscard]] std::string Quoted(const std::string& word);
+
 struct CallOptions {
   std::string name;
   std::vector<std::string> arguments;
