@@ -89,7 +89,7 @@ void CommandLine::AddExplore() {
   const std::map<std::string, std::uint32_t> units{{"s", 1}, {"m", 60}, {"h", 3600}};
   command->add_option("--for", explore_.seconds, "How long, such as 90s, 5m or 2h")
       ->transform(CLI::AsNumberWithUnit(units).description("TIME"))
-      ->check(CLI::Range(1, kYear).description(""));
+      ->check(CLI::Range(1U, kYear).description(""));
   command->add_option("--faults", explore_.world.faults, "How often: none, rare or often")
       ->check(CLI::IsMember({"none", "rare", "often"}).description(""))
       ->capture_default_str();
