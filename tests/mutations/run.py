@@ -135,8 +135,10 @@ def build_library(folder, tools):
 
 def explore(tools, first, out):
     """The report of some seeds; without a report nothing was explored, and nothing is shown by it."""
+    samples = os.path.join(os.path.dirname(tools), 'devices')
     done = subprocess.run([os.path.join(tools, 'palsim'), 'explore', '--faults', 'often', '--out', out, '--seeds',
-                           f'{first}-{first + SEEDS_AT_ONCE - 1}'], capture_output=True, text=True)
+                           f'{first}-{first + SEEDS_AT_ONCE - 1}'],
+                          capture_output=True, text=True, env=os.environ | {'PALSIM_SAMPLES': samples})
     try:
         with open(os.path.join(out, 'report.json')) as file:
             return json.load(file)
