@@ -1,69 +1,62 @@
-// The search for runs in which a property does not hold: that it repeats itself, that it makes
-// small what it finds, and that it finds nothing in the library.
-#include "tools/palsim/explore/explore.h"
-
+// The search for runs in which a property does not hold: that each property sees what it is about,
+// that worlds repeat themselves and are made small, and that it finds nothing in the library.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <random>
 
+#include "platform/sim/device_folder.h"
+#include "tools/palsim/explore/report.h"
 #include "tools/palsim/explore/shrink.h"
 #include "tools/palsim/scenario/scenario.h"
 #include "tools/palsim/usage_error.h"
 
 namespace {
 
-using palsim::Finding;
+using palsim::CallOutcome;
 using palsim::Move;
 using palsim::Moves;
 using palsim::Report;
 using palsim::WorldOptions;
 
-// The seeds from the first one on, for a time.
-Report ExploreFor(std::chrono::milliseconds time, std::uint64_t first, palsim::FaultRate faults) {
-  const auto end = std::chrono::steady_clock::now() + time;
-  return palsim::ExploreSeeds({.faults = faults}, [&](std::uint64_t& seed) {
-    seed = first++;
-    return std::chrono::steady_clock::now() < end;
-  });
+#ifdef SHORT_SWEEP  // a call takes many times as long
+constexpr std::uint64_t kSeeds = 20;
+#else
+constexpr std::uint64_t kSeeds = 150;
+#endif
+
+Report PlaySeeds(std::uint64_t first, const WorldOptions& options) {
+  Report report;
+  for (std::uint64_t at = 0; at < kSeeds; ++at) report.Add(palsim::PlaySeed(first + at, options));
+  return report;
 }
 
 void ExpectNothingFound(const Report& report) {
-  for (const Finding& finding : report.findings) {
-    ADD_FAILURE() << finding.command << "\n" << finding.how << "\n" << finding.scenario;
-  }
+  EXPECT_TRUE(report.findings.empty()) << palsim::ReportText(report);
+  EXPECT_EQ(report.seeds, kSeeds);
   EXPECT_GT(report.calls, 0U);
 }
 
-constexpr std::chrono::seconds kTime{2};
-
 TEST(Explore, FindsNothingFromSeedsThatAreKnown) {
-  ExpectNothingFound(ExploreFor(kTime, 1, palsim::FaultRate::kRare));
-  ExpectNothingFound(ExploreFor(kTime, 1, palsim::FaultRate::kOften));
+  ExpectNothingFound(PlaySeeds(1, {.faults = "rare"}));
+}
+
+TEST(Explore, FindsNothingUnderManyFaultsAndMeetsTheConditionOfEachProperty) {
+  const Report report = PlaySeeds(1, {.faults = "often"});
+  ExpectNothingFound(report);
+#ifndef SHORT_SWEEP
+  for (const auto& [property, count] : report.met) {
+    if (property == "programs-hold") continue;  // there is no program
+    EXPECT_GT(count, 0U) << property;
+  }
+#endif
 }
 
 TEST(Explore, FindsNothingFromFreshSeeds) {
   const std::uint64_t seed = std::random_device()();
   std::printf("fresh seeds from %llu on\n", static_cast<unsigned long long>(seed));
-  ExpectNothingFound(ExploreFor(kTime, seed, palsim::FaultRate::kNone));
-}
-
-// All that a run leaves: what it counts, and what it says.
-std::string Trail(std::uint64_t first, std::uint64_t last) {
-  Report report = palsim::ExploreSeeds({.steps = 100, .faults = palsim::FaultRate::kOften},
-                                       [&](std::uint64_t& seed) {
-                                         seed = first;
-                                         return first++ <= last;
-                                       });
-  report.seconds = 0;
-  return palsim::ReportText(report);
-}
-
-TEST(Explore, GivesTheSameForTheSameSeed) {
-  EXPECT_EQ(Trail(1, 30), Trail(1, 30));
-  EXPECT_NE(Trail(1, 30), Trail(2, 31));
+  ExpectNothingFound(PlaySeeds(seed, {.faults = "none"}));
 }
 
 TEST(Explore, WritesMovesThatAScenarioCanSay) {
@@ -74,22 +67,79 @@ TEST(Explore, WritesMovesThatAScenarioCanSay) {
   }
 }
 
-#ifndef SHORT_SWEEP  // which takes many times as long
-TEST(Explore, MeetsTheConditionOfEachProperty) {
-  constexpr std::uint64_t kSeeds = 150;
-  std::uint64_t next = 1;
-  const Report report =
-      palsim::ExploreSeeds({.faults = palsim::FaultRate::kOften}, [&](std::uint64_t& seed) {
-        seed = next;
-        return next++ <= kSeeds;
-      });
-  for (const auto& [property, count] : report.met) {
-    if (property == "programs-hold") continue;  // there is no program
-    EXPECT_GT(count, 0U) << property;
+// What a library with a fault would do in a call, or leave behind it.
+struct Fault {
+  const char* property;
+  const char* name;  // of the export
+  std::vector<std::string> arguments;
+  std::uint32_t code;  // that it answers without the fault
+  void (*leave)(sim::Device& device, CallOutcome& outcome);
+};
+
+const Fault kFaults[] = {
+    {"answers-are-listed",
+     "PALBEEPGetVolume",
+     {"out"},
+     0,
+     [](sim::Device&, CallOutcome& outcome) { outcome.code = 0x80041234; }},
+    {"errors-are-of-calls",
+     "PALBEEPGetVolume",
+     {"out"},
+     0,
+     [](sim::Device&, CallOutcome& outcome) { outcome.code = 0x8007001F; }},
+    {"waits-are-documented",
+     "PALBEEPGetVolume",
+     {"out"},
+     0,
+     [](sim::Device& device, CallOutcome&) { device.Advance(600'000); }},
+    {"room-is-kept",
+     "PALSysinfo_GetSerialNumber",
+     {"20", "40"},
+     0,
+     [](sim::Device&, CallOutcome& outcome) { outcome.within_room = false; }},
+    {"levels-come-back",
+     "PALBEEPKeyClick",
+     {},
+     0,
+     [](sim::Device& device, CallOutcome&) { ++device.hardware().audio.levels.volume; }},
+    {"wrong-passwords-are-wrong",
+     "PALSecurity_CheckPx",
+     {"nobody", "wrong"},
+     1,
+     [](sim::Device&, CallOutcome& outcome) { outcome.code = 0; }},
+};
+
+bool IsSeen(const Fault& fault, bool is_there) {
+  sim::Device device;
+  sim::LoadDevice(device, PROJECT_DIR "/devices/rm21");
+  const sim::Process process(device, "scanner.exe");
+  palsim::Watch watch(device, {&palsim::FindProperty(fault.property), 1});
+  CallOutcome outcome;
+  outcome.code = fault.code;
+  const auto call = watch.CallBegins(process, palsim::ExportIndex(fault.name), fault.arguments);
+  if (is_there) fault.leave(device, outcome);
+  watch.CallEnds(call, &outcome);
+  watch.StatementEnds();
+  return watch.violation().has_value();
+}
+
+TEST(Properties, SeeWhatTheyAreAbout) {
+  for (const Fault& fault : kFaults) {
+    EXPECT_TRUE(IsSeen(fault, true)) << fault.property;
+    EXPECT_FALSE(IsSeen(fault, false)) << fault.property;
   }
 }
 
-#endif
+TEST(Properties, HaveNamesOfTheirOwnAndASentence) {
+  std::vector<std::string_view> names;
+  for (const palsim::PropertyRow& row : palsim::Properties()) {
+    EXPECT_EQ(&palsim::FindProperty(row.name), &row);
+    EXPECT_TRUE(row.sentence.ends_with('.')) << row.name;
+    EXPECT_EQ(std::ranges::count(names, row.name), 0) << row.name;
+    names.push_back(row.name);
+  }
+  EXPECT_THROW(static_cast<void>(palsim::FindProperty("no-such")), palsim::UsageError);
+}
 
 Moves NumberedMoves(std::size_t count) {
   Moves moves;
@@ -120,32 +170,24 @@ TEST(Shrink, KeepsWhatAViolationNeedsAndNoMore) {
   EXPECT_LT(asked, 40U);
 }
 
-TEST(Report, AddsUpAndKeepsOneFindingOfAKind) {
-  Report first{.seeds = 2, .calls = 10, .seconds = 1.5, .met = {{"a", 1}}, .findings = {}};
-  first.Add(
-      Finding{.property = "p", .seed = 1, .how = "so", .command = {}, .scenario = {}, .lines = {}});
-  Report second{.seeds = 3, .calls = 20, .seconds = 1, .met = {{"a", 4}, {"b", 1}}, .findings = {}};
-  second.Add(
-      Finding{.property = "p", .seed = 7, .how = "so", .command = {}, .scenario = {}, .lines = {}});
-  second.Add(Finding{
-      .property = "p", .seed = 8, .how = "otherwise", .command = {}, .scenario = {}, .lines = {}});
-  first.Add(second);
-  EXPECT_EQ(first.seeds, 5U);
-  EXPECT_EQ(first.calls, 30U);
-  EXPECT_EQ(first.met, (std::map<std::string, std::uint64_t>{{"a", 5}, {"b", 1}}));
-  ASSERT_EQ(first.findings.size(), 2U);
-  EXPECT_EQ(first.findings[0].seed, 1U);
+Report Found(std::uint64_t seed, const char* how) {
+  Report report{.seeds = 1, .calls = 10, .met = {{"p", 2}}, .more = {}, .findings = {}};
+  report.findings = {{.property = "p", .seed = seed, .how = how, .command = {}}};
+  return report;
 }
 
-TEST(Properties, HaveNamesOfTheirOwnAndASentence) {
-  std::vector<std::string_view> names;
-  for (const palsim::PropertyRow& row : palsim::Properties()) {
-    EXPECT_EQ(&palsim::FindProperty(row.name), &row);
-    EXPECT_TRUE(row.sentence.ends_with('.')) << row.name;
-    EXPECT_EQ(std::ranges::count(names, row.name), 0) << row.name;
-    names.push_back(row.name);
-  }
-  EXPECT_THROW(static_cast<void>(palsim::FindProperty("no-such")), palsim::UsageError);
+TEST(Report, AddsUpAndKeepsTheFirstFindingsOfAProperty) {
+  Report report = Found(1, "so");
+  report.Add(Found(2, "so"));
+  report.Add(Found(3, "otherwise"));
+  report.Add(Found(4, "otherwise again"));
+  report.Add(Found(5, "and again"));
+  EXPECT_EQ(report.seeds, 5U);
+  EXPECT_EQ(report.calls, 50U);
+  EXPECT_EQ(report.met.at("p"), 10U);
+  ASSERT_EQ(report.findings.size(), 3U);
+  EXPECT_EQ(report.findings[1].seed, 3U);
+  EXPECT_EQ(report.more.at("p"), 2U);
 }
 
 }  // namespace

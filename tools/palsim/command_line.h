@@ -87,7 +87,6 @@ class CommandLine {
   FactsOptions facts_;
   ServeOptions serve_;
   ExploreOptions explore_;
-  std::string faults_ = "rare";
   std::vector<std::string> merged_;
   int status_ = kSuccess;
 };

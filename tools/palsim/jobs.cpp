@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -56,9 +57,11 @@ void WriteAll(int file, std::string_view bytes) {
   }
 }
 
-// The child process. It ends without what the parent would do at its own end.
-[[noreturn]] void Work(int pipe, unsigned most_seconds, std::size_t index,
+// The child process. It ends without what the parent would do at its own end, and with the parent.
+[[noreturn]] void Work(int pipe, pid_t parent, unsigned most_seconds, std::size_t index,
                        const std::function<std::string(std::size_t)>& work) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(kThrew);
   alarm(most_seconds);
   int status = 0;
   std::string answer;
@@ -81,9 +84,10 @@ Worker Start(const JobPlan& plan, std::size_t index,
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) FailToStart();
   Worker worker{.index = index, .pipe = ends[0], .start = Clock::now(), .answer = {}};
+  const pid_t parent = getpid();
   worker.process = fork();
   if (worker.process < 0) FailToStart();
-  if (worker.process == 0) Work(ends[1], plan.most_seconds, index, work);
+  if (worker.process == 0) Work(ends[1], parent, plan.most_seconds, index, work);
   close(ends[1]);
   return worker;
 }
@@ -115,10 +119,19 @@ JobEnd EndOf(Worker& worker, unsigned most_seconds) {
           .seconds = seconds};
 }
 
-void WaitForAny(const std::vector<Worker>& workers, std::vector<pollfd>& polled) {
+// Of each worker, and behind them of `stop`.
+void WaitForAny(const std::vector<Worker>& workers, int stop, std::vector<pollfd>& polled) {
   polled.clear();
   for (const Worker& worker : workers) polled.push_back({worker.pipe, POLLIN, 0});
+  polled.push_back({stop, POLLIN, 0});
   while (poll(polled.data(), polled.size(), -1) < 0 && errno == EINTR) {
+  }
+}
+
+void KillAll(std::vector<Worker>& workers) {
+  for (Worker& worker : workers) {
+    kill(worker.process, SIGKILL);
+    static_cast<void>(EndOf(worker, 0));
   }
 }
 
@@ -147,15 +160,23 @@ unsigned ProcessorCount() {
   return std::max(1U, std::thread::hardware_concurrency());
 }
 
-void RunJobs(const JobPlan& plan, const std::function<std::string(std::size_t)>& work,
+bool RunJobs(const JobPlan& plan, const std::function<std::optional<std::size_t>()>& next,
+             const std::function<std::string(std::size_t)>& work,
              const std::function<void(std::size_t, const JobEnd&)>& on_end) {
   std::vector<Worker> workers;
   std::vector<pollfd> polled;
-  for (std::size_t next = 0; next < plan.count || !workers.empty();) {
-    while (next < plan.count && workers.size() < plan.at_once) {
-      workers.push_back(Start(plan, next++, work));
+  for (;;) {
+    while (workers.size() < plan.at_once) {
+      const std::optional<std::size_t> index = next();
+      if (!index) break;
+      workers.push_back(Start(plan, *index, work));
     }
-    WaitForAny(workers, polled);
+    if (workers.empty()) return true;
+    WaitForAny(workers, plan.stop, polled);
+    if (polled.back().revents != 0) {
+      KillAll(workers);
+      return false;
+    }
     for (std::size_t at = workers.size(); at-- > 0;) {
       Worker& worker = workers[at];
       if (polled[at].revents == 0 || ReadFrom(worker)) continue;
@@ -163,6 +184,16 @@ void RunJobs(const JobPlan& plan, const std::function<std::string(std::size_t)>&
       workers.erase(workers.begin() + static_cast<std::ptrdiff_t>(at));
     }
   }
+}
+
+void RunJobs(const JobPlan& plan, const std::function<std::string(std::size_t)>& work,
+             const std::function<void(std::size_t, const JobEnd&)>& on_end) {
+  std::size_t begun = 0;
+  const auto next = [&]() -> std::optional<std::size_t> {
+    if (begun == plan.count) return std::nullopt;
+    return begun++;
+  };
+  RunJobs(plan, next, work, on_end);
 }
 
 }  // namespace palsim

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,7 @@ struct JobPlan {
   std::size_t count = 0;
   unsigned at_once = 1;
   unsigned most_seconds = 60;  // a job that takes longer is ended
+  int stop = -1;               // a descriptor: as soon as it can be read, all jobs are ended
 };
 
 struct JobEnd {
@@ -43,9 +45,15 @@ struct JobEnd {
 };
 
 // Runs `work` for the numbers from 0 to count - 1, each in a child process, and tells `on_end` of
-// each as it ends, in any order. The caller has no other threads. Throws std::system_error where
-// the host gives no process.
+// each as it ends, in any order. The children end with the caller, which has no other threads.
+// Throws std::system_error where the host gives no process.
 void RunJobs(const JobPlan& plan, const std::function<std::string(std::size_t index)>& work,
+             const std::function<void(std::size_t index, const JobEnd& end)>& on_end);
+
+// The same for the numbers that `next` gives: it is asked whenever there is room for a job, and
+// gives nothing where none is to begin now. False where `stop` has ended them.
+bool RunJobs(const JobPlan& plan, const std::function<std::optional<std::size_t>()>& next,
+             const std::function<std::string(std::size_t index)>& work,
              const std::function<void(std::size_t index, const JobEnd& end)>& on_end);
 
 }  // namespace palsim

@@ -69,7 +69,6 @@ void CommandLine::AddServe() {
 void CommandLine::AddExplore() {
   auto* command = AddAlone("explore", "Search for runs in which a property does not hold", [this] {
     if (!merged_.empty()) return MergeReports(merged_, explore_.out);
-    explore_.world.faults = ParseFaultRate(faults_);
     return Explore(explore_);
   });
   command->add_option("--device", explore_.world.device,
@@ -86,11 +85,17 @@ void CommandLine::AddExplore() {
       ->capture_default_str();
   command->add_option("--shard", explore_.shard, "The part I of N of the seeds")
       ->capture_default_str();
-  command->add_option("--for", explore_.time, "How long, such as 90s, 5m or 2h");
-  command->add_option("--faults", faults_, "How often: none, rare or often")->capture_default_str();
+  constexpr std::uint32_t kYear = 365 * 24 * 60 * 60;
+  const std::map<std::string, std::uint32_t> units{{"s", 1}, {"m", 60}, {"h", 3600}};
+  command->add_option("--for", explore_.seconds, "How long, such as 90s, 5m or 2h")
+      ->transform(CLI::AsNumberWithUnit(units).description("TIME"))
+      ->check(CLI::Range(1U, kYear).description(""));
+  command->add_option("--faults", explore_.world.faults, "How often: none, rare or often")
+      ->check(CLI::IsMember({"none", "rare", "often"}).description(""))
+      ->capture_default_str();
   command->add_option("--program", explore_.world.program,
                       "A shared library that takes part as a process");
-  command->add_option("--out", explore_.out, "A folder for findings and report");
+  command->add_option("--out", explore_.out, "A new folder for findings and report");
   command->add_option("--merge", merged_, "Add up the reports in these folders instead");
 }
 

@@ -19,16 +19,6 @@
 namespace palsim {
 namespace {
 
-// A word as a shell reads it back.
-std::string Quoted(const std::string& word) {
-  constexpr std::string_view kPlain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=@%+,-";
-  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
-  std::string quoted = "'";
-  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-  return quoted + "'";
-}
-
 std::string CommandToRepeat(const TestCase& test, const std::string& program) {
   std::string command = fmt::format("{} /tmp/again run {} --new --sample {}", Quoted(program),
                                     Quoted(test.file), Quoted(test.device));

@@ -8,11 +8,13 @@
 
 namespace sim {
 
-// As std::thread. `body` must not throw.
+// As std::jthread: its destruction waits for the end of `body`, which must not throw.
 class HostThread {
  public:
   HostThread() = default;
   explicit HostThread(std::function<void()> body);
+  HostThread(HostThread&&) = default;
+  HostThread& operator=(HostThread&&) = default;
   // Waits until the body has ended. Does nothing where there is none, or where it was waited for.
   void Join();
 

@@ -3,17 +3,19 @@
 
 #include <fmt/format.h>
 #include <sched.h>
-#include <sys/mman.h>
+#include <sys/signalfd.h>
+#include <sys/times.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <deque>
 #include <filesystem>
-#include <span>
-#include <system_error>
 
 #include "tools/palsim/commands.h"
-#include "tools/palsim/explore/explore.h"
+#include "tools/palsim/device_lock.h"
+#include "tools/palsim/explore/report.h"
 #include "tools/palsim/jobs.h"
 #include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
@@ -26,91 +28,36 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kReportFile = "report.json";
+constexpr const char* kDeviceFolder = "device";
 
-// "90", "90s", "5m", "2h".
-std::chrono::seconds ParseDuration(const std::string& text) {
-  struct Unit {
-    char letter;
-    unsigned seconds;
-  };
-  constexpr Unit kUnits[] = {{'s', 1}, {'m', 60}, {'h', 3600}};
-  std::size_t digits = 0;
-  unsigned long number = 0;
-  try {
-    number = std::stoul(text, &digits);
-  } catch (const std::exception&) {
-    digits = 0;
+// From here on these signals do not end the process. The descriptor can be read when one has come.
+int HoldSignals() {
+  sigset_t held;
+  sigemptyset(&held);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction now {};
+    const bool is_ignored = sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
+    if (!is_ignored) sigaddset(&held, signal);  // 'nohup' ignores one
   }
-  constexpr unsigned long kMost = 1000000;
-  if (digits > 0 && number > 0 && number < kMost) {
-    if (digits == text.size()) return std::chrono::seconds(number);
-    for (const Unit& unit : kUnits) {
-      if (text.substr(digits) == std::string{unit.letter}) {
-        return std::chrono::seconds(number * unit.seconds);
-      }
-    }
-  }
-  throw UsageError(fmt::format("'{}' is no time; write 90s, 5m or 2h", text));
-}
-
-// The seeds of one job: every `step`th from the first one on, up to the last or until the time is
-// over.
-struct Seeds {
-  std::uint64_t next;
-  std::uint64_t last;
-  std::uint64_t step;
-  std::optional<Clock::time_point> end;
-
-  bool Take(std::uint64_t& seed) {
-    if (next > last || (end && Clock::now() >= *end)) return false;
-    seed = next;
-    next += step;
-    return true;
-  }
-};
-
-// The seed that each job plays, which the parent process sees too: also of a job that crashes.
-class SeedsUnderWay {
- public:
-  explicit SeedsUnderWay(std::size_t jobs) : bytes_(jobs * sizeof(std::uint64_t)) {
-    void* const shared =
-        mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (shared == MAP_FAILED) throw std::system_error(errno, std::generic_category(), "mmap");
-    seeds_ = {static_cast<std::uint64_t*>(shared), jobs};
-  }
-  ~SeedsUnderWay() { munmap(seeds_.data(), bytes_); }
-  SeedsUnderWay(const SeedsUnderWay&) = delete;
-  SeedsUnderWay& operator=(const SeedsUnderWay&) = delete;
-  std::uint64_t& operator[](std::size_t job) const { return seeds_[job]; }
-
- private:
-  std::size_t bytes_;
-  std::span<std::uint64_t> seeds_;
-};
-
-// A world that crashes, or does not come to its end, takes its job with it.
-Finding LostWorld(std::uint64_t seed, const std::string& error, const WorldOptions& options) {
-  return {.property = "worlds-end",
-          .seed = seed,
-          .how = error,
-          .command = CommandOf(seed, options),
-          .scenario = {},
-          .lines = {}};
+  sigprocmask(SIG_BLOCK, &held, nullptr);
+  return signalfd(-1, &held, SFD_CLOEXEC);
 }
 
 // Threads of a device take turns: on one processor they do so without waking another one.
-void StayOnOneProcessor(std::size_t job) {
-  cpu_set_t allowed;
-  if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0) return;
-  std::size_t wanted = job % static_cast<std::size_t>(CPU_COUNT(&allowed));
-  for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
-    if (!CPU_ISSET(processor, &allowed) || wanted-- > 0) continue;
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    CPU_SET(processor, &one);
-    static_cast<void>(sched_setaffinity(0, sizeof(one), &one));
-    return;
-  }
+void StayOnThisProcessor() {
+  cpu_set_t own;
+  CPU_ZERO(&own);
+  CPU_SET(sched_getcpu(), &own);
+  static_cast<void>(sched_setaffinity(0, sizeof(own), &own));
+}
+
+// The folder of a search, which nobody else writes meanwhile. Nothing in it is written over.
+std::optional<sim::FolderLock> TakeFolder(const std::string& folder) {
+  if (folder.empty()) return std::nullopt;
+  fs::create_directories(folder);
+  std::optional<sim::FolderLock> lock = LockFolder(folder, Use::kChange);
+  if (fs::is_empty(folder)) return lock;
+  throw UsageError(folder + " is not empty; findings and report need a folder of their own");
 }
 
 void Write(const fs::path& folder, const Report& report) {
@@ -123,60 +70,194 @@ void Write(const fs::path& folder, const Report& report) {
 }
 
 int Show(const Report& report, const std::string& folder) {
-  if (!folder.empty()) {
-    fs::create_directories(folder);
-    Write(folder, report);
-  }
-  fmt::print("{}", tools::Printable(ReportText(report)));
+  tools::PrintAtOnce(tools::Printable(ReportText(report)));
+  if (!folder.empty()) Write(folder, report);
   return report.findings.empty() ? kSuccess : kFailure;
+}
+
+// What one job does: it plays worlds, or makes the world of a finding small.
+struct Part {
+  std::uint64_t first = 0;  // the number of a world, from 0
+  std::uint64_t count = 0;
+  std::optional<std::size_t> finding{};
+};
+
+class Search {
+ public:
+  // Throws UsageError.
+  explicit Search(const ExploreOptions& options)
+      : options_(options),
+        shard_(ParseShard(options.shard)),
+        jobs_(options.jobs == 0 ? ProcessorCount() : options.jobs) {
+    const SeedRange range = ParseSeeds(options.seeds);
+    first_seed_ = range.first + shard_.number - 1;
+    if (first_seed_ <= range.last) worlds_ = (range.last - first_seed_) / shard_.count + 1;
+    if (options.seconds > 0 && options.seeds == kDefaultSeeds) worlds_ = UINT64_MAX;
+    constexpr std::uint64_t kSteps = 60'000;  // about a second
+    worlds_of_a_job_ =
+        std::clamp<std::uint64_t>(kSteps / options.world.steps, 1, worlds_ / jobs_ + 1);
+  }
+
+  // False where `stop` has ended it.
+  bool Run(int stop) {
+    if (options_.seconds > 0) end_ = Clock::now() + std::chrono::seconds(options_.seconds);
+    constexpr unsigned kMostSeconds = 300;
+    return RunJobs(
+        {.at_once = jobs_, .most_seconds = kMostSeconds, .stop = stop}, [&] { return Next(); },
+        [&](std::size_t job) { return Work(parts_[job]); },
+        [&](std::size_t job, const JobEnd& ended) { Ended(parts_[job], ended); });
+  }
+
+  // Also of what has ended before the worlds in front of it, where the search was ended.
+  Report TakeReport() {
+    for (const auto& [world, report] : ended_) report_.Add(report);
+    return std::move(report_);
+  }
+
+ private:
+  [[nodiscard]] std::uint64_t SeedOf(std::uint64_t world) const {
+    return first_seed_ + world * shard_.count;
+  }
+
+  std::optional<std::size_t> Next() {
+    if (waiting_.empty()) {
+      if (begun_ == worlds_ || (end_ && Clock::now() >= *end_)) return std::nullopt;
+      waiting_.push_back({begun_, std::min(worlds_of_a_job_, worlds_ - begun_)});
+      begun_ += waiting_.back().count;
+    }
+    parts_.push_back(waiting_.front());
+    waiting_.pop_front();
+    return parts_.size() - 1;
+  }
+
+  // In a process of its own.
+  [[nodiscard]] std::string Work(const Part& part) const {
+    StayOnThisProcessor();
+    Report report;
+    if (part.finding) {
+      report.findings = {MakeSmall(report_.findings[*part.finding], options_.world)};
+    }
+    for (std::uint64_t world = part.first; world < part.first + part.count; ++world) {
+      report.Add(PlaySeed(SeedOf(world), options_.world));
+    }
+    return ReportJson(report);
+  }
+
+  void Ended(const Part& part, const JobEnd& ended) {
+    if (part.finding) return KeepSmall(report_.findings[*part.finding], ended);
+    if (!ended.error.empty() && part.count > 1) return PlayEachAlone(part);
+    ended_[part.first] = ended.error.empty() ? ParseReport("a job's answer", ended.answer)
+                                             : LostWorld(SeedOf(part.first), ended.error);
+    AddUp();
+  }
+
+  // A job was lost with what it had found: the world that it was lost in shows itself.
+  void PlayEachAlone(const Part& part) {
+    for (std::uint64_t at = 0; at < part.count; ++at) waiting_.push_back({part.first + at, 1});
+  }
+
+  [[nodiscard]] Report LostWorld(std::uint64_t seed, const std::string& error) const {
+    Report report{.seeds = 1, .met = {}, .more = {}, .findings = {}};
+    report.findings = {{.property = std::string(kWorldsEnd),
+                        .seed = seed,
+                        .how = error,
+                        .command = CommandOf(seed, options_.world)}};
+    return report;
+  }
+
+  // In the order of the seeds, whatever job has ended first: so the report is always the same.
+  void AddUp() {
+    for (auto next = ended_.begin(); next != ended_.end() && next->first == report_.seeds;) {
+      const std::size_t known = report_.findings.size();
+      report_.Add(next->second);
+      for (std::size_t at = known; at < report_.findings.size(); ++at) {
+        if (report_.findings[at].property != kWorldsEnd) waiting_.push_back({.finding = at});
+      }
+      next = ended_.erase(next);
+    }
+  }
+
+  void KeepSmall(Finding& finding, const JobEnd& ended) {
+    if (!ended.error.empty()) {
+      finding.lines = {fmt::format("(its world could not be made small: {})", ended.error)};
+      return;
+    }
+    finding = ParseReport("a job's answer", ended.answer).findings.at(0);
+    try {
+      if (!options_.out.empty()) Write(options_.out, report_);
+    } catch (const std::exception&) {
+      // the end of the search writes it again, and says what is wrong then
+    }
+  }
+
+  const ExploreOptions& options_;
+  Shard shard_;
+  unsigned jobs_;
+  std::uint64_t first_seed_ = 0;
+  std::uint64_t worlds_ = 0;  // to be played, each with a number from 0
+  std::uint64_t worlds_of_a_job_ = 1;
+  std::uint64_t begun_ = 0;
+  std::optional<Clock::time_point> end_;
+  std::deque<Part> waiting_;
+  std::vector<Part> parts_;                // by job
+  std::map<std::uint64_t, Report> ended_;  // by the first world; not in the report yet
+  Report report_;
+};
+
+// What cannot be read, or is in the way, is said before the first world.
+std::optional<sim::FolderLock> Prepare(const ExploreOptions& options) {
+  ReadSamples(options.world);
+  if (!options.world.program.empty()) static_cast<void>(LoadProgram(options.world.program));
+  std::optional<sim::FolderLock> lock = TakeFolder(options.out);
+  const fs::path device = options.world.device;
+  if (lock && fs::exists(device / "device.toml")) {
+    fs::copy(device, fs::path(options.out) / kDeviceFolder, fs::copy_options::recursive);
+  }
+  return lock;
+}
+
+void PrintRate(std::uint64_t calls) {
+  tms used{};
+  times(&used);
+  const auto ticks = static_cast<double>(used.tms_cutime + used.tms_cstime);
+  const double seconds = ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
+  tools::PrintError("{:.1f} s of processors, {:.0f} calls a second\n", seconds,
+                    seconds > 0 ? static_cast<double>(calls) / seconds : 0.0);
 }
 
 }  // namespace
 
 int Explore(const ExploreOptions& options) {
-  const Shard shard = ParseShard(options.shard);
-  const SeedRange range = ParseSeeds(options.seeds);
-  const unsigned jobs = options.jobs == 0 ? ProcessorCount() : options.jobs;
-  const std::uint64_t step = std::uint64_t{jobs} * shard.count;
-  std::optional<Clock::time_point> end;
-  if (!options.time.empty()) end = Clock::now() + ParseDuration(options.time);
-  const std::uint64_t last = end && options.seeds == kDefaultSeeds ? UINT64_MAX - step : range.last;
-  // What cannot be read is said at once.
-  static_cast<void>(MakeWorld(range.first, options.world));
-  if (!options.world.program.empty()) static_cast<void>(LoadProgram(options.world.program));
-
-  Report report;
-  const SeedsUnderWay under_way(jobs);
-  constexpr unsigned kAWeek = 7 * 24 * 60 * 60;
-  constexpr unsigned kMostSecondsOfASeed = 300;
-  RunJobs(
-      {.count = jobs, .at_once = jobs, .most_seconds = kAWeek},
-      [&](std::size_t job) {
-        StayOnOneProcessor(job + static_cast<std::size_t>(getppid()));
-        Seeds seeds{.next = range.first + shard.number - 1 + job * shard.count,
-                    .last = last,
-                    .step = step,
-                    .end = end};
-        return ReportJson(ExploreSeeds(options.world, [&](std::uint64_t& seed) {
-          const bool goes_on = seeds.Take(seed);
-          if (goes_on) under_way[job] = seed;
-          alarm(goes_on ? kMostSecondsOfASeed : 0);
-          return goes_on;
-        }));
-      },
-      [&](std::size_t job, const JobEnd& ended) {
-        if (ended.error.empty()) return report.Add(ParseReport("a job's answer", ended.answer));
-        report.Add(LostWorld(under_way[job], ended.error, options.world));
-      });
-  return Show(report, options.out);
+  Search search(options);
+  const int stop = HoldSignals();
+  const auto lock = Prepare(options);
+  std::string ended_by;
+  try {
+    if (!search.Run(stop)) ended_by = "a signal";
+  } catch (const std::exception& error) {
+    ended_by = error.what();
+  }
+  const Report report = search.TakeReport();
+  PrintRate(report.calls);
+  const int status = Show(report, options.out);
+  if (ended_by.empty()) return status;
+  tools::PrintError("palsim: the search was ended by {}\n", tools::Printable(ended_by));
+  return kFailure;
 }
 
 int MergeReports(const std::vector<std::string>& folders, const std::string& out) {
   Report report;
+  std::vector<fs::path> added;
   for (const std::string& folder : folders) {
     const std::string file = fs::path(folder) / kReportFile;
     report.Add(ParseReport(file, tools::ReadInput(file)));
+    added.push_back(fs::canonical(folder));
+    if (std::ranges::count(added, added.back()) > 1) {
+      throw UsageError(folder + " is given twice");
+    }
   }
+  std::ranges::stable_sort(report.findings, {}, &Finding::seed);
+  const auto lock = TakeFolder(out);
   return Show(report, out);
 }
 

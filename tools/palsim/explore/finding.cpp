@@ -3,28 +3,34 @@
 #include <fmt/format.h>
 
 #include "platform/sim/journal.h"
+#include "tools/palsim/commands.h"
 #include "tools/palsim/explore/shrink.h"
 #include "tools/palsim/scenario/stage.h"
 
 namespace palsim {
 namespace {
 
-std::string ScenarioText(const World& world, const Finding& finding, const Violation& violation,
+std::string ScenarioText(const Sample& sample, const Finding& finding, const std::string& checked,
                          const Moves& moves) {
-  std::string text = fmt::format("title  {}\nabout  {}\nabout  Found by: {}\n", violation.property,
-                                 violation.sentence, finding.command);
-  if (world.sample->folder.empty()) text += fmt::format("device {}\n", world.sample->name);
-  text += fmt::format("\ncheck property {}\n", violation.property);
+  std::string text = fmt::format("title  {}\nabout  {}\nabout  Found by: {}\n", finding.property,
+                                 FindProperty(finding.property).sentence, finding.command);
+  text += !sample.name.empty()
+              ? fmt::format("device {}\n", sample.name)
+              : "about  Its device stands beside it: run it with --new --sample device\n";
+  text += fmt::format("\ncheck {}\n", checked);
   for (const Move& move : moves) text += move.Text() + '\n';
+  for (const Move& move : moves) {
+    if (!move.as.empty()) text += fmt::format("wait for {}\n", move.as);
+  }
   return text;
 }
 
-// The end of the journal, up to where the property did not hold.
-std::vector<std::string> LastLines(const World& world, const std::string& scenario) {
+// The end of the journal, up to where the property did not hold. Empty where it held.
+std::vector<std::string> LastLines(const Sample& sample, const std::string& scenario) {
   constexpr std::size_t kMost = 10;
   sim::Device device;
-  device.CopyFrom(world.sample->device);
-  device.StartServicesOf(world.sample->device);
+  device.CopyFrom(sample.device);
+  device.StartServicesOf(sample.device);
   const auto& entries = device.journal().entries();
   std::size_t end = 0;
   Stage stage(device, [&](const std::string&) {
@@ -42,29 +48,29 @@ std::vector<std::string> LastLines(const World& world, const std::string& scenar
 
 std::string CommandOf(std::uint64_t seed, const WorldOptions& options) {
   std::string command = fmt::format("palsim explore --seeds {}", seed);
-  if (!options.device.empty()) command += " --device " + options.device;
-  if (!options.program.empty()) command += " --program " + options.program;
+  if (!options.device.empty()) command += " --device " + Quoted(options.device);
+  if (!options.program.empty()) command += " --program " + Quoted(options.program);
   return command + fmt::format(" --steps {} --processes {} --faults {}", options.steps,
-                               options.processes, FaultRateText(options.faults));
+                               options.processes, options.faults);
 }
 
-Finding MakeFinding(const World& world, const Played& played, std::uint64_t seed,
-                    const WorldOptions& options) {
-  const PropertyRow& row = FindProperty(played.violation->property);
+Finding MakeSmall(Finding finding, const WorldOptions& options) {
+  const World world = MakeWorld(finding.seed, options);
+  const Sample& sample = *world.sample;
+  const PropertyRow& row = FindProperty(finding.property);
+  std::span<const PropertyRow> rows(&row, 1);
   const auto violates = [&](const Moves& moves) {
-    return Play(*world.sample, moves, {&row, 1}).violation.has_value();
+    const Played played = Play(sample, moves, rows);
+    return played.violation && played.violation->property == row.name;
   };
-  // The moves that were played are the whole of it, but for those of a property that others help.
-  Moves moves = violates(played.moves) ? Shrink(played.moves, violates) : played.moves;
-  const Played last = Play(*world.sample, moves, {&row, 1});
-  Finding finding{.property = std::string(row.name),
-                  .seed = seed,
-                  .how = last.violation ? last.violation->how : played.violation->how,
-                  .command = CommandOf(seed, options),
-                  .scenario = {},
-                  .lines = {}};
-  finding.scenario = ScenarioText(world, finding, *played.violation, last.moves);
-  finding.lines = LastLines(world, finding.scenario);
+  const Moves played = Play(sample, world.moves, Properties()).moves;
+  const bool is_alone = violates(played);
+  if (!is_alone) rows = Properties();  // others help it, by what they ask the device
+  const Played small = Play(sample, Shrink(played, violates), rows);
+  finding.scenario = ScenarioText(
+      sample, finding, is_alone ? fmt::format("property {}", row.name) : "properties", small.moves);
+  finding.lines = LastLines(sample, finding.scenario);
+  if (finding.lines.empty()) finding.lines = {"(the scenario does not show it again)"};
   return finding;
 }
 

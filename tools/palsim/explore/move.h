@@ -17,7 +17,7 @@ struct Move {
   std::string process;  // of a call, or of a statement about a process; empty: the device
   std::string text;     // the export's name; or the whole statement
   std::vector<std::string> arguments{};
-  std::string as{};  // of a call that is begun
+  std::string as{};  // of a call or a program's run that is begun
 
   // As it stands in a scenario.
   [[nodiscard]] std::string Text() const;

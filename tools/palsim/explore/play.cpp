@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <map>
 
 #include "platform/sim/kernel/kernel.h"
@@ -82,12 +81,8 @@ class Player {
   void PlayMove(const Move& move) {
     ForgetEndedCalls();
     if (move.kind == Move::Kind::kStatement) return PlayStatement(move);
-    if (!stage_.Lives(move.process)) {
-      start_ = {.process = move.process, .text = move.process + " starts"};
-      PlayStatement(start_);
-    }
-    if (IsViolated() || !stage_.Lives(move.process) || !MayCall(move)) return;
-    Took(move);
+    if (!HasProcess(move) || !MayCall(move)) return;
+    played_.moves.push_back(move);
     if (move.kind == Move::Kind::kBegin) {
       running_[move.as] = {move.process, TurnOf(move.text)};
       stage_.Begin(move.process, move.text, move.arguments, move.as);
@@ -95,6 +90,14 @@ class Player {
       stage_.Call(move.process, move.text, move.arguments);
     }
     stage_.watch()->StatementEnds();
+  }
+
+  // Starts it where none lives.
+  bool HasProcess(const Move& move) {
+    if (!stage_.Lives(move.process)) {
+      PlayStatement({.process = move.process, .text = move.process + " starts"});
+    }
+    return !IsViolated() && stage_.Lives(move.process);
   }
 
   void ForgetEndedCalls() {
@@ -118,49 +121,35 @@ class Player {
 
   // A process may not start while the keypad is changed, which it looks at.
   [[nodiscard]] bool MayPlay(const Move& move) const {
-    const bool starts = move.text.ends_with(" starts");
-    const bool ends = move.text.ends_with(" ends") || move.text.ends_with(" killed");
-    if (starts) {
+    if (move.text.ends_with(" starts")) {
       return std::ranges::none_of(
           running_, [](const auto& call) { return call.second.turn == Turn::kDevice; });
     }
-    if (!ends) return true;
     const bool kills = move.text.ends_with(" killed");
+    if (!kills && !move.text.ends_with(" ends")) return true;
     return stage_.Lives(move.process) && (kills || !stage_.RunsCallOf(move.process));
   }
 
   // A program of one's own makes one run after the other.
-  bool PrepareProgram(const Move& move) {
-    if (!stage_.Lives(move.process)) {
-      start_ = {.process = move.process, .text = move.process + " starts"};
-      PlayStatement(start_);
-    }
-    return stage_.Lives(move.process) && !stage_.RunsCallOf(move.process);
+  bool MayRunProgram(const Move& move) {
+    return HasProcess(move) && !stage_.RunsCallOf(move.process);
   }
 
   void PlayStatement(const Move& move) {
-    if (move.text.starts_with("program runs ") && !PrepareProgram(move)) return;
+    if (move.text.starts_with("program runs ") && !MayRunProgram(move)) return;
     if (!move.process.empty() && !MayPlay(move)) return;
     try {
       Scenario scenario = ParseScenario("a move", move.text);
       for (const Statement& statement : scenario.statements) stage_.PlayStatement(statement);
-      Took(move);
+      played_.moves.push_back(move);
     } catch (const UsageError&) {
       // as things stand there is nothing to delete, to signal or to remove
     }
     if (move.text.ends_with(" killed")) ++played_.kills;
   }
 
-  // The moves live as long as the player, but for a start that a move needed.
-  void Took(const Move& move) {
-    taken_.push_back(&move == &start_ ? &starts_.emplace_back(start_) : &move);
-  }
-
   Played Result() {
     played_.violation = stage_.watch()->violation();
-    if (played_.violation) {
-      for (const Move* move : taken_) played_.moves.push_back(*move);
-    }
     played_.met = stage_.watch()->met();
     played_.calls = stage_.watch()->calls();
     played_.faults = device_.kernel().faults.due();
@@ -178,9 +167,6 @@ class Player {
   sim::Device device_;
   Stage stage_;
   std::map<std::string, Running> running_;
-  Move start_;
-  std::deque<Move> starts_;
-  std::vector<const Move*> taken_;
   Played played_;
 };
 

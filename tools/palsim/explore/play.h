@@ -13,8 +13,7 @@
 namespace palsim {
 
 struct Played {
-  // Of a violation: the moves that could be played, with the starts that they needed.
-  Moves moves;
+  Moves moves;  // that could be played, with the starts that they needed
   std::optional<Violation> violation;
   std::vector<std::uint64_t> met;  // of each property
   std::uint64_t calls = 0;

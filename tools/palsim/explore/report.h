@@ -1,8 +1,7 @@
-// What an exploration came to. Reports of several machines are added up.
+// What an exploration came to. The reports of jobs and of machines are added up.
 #ifndef TOOLS_PALSIM_EXPLORE_REPORT_H_
 #define TOOLS_PALSIM_EXPLORE_REPORT_H_
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -19,27 +18,17 @@ struct Report {
   std::uint64_t faults = 0;
   std::uint64_t kills = 0;
   std::uint64_t restarts = 0;
-  std::uint64_t time_ms = 0;                 // of the devices
-  double seconds = 0;                        // of processors
-  std::map<std::string, std::uint64_t> met;  // by property
-  std::vector<Finding> findings;             // one for each property and what it says
+  std::uint64_t time_ms = 0;                  // of the devices
+  std::map<std::string, std::uint64_t> met;   // by property
+  std::map<std::string, std::uint64_t> more;  // findings that were left out, by property
+  std::vector<Finding> findings;              // the first of each property, with what they say
 
-  // One more seed.
-  void Add(const Played& played);
-  void Add(Finding finding);
-  // What another one found. A finding that is there already is left out.
-  void Add(const Report& other);
+  // What later seeds came to.
+  void Add(const Report& later);
 };
 
-struct ReportCount {
-  const char* name;
-  std::uint64_t Report::*count;
-};
-inline constexpr std::array kReportCounts{
-    ReportCount{"seeds", &Report::seeds},       ReportCount{"calls", &Report::calls},
-    ReportCount{"faults", &Report::faults},     ReportCount{"kills", &Report::kills},
-    ReportCount{"restarts", &Report::restarts}, ReportCount{"time_ms", &Report::time_ms},
-};
+// A violation in it is not made small.
+[[nodiscard]] Report PlaySeed(std::uint64_t seed, const WorldOptions& options);
 
 [[nodiscard]] std::string ReportJson(const Report& report);
 // Throws UsageError, with the name, for a text that is no report.

@@ -9,11 +9,15 @@ namespace {
 
 using IsViolated = std::function<bool(const Moves& moves)>;
 
-void LeaveOutProcesses(Moves& moves, const IsViolated& is_violated) {
+std::set<std::string> ProcessesOf(const Moves& moves) {
   std::set<std::string> processes;
   for (const Move& move : moves) processes.insert(move.process);
   processes.erase("");
-  for (const std::string& process : processes) {
+  return processes;
+}
+
+void LeaveOutProcesses(Moves& moves, const IsViolated& is_violated) {
+  for (const std::string& process : ProcessesOf(moves)) {
     Moves without = moves;
     std::erase_if(without, [&](const Move& move) { return move.process == process; });
     if (is_violated(without)) moves = std::move(without);
@@ -22,9 +26,7 @@ void LeaveOutProcesses(Moves& moves, const IsViolated& is_violated) {
 
 // One process does what several did.
 void JoinProcesses(Moves& moves, const IsViolated& is_violated) {
-  std::set<std::string> processes;
-  for (const Move& move : moves) processes.insert(move.process);
-  processes.erase("");
+  const std::set<std::string> processes = ProcessesOf(moves);
   if (processes.size() < 2) return;
   const std::string& one = *processes.begin();
   Moves joined = moves;

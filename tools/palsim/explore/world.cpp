@@ -18,22 +18,25 @@
 namespace palsim {
 namespace {
 
-constexpr std::array<std::string_view, 3> kRates{"none", "rare", "often"};
-
 // Read at its first use.
 const Sample& SampleOf(const std::string& device) {
   static std::map<std::string, std::unique_ptr<Sample>> samples;
   std::unique_ptr<Sample>& sample = samples[device];
   if (sample != nullptr) return *sample;
-  const bool is_folder = std::filesystem::exists(std::filesystem::path(device) / "device.toml");
   auto made = std::make_unique<Sample>();
   made->device.journal().set_keeps_entries(false);
-  const auto identity = sim::LoadDevice(
-      made->device, is_folder ? std::filesystem::path(device) : SampleFolder(device));
-  made->name = identity.name;
-  if (is_folder) made->folder = device;
+  const std::filesystem::path folder = FolderOf(device);
+  const std::string name = sim::LoadDevice(made->device, folder).name;
+  if (folder != device) made->name = name;
   sample = std::move(made);
   return *sample;
+}
+
+std::vector<std::string> DevicesOf(const WorldOptions& options) {
+  if (!options.device.empty()) return {options.device};
+  static const std::vector<std::string> names = SampleNames();
+  if (names.empty()) static_cast<void>(SampleFolder({}));  // which says what is missing
+  return names;
 }
 
 constexpr auto kProcessNames = std::to_array<std::string_view>(
@@ -71,11 +74,9 @@ std::vector<std::string_view> WeightedExports() {
 class Maker {
  public:
   Maker(std::uint64_t seed, const WorldOptions& options)
-      : choices_(seed), options_(options), sample_(ChooseSample()) {}
+      : choices_(seed), options_(options), sample_(SampleOf(choices_.Of(DevicesOf(options)))) {}
 
   World Make() {
-    constexpr std::size_t kMostMovesAStep = 3;
-    moves_.reserve(kMostMovesAStep * options_.steps);
     ChooseCharacter();
     for (std::size_t left = variations_; left > 0; --left) {
       Say(ChooseVariation(choices_, Device()));
@@ -92,11 +93,6 @@ class Maker {
   }
 
  private:
-  const Sample& ChooseSample() {
-    if (!options_.device.empty()) return SampleOf(options_.device);
-    static const std::vector<std::string> names = SampleNames();
-    return SampleOf(choices_.Of(names));
-  }
   // Only looked at.
   sim::Device& Device() { return const_cast<Sample&>(sample_).device; }
 
@@ -138,8 +134,8 @@ class Maker {
   }
 
   bool IsFaultDue() {
-    if (options_.faults == FaultRate::kNone || faults_left_ > 0) return false;
-    return choices_.OneIn(options_.faults == FaultRate::kRare ? 50 : 8);
+    if (options_.faults == "none" || faults_left_ > 0) return false;
+    return choices_.OneIn(options_.faults == "rare" ? 50 : 8);
   }
 
   void ChooseTrouble() {
@@ -161,7 +157,9 @@ class Maker {
 
   void RunProgram() {
     if (choices_.OneIn(4)) return Say("program ends", "program");
-    Say(fmt::format("program runs {} as run{}", WordText(options_.program), ++begun_), "program");
+    const std::string as = fmt::format("run{}", ++begun_);
+    Say(fmt::format("program runs {} as {}", WordText(options_.program), as), "program");
+    moves_.back().as = as;
   }
 
   void Call() {
@@ -181,6 +179,7 @@ class Maker {
     if (faults_left_ > 0 && choices_.OneIn(2)) {
       moves_.push_back(Move(moves_.back()));
       moves_.back().kind = Move::Kind::kCall;
+      moves_.back().as.clear();
       moves_.back().process = choices_.Of(processes_);
     }
     if (choices_.OneIn(3)) AskBack(Move(moves_.back()));
@@ -225,14 +224,8 @@ class Maker {
 
 }  // namespace
 
-FaultRate ParseFaultRate(std::string_view word) {
-  const auto* const found = std::ranges::find(kRates, word);
-  if (found != kRates.end()) return static_cast<FaultRate>(found - kRates.begin());
-  throw UsageError(fmt::format("'{}' is not none, rare or often", word));
-}
-
-std::string_view FaultRateText(FaultRate rate) {
-  return kRates.at(static_cast<std::size_t>(rate));
+void ReadSamples(const WorldOptions& options) {
+  for (const std::string& device : DevicesOf(options)) static_cast<void>(SampleOf(device));
 }
 
 World MakeWorld(std::uint64_t seed, const WorldOptions& options) {
