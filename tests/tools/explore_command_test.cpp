@@ -1,4 +1,5 @@
 // palsim explore from the command line: programs with a fault, their scenarios, and reports.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "platform/sim/device_folder.h"
+#include "platform/sim/hardware/hardware.h"
 #include "tools/palsim/explore/report.h"
 #include "tools/palsim/explore/shrink.h"
 #include "tools/palsim/scenario/scenario.h"

@@ -1,4 +1,5 @@
 // A report as a file, in JSON.
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "tools/palsim/explore/report.h"
