@@ -54,17 +54,25 @@ TEST_F(Entry, EndsTheFamiliesInReverse) {
     return (event != device.kernel().events.end() && !event->second.expired()) ||
            (mutex != device.kernel().mutexes.end() && !mutex->second.expired());
   };
+  std::vector<bool> open;
+  device.journal().set_listener([&](const sim::JournalEntry& entry) {
+    if (!entry.text.ends_with(" killed")) return;
+    for (const std::string& name : closed) open.push_back(is_open(name));
+  });
   // Ended before each of its closes in turn, a process has closed those before it.
   for (std::size_t index = 0; index < closed.size(); ++index) {
     sim::Process process(device);
     device.PlanFault(
         {.call = "CloseHandle", .nth = static_cast<unsigned>(index + 1), .kill = true});
+    open.clear();
     EXPECT_THROW(process.End(), sim::ProcessKilled);
     device.ClearFaults();
+    ASSERT_EQ(open.size(), closed.size());
     for (std::size_t at = 0; at < closed.size(); ++at) {
-      EXPECT_EQ(is_open(closed[at]), at >= index) << closed[at] << " at close " << index;
+      EXPECT_EQ(open[at], at >= index) << closed[at] << " at close " << index;
     }
   }
+  device.journal().set_listener(nullptr);
   sim::Process process(device);
   device.journal().Clear();
   const unsigned closes = device.calls("CloseHandle");

@@ -143,15 +143,6 @@ IsWanted IsOfEffect(const std::string& name) {
 
 }  // namespace
 
-std::string Quoted(const std::string& word) {
-  constexpr std::string_view kPlain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=@%+,-";
-  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
-  std::string quoted = "'";
-  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-  return quoted + "'";
-}
-
 int ListSamples() {
   for (const std::string& name : SampleNames()) {
     sim::Device device;

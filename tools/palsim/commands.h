@@ -35,9 +35,6 @@ int NewDevice(const std::filesystem::path& folder, const NewOptions& options);
                                                Replace replace);
 int ListSamples();
 
-// A word as a shell reads it back.
-[[nodiscard]] std::string Quoted(const std::string& word);
-
 struct CallOptions {
   std::string name;
   std::vector<std::string> arguments;

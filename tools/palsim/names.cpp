@@ -104,4 +104,13 @@ std::string CategoryText(std::uint32_t category) {
                                                  : std::string(family->name));
 }
 
+std::string Quoted(const std::string& word) {
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=@%+,-";
+  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
+  std::string quoted = "'";
+  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
+  return quoted + "'";
+}
+
 }  // namespace palsim

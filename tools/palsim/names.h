@@ -1,4 +1,4 @@
-// Numbers of the library as a person reads them.
+// What a person reads and writes: numbers of the library by their names, and words for a shell.
 #ifndef TOOLS_PALSIM_NAMES_H_
 #define TOOLS_PALSIM_NAMES_H_
 
@@ -19,6 +19,9 @@ namespace palsim {
 [[nodiscard]] std::uint32_t ParseResult(const std::string& text);
 // "error keypad" for 0xC3ED0000.
 [[nodiscard]] std::string CategoryText(std::uint32_t category);
+
+// A word as a shell reads it back.
+[[nodiscard]] std::string Quoted(const std::string& word);
 
 }  // namespace palsim
 

@@ -9,6 +9,7 @@
 #include "tools/palsim/commands.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/jobs.h"
+#include "tools/palsim/names.h"
 #include "tools/palsim/samples.h"
 #include "tools/palsim/scenario/stage.h"
 #include "tools/palsim/test_plan.h"

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "platform/sim/journal.h"
-#include "tools/palsim/commands.h"
 #include "tools/palsim/explore/shrink.h"
+#include "tools/palsim/names.h"
 #include "tools/palsim/scenario/stage.h"
 
 namespace palsim {
