@@ -70,6 +70,9 @@ inside("""cd /tmp; cc -shared -fPIC -Wl,-z,defs -o packaged.so /usr/share/dvlorq
           $(pkg-config --cflags --libs dvlorqpal)""")
 for program in ("build/alarm.so", "packaged.so"):
     expect(inside(f"cd /tmp; palsim explore --program ./{program} --seeds 1-1 --jobs 1"), "\n0 findings")
+# The example of an application, with its tests on a simulated device.
+expect(inside("""cp -r /usr/share/dvlorqpal/examples/stockroom /tmp; cd /tmp/stockroom; cmake -B build . && cmake --build build;
+                 ctest --test-dir build"""), "100% tests passed")
 # Every header alone, in the oldest languages that it is for.
 inside("""for header in /usr/include/dvlorqpal/*.h; do
             gcc -std=c99 -pedantic-errors -Wall -Werror -fsyntax-only -x c "$header"

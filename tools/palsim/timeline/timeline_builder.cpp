@@ -144,9 +144,10 @@ class Builder {
       mutex.holds.push_back(hold);
       return;
     }
+    const bool is_abandoned = what == "abandoned";
     ForEachOpen(mutex, [&](HoldSpan& hold) {
       if (hold.process != entry.process_id) return;
-      hold.abandoned = what == "abandoned";
+      hold.abandoned = is_abandoned;
       Close(hold, entry.time_ms);
     });
   }
