@@ -64,7 +64,8 @@ for page in ("palsim", "dcecfg", "7 palsim-scenario"):
         sys.exit(f"man {page}: {said}")
 
 # Another project, which has the example of the package for a source.
-shutil.copy(HERE / "CMakeLists.txt", folder / "tmp")
+for name in ("CMakeLists.txt", "device_test.cpp"):
+    shutil.copy(HERE / name, folder / "tmp")
 inside("cd /tmp; cmake -B build -DSOURCE=/usr/share/dvlorqpal/examples/alarm.c . && cmake --build build")
 inside("""cd /tmp; cc -shared -fPIC -Wl,-z,defs -o packaged.so /usr/share/dvlorqpal/examples/alarm.c \
           $(pkg-config --cflags --libs dvlorqpal)""")
