@@ -15,7 +15,11 @@ namespace {
 sigset_t HeldSignals() {
   sigset_t held;
   sigemptyset(&held);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction now {};
+    const bool is_ignored = sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
+    if (!is_ignored) sigaddset(&held, signal);  // 'nohup' ignores one
+  }
   return held;
 }
 

@@ -1,5 +1,5 @@
-// Signals that end a shell, or clear its line: taken where it waits for input and nowhere else, so
-// that what is under way is done and the device is saved.
+// Signals that end a shell or a search, or clear a shell's line: taken where it waits and nowhere
+// else, so that what is under way is done and saved.
 #ifndef TOOLS_PALSIM_INTERRUPTS_H_
 #define TOOLS_PALSIM_INTERRUPTS_H_
 
@@ -7,11 +7,15 @@ namespace palsim {
 
 class Interrupts {
  public:
-  // Holds back SIGINT, SIGTERM and SIGHUP from now on, and in threads that start from now on.
+  // Holds back SIGINT, SIGTERM and SIGHUP from now on, and in threads that start from now on. One
+  // that is ignored stays so.
   Interrupts();
   ~Interrupts();
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
+
+  // Can be read when a signal has come.
+  [[nodiscard]] int descriptor() const { return signals_; }
 
   // Waits until standard input has something, or has ended: 0. Or the signal that came; SIGHUP also
   // for a terminal that was closed.

@@ -3,19 +3,18 @@
 
 #include <fmt/format.h>
 #include <sched.h>
-#include <sys/signalfd.h>
 #include <sys/times.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <deque>
 #include <filesystem>
 
 #include "tools/palsim/commands.h"
 #include "tools/palsim/device_lock.h"
 #include "tools/palsim/explore/report.h"
+#include "tools/palsim/interrupts.h"
 #include "tools/palsim/jobs.h"
 #include "tools/palsim/program/program_copy.h"
 #include "tools/palsim/usage_error.h"
@@ -29,19 +28,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kReportFile = "report.json";
 constexpr const char* kDeviceFolder = "device";
-
-// From here on these signals do not end the process. The descriptor can be read when one has come.
-int HoldSignals() {
-  sigset_t held;
-  sigemptyset(&held);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction now {};
-    const bool is_ignored = sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
-    if (!is_ignored) sigaddset(&held, signal);  // 'nohup' ignores one
-  }
-  sigprocmask(SIG_BLOCK, &held, nullptr);
-  return signalfd(-1, &held, SFD_CLOEXEC);
-}
 
 // Threads of a device take turns: on one processor they do so without waking another one.
 void StayOnThisProcessor() {
@@ -206,11 +192,14 @@ class Search {
 
 // What cannot be read, or is in the way, is said before the first world.
 std::optional<sim::FolderLock> Prepare(const ExploreOptions& options) {
+  const fs::path device = options.world.device;
+  const bool is_folder = fs::exists(device / "device.toml");
+  std::optional<sim::FolderLock> device_lock;
+  if (is_folder) device_lock.emplace(LockDevice(device, Use::kRead));
   ReadSamples(options.world);
   if (!options.world.program.empty()) static_cast<void>(LoadProgram(options.world.program));
   std::optional<sim::FolderLock> lock = TakeFolder(options.out);
-  const fs::path device = options.world.device;
-  if (lock && fs::exists(device / "device.toml")) {
+  if (lock && is_folder) {
     fs::copy(device, fs::path(options.out) / kDeviceFolder, fs::copy_options::recursive);
   }
   return lock;
@@ -229,11 +218,11 @@ void PrintRate(std::uint64_t calls) {
 
 int Explore(const ExploreOptions& options) {
   Search search(options);
-  const int stop = HoldSignals();
+  const Interrupts interrupts;
   const auto lock = Prepare(options);
   std::string ended_by;
   try {
-    if (!search.Run(stop)) ended_by = "a signal";
+    if (!search.Run(interrupts.descriptor())) ended_by = "a signal";
   } catch (const std::exception& error) {
     ended_by = error.what();
   }
