@@ -8,7 +8,8 @@ namespace sim {
 void SyncToDisk(const std::filesystem::path& /*entry*/) {}
 
 FolderLock::FolderLock(std::filesystem::path folder) : folder_(std::move(folder)) {}
-FolderLock::FolderLock(FolderLock&& other) noexcept : folder_(std::move(other.folder_)) {}
+FolderLock::FolderLock(FolderLock&& other) noexcept
+    : folder_(std::move(other.folder_)), descriptor_(other.descriptor_) {}
 FolderLock::~FolderLock() = default;
 
 bool FolderLock::Try(Use /*use*/) {
