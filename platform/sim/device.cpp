@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <stdexcept>
 
 #include "platform/sim/kernel/kernel.h"
@@ -110,7 +111,7 @@ std::vector<std::string> Device::faults_not_reached() const {
 
 std::vector<std::string> Device::faulted_calls() const {
   const Scheduler::Lock lock(kernel_->mutex);
-  const std::vector<CallId>& faulted = kernel_->faults.faulted();
+  const std::span<const CallId> faulted = kernel_->faults.faulted_since_clear();
   std::vector<std::string> names;
   names.reserve(faulted.size());
   for (const CallId id : faulted) names.emplace_back(CallName(id));

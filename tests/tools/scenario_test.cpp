@@ -346,8 +346,9 @@ TEST_F(ScenarioStage, WhatComesFromOutsideStandsInTheJournal) {
 
 std::vector<std::string> ScenarioFiles() {
   std::vector<std::string> files;
-  for (const auto& entry : std::filesystem::directory_iterator(PROJECT_DIR "/scenarios")) {
-    files.push_back(entry.path().string());
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(PROJECT_DIR "/scenarios")) {
+    if (entry.is_regular_file()) files.push_back(entry.path().string());
   }
   std::ranges::sort(files);
   return files;

@@ -53,7 +53,6 @@ const Fault* Faults::Count(CallId id, const std::function<std::string()>& subjec
   }
   if (due == nullptr) return nullptr;
   faulted_.push_back(id);
-  ++due_;
   if (due->kill) ++kills_;
   return due;
 }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,21 +32,24 @@ class Faults {
   void Plan(Fault fault);
   void Clear() {
     plans_.clear();
-    faulted_.clear();
+    due_before_ = faulted_.size();
   }
 
   // Counts a call. Returns the fault that is planned for it, or nullptr. `subject` is asked where a
   // plan has one.
   const Fault* Count(CallId id, const std::function<std::string()>& subject);
-  // The calls that had a fault, in their order, since the plans were cleared.
+  // The calls that had a fault, ever, in their order; and those since the plans were cleared.
   [[nodiscard]] const std::vector<CallId>& faulted() const { return faulted_; }
+  [[nodiscard]] std::span<const CallId> faulted_since_clear() const {
+    return std::span(faulted_).subspan(due_before_);
+  }
   [[nodiscard]] std::vector<std::string> NotReached() const;
   [[nodiscard]] unsigned calls(CallId id) const { return counts_[static_cast<std::size_t>(id)]; }
   [[nodiscard]] unsigned calls() const { return total_; }
   // Whether a call may fail by a plan from now on.
   [[nodiscard]] bool are_planned() const { return !plans_.empty(); }
   // How many calls had a fault, ever; and how many of those ended their process.
-  [[nodiscard]] unsigned due() const { return due_; }
+  [[nodiscard]] std::size_t due() const { return faulted_.size(); }
   [[nodiscard]] unsigned kills() const { return kills_; }
 
  private:
@@ -56,9 +60,9 @@ class Faults {
   };
   std::vector<Planned> plans_;
   std::vector<CallId> faulted_;
+  std::size_t due_before_ = 0;  // of those, when the plans were cleared
   std::array<unsigned, static_cast<std::size_t>(CallId::kCount)> counts_{};
   unsigned total_ = 0;
-  unsigned due_ = 0;
   unsigned kills_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #ifndef TOOLS_PALSIM_EXPLORE_PROPERTY_H_
 #define TOOLS_PALSIM_EXPLORE_PROPERTY_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -30,14 +31,14 @@ struct WatchedCall {
   const std::vector<std::string>* arguments = nullptr;
   std::uint64_t begin_ms = 0;
   std::uint64_t writes_at_begin = 0;  // Scene::Writes() then
-  unsigned due_at_begin = 0;          // the calls with a fault until then
+  std::size_t due_at_begin = 0;       // the calls with a fault until then
   bool alone = true;  // so far no other call ran meanwhile, and nothing came from outside
   bool alone_in_process = true;  // so far its process has made no other call meanwhile
 
   // At its end:
   const CallOutcome* outcome = nullptr;  // nullptr: its process ended in it
   std::uint64_t end_ms = 0;
-  unsigned faults = 0;  // how many platform calls failed by a plan meanwhile, whoever made them
+  std::size_t faults = 0;  // how many platform calls failed by a plan meanwhile, whoever made them
 
   [[nodiscard]] bool undisturbed() const { return alone && faults == 0; }
   [[nodiscard]] bool returned() const { return outcome != nullptr; }

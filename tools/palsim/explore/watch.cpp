@@ -39,8 +39,7 @@ std::uint64_t Scene::Writes() const {
 }
 
 std::span<const sim::CallId> Scene::FailedIn(const WatchedCall& call) const {
-  std::span<const sim::CallId> failed = faults().faulted();
-  failed = failed.last(std::min<std::size_t>(call.faults, failed.size()));
+  const std::span<const sim::CallId> failed = std::span(faults().faulted()).last(call.faults);
   const bool was_killed = !call.returned() && !failed.empty();
   return was_killed ? failed.first(failed.size() - 1) : failed;
 }

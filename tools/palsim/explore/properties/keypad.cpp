@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 
 #include "keypad/button_table.h"
 #include "keypad/shift_plane.h"
@@ -52,7 +53,7 @@ class PlanesAreWhole : public Property {
 
 using Record = std::vector<std::uint8_t>;
 using RecordPlace = std::pair<std::string, DWORD>;  // a plane and a scan code
-using Records = std::multimap<RecordPlace, Record>;
+using Records = std::map<RecordPlace, std::set<Record>>;
 
 // The records of the ordinary keys in the three planes of a layout.
 Records RecordsOf(Scene& scene, const std::string& layout) {
@@ -66,8 +67,7 @@ Records RecordsOf(Scene& scene, const std::string& layout) {
       for (const pal::ButtonRecord& button : pal::kButtonRecords) {
         if (!button.is_ordinary_key) continue;
         if (!pal::IsRecordOf(record, pal::kMapsScanCode, button.scan_code)) continue;
-        records.emplace(RecordPlace(sim::ToUtf8(name), button.scan_code),
-                        Record(record.begin(), record.end()));
+        records[{sim::ToUtf8(name), button.scan_code}].emplace(record.begin(), record.end());
       }
     }
   }
@@ -75,11 +75,15 @@ Records RecordsOf(Scene& scene, const std::string& layout) {
 }
 
 class OriginalsAreKept : public Property {
-  // What was saved before stays right, and so does what the layout has now and signals nothing.
+  // What was saved before stays right, and so does what the layout has now. A call under way may
+  // still use the layout that it has found.
   void DeviceChanged(Scene& scene) override {
-    originals_ = RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath));
-    for (const auto& [place, record] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
-      originals_.emplace(place, record);
+    if (scene.running == 0) originals_.clear();
+    for (const std::string& layout :
+         {KeyPath(pal::kKeypadSettingsPath), ActiveLayout(scene.registry())}) {
+      for (const auto& [place, records] : RecordsOf(scene, layout)) {
+        originals_[place].insert(records.begin(), records.end());
+      }
     }
   }
 
@@ -88,20 +92,19 @@ class OriginalsAreKept : public Property {
   void CallEnds(Scene& scene, const WatchedCall& call) override {
     if (std::ranges::count(scene.FailedIn(call), sim::CallId::RegSetValueExW) == 0) return;
     const Records saved = RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath));
-    for (const auto& [place, record] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
-      if (!saved.contains(place)) originals_.emplace(place, record);
+    for (const auto& [place, records] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
+      if (!saved.contains(place)) originals_[place].insert(records.begin(), records.end());
     }
   }
 
   void RegistryChanged(Scene& scene) override {
-    for (const auto& [place, record] : RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath))) {
-      Met();
-      const auto [begin, end] = originals_.equal_range(place);
-      const bool is_original = std::any_of(
-          begin, end, [&, &saved = record](const auto& known) { return known.second == saved; });
-      if (is_original) continue;
-      Violated(fmt::format("{}: the saved record of the scan code {:#x} is {:02x}", place.first,
-                           place.second, fmt::join(record, " ")));
+    for (const auto& [place, records] : RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath))) {
+      for (const Record& record : records) {
+        Met();
+        if (originals_[place].contains(record)) continue;
+        Violated(fmt::format("{}: the saved record of the scan code {:#x} is {:02x}", place.first,
+                             place.second, fmt::join(record, " ")));
+      }
     }
   }
 

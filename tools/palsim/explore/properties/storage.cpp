@@ -113,13 +113,16 @@ class NothingElseIsStored : public Property {
 };
 
 // A call that fails or is killed may leave these as they are on its way, as its header says. A new
-// file is empty, then it has zeros, and then it is written. A full import deletes trees first. A
-// button that gets the default of Windows again has its records rewritten, and then written back.
+// file is empty, then it has zeros, and then it is written; its end may never be. A full import
+// deletes trees first. A button that gets the default of Windows again has its records rewritten,
+// and then written back.
 bool IsOnTheWay(const UntouchedOutcome& untouched, const WatchedCall& call,
                 const StoredChange& change) {
   const auto is_zero = [](char byte) { return byte == 0; };
+  const bool is_new_file = !change.before && change.where.starts_with('\\');
   if (!change.now) return call.name == "PALREG_LoadRegistry";
-  if (!change.before && std::ranges::all_of(*change.now, is_zero)) return true;
+  if (is_new_file && std::ranges::all_of(*change.now, is_zero)) return true;
+  if (is_new_file && change.untouched.value_or("").starts_with(*change.now)) return true;
   return call.name == "PALKEYSetButtonAction" &&
          change.where.find("ShiftPlane") != std::string::npos &&
          std::ranges::count(untouched.writes, change.where + '=' + *change.now) != 0;
@@ -186,7 +189,7 @@ class NextProcessWorks : public Property {
   }
 
   std::uint32_t next_id_ = 0;  // the first one that a later process can have; 0: none was killed
-  unsigned due_ = 0;           // the faults until then
+  std::size_t due_ = 0;        // the faults until then
 };
 
 // A restart of the simulated device keeps everything, and that of a handheld what was flushed.
