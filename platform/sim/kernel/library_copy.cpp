@@ -53,7 +53,9 @@ LibraryCopy::~LibraryCopy() {
 }
 
 std::filesystem::path DefaultLibrary() {
-  return SimulatorFolder() / (std::string("DVLORQPAL") + kLibraryExtension);
+  static const std::filesystem::path library =
+      SimulatorFolder() / (std::string("DVLORQPAL") + kLibraryExtension);
+  return library;
 }
 
 }  // namespace sim

@@ -83,14 +83,17 @@ constexpr auto kHappenings = std::to_array<std::string_view>({
 });
 
 struct Place {
-  std::string name;  // HKEY_LOCAL_MACHINE\Key\Name
+  const sim::RegistryKey* key;
   const sim::RegistryValue* value;
+
+  // HKEY_LOCAL_MACHINE\Key\Name
+  [[nodiscard]] std::string Name() const {
+    return WordText(sim::ToUtf8(key->Path()) + '\\' + sim::ToUtf8(value->name));
+  }
 };
 
 void Collect(const sim::RegistryKey& key, std::vector<Place>& places) {
-  for (const sim::RegistryValue& value : key.values()) {
-    places.push_back({WordText(sim::ToUtf8(key.Path()) + '\\' + sim::ToUtf8(value.name)), &value});
-  }
+  for (const sim::RegistryValue& value : key.values()) places.push_back({&key, &value});
   for (const auto& below : key.keys()) Collect(*below, places);
 }
 
@@ -113,7 +116,7 @@ std::string ChooseNearMiss(Choices& choices, std::vector<Place> places) {
   std::vector<std::uint8_t> bytes = place.value->data;
   const std::size_t at = choices.OneIn(2) ? bytes.size() - 1 : choices.Below(bytes.size());
   bytes[at] ^= static_cast<std::uint8_t>(1 + choices.Below(255));
-  return fmt::format("set {} = hex {:02X}", place.name, fmt::join(bytes, " "));
+  return fmt::format("set {} = hex {:02X}", place.Name(), fmt::join(bytes, " "));
 }
 
 std::string ChooseParameter(Choices& choices, sim::Device& device) {
@@ -185,12 +188,12 @@ std::string ChooseRegistryChange(Choices& choices, sim::Device& device) {
   const std::size_t kind = choices.Below(6);
   if (places.empty() || kind == 0) return ChooseNearMiss(choices, std::move(places));
   const Place& place = choices.Of(places);
-  if (kind == 1) return fmt::format("set {} = {}", place.name, Bytes(choices));
-  if (kind == 2) return fmt::format("set {} = {}", place.name, Text(choices));
+  if (kind == 1) return fmt::format("set {} = {}", place.Name(), Bytes(choices));
+  if (kind == 2) return fmt::format("set {} = {}", place.Name(), Text(choices));
   if (kind == 3 || (kind == 4 && place.value->type == REG_DWORD)) {
-    return fmt::format("set {} = {}", place.name, choices.Of(kNumbers));
+    return fmt::format("set {} = {}", place.Name(), choices.Of(kNumbers));
   }
-  return fmt::format("delete {}", place.name);
+  return fmt::format("delete {}", place.Name());
 }
 
 std::string ChooseVariation(Choices& choices, sim::Device& device) {

@@ -9,13 +9,23 @@
 
 #include "keypad/button_table.h"
 #include "keypad/shift_plane.h"
-#include "platform/sim/text.h"
 #include "tools/palsim/explore/properties/properties.h"
 #include "tools/palsim/explore/scene.h"
 #include "tools/palsim/keypad_layout.h"
 
 namespace palsim {
 namespace {
+
+// The shift planes of a folder; nullptr for one that it does not have.
+std::array<const sim::RegistryValue*, pal::kShiftPlanes.size()> PlanesOf(
+    Scene& scene, const std::string& folder) {
+  std::array<const sim::RegistryValue*, pal::kShiftPlanes.size()> planes{};
+  const std::shared_ptr<sim::RegistryKey> key = scene.registry().Find(folder);
+  if (key == nullptr) return planes;
+  std::ranges::transform(pal::kShiftPlanes, planes.begin(),
+                         [&](const WCHAR* name) { return key->FindValue(name); });
+  return planes;
+}
 
 class PlanesAreWhole : public Property {
   void DeviceChanged(Scene& scene) override {
@@ -39,9 +49,8 @@ class PlanesAreWhole : public Property {
   std::vector<std::size_t> Sizes(Scene& scene) {
     std::vector<std::size_t> sizes;
     for (const std::string& folder : folders_) {
-      for (const WCHAR* const plane : pal::kShiftPlanes) {
-        const auto* const value = scene.registry().FindValue(folder, sim::ToUtf8(plane));
-        sizes.push_back(value == nullptr ? 0 : value->data.size());
+      for (const sim::RegistryValue* const plane : PlanesOf(scene, folder)) {
+        sizes.push_back(plane == nullptr ? 0 : plane->data.size());
       }
     }
     return sizes;
@@ -52,22 +61,22 @@ class PlanesAreWhole : public Property {
 };
 
 using Record = std::vector<std::uint8_t>;
-using RecordPlace = std::pair<std::string, DWORD>;  // a plane and a scan code
+using RecordPlace = std::pair<std::size_t, DWORD>;  // a plane and a scan code
 using Records = std::map<RecordPlace, std::set<Record>>;
 
 // The records of the ordinary keys in the three planes of a layout.
 Records RecordsOf(Scene& scene, const std::string& layout) {
   Records records;
-  for (const WCHAR* const name : pal::kShiftPlanes) {
-    const auto* const plane = scene.registry().FindValue(layout, sim::ToUtf8(name));
-    if (plane == nullptr) continue;
-    std::span<const BYTE> rest(plane->data);
+  const auto planes = PlanesOf(scene, layout);
+  for (std::size_t at = 0; at < planes.size(); ++at) {
+    if (planes[at] == nullptr) continue;
+    std::span<const BYTE> rest(planes[at]->data);
     for (; rest.size() >= pal::kKeyRecordBytes; rest = rest.subspan(pal::kKeyRecordBytes)) {
       const auto record = rest.first(pal::kKeyRecordBytes);
       for (const pal::ButtonRecord& button : pal::kButtonRecords) {
         if (!button.is_ordinary_key) continue;
         if (!pal::IsRecordOf(record, pal::kMapsScanCode, button.scan_code)) continue;
-        records[{sim::ToUtf8(name), button.scan_code}].emplace(record.begin(), record.end());
+        records[{at, button.scan_code}].emplace(record.begin(), record.end());
       }
     }
   }
@@ -102,8 +111,8 @@ class OriginalsAreKept : public Property {
       for (const Record& record : records) {
         Met();
         if (originals_[place].contains(record)) continue;
-        Violated(fmt::format("{}: the saved record of the scan code {:#x} is {:02x}", place.first,
-                             place.second, fmt::join(record, " ")));
+        Violated(fmt::format("plane {}: the saved record of the scan code {:#x} is {:02x}",
+                             place.first, place.second, fmt::join(record, " ")));
       }
     }
   }
@@ -116,8 +125,7 @@ bool IsSupported(Scene& scene, LONG button) {
   constexpr std::size_t kMostBytes = 1024;
   const pal::ButtonRecord* const record = pal::FindButton(button);
   if (record == nullptr) return false;
-  const sim::RegistryValue* plane = scene.registry().FindValue(
-      ActiveLayout(scene.registry()), sim::ToUtf8(pal::kShiftPlanes.front()));
+  const sim::RegistryValue* plane = PlanesOf(scene, ActiveLayout(scene.registry())).front();
   if (plane == nullptr || plane->data.size() > kMostBytes) return false;
   std::span<const BYTE> rest(plane->data);
   for (; rest.size() >= pal::kKeyRecordBytes; rest = rest.subspan(pal::kKeyRecordBytes)) {
