@@ -1,16 +1,26 @@
-# The file for pkg-config, and the package for Debian that `./package deb` makes of an installation.
+# The files for pkg-config, and the package for Debian that `./package deb` makes of an installation.
 file(RELATIVE_PATH prefix_from_file /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-file(CONFIGURE OUTPUT dvlorqpal.pc @ONLY CONTENT "prefix=\${pcfiledir}/@prefix_from_file@
-includedir=\${prefix}/@CMAKE_INSTALL_INCLUDEDIR@/dvlorqpal
-libdir=\${prefix}/@PAL_INSTALLED_LIBRARIES@
-
+set(folders "prefix=\${pcfiledir}/${prefix_from_file}
+includedir=\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}/dvlorqpal
+libdir=\${prefix}/${PAL_INSTALLED_LIBRARIES}
+")
+file(CONFIGURE OUTPUT dvlorqpal.pc @ONLY CONTENT "@folders@
 Name: DVLORQPAL
 Description: Platform abstraction library of a handheld, for programs that run on its simulated device
 Version: @version@
 Cflags: -I\${includedir}
 Libs: -L\${libdir} -lpal_program
 ")
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/dvlorqpal.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(CONFIGURE OUTPUT dvlorqpal-simdevice.pc @ONLY CONTENT "@folders@
+Name: DVLORQPAL simulated device
+Description: A simulated handheld for tests in C++ (palsim/device.h)
+Version: @version@
+Requires: dvlorqpal = @version@
+Cflags: -I\${includedir}/platform
+Libs: -L\${libdir} -Wl,-rpath,\${libdir} -lpalsim -lsimdevice
+")
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/dvlorqpal.pc ${CMAKE_CURRENT_BINARY_DIR}/dvlorqpal-simdevice.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(NOT PAL_FOR_DEBIAN)
   return()

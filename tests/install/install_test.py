@@ -86,12 +86,19 @@ class Installed(unittest.TestCase):
             for each in said:
                 self.assertIn(each, text)
 
+    def flags(self, package):
+        folder = str(self.prefix / "lib/pkgconfig")
+        return run("pkg-config", "--cflags", "--libs", package, PKG_CONFIG_PATH=folder).split()
+
     def test_another_project_builds_with_pkg_config(self):
         build = self.prefix.parent / "packaged.so"
-        flags = run("pkg-config", "--cflags", "--libs", "dvlorqpal", PKG_CONFIG_PATH=str(self.prefix / "lib/pkgconfig"))
         run("cc", "-shared", "-fPIC", "-Wall", "-Werror", "-Wl,-z,defs", "-o", build, self.data / "examples/alarm.c",
-            *flags.split(), "-lc")
+            *self.flags("dvlorqpal"), "-lc")
         self.assertIn("\n0 findings", run(self.palsim, "explore", "--program", build, "--seeds", "1-1"))
+        build = self.prefix.parent / "packaged_test"
+        run("c++", "-std=c++11", "-Wall", "-Werror", "-o", build, HERE / "device_test.cpp",
+            *self.flags("dvlorqpal-simdevice"))
+        self.assertEqual(run(build, self.prefix.parent / "packaged_device"), "passed\n")
 
     def test_another_project_builds_with_it(self):
         build = self.prefix.parent / "project"
