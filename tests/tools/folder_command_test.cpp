@@ -299,6 +299,14 @@ TEST_F(DeviceCommands, WaitForADeviceThatAnotherIsMadeOf) {
     EXPECT_EQ(result.status, 1) << command;
     EXPECT_NE(result.output.find("unit is in use by "), std::string::npos) << result.output;
   }
+  std::thread change([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    const sim::FolderLock gone = std::move(lock);
+  });
+  const auto served = RunTool("palsim serve --stdio --device " + unit.string() + " </dev/null");
+  change.join();
+  EXPECT_EQ(served.status, 0) << served.output;
+  EXPECT_NE(served.output.find("; waiting up to 10 s\n"), std::string::npos) << served.output;
 }
 
 TEST_F(DeviceCommands, ReadNoMoreOfARunThanItsLastLines) {

@@ -20,7 +20,7 @@ using Seconds = std::chrono::duration<double>;
 
 Seconds longest_wait{kDefaultWait};
 
-void Wait(sim::FolderLock& lock, Use use) {
+void TakeLock(sim::FolderLock& lock, Use use) {
   constexpr Seconds kUnsaid{0.5};
   constexpr Seconds kPause{0.005};
   const auto begin = std::chrono::steady_clock::now();
@@ -49,9 +49,9 @@ void SetLockWait(double seconds) {
 
 sim::FolderLock LockFolder(const fs::path& folder, Use use) {
   sim::FolderLock lock(folder);
-  Wait(lock, use);
+  TakeLock(lock, use);
   if (!sim::HasUnfinishedChange(folder)) return lock;
-  if (use == Use::kRead) Wait(lock, Use::kChange);
+  if (use == Use::kRead) TakeLock(lock, Use::kChange);
   sim::FinishChange(folder);
   return lock;
 }

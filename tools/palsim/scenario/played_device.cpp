@@ -6,13 +6,14 @@
 #include <utility>
 
 #include "platform/sim/hardware/hardware.h"
+#include "tools/palsim/device_lock.h"
 #include "tools/palsim/run_store.h"
 #include "tools/palsim/usage_error.h"
 
 namespace palsim {
 
 PlayedDevice::PlayedDevice(std::filesystem::path folder)
-    : folder_(std::move(folder)), identity_(sim::LoadDevice(loaded_, folder_)) {
+    : folder_(std::move(folder)), identity_(LoadLocked(loaded_, folder_)) {
   Reset();
 }
 
@@ -50,6 +51,7 @@ void PlayedDevice::Save(const std::filesystem::path& folder, const std::string& 
   }
   try {
     sim::FolderChange change(folder);
+    const sim::FolderLock lock = LockDevice(folder_, Use::kRead);
     sim::PutDevice(*device_, folder_, change);
     RunRecord run;
     run.title = title;
