@@ -35,7 +35,7 @@ TEST(ScenarioText, SaysWhatIsNotUnderstood) {
            Case{"dance", "s:1: 'dance' is no statement; 'palsim --statements' lists them"},
            Case{"scanner call PALLEDInit", "s:1: 'scanner call PALLEDInit' is no statement"},
            Case{"wait 5 minutes",
-                "s:1: '5 minutes' is no time of a day at most (use 120 ms or 2 s)"},
+                "s:1: '5 minutes' is no time of 49 days at most (use 120 ms or 2 s)"},
            Case{"wait -5 ms", "s:1: '-5 ms' is no time"},
            Case{"wait 90000000 s", "s:1: '90000000 s' is no time"},
            Case{"wait until light on", "s:1: 'light' is no effect in the journal"},

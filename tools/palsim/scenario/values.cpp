@@ -20,7 +20,8 @@
 namespace palsim {
 namespace {
 
-constexpr std::int64_t kLongestTime = 24LL * 60 * 60 * 1000;
+// As long as the device's tick counter counts. One more is a wait without end.
+constexpr std::int64_t kLongestTime = INFINITE - 1LL;
 
 void CheckExport(const Filled& filled) {
   std::vector<std::string> arguments;
@@ -152,7 +153,7 @@ std::uint32_t ParseTime(const Words& words) {
   if (in_seconds && time > 0) time *= 1000;
   if (time >= 0 && time <= kLongestTime) return static_cast<std::uint32_t>(time);
   throw UsageError(
-      fmt::format("'{}' is no time of a day at most (use 120 ms or 2 s)", Joined(words)));
+      fmt::format("'{}' is no time of 49 days at most (use 120 ms or 2 s)", Joined(words)));
 }
 
 std::string TimeText(std::uint64_t ms) {
