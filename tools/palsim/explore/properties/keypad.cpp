@@ -83,15 +83,26 @@ Records RecordsOf(Scene& scene, const std::string& layout) {
   return records;
 }
 
+// What the library puts in the place of an original.
+bool IsRewritten(const Record& record) {
+  return SignalsEvent(record) &&
+         std::ranges::any_of(pal::kButtonRecords, [&](const pal::ButtonRecord& button) {
+           return button.is_ordinary_key && record[pal::kKeyEvent] == button.id &&
+                  pal::IsRecordOf(record, pal::kMapsScanCode, button.scan_code);
+         });
+}
+
 class OriginalsAreKept : public Property {
-  // What was saved before stays right, and so does what the layout has now. A call under way may
-  // still use the layout that it has found.
+  // What was saved before stays right. So does what the layout has now, but for what was rewritten
+  // after its original was saved. A call under way may still use the layout that it has found.
   void DeviceChanged(Scene& scene) override {
     if (scene.running == 0) originals_.clear();
-    for (const std::string& layout :
-         {KeyPath(pal::kKeypadSettingsPath), ActiveLayout(scene.registry())}) {
-      for (const auto& [place, records] : RecordsOf(scene, layout)) {
-        originals_[place].insert(records.begin(), records.end());
+    const Records saved = RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath));
+    for (const auto& [place, records] : saved)
+      originals_[place].insert(records.begin(), records.end());
+    for (const auto& [place, records] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
+      for (const Record& record : records) {
+        if (!saved.contains(place) || !IsRewritten(record)) originals_[place].insert(record);
       }
     }
   }
