@@ -36,9 +36,9 @@ Interrupts::~Interrupts() {
   close(signals_);
 }
 
-int Interrupts::WaitForInput() const {
+int Interrupts::Poll(int longest_ms) const {
   std::array<pollfd, 2> polled{{{STDIN_FILENO, POLLIN, 0}, {signals_, POLLIN, 0}}};
-  while (poll(polled.data(), polled.size(), -1) < 0) {
+  while (poll(polled.data(), polled.size(), longest_ms) < 0) {
     if (errno != EINTR) return 0;
   }
   signalfd_siginfo came{};

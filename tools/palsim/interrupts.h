@@ -19,9 +19,13 @@ class Interrupts {
 
   // Waits until standard input has something, or has ended: 0. Or the signal that came; SIGHUP also
   // for a terminal that was closed.
-  [[nodiscard]] int WaitForInput() const;
+  [[nodiscard]] int WaitForInput() const { return Poll(-1); }
+  // The same without waiting; 0 also where there is nothing yet.
+  [[nodiscard]] int Pending() const { return Poll(0); }
 
  private:
+  [[nodiscard]] int Poll(int longest_ms) const;
+
   bool is_terminal_;
   int signals_;
 };

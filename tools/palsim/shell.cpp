@@ -53,7 +53,7 @@ class Input {
 
   // False at the end of what is typed, and where a signal ends it.
   bool Read(std::string& line) {
-    if (editor_) return editor_->Read("palsim> ", line);
+    if (editor_) return Edit(line);
     line.clear();
     for (std::size_t end = 0; (end = bytes_.find('\n')) == std::string::npos;) {
       if (ReadBlock()) continue;
@@ -66,6 +66,13 @@ class Input {
   }
 
  private:
+  bool Edit(std::string& line) {
+    if (editor_->Read("palsim> ", line)) return true;
+    // A terminal that is closed before the editor waits ends the line without a wait.
+    if (signal_ == 0) signal_ = interrupts_.Pending();
+    return false;
+  }
+
   LineEditor::Wait WaitForByte() {
     const int signal = interrupts_.WaitForInput();
     if (signal == 0) return LineEditor::Wait::kByte;
