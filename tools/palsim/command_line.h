@@ -32,17 +32,17 @@ class CommandLine {
   [[nodiscard]] int Complete(const std::vector<std::string>& words) const;
   static int PrintExports();
   static ShellCommands ForShell();
-  // Where no command was understood, the one that a word may have meant.
+  // If there is no such command: the one with the most similar name.
   [[nodiscard]] std::string CommandHint() const;
   // Of a command, or of all.
   void PrintHelp(const std::string& name) const;
 
-  // On the device in its folder, or on the one that is open in the shell.
+  // Works on the device in the folder, or on the one that is open in the shell.
   template <class Work>
   int On(const Work& work) {
     return in_shell_ ? work(*session_) : work(folder_);
   }
-  // An option that prints a list, and then nothing else is done.
+  // An option that prints a list and ends the program.
   void AddList(const char* name, const char* what, const std::function<void()>& print);
   // A query of it, with a process of its own where there is none yet.
   int OnQuery(const std::function<int(Session&)>& work);

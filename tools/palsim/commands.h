@@ -45,15 +45,15 @@ struct CallOptions {
   bool real_time = false;
 };
 int Call(const std::filesystem::path& folder, const CallOptions& options);
-// In a session that goes on, as all that take one: with its process, and without saving it. Not all
-// options are for them.
+// A function that takes a Session works in one that is open: it uses its process and does not save
+// the device. It ignores some options.
 int Call(Session& session, const CallOptions& options);
 
-// What is made of a run: each file where it has a name.
+// The outputs of a run. A file is written if its name is not empty.
 struct TimelineOptions {
   std::size_t run = 0;      // its number; 0: the last
   bool text = false;        // on the terminal
-  std::size_t columns = 0;  // that it has; 0: it is none
+  std::size_t columns = 0;  // the terminal's width; 0: standard output is no terminal
   std::string html;
   std::string svg;  // the chart of the page alone
   std::string wav;

@@ -21,9 +21,9 @@ namespace palsim {
 constexpr const char* kCommandsOnDevice = "Commands on a DEVICE";
 constexpr const char* kCommandsAlone = "Commands without a DEVICE";
 
-// All that the last of the words behind palsim could become: a command that fits to whether a
-// DEVICE stands before it, an option, the name of an export, a number, an effect or a sample, and
-// behind "run" and "test" scenarios and folders. `own` has the tool's own options.
+// The completions of the last word of a palsim command line: a command (one on a DEVICE where the
+// words before it name one), an option, the name of an export, a number, an effect or a sample;
+// after "run" and "test" scenarios and folders. `own` has the tool's own options.
 [[nodiscard]] std::vector<std::string> CommandLineCompletions(
     std::vector<std::string> words, const tools::CommandWords& own,
     const std::vector<tools::CommandWords>& commands);

@@ -44,14 +44,15 @@ struct CallOutcome {
 // UsageError for a name that is no export.
 [[nodiscard]] std::string UsageText(std::string_view name);
 
-// Throws UsageError for a name that is no export and for arguments that do not fit its declaration.
-// The arguments as a journal may show them: a password is not shown.
+// The arguments as the journal shows them: a password is replaced.
 [[nodiscard]] std::vector<std::string> ShownArguments(std::string_view name,
                                                       std::vector<std::string> arguments);
+// Throws UsageError for a name that is no export, and for arguments that do not fit its
+// declaration.
 void CheckCall(std::string_view name, const std::vector<std::string>& arguments);
 
-// The same for who reads no texts: without lines in the journal, and without texts in the outcome.
-// Throws ProcessKilled where the process ends in the call.
+// Calls an export without lines in the journal and without texts in the outcome, for callers that
+// read numbers only. Throws ProcessKilled where the process ends in the call.
 CallOutcome CallPlainly(sim::Process& process, std::size_t export_index,
                         const std::vector<std::string>& arguments);
 

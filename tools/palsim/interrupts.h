@@ -17,8 +17,8 @@ class Interrupts {
   // Can be read when a signal has come.
   [[nodiscard]] int descriptor() const { return signals_; }
 
-  // Waits until standard input has something, or has ended: 0. Or the signal that came; SIGHUP also
-  // for a terminal that was closed.
+  // Waits. Returns 0 when standard input can be read or has ended, or else the signal that came. A
+  // closed terminal counts as SIGHUP.
   [[nodiscard]] int WaitForInput() const { return Poll(-1); }
   // The same without waiting; 0 also where there is nothing yet.
   [[nodiscard]] int Pending() const { return Poll(0); }

@@ -50,8 +50,8 @@ struct JobEnd {
 void RunJobs(const JobPlan& plan, const std::function<std::string(std::size_t index)>& work,
              const std::function<void(std::size_t index, const JobEnd& end)>& on_end);
 
-// The same for the numbers that `next` gives: it is asked whenever there is room for a job, and
-// gives nothing where none is to begin now. False where `stop` has ended them.
+// The same for the numbers that `next` returns. It is called whenever there is room for another
+// job, and returns nothing if no job can begin now. Returns false if `stop` has ended the jobs.
 bool RunJobs(const JobPlan& plan, const std::function<std::optional<std::size_t>()>& next,
              const std::function<std::string(std::size_t index)>& work,
              const std::function<void(std::size_t index, const JobEnd& end)>& on_end);

@@ -94,7 +94,7 @@ class Search {
         [&](std::size_t job, const JobEnd& ended) { Ended(parts_[job], ended); });
   }
 
-  // Also of what has ended before the worlds in front of it, where the search was ended.
+  // If the search was ended early, this has also worlds that ended before those of lower seeds.
   Report TakeReport() {
     for (const auto& [world, report] : ended_) report_.Add(report);
     return std::move(report_);
@@ -137,7 +137,7 @@ class Search {
     AddUp();
   }
 
-  // A job was lost with what it had found: the world that it was lost in shows itself.
+  // A lost job takes its findings with it. Played alone, the world that caused it is lost again.
   void PlayEachAlone(const Part& part) {
     for (std::uint64_t at = 0; at < part.count; ++at) waiting_.push_back({part.first + at, 1});
   }

@@ -119,7 +119,7 @@ class Player {
     });
   }
 
-  // A process may not start while the keypad is changed, which it looks at.
+  // A process reads the keypad's layout at its start, and may not start during a change of it.
   [[nodiscard]] bool MayPlay(const Move& move) const {
     if (move.text.ends_with(" starts")) {
       return std::ranges::none_of(

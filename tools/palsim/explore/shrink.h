@@ -1,4 +1,4 @@
-// Makes a world small that violates a property: leaves out what it does not need.
+// Makes a world that violates a property small.
 #ifndef TOOLS_PALSIM_EXPLORE_SHRINK_H_
 #define TOOLS_PALSIM_EXPLORE_SHRINK_H_
 
@@ -8,8 +8,10 @@
 
 namespace palsim {
 
-// The fewest moves that were found for which `is_violated` still holds, as it does for all of them.
-// First whole processes are left out, then halves, quarters and so on down to single moves.
+// Returns the smallest list of moves that was found for which `is_violated` is still true. It must
+// be true for `moves`. Leaves out whole processes, then halves, quarters, down to single moves.
+// Then joins the processes into one, makes each begun call a plain call, and leaves out single
+// moves again.
 [[nodiscard]] Moves Shrink(Moves moves, const std::function<bool(const Moves& moves)>& is_violated);
 
 }  // namespace palsim

@@ -1,5 +1,5 @@
-// A call as it would have been where nothing fails: on a copy of the device, in a new process. The
-// copy is made when a call begins that may fail.
+// Repeats a call without faults, on a copy of the device and in a new process, for comparison. The
+// copy is made when a call begins that may fail, or at every call where that was asked for.
 #ifndef TOOLS_PALSIM_EXPLORE_UNTOUCHED_RUN_H_
 #define TOOLS_PALSIM_EXPLORE_UNTOUCHED_RUN_H_
 
@@ -33,14 +33,15 @@ class UntouchedRun {
  public:
   explicit UntouchedRun(sim::Device& device) : device_(device) {}
 
-  // Keeps the device as it is now where no other call runs.
+  // Copies the device if the call runs alone, in no thread of its own, and may fail (or every call
+  // is wanted).
   void CallBegins(const WatchedCall& call, bool may_fail);
   void CallEnds(const WatchedCall& call);
 
-  // The device is kept at every call from now on, or only where calls may fail.
+  // The device is copied at every call from now on, or only where calls may fail.
   void set_wants_every_call(bool wants) { wants_every_call_ = wants; }
 
-  // Whether the device of this call was kept.
+  // Whether the device was copied for this call.
   [[nodiscard]] bool Has(const WatchedCall& call) const { return call_ == &call; }
   // What the device stored before the call.
   [[nodiscard]] const Stored& before() const { return before_; }

@@ -63,7 +63,7 @@ constexpr auto kVariations = std::to_array<std::string_view>({
     kRegistryFile,
     kFlash,
     "no library <DVLEventLog.dll|coredll.dll|DVLORQPAL.dll>",
-    "wait 4294960000 ms",  // seven seconds later the tick counter begins anew
+    "wait 4294960000 ms",  // seven seconds later the tick counter wraps around
     // A keypad with another layout, or with none.
     R"(set HKLM\Hardware\Devicemap\Keybd\CurrentActiveLayoutKey = "<Hardware\Devicemap\Keybd\Layout\Gone|Software\Dravonel\RFIDServer\Keybd|>")",
 });

@@ -1,4 +1,5 @@
-// What a device holds that no device should: values that are gone, of another type, or of any size.
+// Statements that change a world at random: wrong values on the device, events from outside,
+// failures of platform calls, and kills.
 #ifndef TOOLS_PALSIM_EXPLORE_VARIATIONS_H_
 #define TOOLS_PALSIM_EXPLORE_VARIATIONS_H_
 
@@ -15,7 +16,7 @@ namespace palsim {
 [[nodiscard]] std::string ChooseVariation(Choices& choices, sim::Device& device);
 // What happens on a device in use: a headset comes, the dock is taken, a policy changes.
 [[nodiscard]] std::string ChooseHappening(Choices& choices, sim::Device& device);
-// A fault to come, and one that ends a process.
+// Plans that a platform call fails, and that a process is killed in one.
 [[nodiscard]] std::string ChooseFault(Choices& choices);
 [[nodiscard]] std::string ChooseKill(Choices& choices);
 

@@ -59,7 +59,7 @@ class __attribute__((visibility("default"))) Device {
    * @throws Error  There is no such sample, or the folder cannot be read.
    */
   explicit Device(const std::string& sample_or_folder = "rm21");
-  /** Kills what still runs. What a test expects of its end it asks Finish for. */
+  /** Kills the processes that still run, and checks nothing. End a test with Finish, which does. */
   ~Device();
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;

@@ -4,8 +4,8 @@
  *
  * A program is a shared library with the entry PalProgramMain, in C or C++, compiled against the
  * headers in include/. It calls the exports of DVLORQPAL.dll by their names; each process gets its
- * own copy of the program and of the library. What it wants to take time it asks PalProgramSleep
- * for; the clock of the host has no meaning on the device.
+ * own copy of the program and of the library. To let time pass it calls PalProgramSleep; the clock
+ * of the host has no meaning on the device.
  *
  *     cc -shared -fPIC -Iinclude -Itools/palsim/program -o app.so app.c
  *     palsim explore --program ./app.so
@@ -28,8 +28,8 @@ __attribute__((visibility("default"))) int PalProgramMain(void);
 void PalProgramSleep(unsigned milliseconds);
 
 /**
- * Says what the program takes for granted. Where @p holds is 0, the run has found a fault, and
- * @p what tells which.
+ * Checks a condition of the program. If @p holds is 0, the run has found a fault, and the report
+ * shows the text @p what.
  */
 void PalProgramCheck(int holds, const char* what);
 

@@ -7,8 +7,8 @@
 
 namespace palsim {
 
-// Loads a copy of its own, with statics of its own. What comes back runs the program once. Throws
-// UsageError where the file cannot be loaded or has no entry.
+// Loads a copy of the program, with its own static variables. The returned function runs the
+// program once. Throws UsageError where the file cannot be loaded or has no entry.
 [[nodiscard]] std::function<int()> LoadProgram(const std::filesystem::path& file);
 
 }  // namespace palsim

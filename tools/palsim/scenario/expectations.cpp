@@ -39,7 +39,7 @@ std::optional<std::uint32_t> ProcessOf(Stage& stage, const Filled& filled) {
   return stage.ProcessId(filled.Text("PROCESS"));
 }
 
-// The lines of one effect from some position on, for a message: the last few of them.
+// The lines of one effect from a position on, for a message: the first eight at most.
 std::string LinesFrom(const Stage& stage, std::size_t from, sim::Effect effect) {
   constexpr std::size_t kMost = 8;
   std::vector<std::string> lines;

@@ -8,7 +8,7 @@
 
 namespace palsim {
 
-// The class p0, p1, ... of a process in the page; behind the last they begin anew.
+// The CSS class of a process in the page: p0, p1, ...; after the last one p0 again.
 [[nodiscard]] std::string ProcessColour(const Timeline& timeline, std::uint32_t process);
 
 // HTML: the lanes' names stay beside a box in which the lanes scroll, and the axis above it.

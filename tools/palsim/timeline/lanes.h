@@ -20,8 +20,8 @@ struct Bar {
   std::string text;
   std::string classes;
   std::string title;
-  std::string link = {};  // to the id of something in the page; empty: none
-  std::string id = {};    // of the link
+  std::string link = {};  // the id of the element that it leads to; empty: no link
+  std::string id = {};    // of the link itself
 };
 
 // What runs behind the bars of a process, from its start to its end.

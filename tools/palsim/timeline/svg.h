@@ -7,7 +7,7 @@
 
 namespace palsim {
 
-// With what HTML would take for its own replaced.
+// Replaces the characters that have a meaning in HTML: &, <, > and quotes.
 [[nodiscard]] std::string EscapeHtml(std::string_view text);
 // About how wide a text of the chart is, in its units.
 [[nodiscard]] double TextWidth(std::string_view text);
@@ -21,13 +21,14 @@ class Svg {
   void Path(std::string_view data, std::string_view classes);
   void Text(double x, double y, std::string_view text, std::string_view classes,
             std::string_view title = {});
-  // What is added until EndLink leads to a place in the page, and is one itself.
+  // What is added until EndLink is a link to the element with the id `place`. The link has the id
+  // `id`, so that others can lead to it.
   void BeginLink(std::string_view place, std::string_view id);
   void EndLink();
   // The whole element.
   [[nodiscard]] std::string Element(double width, double height, std::string_view classes,
                                     std::string_view label) const;
-  // The whole element without a height of its own, for what only decorates.
+  // The whole element without a height of its own, for decoration.
   [[nodiscard]] std::string Backdrop(double width, std::string_view classes) const;
 
  private:

@@ -95,7 +95,7 @@ struct Expectation {
   std::string text;
   std::size_t entry = 0;  // of the run
 
-  // The id that its mark in the page's chart has.
+  // The id of its mark in the page's chart.
   [[nodiscard]] std::string MarkId() const;
 };
 
@@ -116,14 +116,14 @@ struct Timeline {
 
   // "scanner.exe", or "the device" for 0.
   [[nodiscard]] std::string ProcessName(std::uint32_t id) const;
-  // Who an entry is of.
+  // The process that an entry belongs to, or the device.
   [[nodiscard]] std::string Actor(const sim::JournalEntry& entry) const;
   // "2 of 11 expectations do not hold; 1 call failed"; empty where there is nothing to say.
   [[nodiscard]] std::string Verdict() const;
   [[nodiscard]] bool Failed() const;
 };
 
-// Before a text that something held, or failed: nobody needs to tell colours apart.
+// Stand before the text of a result, so that nobody needs to tell colours apart.
 constexpr std::string_view kHeldMark = "✓ ";
 constexpr std::string_view kFailedMark = "✗ ";
 

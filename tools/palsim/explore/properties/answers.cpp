@@ -24,7 +24,8 @@ const std::vector<ResultName>& ListedAnswers(const WatchedCall& call) {
   return answers[call.export_index];
 }
 
-// Whether a modem's or a GPS receiver's answer is whatever number the registry holds.
+// Whether an export about the modem or the GPS receiver has answered the registry's
+// LastEquipmentState, which may be any number.
 bool IsEquipmentState(const Scene& scene, const WatchedCall& call) {
   return call.name.starts_with("PALDevCap_Enabled") &&
          scene.Dword(R"(HKLM\Software\Microsoft\RIL)", "LastEquipmentState") == call.outcome->code;

@@ -102,8 +102,8 @@ std::uint64_t SoundMs(const Scene& scene, std::string_view name) {
   return wave ? wave->length_ms() : 0;
 }
 
-// How long a flash of a scan type is. Where the time cannot be read, or is that of no end, it is
-// the default.
+// The longest that a flash of a scan type takes: its time, or the default if that is longer, or if
+// the time cannot be read or has no end.
 std::uint64_t FlashMs(const Scene& scene, std::uint32_t scan_type) {
   constexpr std::array kLitFor{"IntGrLedOnDur", "TethGrLedOnDur", "BTGrLedOnDur", "RFIDGrLedOnDur"};
   constexpr std::uint32_t kDefaultMs = 250;

@@ -98,8 +98,9 @@ class OriginalsAreKept : public Property {
   void DeviceChanged(Scene& scene) override {
     if (scene.running == 0) originals_.clear();
     const Records saved = RecordsOf(scene, KeyPath(pal::kKeypadSettingsPath));
-    for (const auto& [place, records] : saved)
+    for (const auto& [place, records] : saved) {
       originals_[place].insert(records.begin(), records.end());
+    }
     for (const auto& [place, records] : RecordsOf(scene, ActiveLayout(scene.registry()))) {
       for (const Record& record : records) {
         if (!saved.contains(place) || !IsRewritten(record)) originals_[place].insert(record);

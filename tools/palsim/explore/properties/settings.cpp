@@ -33,8 +33,8 @@ SettingAnswer PowerButton(Scene& /*scene*/, std::uint32_t option) {
   return option <= kLast ? option : 0;
 }
 
-// The lowest level with the same word. A step is not told, nor a level where another one's word
-// cannot be read: each process has its own word for that one.
+// The lowest level that has the same word. Nothing for a step, and nothing if the word of any level
+// cannot be read: each process then has a word of its own for that level.
 SettingAnswer Level(Scene& scene, std::uint32_t index) {
   constexpr const char* kVolumes = R"(HKLM\Software\Dravonel\BeeperVol)";
   constexpr std::array kLevels{"Off", "VeryLow", "Low", "Med", "High", "VeryHigh"};
@@ -63,8 +63,8 @@ SettingAnswer ShiftBehavior(Scene& scene, std::uint32_t behavior) {
   return 0;
 }
 
-// Whether any driver has a text for USB disks, which a setter cannot give it. One that is too long
-// is the getter's failure.
+// 1 if any driver has the text "Dll", which no setter makes. Nothing if the text is too long: the
+// getter fails then.
 SettingAnswer UsbDisks(Scene& scene, std::uint32_t enable) {
   constexpr std::size_t kMostBytes = 520;
   if (enable == 0) return 0;

@@ -25,9 +25,9 @@ bool HasFailedRead(const Scene& scene, const WatchedCall& call) {
   });
 }
 
-// What a call may store otherwise where a read fails, as its header says: a plane that seems to be
-// missing is made anew, a file that cannot be read has the checksum 0, one whose checksum cannot be
-// read is imported, and a level whose word cannot be read has the word that the process knows.
+// Calls that may store something else if a read fails, as their headers say. A plane that seems to
+// be missing is created again. A file that cannot be read has the checksum 0. A file whose checksum
+// cannot be read is imported. A level that cannot be read has the word that the process knows.
 struct StoredOtherwise {
   std::string_view call;   // how the names of the calls begin
   std::string_view where;  // a part of the place; empty: all places
@@ -112,8 +112,8 @@ class NothingElseIsStored : public Property {
   }
 };
 
-// A call that fails or is killed may leave these as they are on its way, as its header says. A new
-// file is empty, then it has zeros, and then it is written; its end may never be. A full import
+// A call that fails or is killed may leave these intermediate states, as its header says. A new
+// file is empty, then full of zeros, then written, and its end may be missing. A full import
 // deletes trees first. A button that gets the default of Windows again has its records rewritten,
 // and then written back.
 bool IsOnTheWay(const UntouchedOutcome& untouched, const WatchedCall& call,
