@@ -1,8 +1,8 @@
 /* An example for 'palsim explore --program': a beep at full volume, whatever volume is set.
  *
  * It has a fault that no test on a desk shows: it does not look at the result of PALBEEPGetVolume.
- * Where the level cannot be told, it puts back a level that was never there. 'palsim explore' finds
- * it in seconds (docs/explore.md).
+ * If that call fails, the program sets a level that was never set before. 'palsim explore' finds
+ * the fault in seconds (docs/explore.md).
  */
 #include <pal.h>
 #include <palsim_program.h>

@@ -144,7 +144,7 @@ class Device {
   void ClearFaults();
   // The calls that failed by a plan, in their order, since the plans were cleared.
   [[nodiscard]] std::vector<std::string> faulted_calls() const;
-  // The plans that never came due: "RegSetValueExW:2, of 1 call".
+  // The plans that were never reached: "RegSetValueExW:2, of 1 call".
   [[nodiscard]] std::vector<std::string> faults_not_reached() const;
   // Called with each answer of a driver, of the kernel's I/O controls, of the network, the display
   // and the radio, with each file's size, and with each registry value that fits the buffer.

@@ -111,7 +111,7 @@ class __attribute__((visibility("default"))) Device {
   /**
    * Waits for the calls that still run and ends all processes.
    * @throws ExpectationFailed  A process has left something open or has misused the platform in
-   *                            another way, or a planned fault never came due.
+   *                            another way, or a planned fault was never reached.
    */
   void Finish();
   /**
