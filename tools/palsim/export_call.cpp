@@ -103,7 +103,7 @@ std::tuple<Argument<Arguments>...> Read(std::string_view name,
 }
 
 template <class Result, class... Arguments>
-void Check(const sim::Export<Result(Arguments...)>& /*function*/, std::string_view name,
+void Check(sim::Export<Result(Arguments...)> sim::Exports::* /*function*/, std::string_view name,
            const std::vector<std::string>& texts) {
   Read<Arguments...>(name, texts);
 }
@@ -133,7 +133,8 @@ CallOutcome Invoke(const sim::Export<Result(Arguments...)>& function, std::strin
 // How each argument is written, by its type and the name that the headers give it, and what the
 // call can answer.
 template <class Result, class... Arguments>
-std::string Usage(const sim::Export<Result(Arguments...)>& /*function*/, std::string_view name) {
+std::string Usage(sim::Export<Result(Arguments...)> sim::Exports::* /*function*/,
+                  std::string_view name) {
   const Declaration& declaration = DeclarationOf(name);
   std::string text = UsageLine(declaration) + "\n";
   constexpr std::array<std::string_view, sizeof...(Arguments)> kHow{Argument<Arguments>::kHow...};
@@ -164,9 +165,9 @@ constexpr std::array kExports{
             [](const sim::Exports& exports, const std::vector<std::string>& arguments,   \
                Texts wanted) { return Invoke(exports.name, #name, arguments, wanted); }, \
             [](const std::vector<std::string>& arguments) {                              \
-              Check(sim::Exports{}.name, #name, arguments);                              \
+              Check(&sim::Exports::name, #name, arguments);                              \
             },                                                                           \
-            [] { return Usage(sim::Exports{}.name, #name); }},
+            [] { return Usage(&sim::Exports::name, #name); }},
 #include "exports.inc"
 #undef PAL_EXPORT
 };
