@@ -6,6 +6,8 @@
 #include <boost/uuid/detail/sha1.hpp>
 #include <map>
 
+#include "platform/sim/kernel/kernel.h"
+#include "platform/sim/kernel/process_state.h"
 #include "platform/sim/text.h"
 #include "platform/wince.h"
 #include "tools/palsim/argument.h"
@@ -77,14 +79,21 @@ class ChecksumsFollowImports : public Property {
   void DeviceChanged(Scene& scene) override { checksums_ = Read(scene); }
 
   void CallBegins(Scene& scene, const WatchedCall& call) override {
-    if (call.name == kImport) next_process_ = scene.device.kernel().next_process_id;
+    if (call.name != kImport) return;
+    const sim::Kernel& kernel = scene.device.kernel();
+    next_process_ = kernel.next_process_id;
+    // The importer of a killed process may still read the file, which cannot be opened then.
+    another_imports_ = std::ranges::any_of(kernel.program_processes, [](const auto& process) {
+      return process->alive && process->name.ends_with("orqautoreg.exe");
+    });
   }
 
   void CallEnds(Scene& scene, const WatchedCall& call) override {
     if (call.name != kImport || scene.programs > 0) return;
     const bool has_run = scene.device.kernel().next_process_id != next_process_;
     const std::string& file = call.arguments->at(1);
-    if (has_run && call.undisturbed() && call.returned() && call.outcome->code == 0) {
+    const bool is_plain = has_run && !another_imports_ && call.undisturbed();
+    if (is_plain && call.returned() && call.outcome->code == 0) {
       Met();
       const std::uint32_t sum = ChecksumOfFile(scene, call.arguments->at(0) + '\\' + file);
       if (scene.Dword(kChecksums, file) != sum) {
@@ -126,6 +135,7 @@ class ChecksumsFollowImports : public Property {
 
   Values checksums_;
   std::uint32_t next_process_ = 0;  // when the import began
+  bool another_imports_ = false;    // then
 };
 
 std::string BytesOf(std::u16string_view text) {
