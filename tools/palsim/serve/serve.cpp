@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include "tools/palsim/commands.h"
-#include "tools/palsim/device_lock.h"
 #include "tools/palsim/samples.h"
 #include "tools/palsim/serve/bench.h"
 #include "tools/palsim/serve/json_rpc.h"
@@ -25,10 +24,7 @@ bool ReadLine(std::istream& input, std::string& line) {
 }  // namespace
 
 int Serve(const ServeOptions& options) {
-  const std::filesystem::path folder = FolderOf(options.device);
-  std::optional<sim::FolderLock> lock(LockDevice(folder, Use::kRead));
-  Bench bench(folder);
-  lock.reset();
+  Bench bench(FolderOf(options.device));
   const CallMethod call = [&bench](const std::string& method, const Json& parameters) {
     return bench.Call(method, parameters);
   };
